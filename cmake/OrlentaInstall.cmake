@@ -1,0 +1,30 @@
+# What `cmake --install` puts where: headers, libraries, tools, the CMake package and the pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS orlenta orlenta_static EXPORT orlentaTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orlenta ${PROJECT_BINARY_DIR}/include/orlenta
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+if(TARGET orlenta_cli)
+    install(TARGETS orlenta_cli)
+endif()
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orlenta)
+# A compiler that runs on the build machine alone is of no use where the library goes.
+if(TARGET orlentac AND NOT ORLENTA_HOST_ORLENTAC)
+    install(TARGETS orlentac EXPORT orlentaTargets)
+endif()
+install(EXPORT orlentaTargets NAMESPACE orlenta:: DESTINATION ${package_dir})
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/orlentaConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/orlentaConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/orlentaConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/orlentaConfig.cmake ${PROJECT_BINARY_DIR}/orlentaConfigVersion.cmake
+    DESTINATION ${package_dir})
+if(EXISTS ${CMAKE_CURRENT_LIST_DIR}/OrlentaCompile.cmake)
+    install(FILES ${CMAKE_CURRENT_LIST_DIR}/OrlentaCompile.cmake DESTINATION ${package_dir})
+endif()
+
+# Paths relative to the file itself, so that the installed tree can be moved.
+file(RELATIVE_PATH prefix_from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/orlenta.pc.in ${PROJECT_BINARY_DIR}/orlenta.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/orlenta.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,85 @@
+# What the targets of this tree have in common.
+include(CheckLinkerFlag)
+
+set(ORLENTA_WARNINGS -Wall -Wextra -Werror)
+set(ORLENTA_CMAKE_DIR ${CMAKE_CURRENT_LIST_DIR})
+
+# The message sets that are built, in the order of their tables.
+set(ORLENTA_REGIONS)
+foreach(region CN EU US)
+    if(ORLENTA_${region})
+        list(APPEND ORLENTA_REGIONS ${region})
+    endif()
+endforeach()
+
+# Sanitizers go into everything, tables and tests included.
+if(ORLENTA_SANITIZE)
+    add_compile_options(-fsanitize=${ORLENTA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${ORLENTA_SANITIZE})
+endif()
+
+# Compile options of everything that goes into the library: no C++ runtime, nothing visible that is not exported.
+# Exported functions call each other directly; only what preemptible.list names can be replaced.
+function(orlenta_library_options target)
+    target_compile_options(${target} PRIVATE ${ORLENTA_WARNINGS} -fno-semantic-interposition
+        $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>)
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON
+        C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
+
+# A tool, test or bench: the whole standard library is allowed.
+function(orlenta_program_options target)
+    target_compile_options(${target} PRIVATE ${ORLENTA_WARNINGS})
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+endfunction()
+
+# Linked as C, so that no C++ runtime comes in, and without start files, so that nothing runs at load time.
+function(orlenta_shared_link_options target)
+    set_target_properties(${target} PROPERTIES LINKER_LANGUAGE C)
+    target_link_libraries(${target} PRIVATE m)
+    set(preemptible ${ORLENTA_CMAKE_DIR}/preemptible.list)
+    target_link_options(${target} PRIVATE -Wl,--dynamic-list=${preemptible})
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${preemptible})
+    if(NOT ORLENTA_SANITIZE)
+        target_link_options(${target} PRIVATE -nostartfiles -Wl,-z,defs -Wl,-z,now)
+    endif()
+    # Most of the library's bytes would be relocations of the tables; packed, they all but vanish (glibc 2.36).
+    if(ORLENTA_PACK_RELOCATIONS)
+        check_linker_flag(C -Wl,-z,pack-relative-relocs ORLENTA_HAVE_PACKED_RELOCATIONS)
+        if(ORLENTA_HAVE_PACKED_RELOCATIONS)
+            target_link_options(${target} PRIVATE -Wl,-z,pack-relative-relocs)
+        endif()
+    endif()
+endfunction()
+
+# orlenta (shared) and orlenta_static, from one set of objects.
+function(orlenta_make_libraries)
+    get_property(tables GLOBAL PROPERTY ORLENTA_TABLE_OBJECTS)
+    set(objects $<TARGET_OBJECTS:orlenta_objects>)
+    foreach(table IN LISTS tables)
+        list(APPEND objects $<TARGET_OBJECTS:${table}>)
+    endforeach()
+
+    # The version's first number changes with the layout of any table: a program may hold copies of the tables that
+    # it names, made by the loader, and these have the size that the program was linked with.
+    add_library(orlenta SHARED ${objects})
+    set_target_properties(orlenta PROPERTIES SOVERSION 1 VERSION ${PROJECT_VERSION})
+    orlenta_shared_link_options(orlenta)
+
+    add_library(orlenta_static STATIC ${objects})
+    set_target_properties(orlenta_static PROPERTIES OUTPUT_NAME orlenta LINKER_LANGUAGE C)
+    target_link_libraries(orlenta_static PUBLIC m)
+
+    foreach(library orlenta orlenta_static)
+        target_include_directories(${library} PUBLIC
+            $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
+            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+        foreach(table IN LISTS tables)
+            add_dependencies(${library} ${table})
+        endforeach()
+    endforeach()
+    add_library(orlenta::orlenta ALIAS orlenta)
+    add_library(orlenta::orlenta_static ALIAS orlenta_static)
+endfunction()

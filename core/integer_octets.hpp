@@ -1,0 +1,32 @@
+// Big integers as contents octets: big-endian, in two's complement or without a sign.
+#pragma once
+
+#include "core/buffer.hpp"
+#include "core/descriptor.hpp"
+
+namespace orlenta {
+
+// Fills `a`, which must be initialised, from `count` octets (at least 1). Returns 0, or -1 without memory.
+inline int read_integer_octets(asn1_integer* a, const uint8_t* octets, uint32_t count, bool is_unsigned) {
+    uint32_t size = (count - 1) / 4 + 1;
+    if (asn1_integer_resize(a, size) != 0) return -1;
+    uint32_t limb = !is_unsigned && (octets[0] & 0x80) != 0 ? UINT32_MAX : 0;
+    for (uint32_t left = count; left > 0; --left) {
+        limb = limb << 8 | *octets++;
+        if ((left - 1) % 4 == 0) a->limbs[(left - 1) / 4] = limb;
+    }
+    if (!is_unsigned) return asn1_integer_from_2comp(a);
+    a->negative = 0;
+    asn1_integer_renorm(a);
+    return 0;
+}
+
+// Appends the low `count` octets of a two's complement form. Octets above its limbs are `fill`, 0x00 or 0xFF.
+inline void put_integer_octets(asn1_byte_buffer* buf, const asn1_integer* form, uint32_t count,
+                               uint8_t fill) {
+    for (uint32_t i = count; i-- > 0;) {
+        put_byte(buf, i / 4 < form->size ? static_cast<uint8_t>(form->limbs[i / 4] >> i % 4 * 8) : fill);
+    }
+}
+
+}  // namespace orlenta

@@ -1,0 +1,65 @@
+#include "core/stack.hpp"
+
+#include <pthread.h>
+#include <stddef.h>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define ORLENTA_WITH_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ORLENTA_WITH_ASAN 1
+#endif
+#endif
+
+namespace orlenta {
+
+// Left free below the deepest level. A sanitizer's allocator and formatter take more than libc's.
+#if defined(ORLENTA_WITH_ASAN)
+static constexpr uintptr_t kStackReserve = 64 * 1024;
+#else
+static constexpr uintptr_t kStackReserve = 32 * 1024;
+#endif
+
+// How far a walk may go down where the system can't tell: on a stack that is not the thread's own, as a coroutine's,
+// or without /proc.
+static constexpr uintptr_t kStackUnknown = 64 * 1024;
+
+// The lowest byte of the current thread's stack, 0 if it can't be found or `address` lies on another stack. For the
+// main thread the C library takes the resource limit and the nearest mapping below into account.
+static uintptr_t lowest_stack_byte(uintptr_t address) {
+    uintptr_t lowest = 0;
+#if defined(__linux__)
+    pthread_attr_t attributes;
+    if (pthread_getattr_np(pthread_self(), &attributes) != 0) return 0;
+    void* base = nullptr;
+    size_t size = 0;
+    size_t guard = 0;
+    if (pthread_attr_getstack(&attributes, &base, &size) == 0) {
+        uintptr_t first = reinterpret_cast<uintptr_t>(base);
+        // Some C libraries count the guard pages as a part of the stack.
+        if (pthread_attr_getguardsize(&attributes, &guard) != 0 || guard > size) guard = 0;
+        if (address >= first && address - first < size) lowest = first + guard;
+    }
+    pthread_attr_destroy(&attributes);
+#elif defined(__APPLE__)
+    uintptr_t top = reinterpret_cast<uintptr_t>(pthread_get_stackaddr_np(pthread_self()));
+    size_t size = pthread_get_stacksize_np(pthread_self());
+    if (address < top && top - address < size) lowest = top - size;
+#else
+    static_cast<void>(address);
+#endif
+    return lowest;
+}
+
+__attribute__((noinline)) bool look_up_stack(stack_guard* guard) {
+    uintptr_t address = stack_address();
+    if (!guard->is_known) {
+        uintptr_t lowest = lowest_stack_byte(address);
+        guard->lowest =
+            lowest != 0 ? lowest + kStackReserve : guard->lowest + kStackAllowance - kStackUnknown;
+        guard->is_known = true;
+    }
+    return address >= guard->lowest;
+}
+
+}  // namespace orlenta

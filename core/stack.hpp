@@ -1,0 +1,33 @@
+// Keeps a recursive walk off the end of its thread's stack: an input may nest deeper than the stack bears.
+#pragma once
+
+#include <stdint.h>
+
+namespace orlenta {
+
+// Starts out at a small allowance below the walk's entry point, so that an ordinary message costs one comparison a
+// level. Only a walk that uses the allowance up asks the system how far the stack really goes.
+struct stack_guard {
+    uintptr_t lowest;  // the lowest address at which a level of the walk may begin
+    bool is_known;     // `lowest` comes from the system
+};
+
+// Bytes that the caller's thread must have left at the entry point, besides kStackReserve.
+constexpr uintptr_t kStackAllowance = 16 * 1024;
+
+inline uintptr_t stack_address() { return reinterpret_cast<uintptr_t>(__builtin_frame_address(0)); }
+
+// Begins a walk here.
+inline stack_guard begin_stack() { return {stack_address() - kStackAllowance, false}; }
+
+// Finds the real limit, once, and holds the current address against it.
+bool look_up_stack(stack_guard* guard);
+
+// Whether the walk may go down one more level. The stack below the limit bears whatever a level calls that does not
+// come back here: formatting, the allocator, qsort. Values of recursive types pass through a list, an indirect
+// component or an open type, so that these are the places to ask.
+inline bool has_stack(stack_guard* guard) {
+    return __builtin_expect(stack_address() >= guard->lowest, 1) || look_up_stack(guard);
+}
+
+}  // namespace orlenta

@@ -1,0 +1,119 @@
+#include "core/text_writer.hpp"
+
+#include <orlenta/scalar.h>
+#include <stdio.h>
+
+namespace orlenta {
+
+void put_spaces(asn1_byte_buffer* buf, int64_t n) {
+    if (n < 1 || !reserve(buf, static_cast<uint64_t>(n))) return;
+    memset(buf->data + buf->length, ' ', static_cast<size_t>(n));
+    buf->length += static_cast<uint64_t>(n);
+}
+
+// ---- numbers -------------------------------------------------------------------------------------------
+
+void put_unsigned(asn1_byte_buffer* buf, uint32_t v) {
+    char digits[10];
+    char* at = digits + sizeof digits;
+    do {
+        *--at = static_cast<char>('0' + v % 10);
+        v /= 10;
+    } while (v != 0);
+    asn1_put_bytes(buf, at, static_cast<uint64_t>(digits + sizeof digits - at));
+}
+
+void put_signed(asn1_byte_buffer* buf, int32_t v) {
+    uint32_t magnitude = static_cast<uint32_t>(v);
+    if (v < 0) {
+        put_char(buf, '-');
+        magnitude = 0 - magnitude;
+    }
+    put_unsigned(buf, magnitude);
+}
+
+static int put_big_integer(asn1_byte_buffer* buf, const asn1_integer* value) {
+    char* block;
+    size_t length;
+    const char* text = asn1_integer_to_str(value, &block, &length);
+    if (!text) return -1;
+    asn1_put_bytes(buf, text, length);
+    asn1_free(block);
+    return 0;
+}
+
+int put_integer(asn1_byte_buffer* buf, const asn1_type_desc* type, const void* value) {
+    if (is_big_integer(type)) return put_big_integer(buf, static_cast<const asn1_integer*>(value));
+    if (is_unsigned_integer(type)) {
+        put_unsigned(buf, load32(value));
+    } else {
+        put_signed(buf, static_cast<int32_t>(load32(value)));
+    }
+    return 0;
+}
+
+static void put_finite_real(asn1_byte_buffer* buf, double value, char letter) {
+    char text[64];
+    int length = snprintf(text, sizeof text, letter == 'E' ? "%0.18E" : "%0.18e", value);
+    if (length < 0) return;
+    const char* exponent = strchr(text, letter);
+    if (!exponent || exponent[1] != '+') {
+        asn1_put_bytes(buf, text, static_cast<uint64_t>(length));
+        return;
+    }
+    asn1_put_bytes(buf, text, static_cast<uint64_t>(exponent + 1 - text));
+    asn1_puts(buf, exponent + 2);
+}
+
+void put_real(asn1_byte_buffer* buf, double value, const real_forms& forms) {
+    uint64_t bits;
+    memcpy(&bits, &value, sizeof bits);
+    bool negative = bits >> 63 != 0;
+    uint64_t magnitude = bits & ~(UINT64_C(1) << 63);
+    constexpr uint64_t kInfinity = UINT64_C(0x7FF0000000000000);
+    if (magnitude > kInfinity) {
+        asn1_puts(buf, forms.not_a_number);
+    } else if (magnitude == kInfinity) {
+        asn1_puts(buf, negative ? forms.minus_infinity : forms.plus_infinity);
+    } else if (magnitude == 0) {
+        asn1_puts(buf, negative ? forms.minus_zero : forms.plus_zero);
+    } else {
+        put_finite_real(buf, value, forms.exponent);
+    }
+}
+
+// ---- strings -------------------------------------------------------------------------------------------
+
+void put_hex_digits(asn1_byte_buffer* buf, const uint8_t* data, uint64_t nibbles, const char* digits) {
+    if (!reserve(buf, nibbles)) return;
+    uint8_t* out = buf->data + buf->length;
+    for (uint64_t i = 0; i < nibbles; ++i) {
+        uint8_t byte = data[i >> 1];
+        out[i] = static_cast<uint8_t>(digits[i & 1 ? byte & 15 : byte >> 4]);
+    }
+    buf->length += nibbles;
+}
+
+void put_utf8(asn1_byte_buffer* buf, uint32_t code) {
+    uint8_t utf8[4];
+    asn1_put_bytes(buf, utf8, static_cast<uint64_t>(asn1_to_utf8(utf8, code)));
+}
+
+// ---- hook and end --------------------------------------------------------------------------------------
+
+void put_hook_text(asn1_byte_buffer* buf, const hook_text& text) {
+    if (text.length > 0) asn1_put_bytes(buf, text.data, static_cast<uint64_t>(text.length));
+    asn1_free(text.data);
+}
+
+int64_t finish_text(asn1_byte_buffer* buf, int result, uint8_t** out) {
+    if (result == 0 && !buf->failed) {
+        *out = buf->data;
+        return static_cast<int64_t>(buf->length);
+    }
+    asn1_free(buf->data);
+    *out = nullptr;
+    return result != 0 ? result : -1;
+}
+
+}  // namespace orlenta

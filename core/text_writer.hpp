@@ -1,0 +1,78 @@
+// What the encoders of text (GSER, JER, XER) print alike. Nothing here reports a failed growth of the buffer:
+// finish_text() looks at the buffer's flag once, at the end.
+#pragma once
+
+#include <orlenta/text.h>
+#include <orlenta/value.h>
+
+#include "core/buffer.hpp"
+#include "core/descriptor.hpp"
+#include "core/stack.hpp"
+
+namespace orlenta {
+
+inline constexpr char kLowerHexDigits[] = "0123456789abcdef";
+inline constexpr char kUpperHexDigits[] = "0123456789ABCDEF";
+
+inline void put_char(asn1_byte_buffer* buf, char c) { put_byte(buf, static_cast<uint8_t>(c)); }
+
+// Appends `n` spaces; nothing if `n` is below 1.
+void put_spaces(asn1_byte_buffer* buf, int64_t n);
+
+void put_unsigned(asn1_byte_buffer* buf, uint32_t v);
+void put_signed(asn1_byte_buffer* buf, int32_t v);
+
+// An INTEGER of either form in decimal. -1 if the text of a big one could not be made.
+int put_integer(asn1_byte_buffer* buf, const asn1_type_desc* type, const void* value);
+
+// How a syntax writes the doubles that have no digits, and its exponent letter, 'e' or 'E'.
+struct real_forms {
+    const char* plus_zero;
+    const char* minus_zero;
+    const char* not_a_number;
+    const char* plus_infinity;
+    const char* minus_infinity;
+    char exponent;
+};
+
+// A REAL: one of the forms, or 19 digits and an exponent without a plus sign. The decimal point is the
+// locale's.
+void put_real(asn1_byte_buffer* buf, double value, const real_forms& forms);
+
+// `nibbles` hexadecimal digits, the high nibble of each byte first.
+void put_hex_digits(asn1_byte_buffer* buf, const uint8_t* data, uint64_t nibbles, const char* digits);
+
+// The UTF-8 form of a code point.
+void put_utf8(asn1_byte_buffer* buf, uint32_t code);
+
+// ---- the caller's hook ---------------------------------------------------------------------------------
+
+struct text_hook {
+    asn1_text_hook* function;  // null: none
+    void* data;
+};
+
+// A text that the hook made, owned until put_hook_text() has appended it.
+struct hook_text {
+    char* data;
+    int64_t length;
+};
+
+// Offers a value to the hook; false if the encoder has to print it.
+inline bool call_hook(const text_hook& hook, const asn1_type_desc* type, const void* value, int32_t depth,
+                      hook_text* text) {
+    if (!hook.function) return false;
+    text->data = nullptr;
+    text->length = hook.function(hook.data, &text->data, type, value, depth);
+    return text->length >= 0;
+}
+
+void put_hook_text(asn1_byte_buffer* buf, const hook_text& text);
+
+// ---- the end of an encode ------------------------------------------------------------------------------
+
+// Hands the text to the caller if the walk and all growths went well: its length, or else a negative result
+// and null.
+int64_t finish_text(asn1_byte_buffer* buf, int result, uint8_t** out);
+
+}  // namespace orlenta
