@@ -55,8 +55,8 @@ ORLENTA_API int asn1_put_bytes(asn1_byte_buffer* buf, const void* src, uint64_t 
 /* Appends a text without its terminator. Result as asn1_put_bytes. */
 ORLENTA_API int asn1_puts(asn1_byte_buffer* buf, const char* str);
 
-/* Appends formatted text of at most 511 bytes, without terminator; longer text goes through asn1_puts. Returns the
- * number of bytes appended, or a negative number if memory was not to be had. */
+/* Appends formatted text without its terminator. Returns the number of bytes appended, or a negative number if memory
+ * was not to be had or the format failed; `failed` is then set. */
 ORLENTA_API int asn1_vprintf(asn1_byte_buffer* buf, const char* format, va_list args)
     __attribute__((format(printf, 2, 0)));
 

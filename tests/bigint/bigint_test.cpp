@@ -1,0 +1,322 @@
+#include <gtest/gtest.h>
+#include <orlenta/integer.h>
+#include <orlenta/memory.h>
+#include <string.h>
+
+#include <boost/multiprecision/cpp_int.hpp>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/support/failing_allocator.hpp"
+
+namespace {
+
+using boost::multiprecision::cpp_int;
+using orlenta::test::allocator_has_failed;
+using orlenta::test::for_each_failed_allocation;
+using orlenta::test::live_blocks;
+
+// A record that a test owns.
+struct number : asn1_integer {
+    number() { asn1_integer_init(this); }
+    explicit number(const std::string& text) : number() {
+        const char* cursor = text.c_str();
+        EXPECT_EQ(asn1_integer_from_str(this, &cursor), 0);
+    }
+    explicit number(const std::vector<uint32_t>& limbs_of) : number() {
+        EXPECT_EQ(asn1_integer_resize(this, limbs_of.size()), 0);
+        for (size_t i = 0; i < limbs_of.size(); ++i) limbs[i] = limbs_of[i];
+    }
+    number(const number&) = delete;
+    ~number() { asn1_integer_clear(this); }
+};
+
+std::string text_of(const asn1_integer& a) {
+    char* block;
+    size_t length;
+    std::string text = asn1_integer_to_str(&a, &block, &length);
+    EXPECT_EQ(text.size(), length);
+    asn1_free(block);
+    return text;
+}
+
+std::vector<uint32_t> limbs_of(const asn1_integer& a) {
+    return std::vector<uint32_t>(a.limbs, a.limbs + a.size);
+}
+
+bool is_normalised(const asn1_integer& a) { return a.size == 0 ? a.negative == 0 : a.limbs[a.size - 1] != 0; }
+
+const char* const kNumbers[] = {
+    "0",
+    "1",
+    "-1",
+    "2",
+    "-2",
+    "127",
+    "-128",
+    "-129",
+    "255",
+    "999999999",
+    "1000000000",
+    "2147483647",
+    "2147483648",
+    "-2147483648",
+    "-2147483649",
+    "4294967295",
+    "-4294967295",
+    "4294967296",
+    "-4294967296",
+    "4294967297",
+    "9223372036854775807",
+    "9223372036854775808",
+    "-9223372036854775808",
+    "-9223372036854775809",
+    "18446744073709551615",
+    "18446744073709551616",
+    "-18446744073709551616",
+    "1000000000000000000",
+    "79228162514264337593543950335",
+    "79228162514264337593543950336",
+    "-79228162514264337593543950336",
+};
+
+TEST(BigInteger, SetFromMachineIntegers) {
+    number a;
+    const struct {
+        int64_t value;
+        uint32_t size;
+    } cases[] = {{0, 0},         {1, 1},        {-1, 1}, {INT32_MIN, 1}, {INT64_C(1) << 32, 2},
+                 {INT64_MAX, 2}, {INT64_MIN, 2}};
+    for (const auto& c : cases) {
+        ASSERT_EQ(asn1_integer_set_si64(&a, c.value), 0);
+        EXPECT_EQ(a.size, c.size);
+        EXPECT_EQ(text_of(a), std::to_string(c.value));
+        EXPECT_TRUE(is_normalised(a));
+    }
+    asn1_integer_set_si(&a, INT32_MIN);
+    EXPECT_EQ(limbs_of(a), std::vector<uint32_t>{0x80000000});
+    EXPECT_EQ(a.negative, 1);
+    asn1_integer_set_ui(&a, UINT32_MAX);
+    EXPECT_EQ(text_of(a), "4294967295");
+    asn1_integer_set_ui64(&a, UINT64_MAX);
+    EXPECT_EQ(text_of(a), "18446744073709551615");
+    EXPECT_EQ(asn1_integer_set(&a, &a), 0);
+    asn1_integer_set_ui(&a, 0);
+    EXPECT_TRUE(is_normalised(a));
+}
+
+TEST(BigInteger, ResizeGrowsByHalfUpToTheLimit) {
+    number a;
+    const struct { uint32_t n, capacity; } steps[] = {{1, 1}, {10, 10}, {3, 10}, {11, 15}, {100, 100}};
+    for (const auto& step : steps) {
+        ASSERT_EQ(asn1_integer_resize(&a, step.n), 0);
+        EXPECT_EQ(a.size, step.n);
+        EXPECT_EQ(a.capacity, step.capacity);
+    }
+    for (uint32_t n : {UINT32_C(0x4000000), UINT32_MAX}) {
+        EXPECT_EQ(asn1_integer_resize(&a, n), -1);
+        EXPECT_EQ(a.size, 100u);
+        EXPECT_EQ(a.capacity, 100u);
+    }
+}
+
+TEST(BigInteger, OrderAndSumsAgreeWithBoost) {
+    for (const char* x : kNumbers) {
+        for (const char* y : kNumbers) {
+            number a{std::string(x)}, b{std::string(y)};
+            cpp_int p(x), q(y);
+            EXPECT_EQ(asn1_integer_cmp(&a, &b), (p > q) - (p < q)) << x << " " << y;
+            for (int sub : {0, 1}) {
+                std::string expected = (sub != 0 ? cpp_int(p - q) : cpp_int(p + q)).str();
+                number r, into_a{std::string(x)}, into_b{std::string(y)};
+                ASSERT_EQ(asn1_integer_add_internal(&r, &a, &b, sub), 0);
+                ASSERT_EQ(asn1_integer_add_internal(&into_a, &into_a, &b, sub), 0);
+                ASSERT_EQ(asn1_integer_add_internal(&into_b, &a, &into_b, sub), 0);
+                for (const number* result : {&r, &into_a, &into_b}) {
+                    EXPECT_EQ(text_of(*result), expected) << x << (sub != 0 ? " - " : " + ") << y;
+                    EXPECT_TRUE(is_normalised(*result)) << x << " " << y;
+                }
+            }
+        }
+        for (int sub : {0, 1}) {
+            number all{std::string(x)};
+            ASSERT_EQ(asn1_integer_add_internal(&all, &all, &all, sub), 0);
+            EXPECT_EQ(text_of(all), (sub != 0 ? cpp_int(0) : cpp_int(x) * 2).str());
+            EXPECT_TRUE(is_normalised(all));
+        }
+        for (int32_t v : {INT32_MIN, -1, 0, 1, INT32_MAX}) {
+            number a{std::string(x)};
+            EXPECT_EQ(asn1_integer_cmp_si(&a, v), (cpp_int(x) > v) - (cpp_int(x) < v)) << x << " " << v;
+        }
+    }
+    EXPECT_EQ(live_blocks(), 0u);
+}
+
+TEST(BigInteger, CarriesAndBorrowsRunFar) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 2000; ++round) {
+        auto draw = [&] {
+            std::vector<uint32_t> limbs(1 + random() % 6);
+            for (uint32_t& limb : limbs)
+                limb = random() % 3 == 0 ? random() : random() % 2 == 0 ? UINT32_MAX : 0;
+            limbs.back() |= 1;
+            return limbs;
+        };
+        number a{draw()}, b{draw()}, r;
+        a.negative = random() & 1;
+        b.negative = random() & 1;
+        int sub = random() & 1;
+        cpp_int p(text_of(a)), q(text_of(b));
+        ASSERT_EQ(asn1_integer_add_internal(&r, &a, &b, sub), 0);
+        ASSERT_EQ(cpp_int(text_of(r)), sub != 0 ? cpp_int(p - q) : cpp_int(p + q));
+        uint32_t divisor = random() | 1;
+        a.negative = 0;
+        cpp_int magnitude = abs(p);
+        ASSERT_EQ(asn1_integer_div_ui(&a, divisor), static_cast<uint32_t>(cpp_int(magnitude % divisor)));
+        ASSERT_EQ(cpp_int(text_of(a)), magnitude / divisor);
+    }
+    number small{"-5"};
+    EXPECT_EQ(asn1_integer_div_ui(&small, 7), 5u);
+    EXPECT_EQ(small.size, 0u);
+    EXPECT_EQ(small.negative, 1);
+    number zero;
+    EXPECT_EQ(asn1_integer_div_ui(&zero, 7), 0u);
+}
+
+TEST(BigInteger, ToMachineIntegers) {
+    for (const char* x : kNumbers) {
+        number a{std::string(x)};
+        cpp_int p(x);
+        int32_t si = 77;
+        uint32_t ui = 77;
+        int64_t si64 = 77;
+        uint64_t ui64 = 77;
+        bool fits_si = p >= INT32_MIN && p <= INT32_MAX, fits_ui = p >= 0 && p <= UINT32_MAX;
+        bool fits_si64 = p >= INT64_MIN && p <= INT64_MAX, fits_ui64 = p >= 0 && p <= UINT64_MAX;
+        EXPECT_EQ(asn1_integer_get_si_ov(&a, &si), fits_si ? 0 : -1) << x;
+        EXPECT_EQ(asn1_integer_get_ui_ov(&a, &ui), fits_ui ? 0 : -1) << x;
+        EXPECT_EQ(asn1_integer_get_si64_ov(&a, &si64), fits_si64 ? 0 : -1) << x;
+        EXPECT_EQ(asn1_integer_get_ui64_ov(&a, &ui64), fits_ui64 ? 0 : -1) << x;
+        EXPECT_EQ(si, fits_si ? p : 77);
+        EXPECT_EQ(ui, fits_ui ? p : 77);
+        EXPECT_EQ(si64, fits_si64 ? p : 77);
+        EXPECT_EQ(ui64, fits_ui64 ? p : 77);
+        EXPECT_EQ(asn1_integer_get_ui64_ov(&a, nullptr), -1);
+        EXPECT_EQ(asn1_integer_get_bit_size(&a), p == 0 ? 0 : msb(abs(p)) + 1) << x;
+    }
+}
+
+TEST(BigInteger, TwosComplement) {
+    for (const char* x : kNumbers) {
+        number a{std::string(x)};
+        cpp_int p(x);
+        asn1_integer tmp;
+        uint32_t bits = 0, width = 0;
+        const asn1_integer* form = asn1_integer_to_2comp(&tmp, &a, &bits);
+        ASSERT_NE(form, nullptr);
+        cpp_int below = p < 0 ? cpp_int(-p - 1) : p;
+        EXPECT_EQ(bits, below == 0 ? 0 : msb(below) + 1) << x;
+        EXPECT_EQ(form == &a, p >= 0);
+        EXPECT_EQ(form->size, (bits + 31) / 32) << x;
+
+        // with a limb of sign bits on top, the form reads back
+        std::vector<uint32_t> limbs = limbs_of(*form);
+        limbs.push_back(p < 0 ? UINT32_MAX : 0);
+        number back{limbs};
+        EXPECT_EQ(asn1_integer_from_2comp(&back), 0);
+        EXPECT_EQ(text_of(back), x);
+        EXPECT_TRUE(is_normalised(back));
+        if (form == &tmp) asn1_integer_clear(&tmp);
+
+        EXPECT_EQ(asn1_integer_get_bit_size_2comp(&width, &a), 0);
+        cpp_int bound = p < 0 ? cpp_int(1 - p) : p;
+        EXPECT_EQ(width, bound == 0 ? 1 : msb(bound) + 2) << x;
+    }
+    number lowest{std::vector<uint32_t>{0x80000000}}, zero{std::vector<uint32_t>{0, 0}};
+    asn1_integer_from_2comp(&lowest);
+    EXPECT_EQ(text_of(lowest), "-2147483648");
+    zero.negative = 1;
+    asn1_integer_from_2comp(&zero);
+    EXPECT_EQ(zero.size, 0u);
+    EXPECT_EQ(zero.negative, 0);
+}
+
+TEST(BigInteger, FromText) {
+    const struct {
+        const char *text, *value, *rest;
+    } cases[] = {{"12a", "12", "a"},
+                 {"-0", "0", ""},
+                 {"000", "0", ""},
+                 {"-000000000000", "0", ""},
+                 {"00000000000007", "7", ""},
+                 {"+1", "0", "+1"},
+                 {" 1", "0", " 1"},
+                 {"", "0", ""},
+                 {"1000000000", "1000000000", ""},
+                 {"-4294967296 ", "-4294967296", " "},
+                 {"1.5", "1", ".5"},
+                 {"--1", "0", "-1"}};
+    for (const auto& c : cases) {
+        number a{"-99999999999999999999"};  // what was there before goes
+        const char* cursor = c.text;
+        ASSERT_EQ(asn1_integer_from_str(&a, &cursor), 0);
+        EXPECT_EQ(text_of(a), c.value) << c.text;
+        EXPECT_STREQ(cursor, c.rest);
+    }
+    number minus{"-"};
+    EXPECT_EQ(minus.size, 0u);
+    EXPECT_EQ(minus.negative, 1);
+    for (size_t digits : {9, 10, 18, 19, 27, 500}) {
+        std::string text = "-1";
+        for (size_t i = 1; i < digits; ++i) text += static_cast<char>('0' + i * 7 % 10);
+        EXPECT_EQ(text_of(number{text}), text);
+    }
+}
+
+TEST(BigInteger, PrintsToAStream) {
+    number a{"-18446744073709551616"};
+    char text[64] = "";
+    FILE* stream = fmemopen(text, sizeof text, "w");
+    EXPECT_EQ(asn1_integer_out_str(stream, &a), 0);
+    fclose(stream);
+    EXPECT_STREQ(text, "-18446744073709551616");
+}
+
+TEST(BigInteger, WithoutMemory) {
+    const number large{"-340282366920938463463374607431768211455"}, one{"1"};
+    for_each_failed_allocation([&] {
+        number r, shorter;
+        bool failed = asn1_integer_set(&shorter, &one) != 0 ||
+                      asn1_integer_add_internal(&shorter, &shorter, &large, 1) != 0 ||
+                      asn1_integer_add_internal(&r, &large, &one, 1) != 0;
+        EXPECT_EQ(failed, allocator_has_failed());
+    });
+    for_each_failed_allocation([&] {
+        asn1_integer tmp;
+        uint32_t bits;
+        bool made = asn1_integer_to_2comp(&tmp, &large, &bits) != nullptr;
+        EXPECT_EQ(made, !allocator_has_failed());
+        if (made) asn1_integer_clear(&tmp);
+    });
+    for_each_failed_allocation([&] {
+        uint32_t bits;
+        int result = asn1_integer_get_bit_size_2comp(&bits, &large);
+        EXPECT_EQ(result, allocator_has_failed() ? -1 : 0);
+    });
+    for_each_failed_allocation([&] {
+        char* block = nullptr;
+        const char* text = asn1_integer_to_str(&large, &block, nullptr);
+        EXPECT_EQ(text == nullptr, allocator_has_failed());
+        EXPECT_EQ(block == nullptr, allocator_has_failed());
+        asn1_free(block);
+    });
+    for_each_failed_allocation([&] {
+        number a;
+        const char* cursor = "123456789012345678901234567890";
+        int result = asn1_integer_from_str(&a, &cursor);
+        EXPECT_EQ(result, allocator_has_failed() ? -1 : 0);
+    });
+}
+
+}  // namespace

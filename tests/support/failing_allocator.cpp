@@ -1,0 +1,69 @@
+#include "tests/support/failing_allocator.hpp"
+
+#include <orlenta/memory.h>
+#include <stdlib.h>
+
+#include <unordered_set>
+
+namespace {
+
+struct allocator_state {
+    uint64_t calls = 0;
+    uint64_t first_failure = UINT64_MAX, last_failure = UINT64_MAX;
+    bool has_failed = false;
+};
+
+allocator_state state;
+
+std::unordered_set<void*>& live() {
+    static std::unordered_set<void*> blocks;
+    return blocks;
+}
+
+void plan(uint64_t first_failure, uint64_t last_failure) {
+    state = {.calls = 0, .first_failure = first_failure, .last_failure = last_failure, .has_failed = false};
+}
+
+bool fails() {
+    ++state.calls;
+    if (state.calls < state.first_failure || state.calls > state.last_failure) return false;
+    state.has_failed = true;
+    return true;
+}
+
+}  // namespace
+
+void* asn1_malloc(size_t size) { return asn1_realloc(nullptr, size); }
+
+void* asn1_realloc(void* ptr, size_t size) {
+    // A block that is not alive was freed before, or came from elsewhere.
+    if (ptr != nullptr && !live().contains(ptr)) abort();
+    if (fails()) return nullptr;
+    if (ptr != nullptr) live().erase(ptr);
+    void* block = realloc(ptr, size != 0 ? size : 1);
+    if (block == nullptr) abort();
+    live().insert(block);
+    return block;
+}
+
+void asn1_free(void* ptr) {
+    if (ptr == nullptr) return;
+    if (live().erase(ptr) == 0) abort();
+    free(ptr);
+}
+
+namespace orlenta::test {
+
+void allocator_never_fails() { plan(UINT64_MAX, UINT64_MAX); }
+void allocator_fails_at(uint64_t call) { plan(call, call); }
+void allocator_fails_from(uint64_t call) { plan(call, UINT64_MAX); }
+uint64_t allocator_calls() { return state.calls; }
+bool allocator_has_failed() { return state.has_failed; }
+size_t live_blocks() { return live().size(); }
+
+void free_live_blocks() {
+    for (void* block : live()) free(block);
+    live().clear();
+}
+
+}  // namespace orlenta::test
