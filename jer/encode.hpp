@@ -1,0 +1,48 @@
+// The JSON encoder by subject. Results are 0 or -1; the buffer's own failure shows at the end.
+#pragma once
+
+#include "core/text_writer.hpp"
+
+namespace orlenta::jer {
+
+struct asn1_jer_encoder {
+    asn1_byte_buffer buffer;
+    int64_t depth;   // nesting level; wide, so that no level given by the caller overflows
+    int64_t indent;  // spaces per level; 0: compact
+    text_hook hook;
+    stack_guard stack;
+};
+
+// Indented text only: a new line at the current level, and the space behind a colon.
+inline void put_break(asn1_jer_encoder* encoder) {
+    if (encoder->indent == 0) return;
+    put_char(&encoder->buffer, '\n');
+    put_spaces(&encoder->buffer, encoder->depth * encoder->indent);
+}
+inline void put_gap(asn1_jer_encoder* encoder) {
+    if (encoder->indent != 0) put_char(&encoder->buffer, ' ');
+}
+
+// "name": with the name as it stands.
+inline void put_name(asn1_jer_encoder* encoder, const char* name) {
+    put_char(&encoder->buffer, '"');
+    asn1_puts(&encoder->buffer, name);
+    asn1_puts(&encoder->buffer, "\":");
+    put_gap(encoder);
+}
+
+// encode.cpp
+int asn1_jer_encode_type(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value);
+
+// encode_composite.cpp
+int encode_sequence(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* record);
+int encode_list(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value);
+int encode_choice(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value);
+
+// encode_string.cpp: the first prints `bits` bits as a string of hexadecimal digits, always whole bytes.
+void print_hex(asn1_jer_encoder* encoder, const uint8_t* data, uint64_t bits);
+int encode_bit_string(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value);
+int encode_octet_string(asn1_jer_encoder* encoder, const void* value);
+int encode_char_string(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value);
+
+}  // namespace orlenta::jer

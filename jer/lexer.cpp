@@ -1,0 +1,183 @@
+#include "jer/lexer.hpp"
+
+#include <orlenta/scalar.h>
+
+#include "core/buffer.hpp"
+
+namespace orlenta::jer {
+
+void init_parser(asn1_jer_parser* parser, const uint8_t* data, uint64_t length) {
+    init_text_parser(parser, data, length);
+    parser->token = JER_TOKEN_NONE;
+    asn1_byte_buffer_init(&parser->string);
+}
+
+static void release_token(asn1_jer_parser* parser) {
+    if (parser->token == JER_TOKEN_INTEGER) clear_text_integer(&parser->number.integer);
+    parser->token = JER_TOKEN_NONE;
+}
+
+void clear_parser(asn1_jer_parser* parser) {
+    release_token(parser);
+    asn1_free(parser->string.data);
+}
+
+// ---- strings -------------------------------------------------------------------------------------------
+
+static void put_code_point(asn1_jer_parser* parser, uint32_t code) {
+    uint8_t utf8[4];
+    asn1_put_bytes(&parser->string, utf8, static_cast<uint64_t>(asn1_to_utf8(utf8, code)));
+    ++parser->code_points;
+}
+
+// Reads exactly four hexadecimal digits and moves `*position` behind them; -1 if they are not there.
+static int32_t parse_unicode_escape(const uint8_t** position, const uint8_t* end) {
+    const uint8_t* at = *position;
+    if (end - at < 4) return -1;
+    int32_t code = 0;
+    for (int i = 0; i < 4; ++i) {
+        int digit = hex_digit(*at++);
+        if (digit < 0) return -1;
+        code = code << 4 | digit;
+    }
+    *position = at;
+    return code;
+}
+
+// The cursor is behind \u. A surrogate without its partner is taken as a code point of its own.
+static int lex_unicode_escape(asn1_jer_parser* parser) {
+    int32_t code = parse_unicode_escape(&parser->cursor, parser->end);
+    if (code < 0) return parse_error(parser, "invalid escape code");
+    bool is_lead = code >= 0xD800 && code <= 0xDBFF;
+    const uint8_t* at = parser->cursor;
+    if (is_lead && parser->end - at >= 6 && at[0] == '\\' && at[1] == 'u') {
+        at += 2;
+        int32_t trail = parse_unicode_escape(&at, parser->end);
+        if (trail < 0) return parse_error(parser, "invalid escape code");
+        if (trail < 0xDC00 || trail > 0xDFFF) return parse_error(parser, "invalid surrogate pair");
+        code = 0x10000 + ((code - 0xD800) << 10) + (trail - 0xDC00);
+        parser->cursor = at;
+    }
+    put_code_point(parser, static_cast<uint32_t>(code));
+    return 0;
+}
+
+// The character that a backslash and `c` stand for, or -1. JSON's \/ is not among them.
+static int simple_escape(uint8_t c) {
+    switch (c) {
+        case '"': return '"';
+        case '\\': return '\\';
+        case 'b': return '\b';
+        case 'f': return '\f';
+        case 'n': return '\n';
+        case 'r': return '\r';
+        case 't': return '\t';
+        default: return -1;
+    }
+}
+
+// The cursor is on the backslash.
+static int lex_escape(asn1_jer_parser* parser) {
+    if (++parser->cursor == parser->end) return parse_error(parser, "unterminated string");
+    uint8_t c = *parser->cursor++;
+    if (c == 'u') return lex_unicode_escape(parser);
+    int code = simple_escape(c);
+    if (code < 0) return parse_error(parser, "invalid escape code");
+    put_code_point(parser, static_cast<uint32_t>(code));
+    return 0;
+}
+
+static int lex_multibyte(asn1_jer_parser* parser) {
+    const uint8_t* at = parser->cursor;
+    int32_t code = asn1_from_utf8(at, static_cast<uint64_t>(parser->end - at), &parser->cursor);
+    if (code < 0) return parse_error(parser, "invalid UTF-8 code");
+    put_code_point(parser, static_cast<uint32_t>(code));
+    return 0;
+}
+
+// Takes the characters that stand for themselves, control characters among them.
+static void lex_plain(asn1_jer_parser* parser) {
+    const uint8_t* start = parser->cursor;
+    const uint8_t* at = start;
+    while (at < parser->end && *at < 0x80 && *at != '"' && *at != '\\') ++at;
+    if (at == start) return;
+    uint64_t length = static_cast<uint64_t>(at - start);
+    asn1_put_bytes(&parser->string, start, length);
+    parser->code_points += length;
+    parser->cursor = at;
+}
+
+// The cursor is on the opening quote.
+static int lex_string(asn1_jer_parser* parser) {
+    parser->string.length = 0;
+    parser->code_points = 0;
+    ++parser->cursor;
+    for (;;) {
+        lex_plain(parser);
+        if (parser->cursor == parser->end) return parse_error(parser, "unterminated string");
+        uint8_t c = *parser->cursor;
+        if (c == '"') break;
+        int result = c == '\\' ? lex_escape(parser) : lex_multibyte(parser);
+        if (result != 0) return -1;
+    }
+    ++parser->cursor;
+    put_byte(&parser->string, 0);
+    if (parser->string.failed) return parse_error(parser, kNotEnoughMemory);
+    --parser->string.length;
+    parser->token = JER_TOKEN_STRING;
+    return 0;
+}
+
+// ---- tokens --------------------------------------------------------------------------------------------
+
+static int lex_number_token(asn1_jer_parser* parser) {
+    const uint8_t* at = parser->cursor;
+    if (*at == '-' && (at + 1 == parser->end || !is_digit(at[1]))) {
+        return parse_error(parser, "invalid number syntax");
+    }
+    if (lex_number(parser, &parser->string, true, &parser->number) != 0) return -1;
+    parser->token = parser->number.is_real ? JER_TOKEN_REAL : JER_TOKEN_INTEGER;
+    return 0;
+}
+
+static int lex_identifier_token(asn1_jer_parser* parser) {
+    if (lex_identifier(parser, &parser->identifier, '_') != 0) return -1;
+    parser->token = JER_TOKEN_IDENTIFIER;
+    return 0;
+}
+
+static int lex_token(asn1_jer_parser* parser) {
+    uint8_t c = *parser->cursor;
+    if (c == '"') return lex_string(parser);
+    if (c == '-' || is_digit(c)) return lex_number_token(parser);
+    if (is_letter(c)) return lex_identifier_token(parser);
+    if (c >= 0x80) return parse_error(parser, "unexpected character");
+    parser->token = c;
+    ++parser->cursor;
+    return 0;
+}
+
+// JSON's white space, and vertical tab and form feed.
+static void skip_white_space(asn1_jer_parser* parser) {
+    const uint8_t* at = parser->cursor;
+    for (; at < parser->end && (*at == ' ' || (*at >= '\t' && *at <= '\r')); ++at) {
+        if (*at == '\n') ++parser->line;
+    }
+    parser->cursor = at;
+}
+
+int next_token(asn1_jer_parser* parser) {
+    release_token(parser);
+    skip_white_space(parser);
+    if (parser->cursor == parser->end) return 0;
+    if (lex_token(parser) == 0) return 0;
+    parser->token = JER_TOKEN_ERROR;
+    return -1;
+}
+
+int skip_token(asn1_jer_parser* parser, uint32_t kind) {
+    if (parser->token != kind) return parse_error(parser, "expecting '%c'", static_cast<int>(kind));
+    return next_token(parser);
+}
+
+}  // namespace orlenta::jer
