@@ -2,6 +2,7 @@
 // lookup by name, the frame of a SEQUENCE, and the beginning and end of a decode.
 #pragma once
 
+#include <ctype.h>
 #include <orlenta/error.h>
 #include <orlenta/integer.h>
 #include <orlenta/memory.h>
@@ -43,6 +44,9 @@ inline int check_depth(text_parser* parser) {
 
 inline bool is_digit(uint8_t c) { return c >= '0' && c <= '9'; }
 inline bool is_letter(uint8_t c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+// White space in the thread's locale. No locale finds any among the printable characters of ASCII.
+inline bool is_space(uint8_t c) { return (c <= ' ' || c >= 0x7F) && isspace(c) != 0; }
 
 // The value of a hexadecimal digit of either case, or -1.
 inline int hex_digit(uint8_t c) {

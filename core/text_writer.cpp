@@ -94,6 +94,13 @@ void put_hex_digits(asn1_byte_buffer* buf, const uint8_t* data, uint64_t nibbles
     buf->length += nibbles;
 }
 
+void put_binary_digits(asn1_byte_buffer* buf, const uint8_t* data, uint64_t bits) {
+    if (!reserve(buf, bits)) return;
+    uint8_t* out = buf->data + buf->length;
+    for (uint64_t i = 0; i < bits; ++i) out[i] = data[i >> 3] >> (7 - (i & 7)) & 1 ? '1' : '0';
+    buf->length += bits;
+}
+
 void put_utf8(asn1_byte_buffer* buf, uint32_t code) {
     uint8_t utf8[4];
     asn1_put_bytes(buf, utf8, static_cast<uint64_t>(asn1_to_utf8(utf8, code)));

@@ -42,6 +42,9 @@ void put_real(asn1_byte_buffer* buf, double value, const real_forms& forms);
 // `nibbles` hexadecimal digits, the high nibble of each byte first.
 void put_hex_digits(asn1_byte_buffer* buf, const uint8_t* data, uint64_t nibbles, const char* digits);
 
+// `bits` digits 0 or 1, the high bit of each byte first.
+void put_binary_digits(asn1_byte_buffer* buf, const uint8_t* data, uint64_t bits);
+
 // The UTF-8 form of a code point.
 void put_utf8(asn1_byte_buffer* buf, uint32_t code);
 

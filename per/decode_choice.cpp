@@ -1,0 +1,39 @@
+#include "core/path.hpp"
+#include "per/decode_items.hpp"
+#include "per/decode_numbers.hpp"
+#include "per/decode_type.hpp"
+
+namespace orlenta::per {
+
+// An alternative behind the extension marker (X.691 clause 23.8). An unknown one is dropped; its selector stays.
+static int decode_extension_alternative(asn1_per_decoder* decoder, const choice_layout& choice,
+                                        void* record) {
+    uint32_t selector;
+    if (asn1_per_decode_normally_small_non_neg_whole_number(decoder, &selector) != 0) return -1;
+    selector += choice.root;
+    store32(at_offset(record, choice.selector_offset), selector);
+    if (selector >= choice.total) {
+        return asn1_per_decode_ulength_items(decoder, asn1_per_skip_open_type1, nullptr, nullptr);
+    }
+    push_name(&decoder->path, alternative_name(choice, selector));
+    int result = asn1_per_decode_open_type(decoder, alternative_type(choice, selector),
+                                           at_offset(record, choice.payload_offset));
+    pop(&decoder->path);
+    return result;
+}
+
+int decode_choice(asn1_per_decoder* decoder, const asn1_type_desc* type, void* record) {
+    choice_layout choice = choice_of(type);
+    if (is_extensible(type)) {
+        uint32_t is_extended;
+        if (asn1_get_bits(decoder, 1, &is_extended) != 0) return -1;
+        if (is_extended) return decode_extension_alternative(decoder, choice, record);
+    }
+    uint32_t selector;
+    if (asn1_per_decode_constrained_whole_number(decoder, 0, choice.root - 1, &selector) != 0) return -1;
+    store32(at_offset(record, choice.selector_offset), selector);
+    return decode_named(decoder, alternative_name(choice, selector), alternative_type(choice, selector),
+                        at_offset(record, choice.payload_offset));
+}
+
+}  // namespace orlenta::per
