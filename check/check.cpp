@@ -1,0 +1,99 @@
+// The walk over descriptor and value.
+#include "check/check.hpp"
+
+#include <orlenta/check.h>
+#include <stdlib.h>
+
+#include "core/error.hpp"
+#include "core/path.hpp"
+
+namespace orlenta::check {
+
+static int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value);
+
+// A DEFAULT component is always stored, and so always checked.
+static int check_sequence(check_state* state, const asn1_type_desc* type, const void* record) {
+    const asn1_field* field = components(type);
+    const asn1_field* end = field + component_count(type);
+    for (; field < end; ++field) {
+        if (is_presence_flagged(field) && presence_word(field, record) == 0) continue;
+        push_name(&state->path, field_name(field));
+        int result = asn1_check_value(state, field_type(field), field_value(field, record));
+        pop(&state->path);
+        if (result < 0) return result;
+    }
+    return 0;
+}
+
+static int check_list(check_state* state, const asn1_type_desc* type, const void* value) {
+    list_layout list = list_of(type);
+    const asn1_array* array = static_cast<const asn1_array*>(value);
+    if (!is_extensible(type) && (array->count < list.lower || array->count > list.upper)) {
+        return asn1_check_error(state, "sequence of length not in range %u .. %u", list.lower, list.upper);
+    }
+    for (uint64_t i = 0; i < array->count; ++i) {
+        push_index(&state->path, static_cast<int32_t>(i));
+        int result = asn1_check_value(state, list.element, at_offset(array->data, i * list.stride));
+        pop(&state->path);
+        if (result < 0) return result;
+    }
+    return 0;
+}
+
+static int check_choice(check_state* state, const asn1_type_desc* type, const void* record) {
+    choice_layout choice = choice_of(type);
+    uint32_t selector = selector_of(choice, record);
+    if (selector >= choice.total) {
+        return asn1_check_error(state, "invalid choice index (%d) range: %u .. %u",
+                                static_cast<int32_t>(selector), 0u, choice.total - 1);
+    }
+    push_name(&state->path, alternative_name(choice, selector));
+    int result =
+        asn1_check_value(state, alternative_type(choice, selector), at_offset(record, choice.payload_offset));
+    pop(&state->path);
+    return result;
+}
+
+// Behind all tags; follows the pointers of indirect ones.
+static void skip_tags(const asn1_type_desc** type, const void** value) {
+    while (kind_of(*type) == ASN1_KIND_TAGGED) {
+        if (is_indirect(*type)) *value = load_pointer(*value);
+        *type = tagged_inner(*type);
+    }
+}
+
+static int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value) {
+    if (!has_stack(&state->stack)) return asn1_check_error(state, "value nested too deeply");
+    skip_tags(&type, &value);
+    switch (kind_of(type)) {
+        case ASN1_KIND_SEQUENCE:
+        case ASN1_KIND_SET: return check_sequence(state, type, value);
+        case ASN1_KIND_SEQUENCE_OF:
+        case ASN1_KIND_SET_OF: return check_list(state, type, value);
+        case ASN1_KIND_CHOICE: return check_choice(state, type, value);
+        case ASN1_KIND_INTEGER: return check_integer(state, type, value);
+        case ASN1_KIND_BIT_STRING:
+        case ASN1_KIND_OCTET_STRING: return check_binary_string(state, type, value);
+        case ASN1_KIND_ENUMERATED: return check_enumerated(state, type, value);
+        case ASN1_KIND_CHAR_STRING: return check_char_string(state, type, value);
+        case ASN1_KIND_BOOLEAN:
+        case ASN1_KIND_NULL:
+        case ASN1_KIND_OBJECT_IDENTIFIER:
+        case ASN1_KIND_RELATIVE_OID:
+        case ASN1_KIND_REAL:
+        case ASN1_KIND_ANY: return 0;
+        default: abort();
+    }
+}
+
+}  // namespace orlenta::check
+
+int asn1_check_constraints(const asn1_type_desc* type, const void* value, asn1_error* error) {
+    orlenta::check::check_state state;
+    state.path.depth = 0;
+    asn1_error_init(&state.error);
+    state.stack = orlenta::begin_stack();
+    if (orlenta::check::asn1_check_value(&state, type, value) >= 0) return 1;
+    orlenta::hand_out_error(error, &state.error);
+    return 0;
+}

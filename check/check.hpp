@@ -1,0 +1,29 @@
+// The parts of one constraint check. Every test returns 0 for a pass or the negative result of
+// asn1_check_error.
+#pragma once
+
+#include <orlenta/error.h>
+
+#include "core/descriptor.hpp"
+#include "core/stack.hpp"
+
+namespace orlenta::check {
+
+struct check_state {
+    asn1_type_path path;
+    asn1_error error;
+    stack_guard stack;
+};
+
+// Fills the record with the current path and the message; returns -1.
+int asn1_check_error(check_state* state, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+// numbers.cpp
+int check_integer(check_state* state, const asn1_type_desc* type, const void* value);
+int check_enumerated(check_state* state, const asn1_type_desc* type, const void* value);
+
+// strings.cpp
+int check_binary_string(check_state* state, const asn1_type_desc* type, const void* value);
+int check_char_string(check_state* state, const asn1_type_desc* type, const void* value);
+
+}  // namespace orlenta::check

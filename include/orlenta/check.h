@@ -1,0 +1,30 @@
+/* The constraint checker: holds a value against the constraints that its descriptor carries.
+ *
+ * Codecs do not enforce constraints by themselves to this degree: an application runs the check on a value
+ * before it encodes it, or after it decoded it. Tested are size bounds, integer ranges, CHOICE selectors,
+ * permitted alphabets and UTF-8 form. An extension marker switches a range or size test off, but never an
+ * alphabet. Not looked at are open types, the contents of CONTAINING strings, and whether a mandatory
+ * component is there, which memory cannot tell; an ENUMERATED index is tested only roughly, and one past the
+ * last item passes.
+ */
+#ifndef ORLENTA_CHECK_H
+#define ORLENTA_CHECK_H
+
+#include <orlenta/error.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Checks the value record `value` of type `type`. Allocates nothing and changes nothing in the value; calls
+ * on different values may run in parallel. Returns 1 if the value passes. Returns 0 at the first violation,
+ * and then `error`, unless null, receives the message and the component path (X.680 constraints as in clauses
+ * 49 to 51); on success `error` stays as it was. A descriptor of an OBJECT_CLASS, which has no values, ends
+ * the process by abort(). */
+ORLENTA_API int asn1_check_constraints(const asn1_type_desc* type, const void* value, asn1_error* error);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

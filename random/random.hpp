@@ -1,0 +1,94 @@
+// The generator and the parts of a random value. The order of draws is fixed: it decides the values.
+#pragma once
+
+#include <orlenta/type.h>
+
+#include "core/descriptor.hpp"
+#include "core/stack.hpp"
+
+namespace orlenta::random {
+
+// A pair of multiply-with-carry generators.
+struct asn1_random_state {
+    uint32_t w;
+    uint32_t z;
+};
+
+struct asn1_random_params {
+    asn1_random_state* state;
+    uint32_t list_spread;        // elements above the minimum
+    uint32_t string_spread;      // octets or characters above the minimum
+    uint32_t bit_string_spread;  // bits above the minimum
+    uint32_t integer_bits;       // of a big integer without an upper limit
+    uint32_t extensions;         // flag: extension additions may be produced
+    uint32_t depth;
+    stack_guard stack;
+};
+
+// Levels of descriptors that a value may have. The draws alone end nearly every value of a recursive type far above
+// this; but where lists make more of a type than its optional components take away, some seeds would go on for ever.
+constexpr uint32_t kDepthLimit = 2048;
+
+// ---- draws (generator.cpp) ----------------------------------------------------------------------
+
+inline void step(asn1_random_state* state) {
+    state->z = 36969 * (state->z & 0xFFFF) + (state->z >> 16);
+    state->w = 18000 * (state->w & 0xFFFF) + (state->w >> 16);
+}
+
+inline uint32_t draw(asn1_random_params* params) {
+    step(params->state);
+    return (params->state->z << 16) + params->state->w;
+}
+
+inline bool coin(asn1_random_params* params) {
+    step(params->state);
+    return (params->state->w & 1) != 0;
+}
+
+inline uint8_t random_byte(asn1_random_params* params) {
+    step(params->state);
+    return static_cast<uint8_t>(params->state->w);
+}
+
+void fill_random(asn1_random_params* params, uint8_t* data, uint64_t length);
+
+// 0 to `limit`, each bit length equally likely; `limit` is 1 or more.
+uint32_t random_uint(asn1_random_params* params, uint32_t limit);
+// The same for a big integer; without a `limit`, up to `default_bits` bits. 0 or -1.
+int random_large_uint(asn1_random_params* params, uint32_t default_bits, asn1_integer* result,
+                      const asn1_integer* limit);
+
+struct size_range {
+    uint32_t minimum, maximum;
+};
+// The bounds that a length is drawn from: the root's, or, by a coin, none if the type is extensible.
+size_range choose_bounds(asn1_random_params* params, const asn1_type_desc* type, uint32_t lower,
+                         uint32_t upper);
+// A length at most `spread` above the minimum.
+uint32_t choose_length(asn1_random_params* params, size_range range, uint32_t spread);
+
+// ---- values: 0, or -1 without memory or for a defect of the descriptor --------------------------
+
+// random.cpp
+int asn1_random_type(asn1_random_params* params, const asn1_type_desc* type, void* value);
+int asn1_random_choice(asn1_random_params* params, const asn1_type_desc* type, void* record);
+
+// sequence.cpp
+int asn1_random_sequence(asn1_random_params* params, const asn1_type_desc* type, void* record);
+
+// numbers.cpp
+int asn1_random_integer(asn1_random_params* params, const asn1_type_desc* type, void* value);
+int asn1_random_large_integer(asn1_random_params* params, const asn1_type_desc* type, asn1_integer* value);
+int asn1_random_boolean(asn1_random_params* params, void* value);
+int asn1_random_enumerated(asn1_random_params* params, const asn1_type_desc* type, void* value);
+int asn1_random_real(asn1_random_params* params, void* value);
+
+// strings.cpp
+int asn1_random_bit_string(asn1_random_params* params, const asn1_type_desc* type, asn1_bit_string* value);
+int asn1_random_octet_string(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value);
+int asn1_random_char_string(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value);
+int asn1_random_object_identifier(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value);
+int asn1_random_any(asn1_random_params* params, asn1_open_value* value);
+
+}  // namespace orlenta::random
