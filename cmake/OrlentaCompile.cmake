@@ -1,0 +1,95 @@
+# orlenta_add_schema(<target> REGION <name> FILES <module.asn1>...
+#                    [HEADER <name>] [INCLUDE_DIR <folder>] [PARTS <n>] [FIRST_LOCAL <n>] [OBJECT])
+#
+# Compiles ASN.1 modules with orlentac when the project is built, and makes the library <target> of their tables.
+# All modules of one call share a name space, whose types get the prefix REGION. Link <target> together with
+# orlenta::orlenta or orlenta::orlenta_static, and include the header for records and descriptors:
+#
+#     find_package(orlenta REQUIRED)
+#     orlenta_add_schema(my_messages REGION MY FILES Sensors.asn1 Common.asn1)
+#     target_link_libraries(app PRIVATE my_messages orlenta::orlenta)
+#
+#     #include <my.h>   /* asn1_MY_SomeType, asn1_type_MY_SomeType */
+#
+#   HEADER       how the header is included; <region in lower case>.h if not given
+#   INCLUDE_DIR  folder that the header goes to, under its name; one of the build tree if not given
+#   PARTS        number of source files that the tables are spread over, for a build on several cores
+#   FIRST_LOCAL  first number of tables and constants without a name
+#   OBJECT       makes an object library instead of a static one
+#
+# The tables are C++20, so the project must have CXX enabled; the header is for C and C++. The variable
+# ORLENTA_HOST_ORLENTAC names a ready orlentac to run, for cross builds.
+include_guard(GLOBAL)
+
+function(orlenta_find_compiler command depends)
+    if(ORLENTA_HOST_ORLENTAC)
+        set(${command} ${ORLENTA_HOST_ORLENTAC} PARENT_SCOPE)
+        set(${depends} ${ORLENTA_HOST_ORLENTAC} PARENT_SCOPE)
+    elseif(TARGET orlentac)
+        set(${command} orlentac PARENT_SCOPE)
+        set(${depends} orlentac PARENT_SCOPE)
+    elseif(TARGET orlenta::orlentac)
+        set(${command} orlenta::orlentac PARENT_SCOPE)
+        set(${depends} "" PARENT_SCOPE)
+    else()
+        message(FATAL_ERROR "orlenta_add_schema: no orlentac; set ORLENTA_HOST_ORLENTAC to one that runs here")
+    endif()
+endfunction()
+
+function(orlenta_add_schema target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OBJECT" "REGION;HEADER;INCLUDE_DIR;PARTS;FIRST_LOCAL" "FILES")
+    if(NOT arg_REGION OR NOT arg_FILES)
+        message(FATAL_ERROR "orlenta_add_schema: REGION and FILES are required")
+    endif()
+    if(arg_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "orlenta_add_schema: unknown arguments ${arg_UNPARSED_ARGUMENTS}")
+    endif()
+    string(TOLOWER ${arg_REGION} region)
+    set(folder ${CMAKE_CURRENT_BINARY_DIR}/${target})
+    set(header ${region}.h)
+    set(include_dir ${folder}/include)
+    set(parts 1)
+    set(first_local 1)
+    foreach(option HEADER INCLUDE_DIR PARTS FIRST_LOCAL)
+        if(arg_${option})
+            string(TOLOWER ${option} variable)
+            set(${variable} ${arg_${option}})
+        endif()
+    endforeach()
+
+    set(modules)
+    foreach(file IN LISTS arg_FILES)
+        cmake_path(ABSOLUTE_PATH file)
+        list(APPEND modules ${file})
+    endforeach()
+    set(sources ${folder}/${region}_records.cpp)
+    foreach(part RANGE 1 ${parts})
+        list(APPEND sources ${folder}/${region}_tables_${part}.cpp)
+    endforeach()
+
+    # orlentac leaves files alone whose text is the same, so a stamp tells that it has run.
+    orlenta_find_compiler(orlentac depends)
+    set(stamp ${folder}/${region}.stamp)
+    add_custom_command(OUTPUT ${stamp}
+        BYPRODUCTS ${sources} ${include_dir}/${header}
+        COMMAND ${orlentac} --region ${arg_REGION} --tables-dir ${folder} --header ${include_dir}/${header}
+            --include-name ${header} --parts ${parts} --first-local ${first_local} ${modules}
+        COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+        DEPENDS ${modules} ${depends}
+        COMMENT "Compiling the schema of ${arg_REGION}" VERBATIM)
+    add_custom_target(${target}_sources DEPENDS ${stamp})
+
+    if(arg_OBJECT)
+        add_library(${target} OBJECT ${sources})
+    else()
+        add_library(${target} STATIC ${sources})
+        target_include_directories(${target} PUBLIC
+            $<TARGET_PROPERTY:orlenta::orlenta,INTERFACE_INCLUDE_DIRECTORIES>)
+    endif()
+    add_dependencies(${target} ${target}_sources)
+    target_include_directories(${target} PUBLIC ${include_dir})
+    target_compile_features(${target} PRIVATE cxx_std_20)
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    # Constants only: nothing to optimise, nothing to debug.
+    target_compile_options(${target} PRIVATE -O1 -g0)
+endfunction()

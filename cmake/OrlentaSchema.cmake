@@ -1,0 +1,40 @@
+# The message sets that come with the library.
+include(OrlentaCompile)
+
+# orlenta_region(<name> PARTS <n> FIRST_LOCAL <n>): the tables of the modules in schema/<name in lower case>, for the
+# library, and the header <orlenta/name.h>. Numbers of tables without a name are set apart by FIRST_LOCAL, so that a
+# name of a constant occurs once in the whole library.
+function(orlenta_region name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "PARTS;FIRST_LOCAL" "")
+    string(TOLOWER ${name} folder)
+    file(GLOB modules CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.asn1)
+    if(NOT modules)
+        message(STATUS "orlenta: no modules for the region ${name}")
+        return()
+    endif()
+    set(target orlenta_tables_${folder})
+    orlenta_add_schema(${target} REGION ${name} FILES ${modules}
+        HEADER orlenta/${folder}.h INCLUDE_DIR ${PROJECT_BINARY_DIR}/include
+        PARTS ${arg_PARTS} FIRST_LOCAL ${arg_FIRST_LOCAL} OBJECT)
+    orlenta_library_options(${target})
+    set_property(GLOBAL APPEND PROPERTY ORLENTA_TABLE_OBJECTS ${target})
+    orlenta_list_tables(${name} FIRST_LOCAL ${arg_FIRST_LOCAL} FILES ${modules})
+endfunction()
+
+# The tables of a region by name, for tools and tests: a source file of the target orlenta_catalogue.
+function(orlenta_list_tables name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "FIRST_LOCAL" "FILES")
+    if(NOT TARGET orlenta_catalogue)
+        add_library(orlenta_catalogue STATIC EXCLUDE_FROM_ALL)
+        target_include_directories(orlenta_catalogue PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+        target_link_libraries(orlenta_catalogue INTERFACE orlenta_static)
+    endif()
+    orlenta_find_compiler(orlentac depends)
+    set(list ${CMAKE_CURRENT_BINARY_DIR}/${name}_catalogue.cpp)
+    add_custom_command(OUTPUT ${list}
+        COMMAND ${orlentac} --region ${name} --list ${list} --first-local ${arg_FIRST_LOCAL} ${arg_FILES}
+        COMMAND ${CMAKE_COMMAND} -E touch ${list}
+        DEPENDS ${arg_FILES} ${depends}
+        COMMENT "Listing the tables of ${name}" VERBATIM)
+    target_sources(orlenta_catalogue PRIVATE ${list})
+endfunction()

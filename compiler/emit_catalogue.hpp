@@ -1,0 +1,13 @@
+// Writes a list of all tables of a region by name, as C++ source.
+#pragma once
+
+#include <string>
+
+#include "compiler/layout.hpp"
+
+namespace orlentac {
+
+// The text of a source file that defines orlenta_catalogue_<REGION> and its count, as compiler/catalogue.hpp says.
+std::string emit_catalogue(const Layout& layout);
+
+}  // namespace orlentac

@@ -1,0 +1,135 @@
+// orlentac: from ASN.1 modules to descriptor tables and a header with value records.
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cctype>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "compiler/diagnostics.hpp"
+#include "compiler/emit_catalogue.hpp"
+#include "compiler/emit_header.hpp"
+#include "compiler/emit_tables.hpp"
+#include "compiler/frontend.hpp"
+#include "compiler/layout.hpp"
+#include "compiler/output.hpp"
+#include "compiler/summary.hpp"
+
+using namespace orlentac;
+
+namespace {
+
+constexpr int kSchemaError = 1;
+constexpr int kBadUsage = 2;
+
+struct Options {
+    LayoutOptions layout;
+    std::string tables_dir;
+    std::string header;
+    std::string include_name;
+    std::string list;
+    size_t parts = 1;
+    bool summary = false;
+    std::vector<std::string> modules;
+};
+
+constexpr const char* kManual =
+    "Compiles ASN.1 modules (X.680 to X.683, automatic tags) to constant tables for liborlenta.\n"
+    "All modules of one run form a region: one flat name space, told apart from others by its name. A type\n"
+    "Some-Type of the region CN becomes the descriptor asn1_type_CN_Some_Type and the record\n"
+    "asn1_CN_Some_Type. Without --tables-dir and --header the modules are only checked.\n";
+
+constexpr const char* kExamples =
+    "\nExamples:\n"
+    "  orlentac --region MY --tables-dir gen --header gen/my.h Sensors.asn1 Common.asn1\n"
+    "  orlentac --region MY --summary Sensors.asn1 Common.asn1\n"
+    "\nWith CMake, use orlenta_add_schema(target REGION MY FILES Sensors.asn1 Common.asn1).\n"
+    "\nExit status: 0 done; 1 the modules have errors, or a file cannot be written; 2 bad usage.\n";
+
+std::string check_region(const std::string& name) {
+    bool good = !name.empty() && std::isalpha(static_cast<unsigned char>(name[0]));
+    for (char c : name) good = good && (std::isalnum(static_cast<unsigned char>(c)) || c == '_');
+    return good ? "" : "a region's name is made of letters, digits and underscores, a letter first";
+}
+
+void declare_options(CLI::App& app, Options& options) {
+    app.add_option("-r,--region", options.layout.region, "Name of the region, the prefix of all its types")
+        ->required()
+        ->check(CLI::Validator(check_region, "NAME"));
+    app.add_option(
+        "-t,--tables-dir", options.tables_dir,
+        "Folder for <region>_tables_<i>.cpp and, with --header, <region>_records.cpp, which checks the "
+        "header's records against the tables when compiled");
+    app.add_option("-H,--header", options.header,
+                   "C and C++ header to write: records, constants, descriptors");
+    app.add_option("-i,--include-name", options.include_name,
+                   "How the header is included, as orlenta/cn.h; its file name if not given");
+    app.add_option("-l,--list", options.list,
+                   "C++ source to write: a list of all tables by name, orlenta_catalogue_<REGION>");
+    app.add_option("-p,--parts", options.parts, "Number of source files to spread the tables over")
+        ->capture_default_str()
+        ->check(CLI::Range(1, 1000));
+    app.add_option(
+           "--first-local", options.layout.first_local,
+           "First number for tables and constants without a name; to be set apart if several regions shall "
+           "have different numbers")
+        ->capture_default_str();
+    app.add_flag("-s,--summary", options.summary, "Print how many tables there are of each sort and kind");
+    app.add_option("modules", options.modules, "ASN.1 files")->required();
+    app.footer(kExamples);
+}
+
+std::string lower(std::string text) {
+    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+}
+
+std::vector<OutputFile> output_files(const Layout& layout, const Options& options) {
+    std::vector<OutputFile> files;
+    std::string include_name = options.include_name;
+    if (include_name.empty()) include_name = std::filesystem::path(options.header).filename().string();
+    if (!options.header.empty()) files.push_back({options.header, emit_header(layout, include_name)});
+    if (!options.list.empty()) files.push_back({options.list, emit_catalogue(layout)});
+    if (options.tables_dir.empty()) return files;
+
+    std::string stem = options.tables_dir + "/" + lower(layout.region);
+    std::vector<std::string> tables = emit_tables(layout, options.parts);
+    for (size_t i = 0; i < tables.size(); i++)
+        files.push_back({fmt::format("{}_tables_{}.cpp", stem, i + 1), tables[i]});
+    if (!options.header.empty())
+        files.push_back({stem + "_records.cpp", emit_record_checks(layout, include_name)});
+    return files;
+}
+
+int run(const Options& options) {
+    Schema schema;
+    Diagnostics diags;
+    Layout layout;
+    if (!load_schema(options.modules, schema, diags) || !make_layout(schema, options.layout, layout, diags)) {
+        print_errors(std::cerr, diags);
+        return kSchemaError;
+    }
+    std::string problem;
+    if (!write_files(output_files(layout, options), problem)) {
+        std::cerr << "orlentac: " << problem << "\n";
+        return kSchemaError;
+    }
+    if (options.summary) std::cout << summary_text(summarise(layout));
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app(kManual, "orlentac");
+    Options options;
+    declare_options(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : kBadUsage;
+    }
+    return run(options);
+}
