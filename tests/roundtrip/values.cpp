@@ -1,0 +1,166 @@
+#include "tests/roundtrip/values.hpp"
+
+#include <gtest/gtest.h>
+#include <orlenta/memory.h>
+#include <orlenta/random.h>
+#include <orlenta/type_info.h>
+
+#include <map>
+#include <string>
+
+#include "core/descriptor.hpp"
+#include "tests/support/universal_types.hpp"
+
+namespace orlenta::test {
+
+// Kinds that no message set uses, so that they go through as well.
+static constexpr asn1_word chars(uint32_t tag) { return head(ASN1_KIND_CHAR_STRING, kLower, tag); }
+static const asn1_word kSomeBmp[] = {chars(30), num(ASN1_STRING_BMP), num(0), num(1), num(0), num(0xFFFF)};
+static const asn1_word kSomeUniversal[] = {
+    chars(28), num(ASN1_STRING_UNIVERSAL), num(0), num(2), num(0x20), num(0x7E), num(0x1F300), num(0x1F5FF)};
+static const asn1_word kGeneral[] = {head(ASN1_KIND_CHAR_STRING, 0, 27), num(ASN1_STRING_GENERAL)};
+// clang-format off
+static const asn1_word kPlainSet[] = {
+    head(ASN1_KIND_SET, 0, 17), num(3), num(64),
+    field(8, ASN1_OPTION_OPTIONAL), ref(kReal), num(0), txt("a"),
+    field(16), ref(kTagged<0, kSomeBmp>), num(0), txt("b"),
+    field(32), ref(kExplicitChoice), num(0), txt("c"),
+};
+#define kind(type) {#type, "", type}
+static const orlenta_catalogue_entry kKinds[] = {
+    kind(kBig), kind(kReal), kind(kRelativeOid), kind(kAny), kind(kSomeBmp), kind(kSomeUniversal), kind(kGeneral),
+    kind(kPlainSet), kind(kRecord), kind(kChoice), kind(kOuterChoice), kind(kTaggedChoice),
+    kind(kOpenRecord<kOpen>), kind(kOpenRecord<kTaggedOpen>),
+};
+#undef kind
+// clang-format on
+
+// A static of the function: tests are instantiated before main().
+std::span<const Region> all_regions() {
+#define row(region) {#region, {orlenta_catalogue_##region, orlenta_catalogue_##region##_count}},
+    static const Region regions[] = {{"Kinds", kKinds}, ORLENTA_REGION_ROWS};
+#undef row
+    return regions;
+}
+
+uint32_t seed_of(const orlenta_catalogue_entry& entry, uint32_t round) {
+    uint32_t hash = 0x811C9DC5 + round * 0x9E3779B9;
+    for (const char* c = entry.table; *c; ++c) hash = (hash ^ static_cast<uint8_t>(*c)) * 0x01000193;
+    return hash;
+}
+
+// ---- open types --------------------------------------------------------------------------------------------------
+
+static bool resolve_open_types(const asn1_type_desc* type, void* value, const asn1_parent_frame* frame,
+                               uint32_t seed);
+
+// Puts the key of one of the table's rows into the enclosing record, so that the open type has a type.
+static void choose_key(const asn1_table_constraint* table, const asn1_parent_frame* frame, uint32_t seed) {
+    const asn1_word* selector = selectors_of(table);
+    ASSERT_EQ(low32(table->selector_count), 1u);
+    ASSERT_EQ(selector[0].number, 0u) << "levels to go up";
+    ASSERT_EQ(selector[1].number, ASN1_SELECTOR_LAST) << "path: the first component";
+    uint32_t columns = class_field_count(table->object_class.type);
+    const asn1_word* chosen = table->rows.type + seed % low32(table->row_count) * columns;
+    const asn1_field* key = components(frame->desc);
+    void* place = field_value(key, const_cast<void*>(frame->value));
+    asn1_free_value_struct(field_type(key), place);
+    ASSERT_EQ(asn1_copy_value(field_type(key), place, chosen[low32(selector[2])].address), 0);
+}
+
+static bool resolve_open_type(const asn1_type_desc* type, asn1_open_value* open,
+                              const asn1_parent_frame* frame, uint32_t seed) {
+    const asn1_table_constraint* table = table_constraint_of(type);
+    if (!frame || !table || low32(table->row_count) == 0) return false;
+    const asn1_type_desc* actual = asn1_get_constrained_type(frame, type);
+    if (!actual) {
+        choose_key(table, frame, seed);
+        actual = asn1_get_constrained_type(frame, type);
+    }
+    if (!actual) return false;
+    asn1_free(open->data);
+    *open = {actual, asn1_random(actual, seed), 0};
+    return resolve_open_types(actual, open->data, frame, seed);
+}
+
+static bool resolve_in_sequence(const asn1_type_desc* type, void* record, const asn1_parent_frame* parent,
+                                uint32_t seed) {
+    asn1_parent_frame frame = {parent, type, record};
+    bool complete = true;
+    for (uint32_t i = 0; i < component_count(type); ++i) {
+        const asn1_field* field = components(type) + i;
+        if (is_presence_flagged(field) && presence_word(field, record) == 0) continue;
+        complete &= resolve_open_types(field_type(field), field_value(field, record), &frame, seed + i);
+    }
+    return complete;
+}
+
+// True if no raw bytes are left.
+static bool resolve_open_types(const asn1_type_desc* type, void* value, const asn1_parent_frame* frame,
+                               uint32_t seed) {
+    for (; kind_of(type) == ASN1_KIND_TAGGED; type = tagged_inner(type)) {
+        if (is_indirect(type)) value = load_pointer(value);
+    }
+    switch (kind_of(type)) {
+        case ASN1_KIND_SEQUENCE:
+        case ASN1_KIND_SET: return resolve_in_sequence(type, value, frame, seed);
+        case ASN1_KIND_SEQUENCE_OF:
+        case ASN1_KIND_SET_OF: {
+            list_layout list = list_of(type);
+            auto* array = static_cast<asn1_array*>(value);
+            bool complete = true;
+            for (uint64_t i = 0; i < array->count; ++i) {
+                complete &= resolve_open_types(list.element, at_offset(array->data, i * list.stride), frame,
+                                               seed + static_cast<uint32_t>(i));
+            }
+            return complete;
+        }
+        case ASN1_KIND_CHOICE: {
+            choice_layout choice = choice_of(type);
+            return resolve_open_types(alternative_type(choice, selector_of(choice, value)),
+                                      at_offset(value, choice.payload_offset), frame, seed);
+        }
+        case ASN1_KIND_ANY: return resolve_open_type(type, static_cast<asn1_open_value*>(value), frame, seed);
+        default: return true;
+    }
+}
+
+Sample make_sample(const asn1_type_desc* type, uint32_t seed) {
+    Value value(asn1_random(type, seed), {type});
+    bool complete = resolve_open_types(type, value.get(), nullptr, seed);
+    return {std::move(value), !complete};
+}
+
+// ---- recursion -----------------------------------------------------------------------------------------------------
+
+static bool meets_itself(const asn1_type_desc* type, std::map<const asn1_type_desc*, int>& state) {
+    enum { kUnseen, kOpen, kPlain, kRecursive };
+    int& mine = state[type];
+    if (mine != kUnseen) return mine != kPlain;
+    mine = kOpen;
+    bool found = false;
+    switch (kind_of(type)) {
+        case ASN1_KIND_TAGGED: found = meets_itself(tagged_inner(type), state); break;
+        case ASN1_KIND_SEQUENCE_OF:
+        case ASN1_KIND_SET_OF: found = meets_itself(list_of(type).element, state); break;
+        case ASN1_KIND_SEQUENCE:
+        case ASN1_KIND_SET:
+            for (uint32_t i = 0; i < component_count(type); ++i)
+                found |= meets_itself(field_type(components(type) + i), state);
+            break;
+        case ASN1_KIND_CHOICE:
+            for (uint32_t i = 0; i < choice_of(type).total; ++i)
+                found |= meets_itself(alternative_type(choice_of(type), i), state);
+            break;
+        default: break;
+    }
+    mine = found ? kRecursive : kPlain;
+    return found;
+}
+
+bool is_recursive(const asn1_type_desc* type) {
+    static std::map<const asn1_type_desc*, int> state;
+    return meets_itself(type, state);
+}
+
+}  // namespace orlenta::test

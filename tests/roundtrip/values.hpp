@@ -1,0 +1,41 @@
+// Random values for all tables of the message sets.
+#pragma once
+
+#include <orlenta/value.h>
+
+#include <memory>
+#include <ostream>
+#include <span>
+
+#include "compiler/catalogue.hpp"
+
+namespace orlenta::test {
+
+struct Region {
+    const char* name;
+    std::span<const orlenta_catalogue_entry> entries;
+};
+inline void PrintTo(const Region& region, std::ostream* out) { *out << region.name; }
+std::span<const Region> all_regions();
+
+struct Release {
+    const asn1_type_desc* type;
+    void operator()(void* value) const { asn1_free_value(type, value); }
+};
+using Value = std::unique_ptr<void, Release>;
+
+struct Sample {
+    Value value;
+    bool has_raw;  // an open type whose key selects nothing is left with raw bytes
+};
+
+// A random value whose open types hold values of the types that their keys select.
+Sample make_sample(const asn1_type_desc* type, uint32_t seed);
+
+// Whether a value of the type can hold another one of it.
+bool is_recursive(const asn1_type_desc* type);
+
+// A seed for the `round`th value of a table: large and different for each.
+uint32_t seed_of(const orlenta_catalogue_entry& entry, uint32_t round);
+
+}  // namespace orlenta::test
