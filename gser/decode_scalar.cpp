@@ -1,0 +1,150 @@
+// INTEGER, BOOLEAN, ENUMERATED, REAL, OBJECT IDENTIFIER, RELATIVE-OID.
+#include "core/object_identifier.hpp"
+#include "gser/decode.hpp"
+
+namespace orlenta::gser {
+
+// Steps over the sign of a number, if there is one.
+static int skip_minus(asn1_gser_parser* parser, bool* negative) {
+    *negative = parser->token == '-';
+    return *negative ? next_token(parser) : 0;
+}
+
+// ---- INTEGER -------------------------------------------------------------------------------------------
+
+// A minus sign stays with a zero.
+static int decode_big_integer(asn1_gser_parser* parser, asn1_integer* value, bool negative) {
+    if (text_integer_copy(&parser->number.integer, value) != 0) return parse_error(parser, kNotEnoughMemory);
+    value->negative = negative;
+    return next_token(parser);
+}
+
+static int decode_integer32(asn1_gser_parser* parser, const asn1_type_desc* type, void* value,
+                            bool negative) {
+    int64_t number;
+    if (text_integer_to_si64(&parser->number.integer, &number) != 0) {
+        return parse_error(parser, "integer too large");
+    }
+    if (next_token(parser) != 0) return -1;
+    if (store_integer32(type, value, negative ? -number : number)) return 0;
+    return parse_error(parser, "integer too large");
+}
+
+int decode_integer(asn1_gser_parser* parser, const asn1_type_desc* type, void* value) {
+    bool negative;
+    if (skip_minus(parser, &negative) != 0) return -1;
+    if (parser->token != GSER_TOKEN_INTEGER) return parse_error(parser, "expecting integer value");
+    return is_big_integer(type) ? decode_big_integer(parser, static_cast<asn1_integer*>(value), negative)
+                                : decode_integer32(parser, type, value, negative);
+}
+
+// ---- BOOLEAN, ENUMERATED -------------------------------------------------------------------------------
+
+int decode_boolean(asn1_gser_parser* parser, void* value) {
+    bool truth = parser->token == GSER_TOKEN_TRUE;
+    if (!truth && parser->token != GSER_TOKEN_FALSE) return parse_error(parser, "expecting boolean value");
+    store32(value, truth);
+    return next_token(parser);
+}
+
+int decode_enumerated(asn1_gser_parser* parser, const asn1_type_desc* type, void* value) {
+    if (parser->token != GSER_TOKEN_IDENTIFIER) return parse_error(parser, "expecting enumerated identifier");
+    const text_identifier* name = &parser->identifier;
+    int32_t index = find_item(enum_of(type), name->text, name->length);
+    if (index < 0) return parse_error(parser, "enumerated '%s' not found", name->text);
+    store32(value, static_cast<uint32_t>(index));
+    return next_token(parser);
+}
+
+// ---- REAL ----------------------------------------------------------------------------------------------
+
+// The bits of the numbers that are words.
+static bool special_real_bits(const asn1_gser_parser* parser, uint64_t* bits) {
+    static constexpr struct {
+        const char* text;
+        uint64_t bits;
+    } specials[] = {
+        {"PLUS-INFINITY", UINT64_C(0x7FF0000000000000)},
+        {"MINUS-INFINITY", UINT64_C(0xFFF0000000000000)},
+        {"NOT-A-NUMBER", UINT64_C(0x7FF8000000000000)},
+    };
+    for (const auto& special : specials) {
+        if (!is_identifier(parser, special.text)) continue;
+        *bits = special.bits;
+        return true;
+    }
+    return false;
+}
+
+// The number that is the current token, which has no sign.
+static bool token_number(const asn1_gser_parser* parser, double* real) {
+    int64_t number;
+    switch (parser->token) {
+        case GSER_TOKEN_REAL: *real = parser->number.real; return true;
+        case GSER_TOKEN_INTEGER:
+            if (text_integer_to_si64(&parser->number.integer, &number) != 0) return false;
+            *real = static_cast<double>(number);
+            return true;
+        default: return false;
+    }
+}
+
+int decode_real(asn1_gser_parser* parser, void* value) {
+    uint64_t bits;
+    if (!special_real_bits(parser, &bits)) {
+        bool negative;
+        double real;
+        if (skip_minus(parser, &negative) != 0) return -1;
+        if (!token_number(parser, &real)) return parse_error(parser, "expecting real number");
+        if (negative) real = -real;
+        memcpy(&bits, &real, sizeof bits);
+    }
+    memcpy(value, &bits, sizeof bits);
+    return next_token(parser);
+}
+
+// ---- OBJECT IDENTIFIER, RELATIVE-OID -------------------------------------------------------------------
+
+// Takes the arc that is the current token, between 0 and `limit`.
+static int decode_arc(asn1_gser_parser* parser, int64_t limit, uint32_t* arc) {
+    if (parser->token != GSER_TOKEN_INTEGER) {
+        return parse_error(parser, "object identifier: expecting positive integer");
+    }
+    int64_t number;
+    if (text_integer_to_si64(&parser->number.integer, &number) != 0 || number > limit) {
+        return parse_error(parser, "object identifier: integer too large");
+    }
+    *arc = static_cast<uint32_t>(number);
+    return next_token(parser);
+}
+
+// The first two arcs of an absolute identifier make one subidentifier; a single one makes none. The second is limited
+// to 39 below 2 as well.
+static int decode_arcs(asn1_gser_parser* parser, asn1_byte_buffer* contents, bool relative) {
+    uint32_t arc = 0, first_arc = 0;
+    for (uint64_t index = 0;; ++index) {
+        bool is_first = !relative && index == 0, is_second = !relative && index == 1;
+        if (decode_arc(parser, is_first ? 2 : is_second ? 39 : INT32_MAX, &arc) != 0) return -1;
+        if (is_first) {
+            first_arc = arc;
+        } else {
+            put_subidentifier(contents, is_second ? 40 * first_arc + arc : arc);
+        }
+        if (parser->token != '.') break;
+        if (next_token(parser) != 0) return -1;
+    }
+    return contents->failed ? parse_error(parser, kNotEnoughMemory) : 0;
+}
+
+int decode_object_identifier(asn1_gser_parser* parser, const asn1_type_desc* type, void* value) {
+    asn1_byte_buffer contents;
+    asn1_byte_buffer_init(&contents);
+    if (decode_arcs(parser, &contents, kind_of(type) == ASN1_KIND_RELATIVE_OID) != 0) {
+        asn1_free(contents.data);
+        return -1;
+    }
+    *static_cast<asn1_string*>(value) = {contents.data, contents.length};
+    return 0;
+}
+
+}  // namespace orlenta::gser
