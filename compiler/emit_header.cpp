@@ -174,6 +174,10 @@ void put_records(Writer& writer) {
         if (has_record(*table) && table->kind == ASN1_KIND_TAGGED)
             put(writer, "typedef {} {};\n", value_type(*table->parts[0].table), record_name(*table));
 
+    for (const Alias& alias : writer.layout.aliases)
+        put(writer, "typedef {} asn1_{}_{};\n", record_name(*alias.table), writer.layout.region,
+            c_name(alias.name));
+
     put_section(writer, "records");
     for (const Table* table : tables)
         if (has_record(*table) && is_struct(*table)) put_struct(writer, *table);
@@ -189,6 +193,15 @@ void put_descriptors(Writer& writer, const char* title, Table::Class table_class
     for (const Table* table : tables)
         if (table->table_class == table_class)
             put(writer, "ORLENTA_API extern const asn1_type_desc asn1_type_{}[];\n", table->symbol);
+}
+
+// Types that have a name in the schema, but the table of another one.
+void put_alias_descriptors(Writer& writer) {
+    if (writer.layout.aliases.empty()) return;
+    put_section(writer, "descriptors that other names stand for");
+    for (const Alias& alias : writer.layout.aliases)
+        put(writer, "#define asn1_type_{}_{} asn1_type_{}\n", writer.layout.region, c_name(alias.name),
+            alias.table->symbol);
 }
 
 // ---- the manual at the top -------------------------------------------------------------------------------------
@@ -265,6 +278,8 @@ std::string emit_header(const Layout& layout, const std::string& header) {
     Writer writer = {layout, {}, {}, {}};
     for (const Table* table : layout.tables)
         if (has_record(*table)) writer.names.insert(record_name(*table));
+    for (const Alias& alias : layout.aliases)
+        writer.names.insert("asn1_" + layout.region + "_" + c_name(alias.name));
     std::string guard = guard_of(header);
     put_manual(writer);
     put(writer,
@@ -274,6 +289,7 @@ std::string emit_header(const Layout& layout, const std::string& header) {
         guard);
     put_records(writer);
     put_descriptors(writer, "descriptors of named types", Table::Class::named);
+    put_alias_descriptors(writer);
     put_descriptors(writer, "descriptors of nested types", Table::Class::nested);
     put_descriptors(writer, "descriptors in place: what those above are made of", Table::Class::anonymous);
     put(writer, "\n#ifdef __cplusplus\n}}\n#endif\n\n#endif\n");

@@ -54,10 +54,17 @@ struct Table {
     std::vector<const Object*> objects;  // constants of this table alone, each before those that point at it
 };
 
+// Another name of a type, for which no component or alternative has a use.
+struct Alias {
+    std::string name;
+    const Table* table = nullptr;
+};
+
 struct Layout {
     std::string region;
     std::vector<const Table*> tables;  // schema order, nested ones before the type around them
     std::vector<const Table*> roots;   // named types that no other type refers to
+    std::vector<Alias> aliases;        // type names without a table
     std::deque<Table> table_pool;
     std::deque<Object> object_pool;
 };

@@ -21,6 +21,8 @@ TEST(Tricky, NamesOfMembersAndConstants) {
     EXPECT_EQ(asn1_Tricky_Meeting_point_, 0);
     static_assert(sizeof(asn1_Tricky_Meeting_point) == 4);
     EXPECT_EQ(asn1_Tricky_Grown_first_down, 1);
+    static_assert(sizeof(asn1_Tricky_Gathering) == 4);
+    EXPECT_EQ(asn1_type_Tricky_Gathering, asn1_type_Tricky_Meeting);
 }
 
 TEST(Tricky, SizesAreThoseThatTheLibraryAllocates) {
