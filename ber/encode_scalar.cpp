@@ -7,6 +7,12 @@
 namespace orlenta::ber {
 
 static int encode_big_integer(asn1_ber_encoder* encoder, const asn1_integer* value, uint32_t tag) {
+    if (value->size == 0) {  // whatever its sign says
+        put_tag(encoder, tag, 0);
+        put_len(encoder, 1);
+        put_byte(&encoder->buffer, 0);
+        return 0;
+    }
     asn1_integer negative;
     asn1_integer_init(&negative);
     uint32_t bits;

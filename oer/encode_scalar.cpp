@@ -37,7 +37,6 @@ static void put_large_integer(asn1_oer_encoder* encoder, const asn1_integer* val
                               uint32_t bits, uint32_t fixed_octets, bool is_unsigned) {
     uint32_t octets = (bits + 8 - is_unsigned) / 8;
     if (fixed_octets == 0) {
-        if (value->size == 0) octets = 1;
         put_len(encoder, octets);
     } else {
         // A sign octet above the top limb doesn't count: it is as good as fill.
@@ -47,9 +46,16 @@ static void put_large_integer(asn1_oer_encoder* encoder, const asn1_integer* val
     put_integer_octets(&encoder->buffer, form, octets, value->negative != 0 ? 0xFF : 0x00);
 }
 
+static int put_zero(asn1_oer_encoder* encoder, uint32_t fixed_octets) {
+    if (fixed_octets == 0) put_len(encoder, fixed_octets = 1);
+    for (; fixed_octets > 0; --fixed_octets) put_byte(&encoder->buffer, 0);
+    return 0;
+}
+
 // In `fixed_octets` octets, or behind a length if that is 0. A value too wide is written in full.
 static int asn1_oer_encode_large_integer1(asn1_oer_encoder* encoder, const asn1_integer* value,
                                           uint32_t fixed_octets, bool is_unsigned) {
+    if (value->size == 0) return put_zero(encoder, fixed_octets);  // whatever its sign says
     asn1_integer negative;
     asn1_integer_init(&negative);
     uint32_t bits;

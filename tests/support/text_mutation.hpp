@@ -1,5 +1,5 @@
-// Damaged texts: the decoder of a text syntax gives a whole value, or a message with its line, and leaves nothing behind.
-// To be linked with failing_allocator.cpp, which counts the live blocks.
+// Damaged texts: the decoder of a text syntax gives a whole value, or a message with its line, and leaves
+// nothing behind. To be linked with failing_allocator.cpp, which counts the live blocks.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,8 +26,8 @@ struct Outcomes {
     int values = 0, errors = 0;
 };
 
-// Changes a byte, takes some out, puts some in, repeats a piece elsewhere, or cuts the end off. What is put in means
-// something to one syntax or another, or is any byte.
+// Changes a byte, takes some out, puts some in, repeats a piece elsewhere, or cuts the end off. What is put
+// in means something to one syntax or another, or is any byte.
 inline void damage_once(std::string& text, std::mt19937& random) {
     using namespace std::string_literals;
     static const std::string special = " \n\r\t\0\x01\x7F\x80\xC3\xFF<>/&;#!-?={}[]\"'\\:,.+_019afFxXeENB"s;

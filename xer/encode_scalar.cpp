@@ -1,0 +1,50 @@
+// INTEGER, BOOLEAN, ENUMERATED, REAL, OBJECT IDENTIFIER, RELATIVE-OID.
+#include "core/object_identifier.hpp"
+#include "xer/encode.hpp"
+
+namespace orlenta::xer {
+
+int encode_integer(asn1_xer_encoder* encoder, const asn1_type_desc* type, const void* value) {
+    start_text(encoder);
+    return put_integer(&encoder->buffer, type, value);
+}
+
+// A name as character data, or as an empty element.
+static void put_word(asn1_xer_encoder* encoder, const char* word, bool as_text) {
+    if (as_text) {
+        start_text(encoder);
+        asn1_puts(&encoder->buffer, word);
+    } else {
+        start_tag(encoder, word);
+        end_tag(encoder, word);
+    }
+}
+
+int encode_boolean(asn1_xer_encoder* encoder, const void* value) {
+    put_word(encoder, load32(value) != 0 ? "true" : "false", encoder->boolean_text);
+    return 0;
+}
+
+int encode_enumerated(asn1_xer_encoder* encoder, const asn1_type_desc* type, const void* value) {
+    enum_layout items = enum_of(type);
+    uint32_t index = load32(value);
+    if (index >= items.total) return -1;
+    put_word(encoder, items.names[index].text, encoder->enumerated_text);
+    return 0;
+}
+
+int encode_real(asn1_xer_encoder* encoder, const void* value) {
+    static constexpr real_forms forms = {"0", "-0", "NaN", "INF", "-INF", 'E'};
+    double real;
+    memcpy(&real, value, sizeof real);
+    start_text(encoder);
+    put_real(&encoder->buffer, real, forms);
+    return 0;
+}
+
+int encode_object_identifier(asn1_xer_encoder* encoder, const void* value, bool relative) {
+    start_text(encoder);
+    return put_object_identifier_text(&encoder->buffer, static_cast<const asn1_string*>(value), relative);
+}
+
+}  // namespace orlenta::xer
