@@ -21,7 +21,7 @@ struct asn1_random_params {
     uint32_t bit_string_spread;  // bits above the minimum
     uint32_t integer_bits;       // of a big integer without an upper limit
     uint32_t extensions;         // flag: extension additions may be produced
-    uint32_t depth;
+    uint32_t depth;              // descriptors entered and not left
     stack_guard stack;
 };
 

@@ -16,11 +16,12 @@
 extern "C" {
 #endif
 
-/* Checks the value record `value` of type `type`. Allocates nothing and changes nothing in the value; calls
- * on different values may run in parallel. Returns 1 if the value passes. Returns 0 at the first violation,
- * and then `error`, unless null, receives the message and the component path (X.680 constraints as in clauses
- * 49 to 51); on success `error` stays as it was. A descriptor of an OBJECT_CLASS, which has no values, ends
- * the process by abort(). */
+/* Checks the value record `value` of type `type` against the subtype constraints (X.680 clauses 49 to 51).
+ * Allocates nothing and changes nothing in the value; calls on different values may run in parallel.
+ *
+ * Returns 1 if the value passes. Returns 0 at the first violation, and then `error`, unless it is null,
+ * receives the message and the component path; on success `error` stays as it was. A descriptor of an
+ * OBJECT_CLASS, which has no values, ends the process by abort(). */
 ORLENTA_API int asn1_check_constraints(const asn1_type_desc* type, const void* value, asn1_error* error);
 
 #ifdef __cplusplus

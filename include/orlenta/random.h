@@ -12,12 +12,14 @@ extern "C" {
  *
  * The values reach into corners: extreme integers, NaN and infinities, extension additions, sizes outside an
  * extensible constraint. They are well formed in memory, but need not satisfy every constraint. An open type
- * holds raw bytes, a BER OCTET STRING; a CONTAINING constraint is not honoured. Lists have up to 10 elements
- * above their lower bound, strings up to 200 octets or characters (BIT STRING: 100 bits), big integers
- * without an upper limit up to 512 bits. A value of a recursive type that nests beyond 2048 levels stops there, partly filled.
+ * holds raw bytes, a BER OCTET STRING; a CONTAINING constraint is not honoured.
+ *
+ * Lists have up to 10 elements above their lower bound, strings up to 200 octets or characters (BIT STRING:
+ * 100 bits), big integers without an upper limit up to 512 bits. A type that can contain itself gives very
+ * large values for some seeds; the generator stops at 2048 levels of nesting, with the value partly filled.
  *
  * Returns null if the value's record could not be allocated. If memory ran out later, the value is filled as
- * far as it went and is released in the same way. A descriptor whose alphabet is empty ends the process by
+ * far as it went, and is released in the same way. A descriptor whose alphabet is empty ends the process by
  * abort(). */
 ORLENTA_API void* asn1_random(const asn1_type_desc* type, uint32_t seed);
 

@@ -1,12 +1,15 @@
 // A long run of whole messages through both forms of PER, as a roadside unit would see them.
 #include <gtest/gtest.h>
 #include <orlenta/memory.h>
-#include <orlenta/per.h>
 
-#include <cstring>
+#include <string>
 #include <string_view>
 
+#include "tests/roundtrip/rules.hpp"
 #include "tests/roundtrip/values.hpp"
+
+// Address sanitizer: half of the time would go into recording where each of some hundred million blocks came from.
+extern "C" const char* __asan_default_options() { return "malloc_context_size=2"; }
 
 namespace orlenta::test {
 namespace {
@@ -22,30 +25,31 @@ const asn1_type_desc* find_type(std::string_view region_name, std::string_view n
     return nullptr;
 }
 
-template <typename Encode, typename Decode>
-void send_messages(Encode encode, Decode decode) {
-    const asn1_type_desc* type = find_type("CN", "MessageFrame");
-    if (!type) GTEST_SKIP() << "the CN message set is not built";
-    for (uint32_t i = 0; i < kMessages; ++i) {
-        Sample sample = make_sample(type, i * 0x9E3779B9);
-        uint8_t *sent = nullptr, *again = nullptr;
-        int64_t size = encode(&sent, type, sample.value.get());
-        ASSERT_GT(size, 0) << "message " << i;
-        void* received = nullptr;
-        asn1_error error = {};
-        ASSERT_EQ(decode(&received, type, sent, static_cast<uint64_t>(size), &error), size)
-            << "message " << i << ": " << error.path << ": " << error.message;
-        Value value(received, {type});
-        ASSERT_EQ(asn1_cmp_value(type, sample.value.get(), received), 0) << "message " << i;
-        ASSERT_EQ(encode(&again, type, received), size) << "message " << i;
-        ASSERT_EQ(std::memcmp(sent, again, static_cast<size_t>(size)), 0) << "message " << i;
-        asn1_free(sent);
-        asn1_free(again);
-    }
+void send(const Rule& rule, const asn1_type_desc* type, const void* message) {
+    uint8_t* bytes = nullptr;
+    int64_t size = rule.encode(&bytes, type, message);
+    ASSERT_GT(size, 0);
+    std::unique_ptr<uint8_t, decltype(&asn1_free)> sent(bytes, asn1_free);
+    void* received = nullptr;
+    asn1_error error = {};
+    ASSERT_EQ(rule.decode(&received, type, bytes, static_cast<uint64_t>(size), &error), size)
+        << error.path << ": " << error.message;
+    Value value(received, {type});
+    ASSERT_EQ(asn1_cmp_value(type, message, received), 0);
 }
 
-TEST(CnMessages, ThroughUper) { send_messages(asn1_uper_encode, asn1_uper_decode); }
-TEST(CnMessages, ThroughAper) { send_messages(asn1_aper_encode, asn1_aper_decode); }
+TEST(CnMessages, ThroughBothFormsOfPer) {
+    const asn1_type_desc* type = find_type("CN", "MessageFrame");
+    if (!type) GTEST_SKIP() << "the CN message set is not built";
+    for (uint32_t i = 0; i < kMessages && !HasFatalFailure(); ++i) {
+        Sample sample = make_sample(type, i * 0x9E3779B9);
+        for (const Rule& rule : all_rules()) {
+            if (!std::string_view(rule.name).ends_with("PER")) continue;
+            SCOPED_TRACE(std::string(rule.name) + ", message " + std::to_string(i));
+            send(rule, type, sample.value.get());
+        }
+    }
+}
 
 }  // namespace
 }  // namespace orlenta::test

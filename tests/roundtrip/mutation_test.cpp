@@ -91,7 +91,7 @@ TEST_P(Damage, IsValueOrError) {
     }
     std::printf("%s %s: %d values, %d errors; encoders refused %d\n", rule.name, region.name, tally.values,
                 tally.errors, tally.refused);
-    EXPECT_GT(tally.values, 500);
+    EXPECT_GT(tally.values, 100);  // few in XML, where each name stands twice
     EXPECT_GT(tally.errors, 500);
 }
 

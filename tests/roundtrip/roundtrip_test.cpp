@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <orlenta/check.h>
 #include <orlenta/memory.h>
+#include <orlenta/per.h>
 
 #include <cstdio>
 #include <cstring>
@@ -29,12 +30,16 @@ struct Tally {
     int through = 0;
     int refused = 0;         // by the encoder
     int not_taken_back = 0;  // raw open types that a text decoder does not read
-    int cut = 0;             // values of a recursive type that grew until the generator stopped
+    int huge = 0;
     int faults = 0;
 };
 
-// Sends one value through; the text of what went wrong, or empty.
+// Sends one value through; the text of what went wrong, or empty. Random values keep to their constraints.
 std::string send(const Rule& rule, const asn1_type_desc* type, const Sample& sample, Tally& tally) {
+    asn1_error error = {};
+    if (asn1_check_constraints(type, sample.value.get(), &error) != 1) {
+        return std::string("breaks a constraint: ") + error.path + ": " + error.message;
+    }
     Bytes first, second;
     first.size = rule.encode(&first.data, type, sample.value.get());
     if (first.size < 0) {
@@ -42,7 +47,6 @@ std::string send(const Rule& rule, const asn1_type_desc* type, const Sample& sam
         return first.data ? "a refused value left a block" : "";
     }
 
-    asn1_error error = {};
     void* decoded = &error;
     int64_t used = rule.decode(&decoded, type, first.data, static_cast<uint64_t>(first.size), &error);
     Value value(used < 0 ? nullptr : decoded, {type});
@@ -66,42 +70,40 @@ std::string send(const Rule& rule, const asn1_type_desc* type, const Sample& sam
     return "";
 }
 
-// Random values keep to their constraints, but for one that was cut short.
-bool is_sound(const asn1_type_desc* type, const void* value, Tally& tally, std::string& problem) {
-    asn1_error error = {};
-    if (asn1_check_constraints(type, value, &error) == 1) return true;
-    if (is_recursive(type)) {
-        ++tally.cut;
-    } else {
-        problem = std::string("breaks a constraint: ") + error.path + ": " + error.message;
-    }
-    return false;
+// Some values of a recursive type grow until the generator stops, and their text would fill the memory.
+bool is_huge(const asn1_type_desc* type, const void* value) {
+    if (!is_recursive(type)) return false;
+    Bytes bytes;
+    bytes.size = asn1_uper_encode(&bytes.data, type, value);
+    return bytes.size < 0 || bytes.size > 200000;
 }
 
 class RoundTrip : public testing::TestWithParam<std::tuple<Rule, Region>> {};
 
 TEST_P(RoundTrip, AllTypes) {
     const auto& [rule, region] = GetParam();
-    uint32_t rounds = static_cast<uint32_t>(6000 / region.entries.size() + 3);
+    uint32_t rounds = static_cast<uint32_t>(12000 / region.entries.size() + 3);
     Tally tally;
     for (const orlenta_catalogue_entry& entry : region.entries) {
         if (kind_of(entry.type) == ASN1_KIND_OBJECT_CLASS) continue;
-        for (uint32_t round = 0; round < rounds; ++round) {
+        uint32_t values = is_recursive(entry.type) ? 2 : rounds;  // these are large, and slow to make
+        for (uint32_t round = 0; round < values; ++round) {
             uint32_t seed = seed_of(entry, round);
             Sample sample = make_sample(entry.type, seed);
-            std::string problem;
-            if (is_sound(entry.type, sample.value.get(), tally, problem)) {
-                problem = send(rule, entry.type, sample, tally);
+            if (is_huge(entry.type, sample.value.get())) {
+                ++tally.huge;
+                continue;
             }
+            std::string problem = send(rule, entry.type, sample, tally);
             if (problem.empty()) continue;
             ADD_FAILURE() << region.name << " " << entry.table << ", seed " << seed << ": " << problem;
             if (++tally.faults == 20) return;
         }
     }
-    std::printf("%s %s: %d values through, %d refused, %d not taken back, %d cut\n", rule.name, region.name,
-                tally.through, tally.refused, tally.not_taken_back, tally.cut);
+    std::printf("%s %s: %d values through, %d refused, %d not taken back, %d huge\n", rule.name, region.name,
+                tally.through, tally.refused, tally.not_taken_back, tally.huge);
     EXPECT_EQ(tally.refused, 0);
-    EXPECT_LT(tally.cut, 100);
+    EXPECT_LT(tally.huge, 100);
     EXPECT_GT(tally.through, 5000);
 }
 

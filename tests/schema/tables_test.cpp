@@ -163,7 +163,7 @@ TEST(Counts, Us) {
 
 struct Census {
     std::array<size_t, 18> kinds{};
-    size_t without_pointers = 0, value_tables = 0, defaults = 0;
+    size_t without_pointers = 0, nested_integers = 0, value_tables = 0, defaults = 0;
     std::vector<std::string> indirect;
     uint32_t largest_tag = 0;
     size_t most_components = 0, most_alternatives = 0, most_items = 0;
@@ -205,6 +205,8 @@ TEST(MessageSets, HoldWhatTheFormatPromises) {
         auto region = load_region(name);
         for (const Table* table : region->layout.tables) {
             census.kinds[table->kind]++;
+            census.nested_integers +=
+                table->kind == ASN1_KIND_INTEGER && table->table_class == Table::Class::nested;
             uint32_t tag = word0(*table) & ASN1_WORD0_TAG_MASK;
             census.largest_tag = std::max(census.largest_tag, tag & ASN1_TAG_NUMBER_MASK);
             census.without_pointers += std::ranges::all_of(
@@ -219,6 +221,7 @@ TEST(MessageSets, HoldWhatTheFormatPromises) {
     EXPECT_EQ(census.kinds, (std::array<size_t, 18>{2064, 636, 0, 0, 461, 1232, 168, 276, 181, 1121 + 3, 313,
                                                     2649 - 2, 2, 0, 0, 33, 99, 8}));
     EXPECT_EQ(census.without_pointers, 1579u);
+    EXPECT_EQ(census.nested_integers, 6u);
     EXPECT_EQ(census.value_tables, 20u);
     EXPECT_EQ(census.defaults, 29u);
     EXPECT_EQ(census.indirect, std::vector<std::string>{"eu_InternationalSign_destinationInformation"});

@@ -1,0 +1,104 @@
+// REAL text under a locale whose decimal point is a comma: what the headers of the text codecs warn of.
+#include <gtest/gtest.h>
+#include <locale.h>
+#include <orlenta/ber.h>
+#include <orlenta/gser.h>
+#include <orlenta/jer.h>
+#include <orlenta/memory.h>
+#include <orlenta/scalar.h>
+#include <orlenta/value.h>
+#include <orlenta/xer.h>
+
+#include "tests/support/descriptors.hpp"
+
+namespace orlenta::test {
+namespace {
+
+const asn1_word kReal[] = {head(ASN1_KIND_REAL, ASN1_WORD0_HAS_NAME, 9), txt("Real")};
+
+using Encode = int64_t (*)(uint8_t**, const asn1_type_desc*, const void*);
+using Decode = int64_t (*)(void**, const asn1_type_desc*, const uint8_t*, uint64_t, asn1_error*);
+
+struct TextRules {
+    const char* name;
+    Encode encode;
+    Decode decode;
+    const char* point;  // 1.5 as written with the full stop
+    const char* comma;  // and with the comma
+    double comma_read;  // what the text with the comma is read as under the locale
+};
+const TextRules kRules[] = {
+    {"JER", asn1_jer_encode, asn1_jer_decode, "1.500000000000000000e00\n", "1,500000000000000000e00\n", 1.0},
+    {"GSER", asn1_gser_encode, asn1_gser_decode, "1.500000000000000000E00\n", "1,500000000000000000E00\n",
+     1.0},
+    {"XER", asn1_xer_encode, asn1_xer_decode, "<Real>1.500000000000000000E00</Real>\n",
+     "<Real>1,500000000000000000E00</Real>\n", 1.5},
+};
+
+// The thread's locale for as long as the test runs.
+class Locale : public testing::Test {
+  protected:
+    void SetUp() override {
+        german = newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
+        ASSERT_NE(german, nullptr) << "the locale de_DE.UTF-8 is missing in LOCPATH";
+        before = uselocale(german);
+    }
+    void TearDown() override {
+        if (german == nullptr) return;
+        uselocale(before);
+        freelocale(german);
+    }
+    locale_t german = nullptr, before = nullptr;
+};
+
+std::string encoded(const TextRules& rules, double number) {
+    uint8_t* text = nullptr;
+    int64_t size = rules.encode(&text, kReal, &number);
+    std::string result(reinterpret_cast<char*>(text), size < 0 ? 0 : static_cast<size_t>(size));
+    asn1_free(text);
+    return result;
+}
+
+// The number, or -1 if the text is refused.
+double decoded(const TextRules& rules, const std::string& text) {
+    void* value = nullptr;
+    double number = -1;
+    if (rules.decode(&value, kReal, reinterpret_cast<const uint8_t*>(text.data()), text.size(), nullptr) < 0)
+        return -1;
+    memcpy(&number, value, sizeof number);
+    asn1_free_value(kReal, value);
+    return number;
+}
+
+TEST_F(Locale, TheCommaGoesOutAndFractionsGoWrong) {
+    for (const TextRules& rules : kRules) {
+        SCOPED_TRACE(rules.name);
+        EXPECT_EQ(encoded(rules, 1.5), rules.comma);
+        EXPECT_EQ(decoded(rules, rules.point), 1.0);
+        EXPECT_EQ(decoded(rules, rules.comma), rules.comma_read);
+
+        uselocale(before);
+        EXPECT_EQ(encoded(rules, 1.5), rules.point);
+        EXPECT_EQ(decoded(rules, rules.point), 1.5);
+        uselocale(german);
+    }
+}
+
+// Numbers without a fraction, and the binary rules but for BER's decimal form, know no locale.
+TEST_F(Locale, WhatDoesNotDependOnIt) {
+    for (const TextRules& rules : kRules) {
+        for (double number : {0.0, 3e0, -7e0})
+            EXPECT_EQ(decoded(rules, encoded(rules, number)), number) << rules.name;
+    }
+    uint8_t octets[ASN1_REAL_DER_MAX];
+    double number = 0;
+    int size = asn1_encode_real_der(octets, 1.5);
+    ASSERT_EQ(asn1_decode_real_ber(octets, static_cast<uint32_t>(size), &number), 0);
+    EXPECT_EQ(number, 1.5);
+    const uint8_t decimal[] = {0x03, '1', '.', '5'};
+    ASSERT_EQ(asn1_decode_real_ber(decimal, sizeof decimal, &number), 0);
+    EXPECT_EQ(number, 1.0);
+}
+
+}  // namespace
+}  // namespace orlenta::test
