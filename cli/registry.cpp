@@ -1,0 +1,136 @@
+#include "cli/registry.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <numeric>
+#include <unordered_map>
+
+#include "cli/regions.hpp"
+
+#define REGION_ROW(name) {#name, {orlenta_catalogue_##name, orlenta_catalogue_##name##_count}},
+
+namespace cli {
+
+std::span<const Region> all_regions() {
+    static const std::vector<Region> regions = {CLI_REGIONS(REGION_ROW)};
+    return regions;
+}
+
+const Region* find_region(std::string_view name) {
+    for (const Region& region : all_regions())
+        if (name == region.name) return &region;
+    return nullptr;
+}
+
+bool is_named(const Entry& entry) { return entry.name[0] != '\0'; }
+
+bool is_listed(const Entry& entry) { return std::string_view(entry.table).substr(0, 7) != "_local_"; }
+
+std::string full_name(const Region& region, const Entry& entry) {
+    return fmt::format("{}.{}", region.name, is_named(entry) ? entry.name : entry.table);
+}
+
+static const Entry* find_entry(const Region& region, std::string_view name) {
+    for (const Entry& entry : region.entries)
+        if (name == entry.name || name == entry.table) return &entry;
+    return nullptr;
+}
+
+// ---- nearest names ------------------------------------------------------------------------------------------------
+
+static std::string folded(std::string_view text) {
+    std::string result(text);
+    for (char& c : result)
+        c = c == '_' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return result;
+}
+
+// How many characters must be put in, taken out or changed to get from `a` to `b`.
+static size_t edit_distance(std::string_view a, std::string_view b) {
+    std::vector<size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (size_t i = 1; i <= a.size(); ++i) {
+        size_t diagonal = row[0];
+        row[0] = i;
+        for (size_t j = 1; j <= b.size(); ++j) {
+            size_t change = diagonal + (a[i - 1] != b[j - 1]);
+            diagonal = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, change});
+        }
+    }
+    return row.back();
+}
+
+// The region's part of the name and the rest; no region is an empty first part.
+static std::pair<std::string, std::string> split_name(const std::string& name) {
+    static constexpr std::string_view prefix = "asn1_type_";
+    if (name.starts_with(prefix))
+        for (const Region& region : all_regions()) {
+            std::string start = fmt::format("{}{}_", prefix, region.name);
+            if (name.starts_with(start)) return {region.name, name.substr(start.size())};
+        }
+    size_t dot = name.find('.');
+    if (dot == std::string::npos) return {"", name};
+    return {name.substr(0, dot), name.substr(dot + 1)};
+}
+
+static std::string nearest_names(const std::string& region_name, const std::string& rest) {
+    const std::string wanted = folded(rest);
+    struct Candidate {
+        size_t distance;
+        std::string name;
+    };
+    std::vector<Candidate> candidates;
+    for (const Region& region : all_regions()) {
+        size_t other_region = !region_name.empty() && folded(region_name) != folded(region.name);
+        for (const Entry& entry : region.entries) {
+            if (!is_listed(entry)) continue;
+            size_t distance = edit_distance(wanted, folded(is_named(entry) ? entry.name : entry.table));
+            if (distance <= std::max<size_t>(2, wanted.size() / 3))
+                candidates.push_back({2 * distance + other_region, full_name(region, entry)});
+        }
+    }
+    std::stable_sort(candidates.begin(), candidates.end(),
+                     [](const Candidate& a, const Candidate& b) { return a.distance < b.distance; });
+    std::string names;
+    for (size_t i = 0; i < std::min<size_t>(3, candidates.size()); ++i)
+        names += (i ? ", " : "") + candidates[i].name;
+    return names;
+}
+
+Type find_type(const std::string& name, std::string* problem) {
+    auto [region_name, rest] = split_name(name);
+    std::vector<Type> found;
+    for (const Region& region : all_regions()) {
+        if (!region_name.empty() && region_name != region.name) continue;
+        if (const Entry* entry = find_entry(region, rest)) found.push_back({&region, entry});
+    }
+    if (found.size() == 1) return found[0];
+
+    std::string names;
+    if (found.empty()) {
+        names = nearest_names(region_name, rest);
+        *problem = names.empty() ? fmt::format("no type is named {}; see orlenta types", name)
+                                 : fmt::format("no type is named {}; the nearest: {}", name, names);
+    } else {
+        for (const Type& type : found)
+            names += (names.empty() ? "" : ", ") + full_name(*type.region, *type.entry);
+        *problem = fmt::format("several types are named {}: {}", name, names);
+    }
+    return {};
+}
+
+const Entry* entry_of(const asn1_type_desc* type) {
+    static const std::unordered_map<const asn1_type_desc*, const Entry*> index = [] {
+        std::unordered_map<const asn1_type_desc*, const Entry*> entries;
+        for (const Region& region : all_regions())
+            for (const Entry& entry : region.entries) entries.emplace(entry.type, &entry);
+        return entries;
+    }();
+    auto found = index.find(type);
+    return found == index.end() ? nullptr : found->second;
+}
+
+}  // namespace cli

@@ -1,0 +1,46 @@
+// The types of all regions by name.
+#pragma once
+
+#include <orlenta/type.h>
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "compiler/catalogue.hpp"
+
+namespace cli {
+
+using Entry = orlenta_catalogue_entry;
+
+struct Region {
+    const char* name;
+    std::span<const Entry> entries;
+};
+
+std::span<const Region> all_regions();
+
+// Null for an unknown region.
+const Region* find_region(std::string_view name);
+
+// "CN.Position-LL-24B" for a named type, "EU.Lpn_1" for a nested and "CN._local_12" for an anonymous one.
+std::string full_name(const Region& region, const Entry& entry);
+
+// A type that the schema names or that stands in place with components of its own: not an anonymous simple one.
+bool is_listed(const Entry& entry);
+bool is_named(const Entry& entry);
+
+struct Type {
+    const Region* region = nullptr;
+    const Entry* entry = nullptr;
+};
+
+// The type of a name: "CN.Position-LL-24B", "CN.Position_LL_24B", "asn1_type_CN_Position_LL_24B", or without a region
+// if just one region has it. Otherwise an empty Type, and one line in `problem` that tells the nearest names.
+Type find_type(const std::string& name, std::string* problem);
+
+// The entry of a descriptor, or null.
+const Entry* entry_of(const asn1_type_desc* type);
+
+}  // namespace cli
