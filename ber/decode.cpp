@@ -8,7 +8,7 @@
 
 namespace orlenta::ber {
 
-// ---- CHOICE ----------------------------------------------------------------------------------------------------
+// ---- CHOICE -----------------------------------------------------------------------------------------------
 
 static int decode_alternative(asn1_ber_decoder* decoder, const asn1_type_desc* type, void* value,
                               uint32_t tag, int constructed, int32_t length) {
@@ -37,7 +37,7 @@ static int decode_choice(asn1_ber_decoder* decoder, const asn1_type_desc* type, 
     return result == 0 ? decode_tag_end(decoder, saved) : result;
 }
 
-// ---- ANY -------------------------------------------------------------------------------------------------------
+// ---- ANY --------------------------------------------------------------------------------------------------
 
 // Keeps the whole encoding: identifier, length, contents, and the end-of-contents octets if there are any.
 static int keep_raw(asn1_ber_decoder* decoder, asn1_open_value* value, int32_t length) {
@@ -70,7 +70,7 @@ static int decode_any(asn1_ber_decoder* decoder, const asn1_type_desc* type, asn
     return result == 0 ? decode_tag_end(decoder, saved) : result;
 }
 
-// ---- TAGGED ----------------------------------------------------------------------------------------------------
+// ---- TAGGED -----------------------------------------------------------------------------------------------
 
 static int decode_tagged(asn1_ber_decoder* decoder, const asn1_type_desc* type, void* value, uint32_t tag,
                          int constructed, int32_t length) {
@@ -91,7 +91,7 @@ static int decode_tagged(asn1_ber_decoder* decoder, const asn1_type_desc* type, 
     return asn1_ber_decode_type_tag(decoder, inner, value, tag, constructed, length);
 }
 
-// ---- the walk --------------------------------------------------------------------------------------------------
+// ---- the walk ---------------------------------------------------------------------------------------------
 
 static bool takes_any_tag(const asn1_type_desc* type) {
     uint32_t kind = kind_of(type);

@@ -7,7 +7,7 @@
 
 namespace orlenta::ber {
 
-// ---- SEQUENCE, SET ---------------------------------------------------------------------------------------------
+// ---- SEQUENCE, SET ----------------------------------------------------------------------------------------
 
 struct sequence_walk {
     const asn1_type_desc* type;
@@ -109,7 +109,7 @@ int asn1_ber_decode_sequence(asn1_ber_decoder* decoder, const asn1_type_desc* ty
     return result;
 }
 
-// ---- SEQUENCE OF, SET OF ---------------------------------------------------------------------------------------
+// ---- SEQUENCE OF, SET OF ----------------------------------------------------------------------------------
 
 static int decode_elements(asn1_ber_decoder* decoder, const asn1_type_desc* element_type,
                            growing_list* growing) {

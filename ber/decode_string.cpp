@@ -13,7 +13,7 @@ struct segmented_string {
     uint64_t capacity;  // octets allocated; 0 before the first segment
 };
 
-// ---- one segment -----------------------------------------------------------------------------------------------
+// ---- one segment ------------------------------------------------------------------------------------------
 
 static int append_octets(asn1_ber_decoder* decoder, segmented_string* string, int32_t length) {
     asn1_string* value = string->octets;
@@ -85,7 +85,7 @@ static int append_segment(asn1_ber_decoder* decoder, segmented_string* string, i
                                    : append_octets(decoder, string, length);
 }
 
-// ---- segments in segments --------------------------------------------------------------------------------------
+// ---- segments in segments ---------------------------------------------------------------------------------
 
 // The elements open around a segment. They lie in a block and not on the stack, since a sender may nest them as
 // deeply as it likes; a string with one level of segments needs no block.
@@ -153,7 +153,7 @@ static int decode_constructed(asn1_ber_decoder* decoder, segmented_string* strin
     return result;
 }
 
-// ---- whole strings ---------------------------------------------------------------------------------------------
+// ---- whole strings ----------------------------------------------------------------------------------------
 
 int asn1_ber_decode_bit_string(asn1_ber_decoder* decoder, asn1_bit_string* value, int constructed,
                                int32_t length) {

@@ -23,7 +23,7 @@ int report_end_of_stream(asn1_ber_decoder* decoder) {
     return report_position(decoder);
 }
 
-// ---- identifier ------------------------------------------------------------------------------------------------
+// ---- identifier -------------------------------------------------------------------------------------------
 
 // Five septets may pass the tag word's number field: all such tags count as this one, whatever their number.
 static constexpr uint32_t kHugeTagNumber = 0x7FFFF;
@@ -66,7 +66,7 @@ static int32_t decode_identifier(asn1_ber_decoder* decoder, int* constructed) {
     return number | (octet >> 6) << ASN1_TAG_CLASS_SHIFT;
 }
 
-// ---- length ----------------------------------------------------------------------------------------------------
+// ---- length -----------------------------------------------------------------------------------------------
 
 // A length in `octets` octets, or -1.
 static int32_t decode_long_length(asn1_ber_decoder* decoder, int octets) {
@@ -92,7 +92,7 @@ static int decode_length(asn1_ber_decoder* decoder, int32_t* length) {
     return *length == -1 ? -1 : 0;
 }
 
-// ---- the element -----------------------------------------------------------------------------------------------
+// ---- the element ------------------------------------------------------------------------------------------
 
 static int open_indefinite(asn1_ber_decoder* decoder, int constructed) {
     if (constructed == 0) return asn1_error(decoder, "indefinite length forbidden in primtive encoding");
@@ -141,7 +141,7 @@ int decode_tag_end(asn1_ber_decoder* decoder, const asn1_ber_limit& saved) {
     return 0;
 }
 
-// ---- unknown elements ------------------------------------------------------------------------------------------
+// ---- unknown elements -------------------------------------------------------------------------------------
 
 // Passes over the contents of an indefinite element, whatever lies nested in it. All indefinite elements on the way
 // down have one limit, that of the definite element around them, so a count of them stands for the whole nesting.

@@ -33,7 +33,7 @@ constexpr int32_t kIndefinite = -2;
 // Result of decode_tag_start() where no further element follows.
 constexpr int32_t kEndOfContents = -2;
 
-// ---- errors (decode_tag.cpp) -----------------------------------------------------------------------------------
+// ---- errors (decode_tag.cpp) ------------------------------------------------------------------------------
 
 // Records message and position, and returns -1.
 int asn1_error(asn1_ber_decoder* decoder, const char* format, ...)
@@ -50,7 +50,7 @@ inline int require_primitive(asn1_ber_decoder* decoder, int constructed) {
     return constructed == 0 ? 0 : asn1_error(decoder, "expecting primitive encoding");
 }
 
-// ---- bounded reads ---------------------------------------------------------------------------------------------
+// ---- bounded reads ----------------------------------------------------------------------------------------
 
 // The next octet, or -1.
 inline int get_byte(asn1_ber_decoder* decoder) {
@@ -65,7 +65,7 @@ inline int get_bytes(asn1_ber_decoder* decoder, void* destination, uint64_t coun
     return 0;
 }
 
-// ---- elements (decode_tag.cpp) ---------------------------------------------------------------------------------
+// ---- elements (decode_tag.cpp) ----------------------------------------------------------------------------
 
 // Reads identifier and length. Returns the tag word, -1, or kEndOfContents.
 int32_t decode_tag_start(asn1_ber_decoder* decoder, asn1_ber_limit* saved, int* constructed, int32_t* length);
@@ -74,7 +74,7 @@ int decode_tag_end(asn1_ber_decoder* decoder, const asn1_ber_limit& saved);
 // Passes over the contents of an element whose identifier and length have been read.
 int asn1_ber_skip_tag(asn1_ber_decoder* decoder, int32_t length);
 
-// ---- contents: `length` octets behind identifier and length, which have been read --------------------------------
+// ---- contents: `length` octets behind identifier and length, which have been read -------------------------
 
 // decode_scalar.cpp
 int asn1_ber_decode_integer(asn1_ber_decoder* decoder, const asn1_type_desc* type, void* value,

@@ -4,7 +4,7 @@
 
 namespace orlenta::ber {
 
-// ---- lengths ---------------------------------------------------------------------------------------------------
+// ---- lengths ----------------------------------------------------------------------------------------------
 
 uint32_t put_len_start(asn1_ber_encoder* encoder) {
     if (encoder->params.indefinite_length == 0) return asn1_ber_put_len_start(&encoder->buffer);
@@ -22,7 +22,7 @@ void put_len_end(asn1_ber_encoder* encoder, uint32_t start) {
     asn1_put_bytes(&encoder->buffer, kEndOfContents, sizeof kEndOfContents);
 }
 
-// ---- SEQUENCE, SET and their lists, in stored order ---------------------------------------------------------------
+// ---- SEQUENCE, SET and their lists, in stored order -------------------------------------------------------
 
 static int asn1_ber_encode_sequence(asn1_ber_encoder* encoder, const asn1_type_desc* type, const void* value,
                                     uint32_t tag) {
@@ -63,7 +63,7 @@ static int encode_set_of(asn1_ber_encoder* encoder, const asn1_type_desc* type, 
                                             : asn1_ber_encode_sequence_of(encoder, type, value, tag);
 }
 
-// ---- types that may have an element around another ----------------------------------------------------------------
+// ---- types that may have an element around another --------------------------------------------------------
 
 // Under `tag`, a whole encoding of another type.
 static int encode_wrapped(asn1_ber_encoder* encoder, uint32_t tag, const asn1_type_desc* inner,
@@ -113,7 +113,7 @@ static int encode_tagged(asn1_ber_encoder* encoder, const asn1_type_desc* type, 
     return encode_type_as(encoder, inner, value, tag);
 }
 
-// ---- the walk --------------------------------------------------------------------------------------------------
+// ---- the walk ---------------------------------------------------------------------------------------------
 
 // `tag` stands in for the type's own. A CHOICE and an ANY can't be tagged implicitly and keep theirs.
 static int encode_type_as(asn1_ber_encoder* encoder, const asn1_type_desc* type, const void* value,

@@ -12,7 +12,7 @@ static uint64_t segment_size(const asn1_ber_encoder* encoder) {
     return static_cast<uint32_t>(encoder->params.segment_size);
 }
 
-// ---- octets ----------------------------------------------------------------------------------------------------
+// ---- octets -----------------------------------------------------------------------------------------------
 
 static void put_octets(asn1_ber_encoder* encoder, uint32_t tag, const uint8_t* data, uint64_t length) {
     put_tag(encoder, tag, 0);
@@ -56,7 +56,7 @@ int asn1_ber_encode_object_identifier(asn1_ber_encoder* encoder, const asn1_stri
     return 0;
 }
 
-// ---- bits ------------------------------------------------------------------------------------------------------
+// ---- bits -------------------------------------------------------------------------------------------------
 
 // `data` begins with the first of the `bits`.
 static void put_bits(asn1_ber_encoder* encoder, uint32_t tag, const uint8_t* data, uint64_t bits) {

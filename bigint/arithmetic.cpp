@@ -3,7 +3,7 @@
 #include <orlenta/memory.h>
 #include <string.h>
 
-// ---- comparison ------------------------------------------------------------------------------------------------
+// ---- comparison -------------------------------------------------------------------------------------------
 
 static int compare_magnitudes(const asn1_integer* a, const asn1_integer* b) {
     if (a->size != b->size) return a->size > b->size ? 1 : -1;
@@ -28,7 +28,7 @@ int asn1_integer_cmp_si(const asn1_integer* a, int32_t v) {
     return asn1_integer_cmp(a, &b);
 }
 
-// ---- addition and subtraction ----------------------------------------------------------------------------------
+// ---- addition and subtraction -----------------------------------------------------------------------------
 
 // out = a + b by limbs, a being no shorter; both may be out. Returns the carry.
 static uint32_t add_limbs(uint32_t* out, const asn1_integer* a, const asn1_integer* b) {
@@ -125,7 +125,7 @@ int asn1_integer_add_internal(asn1_integer* r, const asn1_integer* a, const asn1
     return subtract_magnitudes(r, a, b, b_negative);
 }
 
-// ---- the rest --------------------------------------------------------------------------------------------------
+// ---- the rest ---------------------------------------------------------------------------------------------
 
 uint32_t asn1_integer_div_ui(asn1_integer* a, uint32_t d) {
     uint64_t remainder = 0;

@@ -11,7 +11,7 @@ constexpr uint32_t kPowersOfTen[kGroupDigits + 1] = {
 
 }  // namespace
 
-// ---- to text ---------------------------------------------------------------------------------------------------
+// ---- to text ----------------------------------------------------------------------------------------------
 
 // Writes `number` before `end`, with `min_digits` digits at the least, and returns where it begins.
 static char* put_digits_before(char* end, uint32_t number, int min_digits) {
@@ -62,7 +62,7 @@ int asn1_integer_out_str(FILE* stream, const asn1_integer* a) {
     return 0;
 }
 
-// ---- from text -------------------------------------------------------------------------------------------------
+// ---- from text --------------------------------------------------------------------------------------------
 
 static bool is_digit(char c) { return c >= '0' && c <= '9'; }
 

@@ -132,7 +132,7 @@ static void add_catalogue_commands(CLI::App* app, Arguments* arguments) {
     roots->add_option("REGION", arguments->region, "CN, EU or US")->required();
 }
 
-// ---- what the parser cannot tell by itself --------------------------------------------------------------------
+// ---- what the parser cannot tell by itself ----------------------------------------------------------------
 
 static void require(bool condition, const std::string& text) {
     if (!condition) throw CLI::ValidationError(text);

@@ -14,7 +14,7 @@ namespace cli {
 
 using namespace orlenta;
 
-// ---- constraints --------------------------------------------------------------------------------------------------
+// ---- constraints ------------------------------------------------------------------------------------------
 
 static std::string decimal(const asn1_integer* number) {
     char* block = nullptr;
@@ -98,7 +98,7 @@ static std::string char_string_text(const asn1_type_desc* type) {
     return text + "))";
 }
 
-// ---- structures ---------------------------------------------------------------------------------------------------
+// ---- structures -------------------------------------------------------------------------------------------
 
 static std::string margin(int level) { return std::string(static_cast<size_t>(level) * 4, ' '); }
 
@@ -216,7 +216,7 @@ static std::string class_text(const asn1_type_desc* type, int level) {
     return block("CLASS", items, level);
 }
 
-// ---- open types ---------------------------------------------------------------------------------------------------
+// ---- open types -------------------------------------------------------------------------------------------
 
 // A key value as JSON on one line.
 static std::string value_text(const asn1_type_desc* type, const void* value) {
@@ -301,7 +301,7 @@ std::string definition_text(const Entry& entry) {
     return fmt::format("{} ::= {}\n", is_named(entry) ? entry.name : entry.table, body_text(entry.type, 0));
 }
 
-// ---- one line -----------------------------------------------------------------------------------------------------
+// ---- one line ---------------------------------------------------------------------------------------------
 
 static std::string counted(const char* word, uint32_t count, const char* part, bool extensible) {
     return fmt::format("{}, {} {}{}{}", word, count, part, count == 1 ? "" : "s", extensible ? ", ..." : "");

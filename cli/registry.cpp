@@ -38,7 +38,7 @@ static const Entry* find_entry(const Region& region, std::string_view name) {
     return nullptr;
 }
 
-// ---- nearest names ------------------------------------------------------------------------------------------------
+// ---- nearest names ----------------------------------------------------------------------------------------
 
 static std::string folded(std::string_view text) {
     std::string result(text);

@@ -1,7 +1,10 @@
 # What the targets of this tree have in common.
 include(CheckLinkerFlag)
 
-set(ORLENTA_WARNINGS -Wall -Wextra -Werror)
+set(ORLENTA_WARNINGS -Wall -Wextra)
+if(ORLENTA_WERROR)
+    list(APPEND ORLENTA_WARNINGS -Werror)
+endif()
 set(ORLENTA_CMAKE_DIR ${CMAKE_CURRENT_LIST_DIR})
 
 # The message sets that are built.
@@ -9,6 +12,9 @@ set(ORLENTA_REGIONS)
 foreach(region CN EU US)
     if(ORLENTA_${region})
         list(APPEND ORLENTA_REGIONS ${region})
+    else() # a header that an earlier configuration left would be taken for a part of the library
+        string(TOLOWER ${region} folder)
+        file(REMOVE ${PROJECT_BINARY_DIR}/include/orlenta/${folder}.h)
     endif()
 endforeach()
 
@@ -40,6 +46,9 @@ function(orlenta_program_options target)
     # for writes behind its end.
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
         target_compile_options(${target} PRIVATE "$<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict;-Wno-stringop-overflow>")
+        if(ORLENTA_SANITIZE)  # the same with a sanitizer's checks in between
+            target_compile_options(${target} PRIVATE "$<$<COMPILE_LANGUAGE:CXX>:-Wno-array-bounds>")
+        endif()
     endif()
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
 endfunction()

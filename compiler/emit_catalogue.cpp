@@ -13,17 +13,19 @@ std::string emit_catalogue(const Layout& layout) {
     for (const Table* table : layout.tables) {
         fmt::format_to(at, "ORLENTA_API extern const asn1_type_desc asn1_type_{}[];\n", table->symbol);
     }
-    out += "}\n\nstruct orlenta_catalogue_entry {\n    const char* table;\n    const char* name;\n"
-           "    const asn1_type_desc* type;\n};\n\n";
+    out +=
+        "}\n\nstruct orlenta_catalogue_entry {\n    const char* table;\n    const char* name;\n"
+        "    const asn1_type_desc* type;\n};\n\n";
     fmt::format_to(at, "extern const orlenta_catalogue_entry orlenta_catalogue_{}[];\n", layout.region);
     fmt::format_to(at, "extern const size_t orlenta_catalogue_{}_count;\n", layout.region);
     fmt::format_to(at, "const orlenta_catalogue_entry orlenta_catalogue_{}[] = {{\n", layout.region);
     size_t prefix = layout.region.size() + 1;
     for (const Table* table : layout.tables) {
-        fmt::format_to(at, "    {{\"{}\", \"{}\", asn1_type_{}}},\n", table->symbol.substr(prefix), table->name,
-                       table->symbol);
+        fmt::format_to(at, "    {{\"{}\", \"{}\", asn1_type_{}}},\n", table->symbol.substr(prefix),
+                       table->name, table->symbol);
     }
-    fmt::format_to(at, "}};\nconst size_t orlenta_catalogue_{}_count = {};\n", layout.region, layout.tables.size());
+    fmt::format_to(at, "}};\nconst size_t orlenta_catalogue_{}_count = {};\n", layout.region,
+                   layout.tables.size());
     return out;
 }
 

@@ -33,7 +33,7 @@ void put_section(Writer& writer, const std::string& title) {
     put(writer, "{}{:-<109}*/\n\n", gap, line);
 }
 
-// ---- constants -------------------------------------------------------------------------------------------------
+// ---- constants --------------------------------------------------------------------------------------------
 
 // A name that no record and no other constant has.
 std::string constant_name(Writer& writer, const std::string& owner, const std::string& schema_name) {
@@ -80,7 +80,7 @@ void put_named_numbers(Writer& writer, const std::string& owner, const std::vect
     }
 }
 
-// ---- records ---------------------------------------------------------------------------------------------------
+// ---- records ----------------------------------------------------------------------------------------------
 
 void put_simple(Writer& writer, const Table& table) {
     std::string name = record_name(table);
@@ -183,7 +183,7 @@ void put_records(Writer& writer) {
         if (has_record(*table) && is_struct(*table)) put_struct(writer, *table);
 }
 
-// ---- descriptors -----------------------------------------------------------------------------------------------
+// ---- descriptors ------------------------------------------------------------------------------------------
 
 void put_descriptors(Writer& writer, const char* title, Table::Class table_class) {
     const std::vector<const Table*>& tables = writer.layout.tables;
@@ -204,7 +204,7 @@ void put_alias_descriptors(Writer& writer) {
             alias.table->symbol);
 }
 
-// ---- the manual at the top -------------------------------------------------------------------------------------
+// ---- the manual at the top --------------------------------------------------------------------------------
 
 void count_reached(std::unordered_set<const Table*>& reached, const Table& table) {
     if (!reached.insert(&table).second) return;

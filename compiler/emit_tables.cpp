@@ -20,7 +20,7 @@ void put(Text& out, fmt::format_string<Args...> format, Args&&... args) {
     fmt::format_to(std::back_inserter(out), format, std::forward<Args>(args)...);
 }
 
-// ---- words -----------------------------------------------------------------------------------------------------
+// ---- words ------------------------------------------------------------------------------------------------
 
 Text object_name(const Object& object) {
     const char* sort = object.sort == Object::Sort::constraint ? "constraint" : "value";
@@ -61,7 +61,7 @@ void put_words(Text& out, const std::vector<Word>& words) {
     out += "\n};\n";
 }
 
-// ---- constants -------------------------------------------------------------------------------------------------
+// ---- constants --------------------------------------------------------------------------------------------
 
 // Magnitude in limbs, least significant first, as asn1_integer holds it.
 std::vector<uint32_t> limbs_of(Number number) {
@@ -127,7 +127,7 @@ void put_object(Text& out, const Object& object) {
     put_words(out, object.words);
 }
 
-// ---- files -----------------------------------------------------------------------------------------------------
+// ---- files ------------------------------------------------------------------------------------------------
 
 void collect_tables(std::set<std::string>& names, const std::vector<Word>& words) {
     for (const Word& word : words)

@@ -6,7 +6,7 @@
 
 namespace orlentac {
 
-// ---- tables in place, and wrappers -----------------------------------------------------------------------------
+// ---- tables in place, and wrappers ------------------------------------------------------------------------
 
 namespace {
 
@@ -80,7 +80,7 @@ const Table* plain_table(Builder& builder, const Type* type) {
     return in_place_table(builder, *type, universal_tag(*type));
 }
 
-// ---- the whole -------------------------------------------------------------------------------------------------
+// ---- the whole --------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -150,7 +150,7 @@ bool make_layout(const Schema& schema, const LayoutOptions& options, Layout& out
     return diags.errors.empty();
 }
 
-// ---- reading a finished table ----------------------------------------------------------------------------------
+// ---- reading a finished table -----------------------------------------------------------------------------
 
 uint32_t word0(const Table& table) { return static_cast<uint32_t>(table.words[0].number); }
 

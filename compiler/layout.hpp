@@ -77,7 +77,7 @@ struct LayoutOptions {
 // False, with errors in `diags`, if something does not fit the format.
 bool make_layout(const Schema& schema, const LayoutOptions& options, Layout& out, Diagnostics& diags);
 
-// ---- reading a finished table ----------------------------------------------------------------------------------
+// ---- reading a finished table -----------------------------------------------------------------------------
 
 uint32_t word0(const Table& table);
 // Offset of a component's value in its record, and of its presence word.

@@ -26,7 +26,7 @@ struct Builder {
     std::string enclosing;  // C name of the type that nested tables are named after
 };
 
-// ---- layout.cpp: which table a reference means -----------------------------------------------------------------
+// ---- layout.cpp: which table a reference means ------------------------------------------------------------
 
 // The descriptor of a component or alternative with the automatic tag `tag`. `in_place` makes even a referred type a
 // descriptor of its own.
@@ -35,7 +35,7 @@ const Table* part_table(Builder& builder, const Type& type, uint32_t tag, bool i
 // null.
 const Table* plain_table(Builder& builder, const Type* type);
 
-// ---- table_words.cpp: the words of a table ---------------------------------------------------------------------
+// ---- table_words.cpp: the words of a table ----------------------------------------------------------------
 
 // Class and number of the context tag, and of the universal tag of a type; 0 for a CHOICE or an open type.
 uint32_t context_tag(uint32_t number);

@@ -102,7 +102,7 @@ struct Base {
     explicit operator bool() const { return type; }
 };
 
-// ---- resolve_names.cpp -----------------------------------------------------------------------------------------
+// ---- resolve_names.cpp ------------------------------------------------------------------------------------
 
 // Names, exports and imports of all modules.
 void declare_modules(Resolver& resolver);
@@ -113,7 +113,7 @@ Meaning find_name(Resolver& resolver, const Scope& scope, const AstReference& re
 Meaning peek_name(const Resolver& resolver, const Scope& scope, const AstReference& reference);
 const Scope& scope_of(const Meaning& meaning);
 
-// ---- resolve_instances.cpp -------------------------------------------------------------------------------------
+// ---- resolve_instances.cpp --------------------------------------------------------------------------------
 
 // The scope in which the body of a parameterised type is read; null, and told, if the parameters do not fit.
 const Scope* bind_parameters(Resolver& resolver, const Scope& scope, const AstReference& reference,
@@ -123,7 +123,7 @@ AstValue* binding_value(Resolver& resolver, Binding& binding);
 // A reference to a parameterised type in place.
 Type* resolve_instance(Resolver& resolver, const AstType& type, const Scope& scope, const Meaning& meaning);
 
-// ---- resolve_types.cpp -----------------------------------------------------------------------------------------
+// ---- resolve_types.cpp ------------------------------------------------------------------------------------
 
 Type* new_type(Resolver& resolver, Kind kind, Place place);
 // A plain reference, or a type in place.
@@ -136,7 +136,7 @@ std::string_view kind_name(Kind kind);
 Kind base_kind(const Base& base);
 const Type& behind_references(const Type& type);
 
-// ---- resolve_structure.cpp -------------------------------------------------------------------------------------
+// ---- resolve_structure.cpp --------------------------------------------------------------------------------
 
 void fill_components(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
 void fill_alternatives(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
@@ -145,7 +145,7 @@ void fill_named_numbers(Resolver& resolver, Type& type, const AstType& ast, cons
 // Root items first.
 std::vector<const AstItem*> ordered_items(const AstType& enumerated);
 
-// ---- resolve_values.cpp ----------------------------------------------------------------------------------------
+// ---- resolve_values.cpp -----------------------------------------------------------------------------------
 
 // A value of the type that `governor` is; none, and told, if it is not one.
 std::optional<Value> resolve_value(Resolver& resolver, const AstValue& value, const Scope& scope,
@@ -155,7 +155,7 @@ std::string value_text(const AstValue& value);
 // Looks, when all types are known, whether the value is within the bounds of its type.
 void check_value_later(Resolver& resolver, const Type* type, const Value& value, std::string what);
 
-// ---- resolve_constraints.cpp -----------------------------------------------------------------------------------
+// ---- resolve_constraints.cpp ------------------------------------------------------------------------------
 
 // Whether tables tell anything of the constraint on a type of that kind.
 bool leaves_trace(const AstConstraint& constraint, Kind kind);
@@ -163,7 +163,7 @@ void apply_constraint(Resolver& resolver, Type& type, const AstConstraint& const
                       const Scope& scope);
 std::vector<CodeRange> full_alphabet(StringKind kind);
 
-// ---- resolve_objects.cpp ---------------------------------------------------------------------------------------
+// ---- resolve_objects.cpp ----------------------------------------------------------------------------------
 
 // Null, without an error, if the name is not that of a class.
 const ClassInfo* peek_class(Resolver& resolver, const Scope& scope, const AstReference& reference);
@@ -182,14 +182,14 @@ void resolve_tables(Resolver& resolver);
 // Index of the field, or -1, and told.
 int find_field(Resolver& resolver, const ClassInfo& info, const std::string& name, Place place);
 
-// ---- resolve_checks.cpp ----------------------------------------------------------------------------------------
+// ---- resolve_checks.cpp -----------------------------------------------------------------------------------
 
 // Name ::= Name, also over several steps; such names count as broken from then on.
 void check_alias_cycles(Resolver& resolver);
 // Types of which no value ends.
 void check_finite(Resolver& resolver);
 
-// ---- resolve.cpp -----------------------------------------------------------------------------------------------
+// ---- resolve.cpp ------------------------------------------------------------------------------------------
 
 void resolve(Resolver& resolver);
 

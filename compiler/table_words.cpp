@@ -34,7 +34,7 @@ uint32_t universal_tag(const Type& type) {
 
 namespace {
 
-// ---- words -----------------------------------------------------------------------------------------------------
+// ---- words ------------------------------------------------------------------------------------------------
 
 Word number_word(uint64_t number) { return {.number = number}; }
 Word table_word(const Table* table) { return {.sort = Word::Sort::table, .table = table}; }
@@ -78,7 +78,7 @@ uint32_t kind_number(Kind kind) {
     return ASN1_KIND_TAGGED;
 }
 
-// ---- constants -------------------------------------------------------------------------------------------------
+// ---- constants --------------------------------------------------------------------------------------------
 
 const Object* add_object(Builder& builder, Table& table, Object object) {
     object.local = builder.next_local++;
@@ -102,7 +102,7 @@ const Object* add_number(Builder& builder, Table& table, const Number& number, c
     return add_value(builder, table, value, type);
 }
 
-// ---- tables by kind: what stands between word 0 and the name ---------------------------------------------------
+// ---- tables by kind: what stands between word 0 and the name ----------------------------------------------
 
 void add_name(Table& table) {
     if (!table.name.empty()) table.words.push_back(text_word(table.name));
@@ -273,7 +273,7 @@ void add_enumerated(Builder& builder, Table& table, const Type& type) {
     }
 }
 
-// ---- open types ------------------------------------------------------------------------------------------------
+// ---- open types -------------------------------------------------------------------------------------------
 
 Word row_word(Builder& builder, Table& table, const RowEntry& entry, const ClassField& field) {
     if (field.is_type_field) return table_or_zero(plain_table(builder, entry.type));
@@ -311,7 +311,7 @@ void add_open_type(Builder& builder, Table& table, const Type& type) {
     table.words.push_back(object_word(add_object(builder, table, std::move(object))));
 }
 
-// ---- any table -------------------------------------------------------------------------------------------------
+// ---- any table --------------------------------------------------------------------------------------------
 
 uint32_t flags_of(const Type& type) {
     switch (type.kind) {

@@ -7,7 +7,7 @@
 
 namespace orlenta {
 
-// ---- word 0 ----------------------------------------------------------------------------------------------------
+// ---- word 0 -----------------------------------------------------------------------------------------------
 
 inline uint32_t word0(const asn1_type_desc* type) { return static_cast<uint32_t>(type->number); }
 inline uint32_t kind_of(const asn1_type_desc* type) { return word0(type) >> ASN1_WORD0_KIND_SHIFT; }
@@ -37,7 +37,7 @@ inline uint32_t low32(asn1_word word) { return static_cast<uint32_t>(word.number
 // 1 if the flag is set: how far a word that the flag guards pushes those behind it.
 inline size_t words_if(const asn1_type_desc* type, uint32_t flag) { return has_flag(type, flag) ? 1 : 0; }
 
-// ---- values in memory ------------------------------------------------------------------------------------------
+// ---- values in memory -------------------------------------------------------------------------------------
 
 inline void* at_offset(void* record, uint64_t offset) { return static_cast<uint8_t*>(record) + offset; }
 inline const void* at_offset(const void* record, uint64_t offset) {
@@ -57,7 +57,7 @@ inline void* load_pointer(const void* value) {
 }
 inline void store_pointer(void* value, void* p) { memcpy(value, &p, sizeof p); }
 
-// ---- SEQUENCE, SET ---------------------------------------------------------------------------------------------
+// ---- SEQUENCE, SET ----------------------------------------------------------------------------------------
 
 inline uint32_t component_count(const asn1_type_desc* type) { return low32(type[1]); }
 inline uint64_t record_size(const asn1_type_desc* type) { return type[2].number; }
@@ -99,7 +99,7 @@ inline const void* field_value(const asn1_field* field, const void* record) {
     return at_offset(record, field_offset(field));
 }
 
-// ---- SEQUENCE OF, SET OF ---------------------------------------------------------------------------------------
+// ---- SEQUENCE OF, SET OF ----------------------------------------------------------------------------------
 
 struct list_layout {
     bool has_lower, has_upper;
@@ -122,7 +122,7 @@ inline list_layout list_of(const asn1_type_desc* type) {
     return list;
 }
 
-// ---- CHOICE ----------------------------------------------------------------------------------------------------
+// ---- CHOICE -----------------------------------------------------------------------------------------------
 
 struct choice_layout {
     uint32_t root, total;  // alternatives: root ones, and with the extension ones
@@ -153,7 +153,7 @@ inline const char* alternative_name(const choice_layout& choice, uint32_t index)
     return choice.alternatives[index].name.text;
 }
 
-// ---- INTEGER ---------------------------------------------------------------------------------------------------
+// ---- INTEGER ----------------------------------------------------------------------------------------------
 
 // The first word behind those of the bounds, of a type whose bounds come first.
 inline const asn1_word* behind_bounds(const asn1_type_desc* type) {
@@ -196,7 +196,7 @@ inline bool is_unsigned_integer(const asn1_type_desc* type) {
            static_cast<int32_t>(low32(type[1])) >= 0;
 }
 
-// ---- strings ---------------------------------------------------------------------------------------------------
+// ---- strings ----------------------------------------------------------------------------------------------
 
 // Size bounds of a string; upper is 0xFFFFFFFF without an upper bound word.
 struct size_bounds {
@@ -269,7 +269,7 @@ inline uint32_t range_last(const char_string_layout& string, int32_t index) {
     return low32(string.ranges[2 * index + 1]);
 }
 
-// ---- ENUMERATED ------------------------------------------------------------------------------------------------
+// ---- ENUMERATED -------------------------------------------------------------------------------------------
 
 struct enum_layout {
     uint32_t root, total;  // items: root ones, and with the extension ones
@@ -296,7 +296,7 @@ inline int32_t enum_value(const asn1_type_desc* type, const enum_layout& items, 
     return static_cast<int32_t>(low32(enum_value_table(items.names, items.total, word0(type))[index]));
 }
 
-// ---- TAGGED ----------------------------------------------------------------------------------------------------
+// ---- TAGGED -----------------------------------------------------------------------------------------------
 
 inline const asn1_type_desc* tagged_inner(const asn1_type_desc* type) { return type[1].type; }
 
@@ -306,7 +306,7 @@ inline const asn1_type_desc* untagged(const asn1_type_desc* type) {
     return type;
 }
 
-// ---- open types ------------------------------------------------------------------------------------------------
+// ---- open types -------------------------------------------------------------------------------------------
 
 // The constraint object of an ANY, or null.
 inline const asn1_word* any_constraint(const asn1_type_desc* type) {

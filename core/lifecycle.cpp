@@ -6,7 +6,7 @@
 
 using namespace orlenta;
 
-// ---- size and allocation ---------------------------------------------------------------------------------------
+// ---- size and allocation ----------------------------------------------------------------------------------
 
 int64_t asn1_get_size(const asn1_type_desc* desc) {
     for (;; desc = tagged_inner(desc)) {
@@ -41,7 +41,7 @@ void* asn1_mallocz_value(const asn1_type_desc* desc) {
     return size >= 0 ? asn1_mallocz(static_cast<size_t>(size)) : nullptr;
 }
 
-// ---- release ---------------------------------------------------------------------------------------------------
+// ---- release ----------------------------------------------------------------------------------------------
 
 static void free_components(const asn1_type_desc* desc, void* record) {
     const asn1_field* field = components(desc);
@@ -119,7 +119,7 @@ void asn1_free_value(const asn1_type_desc* desc, void* value) {
     asn1_free(value);
 }
 
-// ---- copy ------------------------------------------------------------------------------------------------------
+// ---- copy -------------------------------------------------------------------------------------------------
 
 static int copy_components(const asn1_type_desc* desc, void* dst, const void* src) {
     const asn1_field* field = components(desc);

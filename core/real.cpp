@@ -34,7 +34,7 @@ static double real_of(uint64_t bits) {
     return value;
 }
 
-// ---- encoding --------------------------------------------------------------------------------------------------
+// ---- encoding ---------------------------------------------------------------------------------------------
 
 static int encode_special(uint8_t* out, uint8_t octet) {
     *out = octet;
@@ -77,7 +77,7 @@ int asn1_encode_real_der(uint8_t* out, double value) {
     return negative ? encode_special(out, kMinusZero) : 0;
 }
 
-// ---- decoding --------------------------------------------------------------------------------------------------
+// ---- decoding ---------------------------------------------------------------------------------------------
 
 static int decode_special(uint8_t first, double* out) {
     switch (first) {

@@ -25,7 +25,7 @@ int parse_error(text_parser* parser, const char* format, ...) {
     return -1;
 }
 
-// ---- tokens --------------------------------------------------------------------------------------------
+// ---- tokens -----------------------------------------------------------------------------------------------
 
 int lex_identifier(text_parser* parser, text_identifier* identifier, uint8_t extra) {
     const uint8_t* start = parser->cursor;
@@ -121,7 +121,7 @@ int text_integer_copy(const text_integer* integer, asn1_integer* dst) {
                            : asn1_integer_set_si64(dst, integer->small);
 }
 
-// ---- lookup by name ------------------------------------------------------------------------------------
+// ---- lookup by name ---------------------------------------------------------------------------------------
 
 int32_t find_alternative(const choice_layout& choice, const char* text, size_t length) {
     for (uint32_t i = 0; i < choice.total; ++i) {
@@ -137,7 +137,7 @@ int32_t find_item(const enum_layout& items, const char* text, size_t length) {
     return -1;
 }
 
-// ---- values --------------------------------------------------------------------------------------------
+// ---- values -----------------------------------------------------------------------------------------------
 
 bool store_integer32(const asn1_type_desc* type, void* value, int64_t number) {
     bool is_unsigned = is_unsigned_integer(type);
@@ -164,7 +164,7 @@ int make_open_value(text_parser* parser, asn1_open_value* open, const asn1_type_
     return open->data ? 0 : parse_error(parser, kNotEnoughMemory);
 }
 
-// ---- SEQUENCE, SET -------------------------------------------------------------------------------------
+// ---- SEQUENCE, SET ----------------------------------------------------------------------------------------
 
 int open_sequence(text_parser* parser, text_sequence* sequence, const asn1_type_desc* type, void* record) {
     sequence->count = component_count(type);
@@ -231,7 +231,7 @@ int close_sequence(text_parser* parser, text_sequence* sequence, int result) {
     return result;
 }
 
-// ---- the end of a decode -------------------------------------------------------------------------------
+// ---- the end of a decode ----------------------------------------------------------------------------------
 
 int64_t finish_text_decode(const text_parser* parser, int result, const asn1_type_desc* type, void* value,
                            void** out, uint64_t length, asn1_error* error) {

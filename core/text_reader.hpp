@@ -16,7 +16,7 @@ namespace orlenta {
 
 inline constexpr char kNotEnoughMemory[] = "not enough memory";
 
-// ---- input and errors ----------------------------------------------------------------------------------
+// ---- input and errors -------------------------------------------------------------------------------------
 
 // The head of each parser: struct asn1_xxx_parser : text_parser { its token }.
 struct text_parser {
@@ -40,7 +40,7 @@ inline int check_depth(text_parser* parser) {
     return has_stack(&parser->stack) ? 0 : parse_error(parser, "value nested too deeply");
 }
 
-// ---- characters ----------------------------------------------------------------------------------------
+// ---- characters -------------------------------------------------------------------------------------------
 
 inline bool is_digit(uint8_t c) { return c >= '0' && c <= '9'; }
 inline bool is_letter(uint8_t c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -55,7 +55,7 @@ inline int hex_digit(uint8_t c) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// ---- tokens --------------------------------------------------------------------------------------------
+// ---- tokens -----------------------------------------------------------------------------------------------
 
 inline constexpr uint32_t kIdentifierMax = 256;
 
@@ -96,7 +96,7 @@ struct text_number {
 // is left there. `scratch` is emptied and may be filled.
 int lex_number(text_parser* parser, asn1_byte_buffer* scratch, bool lower_e, text_number* number);
 
-// ---- lookup by name ------------------------------------------------------------------------------------
+// ---- lookup by name ---------------------------------------------------------------------------------------
 
 // Whether the NUL-terminated `name` is exactly the `length` bytes of `text`.
 inline bool cstr_equal(const char* text, size_t length, const char* name) {
@@ -108,7 +108,7 @@ inline bool cstr_equal(const char* text, size_t length, const char* name) {
 int32_t find_alternative(const choice_layout& choice, const char* text, size_t length);
 int32_t find_item(const enum_layout& items, const char* text, size_t length);
 
-// ---- values --------------------------------------------------------------------------------------------
+// ---- values -----------------------------------------------------------------------------------------------
 
 // Stores a 32-bit INTEGER; false if the word, signed or unsigned by the type, does not hold the number.
 bool store_integer32(const asn1_type_desc* type, void* value, int64_t number);
@@ -120,7 +120,7 @@ void* tagged_place(text_parser* parser, const asn1_type_desc* type, void* value)
 // Makes `open` hold a new zero-filled value of `type`.
 int make_open_value(text_parser* parser, asn1_open_value* open, const asn1_type_desc* type);
 
-// ---- SEQUENCE, SET -------------------------------------------------------------------------------------
+// ---- SEQUENCE, SET ----------------------------------------------------------------------------------------
 
 inline constexpr uint32_t kSeenInline = 80;
 
@@ -153,7 +153,7 @@ inline void component_read(text_sequence* sequence, const asn1_field* field) {
 // applied.
 int close_sequence(text_parser* parser, text_sequence* sequence, int result);
 
-// ---- the end of a decode -------------------------------------------------------------------------------
+// ---- the end of a decode ----------------------------------------------------------------------------------
 
 // The result of an entry point: hands out `value` and gives `length`, or releases it, copies the error (if
 // the caller wants it) and gives -1.

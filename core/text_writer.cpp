@@ -11,7 +11,7 @@ void put_spaces(asn1_byte_buffer* buf, int64_t n) {
     buf->length += static_cast<uint64_t>(n);
 }
 
-// ---- numbers -------------------------------------------------------------------------------------------
+// ---- numbers ----------------------------------------------------------------------------------------------
 
 void put_unsigned(asn1_byte_buffer* buf, uint32_t v) {
     char digits[10];
@@ -82,7 +82,7 @@ void put_real(asn1_byte_buffer* buf, double value, const real_forms& forms) {
     }
 }
 
-// ---- strings -------------------------------------------------------------------------------------------
+// ---- strings ----------------------------------------------------------------------------------------------
 
 void put_hex_digits(asn1_byte_buffer* buf, const uint8_t* data, uint64_t nibbles, const char* digits) {
     if (!reserve(buf, nibbles)) return;
@@ -106,7 +106,7 @@ void put_utf8(asn1_byte_buffer* buf, uint32_t code) {
     asn1_put_bytes(buf, utf8, static_cast<uint64_t>(asn1_to_utf8(utf8, code)));
 }
 
-// ---- hook and end --------------------------------------------------------------------------------------
+// ---- hook and end -----------------------------------------------------------------------------------------
 
 void put_hook_text(asn1_byte_buffer* buf, const hook_text& text) {
     if (text.length > 0) asn1_put_bytes(buf, text.data, static_cast<uint64_t>(text.length));

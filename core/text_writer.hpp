@@ -48,7 +48,7 @@ void put_binary_digits(asn1_byte_buffer* buf, const uint8_t* data, uint64_t bits
 // The UTF-8 form of a code point.
 void put_utf8(asn1_byte_buffer* buf, uint32_t code);
 
-// ---- the caller's hook ---------------------------------------------------------------------------------
+// ---- the caller's hook ------------------------------------------------------------------------------------
 
 struct text_hook {
     asn1_text_hook* function;  // null: none
@@ -72,7 +72,7 @@ inline bool call_hook(const text_hook& hook, const asn1_type_desc* type, const v
 
 void put_hook_text(asn1_byte_buffer* buf, const hook_text& text);
 
-// ---- the end of an encode ------------------------------------------------------------------------------
+// ---- the end of an encode ---------------------------------------------------------------------------------
 
 // Hands the text to the caller if the walk and all growths went well: its length, or else a negative result
 // and null.

@@ -4,7 +4,7 @@
 
 namespace orlenta::gser {
 
-// ---- SEQUENCE, SET -------------------------------------------------------------------------------------
+// ---- SEQUENCE, SET ----------------------------------------------------------------------------------------
 
 // name value
 static int decode_component(asn1_gser_parser* parser, text_sequence* sequence) {
@@ -35,7 +35,7 @@ int decode_sequence(asn1_gser_parser* parser, const asn1_type_desc* type, void* 
     return close_sequence(parser, &sequence, decode_components(parser, &sequence));
 }
 
-// ---- SEQUENCE OF, SET OF -------------------------------------------------------------------------------
+// ---- SEQUENCE OF, SET OF ----------------------------------------------------------------------------------
 
 // Up to the closing brace, which stays current.
 static int decode_elements(asn1_gser_parser* parser, const asn1_type_desc* element, growing_list* list) {
@@ -58,7 +58,7 @@ int decode_list(asn1_gser_parser* parser, const asn1_type_desc* type, void* valu
     return next_token(parser);
 }
 
-// ---- CHOICE --------------------------------------------------------------------------------------------
+// ---- CHOICE -----------------------------------------------------------------------------------------------
 
 // alternative : value
 int decode_choice(asn1_gser_parser* parser, const asn1_type_desc* type, void* value) {

@@ -10,7 +10,7 @@ static int skip_minus(asn1_gser_parser* parser, bool* negative) {
     return *negative ? next_token(parser) : 0;
 }
 
-// ---- INTEGER -------------------------------------------------------------------------------------------
+// ---- INTEGER ----------------------------------------------------------------------------------------------
 
 // A minus sign stays with a zero.
 static int decode_big_integer(asn1_gser_parser* parser, asn1_integer* value, bool negative) {
@@ -38,7 +38,7 @@ int decode_integer(asn1_gser_parser* parser, const asn1_type_desc* type, void* v
                                 : decode_integer32(parser, type, value, negative);
 }
 
-// ---- BOOLEAN, ENUMERATED -------------------------------------------------------------------------------
+// ---- BOOLEAN, ENUMERATED ----------------------------------------------------------------------------------
 
 int decode_boolean(asn1_gser_parser* parser, void* value) {
     bool truth = parser->token == GSER_TOKEN_TRUE;
@@ -56,7 +56,7 @@ int decode_enumerated(asn1_gser_parser* parser, const asn1_type_desc* type, void
     return next_token(parser);
 }
 
-// ---- REAL ----------------------------------------------------------------------------------------------
+// ---- REAL -------------------------------------------------------------------------------------------------
 
 // The bits of the numbers that are words.
 static bool special_real_bits(const asn1_gser_parser* parser, uint64_t* bits) {
@@ -103,7 +103,7 @@ int decode_real(asn1_gser_parser* parser, void* value) {
     return next_token(parser);
 }
 
-// ---- OBJECT IDENTIFIER, RELATIVE-OID -------------------------------------------------------------------
+// ---- OBJECT IDENTIFIER, RELATIVE-OID ----------------------------------------------------------------------
 
 // Takes the arc that is the current token, between 0 and `limit`.
 static int decode_arc(asn1_gser_parser* parser, int64_t limit, uint32_t* arc) {

@@ -20,7 +20,7 @@ static uint8_t* copy_contents(asn1_gser_parser* parser, uint64_t bytes) {
     return data;
 }
 
-// ---- BIT STRING ----------------------------------------------------------------------------------------
+// ---- BIT STRING -------------------------------------------------------------------------------------------
 
 int decode_bit_string(asn1_gser_parser* parser, void* value) {
     if (!is_bits(parser)) return parse_error(parser, "expecting bit string value");
@@ -31,7 +31,7 @@ int decode_bit_string(asn1_gser_parser* parser, void* value) {
     return next_token(parser);
 }
 
-// ---- OCTET STRING --------------------------------------------------------------------------------------
+// ---- OCTET STRING -----------------------------------------------------------------------------------------
 
 int decode_whole_bytes(asn1_gser_parser* parser, void** data, uint64_t* length) {
     if (parser->length % 8 != 0) return parse_error(parser, "number of bits must be multiple of 8");
@@ -59,7 +59,7 @@ int decode_octet_string(asn1_gser_parser* parser, void* value) {
     return result;
 }
 
-// ---- character strings ---------------------------------------------------------------------------------
+// ---- character strings ------------------------------------------------------------------------------------
 
 static uint32_t code_point(const asn1_gser_parser* parser, uint64_t index) {
     return load_code_unit(parser->contents.data, index, 2);

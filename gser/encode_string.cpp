@@ -31,7 +31,7 @@ int encode_octet_string(asn1_gser_encoder* encoder, const void* value) {
     return 0;
 }
 
-// ---- character strings ---------------------------------------------------------------------------------
+// ---- character strings ------------------------------------------------------------------------------------
 
 // Units of one byte. What needs no change goes to the buffer in one piece; UTF-8 is printed as it stands, unchecked.
 static void put_bytes_quoted(asn1_byte_buffer* buf, const uint8_t* at, const uint8_t* end, bool is_utf8) {

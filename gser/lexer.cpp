@@ -22,7 +22,7 @@ void clear_parser(asn1_gser_parser* parser) {
     asn1_free(parser->contents.data);
 }
 
-// ---- white space and comments --------------------------------------------------------------------------
+// ---- white space and comments -----------------------------------------------------------------------------
 
 static void skip_white_space(asn1_gser_parser* parser) {
     const uint8_t* at = parser->cursor;
@@ -69,7 +69,7 @@ static int skip_blanks(asn1_gser_parser* parser) {
     }
 }
 
-// ---- strings -------------------------------------------------------------------------------------------
+// ---- strings ----------------------------------------------------------------------------------------------
 
 static int put_code_point(asn1_gser_parser* parser, uint32_t code) {
     asn1_byte_buffer* contents = &parser->contents;
@@ -123,7 +123,7 @@ static int lex_string(asn1_gser_parser* parser) {
     return 0;
 }
 
-// ---- bit and hex strings -------------------------------------------------------------------------------
+// ---- bit and hex strings ----------------------------------------------------------------------------------
 
 // The closing apostrophe, which a character must follow, or null.
 static const uint8_t* find_apostrophe(const asn1_gser_parser* parser, const uint8_t* at) {
@@ -167,7 +167,7 @@ static int lex_bits(asn1_gser_parser* parser) {
     return 0;
 }
 
-// ---- tokens --------------------------------------------------------------------------------------------
+// ---- tokens -----------------------------------------------------------------------------------------------
 
 // The token that an identifier is: a keyword's own if it is one.
 static uint32_t identifier_token(const text_identifier* identifier) {

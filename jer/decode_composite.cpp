@@ -4,7 +4,7 @@
 
 namespace orlenta::jer {
 
-// ---- SEQUENCE, SET -------------------------------------------------------------------------------------
+// ---- SEQUENCE, SET ----------------------------------------------------------------------------------------
 
 // "name": value
 static int decode_member(asn1_jer_parser* parser, text_sequence* sequence) {
@@ -34,7 +34,7 @@ int decode_sequence(asn1_jer_parser* parser, const asn1_type_desc* type, void* r
     return close_sequence(parser, &sequence, decode_members(parser, &sequence));
 }
 
-// ---- SEQUENCE OF, SET OF -------------------------------------------------------------------------------
+// ---- SEQUENCE OF, SET OF ----------------------------------------------------------------------------------
 
 // Up to the closing bracket, which stays current.
 static int decode_elements(asn1_jer_parser* parser, const asn1_type_desc* element, growing_list* list) {
@@ -57,7 +57,7 @@ int decode_list(asn1_jer_parser* parser, const asn1_type_desc* type, void* value
     return next_token(parser);
 }
 
-// ---- CHOICE --------------------------------------------------------------------------------------------
+// ---- CHOICE -----------------------------------------------------------------------------------------------
 
 int decode_choice(asn1_jer_parser* parser, const asn1_type_desc* type, void* value) {
     if (skip_token(parser, '{') != 0) return -1;

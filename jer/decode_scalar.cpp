@@ -40,7 +40,7 @@ int decode_null(asn1_jer_parser* parser) {
     return next_token(parser);
 }
 
-// ---- REAL ----------------------------------------------------------------------------------------------
+// ---- REAL -------------------------------------------------------------------------------------------------
 
 // The bits of the numbers that are written as strings.
 static bool special_real_bits(const asn1_jer_parser* parser, uint64_t* bits) {
@@ -84,7 +84,7 @@ int decode_real(asn1_jer_parser* parser, void* value) {
     return next_token(parser);
 }
 
-// ---- OBJECT IDENTIFIER, RELATIVE-OID -------------------------------------------------------------------
+// ---- OBJECT IDENTIFIER, RELATIVE-OID ----------------------------------------------------------------------
 
 int decode_object_identifier(asn1_jer_parser* parser, const asn1_type_desc* type, void* value) {
     bool relative = kind_of(type) == ASN1_KIND_RELATIVE_OID;

@@ -16,7 +16,7 @@ static bool read_hex(const char* text, uint8_t* out, uint64_t count) {
     return true;
 }
 
-// ---- BIT STRING ----------------------------------------------------------------------------------------
+// ---- BIT STRING -------------------------------------------------------------------------------------------
 
 // The members of the object form, as far as read.
 struct bit_string_members {
@@ -99,7 +99,7 @@ int decode_bit_string(asn1_jer_parser* parser, const asn1_type_desc* type, void*
     return store_bit_string(parser, bits, &parser->string, size.lower);
 }
 
-// ---- OCTET STRING --------------------------------------------------------------------------------------
+// ---- OCTET STRING -----------------------------------------------------------------------------------------
 
 // The current STRING token as pairs of hexadecimal digits.
 static int asn1_jer_decode_octet_string(asn1_jer_parser* parser, asn1_string* value) {
@@ -118,7 +118,7 @@ int decode_octet_string(asn1_jer_parser* parser, void* value) {
     return asn1_jer_decode_octet_string(parser, static_cast<asn1_string*>(value));
 }
 
-// ---- character strings ---------------------------------------------------------------------------------
+// ---- character strings ------------------------------------------------------------------------------------
 
 static int copy_bytes(asn1_jer_parser* parser, asn1_string* value) {
     value->data = static_cast<uint8_t*>(asn1_malloc(parser->string.length));

@@ -40,7 +40,7 @@ int encode_octet_string(asn1_jer_encoder* encoder, const void* value) {
     return 0;
 }
 
-// ---- character strings ---------------------------------------------------------------------------------
+// ---- character strings ------------------------------------------------------------------------------------
 
 // The letter behind the backslash of a unit that has an escape of its own, or 0.
 static char escape_letter(uint32_t unit) {

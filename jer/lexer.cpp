@@ -22,7 +22,7 @@ void clear_parser(asn1_jer_parser* parser) {
     asn1_free(parser->string.data);
 }
 
-// ---- strings -------------------------------------------------------------------------------------------
+// ---- strings ----------------------------------------------------------------------------------------------
 
 static void put_code_point(asn1_jer_parser* parser, uint32_t code) {
     uint8_t utf8[4];
@@ -128,7 +128,7 @@ static int lex_string(asn1_jer_parser* parser) {
     return 0;
 }
 
-// ---- tokens --------------------------------------------------------------------------------------------
+// ---- tokens -----------------------------------------------------------------------------------------------
 
 static int lex_number_token(asn1_jer_parser* parser) {
     const uint8_t* at = parser->cursor;

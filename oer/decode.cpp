@@ -9,7 +9,7 @@
 
 namespace orlenta::oer {
 
-// ---- CHOICE ----------------------------------------------------------------------------------------------------
+// ---- CHOICE -----------------------------------------------------------------------------------------------
 
 // The number behind an identifier byte whose low five bits are all ones, or -1. Five septets may pass the tag word's
 // field: all such numbers count as the largest.
@@ -48,7 +48,7 @@ static int decode_choice(asn1_oer_decoder* decoder, const asn1_type_desc* type, 
                                : asn1_oer_decode_open_type(decoder, alternative_type(choice, index), payload);
 }
 
-// ---- TAGGED, ANY -----------------------------------------------------------------------------------------------
+// ---- TAGGED, ANY ------------------------------------------------------------------------------------------
 
 // Tags are not encoded.
 static int decode_tagged(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* value) {
@@ -85,7 +85,7 @@ int asn1_oer_decode_open_type(asn1_oer_decoder* decoder, const asn1_type_desc* t
     return result;
 }
 
-// ---- the walk --------------------------------------------------------------------------------------------------
+// ---- the walk ---------------------------------------------------------------------------------------------
 
 int asn1_oer_decode_type(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* value) {
     if (!has_stack(&decoder->stack)) return asn1_error(decoder, "value nested too deeply");

@@ -8,7 +8,7 @@
 
 namespace orlenta::oer {
 
-// ---- errors and bytes ------------------------------------------------------------------------------------------
+// ---- errors and bytes -------------------------------------------------------------------------------------
 
 int asn1_error(asn1_oer_decoder* decoder, const char* format, ...) {
     va_list args;
@@ -26,7 +26,7 @@ int get_bytes(asn1_oer_decoder* decoder, void* destination, uint64_t count) {
     return 0;
 }
 
-// ---- lengths ---------------------------------------------------------------------------------------------------
+// ---- lengths ----------------------------------------------------------------------------------------------
 
 int32_t decode_len(asn1_oer_decoder* decoder) {
     int first = get_byte(decoder);
@@ -49,7 +49,7 @@ int64_t decode_end(asn1_oer_decoder* decoder) {
     return static_cast<int64_t>(decoder->position) + length;
 }
 
-// ---- INTEGER of 32 bits ------------------------------------------------------------------------------------------
+// ---- INTEGER of 32 bits -----------------------------------------------------------------------------------
 
 static uint32_t sign_extend(uint32_t number, uint32_t octets) {
     uint32_t shift = 32 - octets * 8;
@@ -85,7 +85,7 @@ static int decode_int32(asn1_oer_decoder* decoder, const asn1_type_desc* type, v
     return result;
 }
 
-// ---- INTEGER of any size -----------------------------------------------------------------------------------------
+// ---- INTEGER of any size ----------------------------------------------------------------------------------
 
 // In `fixed_octets` octets, or behind a length if that is 0.
 static int asn1_oer_decode_large_integer1(asn1_oer_decoder* decoder, asn1_integer* value,
@@ -110,7 +110,7 @@ int asn1_oer_decode_integer(asn1_oer_decoder* decoder, const asn1_type_desc* typ
                                           form.is_unsigned);
 }
 
-// ---- BOOLEAN, ENUMERATED, REAL -----------------------------------------------------------------------------------
+// ---- BOOLEAN, ENUMERATED, REAL ----------------------------------------------------------------------------
 
 int asn1_oer_decode_boolean(asn1_oer_decoder* decoder, void* value) {
     int octet = get_byte(decoder);

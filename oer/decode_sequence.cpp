@@ -7,7 +7,7 @@
 
 namespace orlenta::oer {
 
-// ---- preamble --------------------------------------------------------------------------------------------------
+// ---- preamble ---------------------------------------------------------------------------------------------
 
 // The bits of whole bytes, most significant first.
 struct bit_cursor {
@@ -74,7 +74,7 @@ static int decode_present(asn1_oer_decoder* decoder, const asn1_field* fields, u
     return 0;
 }
 
-// ---- extension additions -----------------------------------------------------------------------------------------
+// ---- extension additions ----------------------------------------------------------------------------------
 
 static int decode_group_members(asn1_oer_decoder* decoder, const extension_unit& group, void* record) {
     uint8_t* present = static_cast<uint8_t*>(asn1_malloc(group.count));
@@ -134,7 +134,7 @@ static int decode_additions(asn1_oer_decoder* decoder, const asn1_type_desc* typ
     return result;
 }
 
-// ---- SEQUENCE, SET ---------------------------------------------------------------------------------------------
+// ---- SEQUENCE, SET ----------------------------------------------------------------------------------------
 
 static int decode_root(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* record,
                        bit_cursor* bits) {
@@ -158,7 +158,7 @@ int asn1_oer_decode_sequence(asn1_oer_decoder* decoder, const asn1_type_desc* ty
     return result;
 }
 
-// ---- SEQUENCE OF, SET OF -----------------------------------------------------------------------------------------
+// ---- SEQUENCE OF, SET OF ----------------------------------------------------------------------------------
 
 // Bytes of a list that are allocated before its elements have been seen: a few bytes of input may claim four billion
 // of them.

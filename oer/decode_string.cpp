@@ -19,7 +19,7 @@ static uint8_t* get_block(asn1_oer_decoder* decoder, uint64_t count) {
     return block;
 }
 
-// ---- bits ------------------------------------------------------------------------------------------------------
+// ---- bits -------------------------------------------------------------------------------------------------
 
 // The length and the count of unused bits before a string of variable size: the number of its bits, or negative.
 static int64_t decode_bit_count(asn1_oer_decoder* decoder) {
@@ -51,7 +51,7 @@ int asn1_oer_decode_bit_string(asn1_oer_decoder* decoder, const asn1_type_desc* 
     return asn1_oer_decode_bit_string1(decoder, value, is_fixed ? bounds.lower : kVariable);
 }
 
-// ---- octets ----------------------------------------------------------------------------------------------------
+// ---- octets -----------------------------------------------------------------------------------------------
 
 // `count` units of 1 << `shift` bytes.
 static int get_units(asn1_oer_decoder* decoder, asn1_string* value, uint64_t count, uint32_t shift) {

@@ -20,7 +20,7 @@ struct asn1_oer_decoder {
     stack_guard stack;
 };
 
-// ---- reading (decode_scalar.cpp) ---------------------------------------------------------------------------------
+// ---- reading (decode_scalar.cpp) --------------------------------------------------------------------------
 
 // Records message and position, and returns -1.
 int asn1_error(asn1_oer_decoder* decoder, const char* format, ...)
@@ -54,7 +54,7 @@ int64_t decode_end(asn1_oer_decoder* decoder);
 // Length and unsigned contents of up to 32 bits: a count or a number.
 int asn1_decode_uint32(asn1_oer_decoder* decoder, uint32_t* out);
 
-// ---- kinds -----------------------------------------------------------------------------------------------------
+// ---- kinds ------------------------------------------------------------------------------------------------
 
 // decode_scalar.cpp
 int asn1_oer_decode_integer(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* value);

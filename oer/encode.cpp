@@ -14,7 +14,7 @@ int asn1_encode_error(asn1_oer_encoder* encoder, const char* format, ...) {
     return result;
 }
 
-// ---- CHOICE, TAGGED, ANY -----------------------------------------------------------------------------------------
+// ---- CHOICE, TAGGED, ANY ----------------------------------------------------------------------------------
 
 // The tag with which an alternative is announced: of an untagged CHOICE that of its first alternative. 0 if the type
 // has none.
@@ -62,7 +62,7 @@ int asn1_oer_encode_open_type(asn1_oer_encoder* encoder, const asn1_type_desc* t
     return result;
 }
 
-// ---- the walk --------------------------------------------------------------------------------------------------
+// ---- the walk ---------------------------------------------------------------------------------------------
 
 int asn1_oer_encode_type(asn1_oer_encoder* encoder, const asn1_type_desc* type, const void* value) {
     if (!has_stack(&encoder->stack)) return asn1_encode_error(encoder, "value nested too deeply");

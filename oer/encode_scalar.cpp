@@ -7,7 +7,7 @@
 
 namespace orlenta::oer {
 
-// ---- INTEGER -----------------------------------------------------------------------------------------------------
+// ---- INTEGER ----------------------------------------------------------------------------------------------
 
 // The low `octets` octets, big-endian.
 static void put_low_octets(asn1_oer_encoder* encoder, uint32_t number, uint32_t octets) {
@@ -77,7 +77,7 @@ int asn1_oer_encode_integer(asn1_oer_encoder* encoder, const asn1_type_desc* typ
                                           form.is_unsigned);
 }
 
-// ---- BOOLEAN, ENUMERATED, REAL -----------------------------------------------------------------------------------
+// ---- BOOLEAN, ENUMERATED, REAL ----------------------------------------------------------------------------
 
 int asn1_oer_encode_boolean(asn1_oer_encoder* encoder, const void* value) {
     put_byte(&encoder->buffer, load32(value) != 0 ? 0xFF : 0x00);

@@ -6,7 +6,7 @@
 
 namespace orlenta::oer {
 
-// ---- presence ----------------------------------------------------------------------------------------------------
+// ---- presence ---------------------------------------------------------------------------------------------
 
 // The SEQUENCE being encoded, and what is there of it. One block holds both arrays.
 struct sequence_walk {
@@ -44,7 +44,7 @@ static int encode_present(asn1_oer_encoder* encoder, const sequence_walk& walk, 
     return 0;
 }
 
-// ---- root --------------------------------------------------------------------------------------------------------
+// ---- root -------------------------------------------------------------------------------------------------
 
 static void put_preamble(asn1_oer_encoder* encoder, const sequence_walk& walk, bool is_extensible) {
     memset(walk.bitmap, 0, bitmap_size(walk));
@@ -68,7 +68,7 @@ static int encode_root(asn1_oer_encoder* encoder, const sequence_walk& walk) {
     return 0;
 }
 
-// ---- extension additions -----------------------------------------------------------------------------------------
+// ---- extension additions ----------------------------------------------------------------------------------
 
 static uint64_t index_of(const sequence_walk& walk, const extension_unit& unit) {
     return static_cast<uint64_t>(unit.first - walk.fields);
@@ -129,7 +129,7 @@ static int encode_additions(asn1_oer_encoder* encoder, const sequence_walk& walk
     return 0;
 }
 
-// ---- SEQUENCE, SET, lists ----------------------------------------------------------------------------------------
+// ---- SEQUENCE, SET, lists ---------------------------------------------------------------------------------
 
 int asn1_oer_encode_sequence(asn1_oer_encoder* encoder, const asn1_type_desc* type, const void* value) {
     sequence_walk walk = {components(type), component_count(type), value, nullptr, nullptr, false};

@@ -6,7 +6,7 @@
 
 namespace orlenta::oer {
 
-// ---- bits ------------------------------------------------------------------------------------------------------
+// ---- bits -------------------------------------------------------------------------------------------------
 
 // Unused bits of the last byte are written as 0.
 static void put_bits(asn1_oer_encoder* encoder, const uint8_t* data, uint64_t bits) {
@@ -35,7 +35,7 @@ int asn1_oer_encode_bit_string(asn1_oer_encoder* encoder, const asn1_type_desc* 
     return 0;
 }
 
-// ---- octets ----------------------------------------------------------------------------------------------------
+// ---- octets -----------------------------------------------------------------------------------------------
 
 int asn1_oer_encode_octets(asn1_oer_encoder* encoder, const void* data, uint64_t length) {
     put_len(encoder, length);

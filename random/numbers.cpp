@@ -2,7 +2,7 @@
 
 namespace orlenta::random {
 
-// ---- INTEGER in 32 bits; all arithmetic is modulo 2^32 ------------------------------------------
+// ---- INTEGER in 32 bits; all arithmetic is modulo 2^32 ----------------------------------------------------
 
 // 0 to `range`; nothing is drawn for 0.
 static uint32_t random_up_to(asn1_random_params* params, uint32_t range) {
@@ -32,7 +32,7 @@ int asn1_random_integer(asn1_random_params* params, const asn1_type_desc* type, 
     return 0;
 }
 
-// ---- INTEGER as a big integer -------------------------------------------------------------------
+// ---- INTEGER as a big integer -----------------------------------------------------------------------------
 
 static int random_large_between(asn1_random_params* params, const big_bounds& bounds, asn1_integer* value) {
     asn1_integer range;
@@ -57,7 +57,7 @@ int asn1_random_large_integer(asn1_random_params* params, const asn1_type_desc* 
     return 0;
 }
 
-// ---- the others ---------------------------------------------------------------------------------
+// ---- the others -------------------------------------------------------------------------------------------
 
 int asn1_random_boolean(asn1_random_params* params, void* value) {
     store32(value, coin(params));

@@ -29,7 +29,7 @@ struct asn1_random_params {
 // this; but where lists make more of a type than its optional components take away, some seeds would go on for ever.
 constexpr uint32_t kDepthLimit = 2048;
 
-// ---- draws (generator.cpp) ----------------------------------------------------------------------
+// ---- draws (generator.cpp) --------------------------------------------------------------------------------
 
 inline void step(asn1_random_state* state) {
     state->z = 36969 * (state->z & 0xFFFF) + (state->z >> 16);
@@ -68,7 +68,7 @@ size_range choose_bounds(asn1_random_params* params, const asn1_type_desc* type,
 // A length at most `spread` above the minimum.
 uint32_t choose_length(asn1_random_params* params, size_range range, uint32_t spread);
 
-// ---- values: 0, or -1 without memory or for a defect of the descriptor --------------------------
+// ---- values: 0, or -1 without memory or for a defect of the descriptor ------------------------------------
 
 // random.cpp
 int asn1_random_type(asn1_random_params* params, const asn1_type_desc* type, void* value);

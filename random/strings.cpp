@@ -8,7 +8,7 @@
 
 namespace orlenta::random {
 
-// ---- BIT STRING, OCTET STRING -------------------------------------------------------------------
+// ---- BIT STRING, OCTET STRING -----------------------------------------------------------------------------
 
 int asn1_random_bit_string(asn1_random_params* params, const asn1_type_desc* type, asn1_bit_string* value) {
     size_bounds size = size_bounds_of(type);
@@ -39,7 +39,7 @@ int asn1_random_octet_string(asn1_random_params* params, const asn1_type_desc* t
     return asn1_random_octet_string1(params, params->string_spread, value, range.minimum, range.maximum);
 }
 
-// ---- character strings --------------------------------------------------------------------------
+// ---- character strings ------------------------------------------------------------------------------------
 
 // Characters of the alphabet, modulo 2^32: 0 for all code points of 32 bits.
 static uint32_t alphabet_size(const char_string_layout& layout) {
@@ -107,7 +107,7 @@ int asn1_random_char_string(asn1_random_params* params, const asn1_type_desc* ty
     return asn1_random_octet_string1(params, params->string_spread, value, 0, UINT32_MAX);
 }
 
-// ---- OBJECT IDENTIFIER, RELATIVE-OID, open types ------------------------------------------------
+// ---- OBJECT IDENTIFIER, RELATIVE-OID, open types ----------------------------------------------------------
 
 // Every subidentifier of an absolute identifier stays below 120, so that the first one is a pair of two valid
 // arcs (X.690 clause 8.19.4).

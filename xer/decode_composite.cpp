@@ -4,7 +4,7 @@
 
 namespace orlenta::xer {
 
-// ---- SEQUENCE, SET -------------------------------------------------------------------------------------
+// ---- SEQUENCE, SET ----------------------------------------------------------------------------------------
 
 // The start tag of a component is current.
 static int decode_component(asn1_xer_parser* parser, text_sequence* sequence) {
@@ -31,7 +31,7 @@ int decode_sequence(asn1_xer_parser* parser, const asn1_type_desc* type, void* r
     return close_sequence(parser, &sequence, decode_components(parser, &sequence));
 }
 
-// ---- SEQUENCE OF, SET OF -------------------------------------------------------------------------------
+// ---- SEQUENCE OF, SET OF ----------------------------------------------------------------------------------
 
 // An element in a tag that the list's type names.
 static int decode_named_element(asn1_xer_parser* parser, const list_layout& layout, void* value) {
@@ -74,7 +74,7 @@ int decode_list(asn1_xer_parser* parser, const asn1_type_desc* type, void* value
     return 0;
 }
 
-// ---- CHOICE --------------------------------------------------------------------------------------------
+// ---- CHOICE -----------------------------------------------------------------------------------------------
 
 int decode_choice(asn1_xer_parser* parser, const asn1_type_desc* type, void* value) {
     if (skip_spaces(parser) != 0) return -1;
@@ -88,7 +88,7 @@ int decode_choice(asn1_xer_parser* parser, const asn1_type_desc* type, void* val
                           at_offset(value, choice.payload_offset));
 }
 
-// ---- open types ----------------------------------------------------------------------------------------
+// ---- open types -------------------------------------------------------------------------------------------
 
 // The bytes of a value whose type is not known.
 static int decode_raw(asn1_xer_parser* parser, asn1_open_value* open) {

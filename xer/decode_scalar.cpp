@@ -6,7 +6,7 @@
 
 namespace orlenta::xer {
 
-// ---- INTEGER -------------------------------------------------------------------------------------------
+// ---- INTEGER ----------------------------------------------------------------------------------------------
 
 // Reads an optional minus and digits, as asn1_integer_from_str() does; no digits are 0. A number that nears
 // the end of 64 bits stays there: it is too large for any 32-bit INTEGER in any case.
@@ -43,7 +43,7 @@ int decode_integer(asn1_xer_parser* parser, const asn1_type_desc* type, void* va
     return next_token(parser);
 }
 
-// ---- BOOLEAN -------------------------------------------------------------------------------------------
+// ---- BOOLEAN ----------------------------------------------------------------------------------------------
 
 // An empty element, or text without any white space.
 int decode_boolean(asn1_xer_parser* parser, void* value) {
@@ -60,7 +60,7 @@ int decode_boolean(asn1_xer_parser* parser, void* value) {
     return next_token(parser) == 0 ? skip_closing_tag(parser, truth ? "true" : "false") : -1;
 }
 
-// ---- ENUMERATED ----------------------------------------------------------------------------------------
+// ---- ENUMERATED -------------------------------------------------------------------------------------------
 
 // The item whose number the current text is, in decimal, octal or hexadecimal; or -1.
 static int32_t find_item_by_number(const asn1_xer_parser* parser, const asn1_type_desc* type,
@@ -97,7 +97,7 @@ int decode_enumerated(asn1_xer_parser* parser, const asn1_type_desc* type, void*
                                            : decode_item_tag(parser, type, value);
 }
 
-// ---- REAL ----------------------------------------------------------------------------------------------
+// ---- REAL -------------------------------------------------------------------------------------------------
 
 // The bits of the numbers that have no digits.
 static bool special_real_bits(const char* text, size_t length, uint64_t* bits) {
@@ -130,7 +130,7 @@ int decode_real(asn1_xer_parser* parser, void* value) {
     return next_token(parser);
 }
 
-// ---- OBJECT IDENTIFIER, RELATIVE-OID -------------------------------------------------------------------
+// ---- OBJECT IDENTIFIER, RELATIVE-OID ----------------------------------------------------------------------
 
 int decode_object_identifier(asn1_xer_parser* parser, const asn1_type_desc* type, void* value) {
     bool relative = kind_of(type) == ASN1_KIND_RELATIVE_OID;

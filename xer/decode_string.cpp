@@ -19,7 +19,7 @@ static uint8_t* make_block(asn1_xer_parser* parser, uint64_t size) {
     return static_cast<uint8_t*>(block);
 }
 
-// ---- BIT STRING ----------------------------------------------------------------------------------------
+// ---- BIT STRING -------------------------------------------------------------------------------------------
 
 // Sets the bits of `value` by the current text, up to its first NUL.
 static int read_bits(asn1_xer_parser* parser, asn1_bit_string* value) {
@@ -49,7 +49,7 @@ int decode_bit_string(asn1_xer_parser* parser, void* value) {
     return next_token(parser);
 }
 
-// ---- OCTET STRING --------------------------------------------------------------------------------------
+// ---- OCTET STRING -----------------------------------------------------------------------------------------
 
 // Sets the nibbles of `value` by the current text, up to its first NUL. The last one may be missing, and is
 // 0.
@@ -81,7 +81,7 @@ int asn1_xer_decode_octet_string(asn1_xer_parser* parser, asn1_string* value) {
     return next_token(parser);
 }
 
-// ---- character strings ---------------------------------------------------------------------------------
+// ---- character strings ------------------------------------------------------------------------------------
 
 // The names of the control characters that have an empty element of their own (X.680 clause 12.15,
 // xmlcstring). Tab, line feed and carriage return have none: they stand for themselves in XML.

@@ -23,7 +23,7 @@ int encode_octet_string(asn1_xer_encoder* encoder, const void* value) {
     return 0;
 }
 
-// ---- character strings ---------------------------------------------------------------------------------
+// ---- character strings ------------------------------------------------------------------------------------
 
 // Control characters, tab and line ends among them, and what means something in XML.
 static bool is_escaped(uint32_t unit) { return unit < ' ' || unit == '&' || unit == '<' || unit == '>'; }

@@ -16,7 +16,7 @@ void init_parser(asn1_xer_parser* parser, const uint8_t* data, uint64_t length) 
 
 void clear_parser(asn1_xer_parser* parser) { asn1_free(parser->text.data); }
 
-// ---- comments and processing instructions --------------------------------------------------------------
+// ---- comments and processing instructions -----------------------------------------------------------------
 
 // Whether the cursor is on <! or <?
 static bool at_comment(const asn1_xer_parser* parser) {
@@ -50,7 +50,7 @@ static int skip_comment(asn1_xer_parser* parser, const uint8_t* position) {
     return parse_error(parser, "unexpected end of stream in processing instruction");
 }
 
-// ---- tags ----------------------------------------------------------------------------------------------
+// ---- tags -------------------------------------------------------------------------------------------------
 
 static int tag_error(asn1_xer_parser* parser) {
     return parse_error(parser, "invalid tag syntax: expecting '>'");
@@ -98,7 +98,7 @@ static int lex_tag(asn1_xer_parser* parser) {
     return 0;
 }
 
-// ---- character data ------------------------------------------------------------------------------------
+// ---- character data ---------------------------------------------------------------------------------------
 
 inline constexpr ptrdiff_t kEntityNameMax = 127;
 
@@ -194,7 +194,7 @@ static int lex_text(asn1_xer_parser* parser) {
     return 0;
 }
 
-// ---- tokens --------------------------------------------------------------------------------------------
+// ---- tokens -----------------------------------------------------------------------------------------------
 
 static int lex_token(asn1_xer_parser* parser) {
     while (at_comment(parser)) {

@@ -14,7 +14,7 @@
 extern "C" {
 #endif
 
-/* ---- decoding ------------------------------------------------------------------------------------------------*/
+/* ---- decoding -------------------------------------------------------------------------------------------*/
 
 /* Decodes the value of `type` at the start of `data`, which holds `length` bytes. Returns the bytes consumed, with
  * the new value in `*out`, to be released by asn1_free_value(); or -1 with `*out` null and, if `error` is not null,
@@ -28,7 +28,7 @@ extern "C" {
 ORLENTA_API int64_t asn1_ber_decode(void** out, const asn1_type_desc* type, const uint8_t* data,
                                     uint64_t length, asn1_error* error);
 
-/* ---- encoding ------------------------------------------------------------------------------------------------*/
+/* ---- encoding -------------------------------------------------------------------------------------------*/
 
 typedef struct asn1_ber_encode_params {
     int32_t indefinite_length; /* non-zero: constructed encodings have the indefinite form (8.1.3.6) */
@@ -48,7 +48,7 @@ ORLENTA_API int64_t asn1_ber_encode(uint8_t** out, const asn1_type_desc* type, c
 /* The same in DER: definite lengths, primitive strings, both sorts (clauses 10 and 11). */
 ORLENTA_API int64_t asn1_der_encode(uint8_t** out, const asn1_type_desc* type, const void* value);
 
-/* ---- writers -------------------------------------------------------------------------------------------------
+/* ---- writers ----------------------------------------------------------------------------------------------
  * For encodings made by hand, into a buffer that the caller initialises, tests for `failed` at the end and releases
  * by asn1_free(). A constructed element whose size is not known beforehand is:
  *

@@ -22,7 +22,7 @@ typedef struct asn1_integer {
     int32_t negative;
 } asn1_integer;
 
-/* ---- life --------------------------------------------------------------------------------------------------*/
+/* ---- life -----------------------------------------------------------------------------------------------*/
 
 /* Zero-fills the record. */
 ORLENTA_API void asn1_integer_init(asn1_integer* a);
@@ -33,7 +33,7 @@ ORLENTA_API int asn1_integer_resize(asn1_integer* a, uint32_t n);
 /* Strips high zero limbs. The result has no use. */
 ORLENTA_API int asn1_integer_renorm(asn1_integer* a);
 
-/* ---- setting -----------------------------------------------------------------------------------------------*/
+/* ---- setting --------------------------------------------------------------------------------------------*/
 
 ORLENTA_API int asn1_integer_set(asn1_integer* dst, const asn1_integer* src);
 ORLENTA_API int asn1_integer_set_ui(asn1_integer* a, uint32_t v);
@@ -41,20 +41,21 @@ ORLENTA_API int asn1_integer_set_si(asn1_integer* a, int32_t v);
 ORLENTA_API int asn1_integer_set_ui64(asn1_integer* a, uint64_t v);
 ORLENTA_API int asn1_integer_set_si64(asn1_integer* a, int64_t v);
 
-/* ---- arithmetic; operands must be normalised ---------------------------------------------------------------*/
+/* ---- arithmetic; operands must be normalised ------------------------------------------------------------*/
 
 /* -1, 0 or 1 by value. */
 ORLENTA_API int asn1_integer_cmp(const asn1_integer* a, const asn1_integer* b);
 /* The same against a 32-bit number; allocates nothing. */
 ORLENTA_API int asn1_integer_cmp_si(const asn1_integer* a, int32_t v);
 /* r = a + b if `sub` is 0, r = a - b if it is 1. Any of the three may be the same record. */
-ORLENTA_API int asn1_integer_add_internal(asn1_integer* r, const asn1_integer* a, const asn1_integer* b, int sub);
+ORLENTA_API int asn1_integer_add_internal(asn1_integer* r, const asn1_integer* a, const asn1_integer* b,
+                                          int sub);
 /* Divides the magnitude in place by `d` (not 0) and returns the remainder. The sign is not touched. */
 ORLENTA_API uint32_t asn1_integer_div_ui(asn1_integer* a, uint32_t d);
 /* Bits of the magnitude; 0 for zero. */
 ORLENTA_API uint32_t asn1_integer_get_bit_size(const asn1_integer* a);
 
-/* ---- machine integers: 0 and the number stored, or -1 on overflow and nothing stored -------------------------*/
+/* ---- machine integers: 0 and the number stored, or -1 on overflow and nothing stored --------------------*/
 
 ORLENTA_API int asn1_integer_get_si_ov(const asn1_integer* a, int32_t* v);
 ORLENTA_API int asn1_integer_get_ui_ov(const asn1_integer* a, uint32_t* v);
@@ -62,19 +63,20 @@ ORLENTA_API int asn1_integer_get_si64_ov(const asn1_integer* a, int64_t* v);
 /* A null `v` gives -1. */
 ORLENTA_API int asn1_integer_get_ui64_ov(const asn1_integer* a, uint64_t* v);
 
-/* ---- two's complement --------------------------------------------------------------------------------------*/
+/* ---- two's complement -----------------------------------------------------------------------------------*/
 
 /* A record whose limbs are the low limbs of a's two's complement form (limbs above its size are all ones for a
  * negative a): `a` itself if it is not negative, else `tmp`, which the caller then clears. `*bits` becomes the bits
  * that the form needs without its sign bit. Null if memory was not to be had. */
-ORLENTA_API const asn1_integer* asn1_integer_to_2comp(asn1_integer* tmp, const asn1_integer* a, uint32_t* bits);
+ORLENTA_API const asn1_integer* asn1_integer_to_2comp(asn1_integer* tmp, const asn1_integer* a,
+                                                      uint32_t* bits);
 /* Turns limbs that hold a two's complement number, its sign the top bit of the top limb, into sign and magnitude. */
 ORLENTA_API int asn1_integer_from_2comp(asn1_integer* a);
 /* The width in bits that a bound takes in a two's complement field: bit size + 1 for zero and above, bit size of
  * a - 1, plus 1, below. */
 ORLENTA_API int asn1_integer_get_bit_size_2comp(uint32_t* bits, const asn1_integer* a);
 
-/* ---- decimal text ------------------------------------------------------------------------------------------*/
+/* ---- decimal text ---------------------------------------------------------------------------------------*/
 
 /* The NUL-terminated text, inside a block that the caller releases by asn1_free(*block). `len`, if not null, receives
  * the characters. Null, with a null `*block`, if memory was not to be had. */

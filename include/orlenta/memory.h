@@ -9,7 +9,7 @@
 extern "C" {
 #endif
 
-/* ---- allocator ----------------------------------------------------------------------------------------------
+/* ---- allocator --------------------------------------------------------------------------------------------
  * All memory of the library comes from these three. They have weak binding: an application that defines functions
  * of these names has the whole library use them. A replacement must never answer a size of 0 with null, and must
  * be safe for concurrent calls if the application uses the library from several threads.
@@ -31,7 +31,7 @@ ORLENTA_API void* asn1_mallocz(size_t size);
 /* A copy of the text `str` from asn1_malloc, or null. */
 ORLENTA_API char* asn1_strdup(const char* str);
 
-/* ---- byte buffer --------------------------------------------------------------------------------------------
+/* ---- byte buffer ------------------------------------------------------------------------------------------
  * Writers need not look at results: once a growth fails, `failed` is set for good and later writes are dropped.
  * Test it once at the end. The block belongs to whoever takes `data`, who releases it by asn1_free.
  */
@@ -61,12 +61,14 @@ ORLENTA_API int asn1_vprintf(asn1_byte_buffer* buf, const char* format, va_list 
     __attribute__((format(printf, 2, 0)));
 
 /* The same with its arguments in line, and no result. */
-ORLENTA_API void asn1_printf(asn1_byte_buffer* buf, const char* format, ...) __attribute__((format(printf, 2, 3)));
+ORLENTA_API void asn1_printf(asn1_byte_buffer* buf, const char* format, ...)
+    __attribute__((format(printf, 2, 3)));
 
 /* Grows an array of `*capacity` elements of `element_size` bytes at `*ptr` to `needed` elements or more. New
  * elements are zero-filled if `zero` is non-zero. Returns 0, or -1 with nothing changed.
  * `ptr` is the address of the caller's pointer. */
-ORLENTA_API int __asn1_realloc_buf(void** ptr, uint64_t element_size, uint64_t* capacity, uint64_t needed, int zero);
+ORLENTA_API int __asn1_realloc_buf(void** ptr, uint64_t element_size, uint64_t* capacity, uint64_t needed,
+                                   int zero);
 
 /* Copies at most `size` - 1 characters of `src` and terminates the copy. Does nothing if `size` is 0. */
 ORLENTA_API void asn1_pstrcpy(char* dst, size_t size, const char* src);

@@ -21,7 +21,7 @@
 extern "C" {
 #endif
 
-/* ---- encoding ----------------------------------------------------------------------------------------------*/
+/* ---- encoding -------------------------------------------------------------------------------------------*/
 
 /* Encode `value`, a record of `type`. Return the number of bytes of the complete encoding (X.691 clause 11.1), which
  * is at least 1, with a new block in `*out` that the caller releases by asn1_free; or -1 with a null `*out`.
@@ -42,7 +42,7 @@ ORLENTA_API int64_t asn1_aper_encode2(uint8_t** out, const asn1_type_desc* type,
 ORLENTA_API int64_t asn1_uper_encode2_ng(uint8_t** out, const asn1_type_desc* type, const void* value,
                                          asn1_error* error, int32_t* bits);
 
-/* ---- decoding ----------------------------------------------------------------------------------------------*/
+/* ---- decoding -------------------------------------------------------------------------------------------*/
 
 /* Decode a value of `type` from the `size` bytes at `data`. Return the number of bytes used, the last one perhaps in
  * part, with a new value in `*out` that the caller releases by asn1_free_value; or -1 with a null `*out`. Bytes

@@ -35,7 +35,8 @@ ORLENTA_API int asn1_conv_bitstring_32(const asn1_bit_string* bits, uint32_t* ou
 /* Dotted text to contents octets (X.690 clause 8.19, and 8.20 if `relative` is non-zero). `text` is NUL-terminated
  * and `length` bytes long. Arcs go up to 2147483647; the second arc of an absolute identifier up to 39. Returns 0
  * with a new block in `out`, to be released by asn1_free, or -1 with `out` untouched. */
-ORLENTA_API int asn1_parse_object_identifier(asn1_string* out, const char* text, uint64_t length, int relative);
+ORLENTA_API int asn1_parse_object_identifier(asn1_string* out, const char* text, uint64_t length,
+                                             int relative);
 
 #ifdef __cplusplus
 }

@@ -37,9 +37,10 @@ typedef union asn1_word {
 /* A descriptor is passed as a pointer to its first word. */
 typedef asn1_word asn1_type_desc;
 
-/* ---- word 0 -------------------------------------------------------------------------------------------------
+/* ---- word 0 -----------------------------------------------------------------------------------------------
  * Only the low 32 bits of word 0 carry meaning; it is stored sign-extended.
  */
+/* clang-format off */
 #define ASN1_WORD0_KIND_SHIFT 27
 #define ASN1_WORD0_HAS_NAME (UINT32_C(1) << 26)    /* a type name word is there */
 #define ASN1_WORD0_EXTENSIBLE (UINT32_C(1) << 25)  /* extension marker; on TAGGED: EXPLICIT */
@@ -53,10 +54,12 @@ typedef asn1_word asn1_type_desc;
 #define ASN1_WORD0_TAG_MASK UINT32_C(0x1FFFFF) /* class and number; 0: no tag of its own */
 #define ASN1_TAG_CLASS_SHIFT 19
 #define ASN1_TAG_NUMBER_MASK UINT32_C(0x7FFFF)
+/* clang-format on */
 
 /* The kinds, bits 31..27 of word 0, and the words that follow word 0. A word in square brackets is there only if
  * its flag is set; "name" is the schema's type name, there if ASN1_WORD0_HAS_NAME is set.
  */
+/* clang-format off */
 enum {
     ASN1_KIND_SEQUENCE = 0,     /* component count; record size; one asn1_field each; [name] */
     ASN1_KIND_SEQUENCE_OF = 1,  /* [lower]; [upper]; stride; element; element tag name; [name] */
@@ -75,11 +78,12 @@ enum {
     ASN1_KIND_OBJECT_IDENTIFIER = 12, /* [name] */
     ASN1_KIND_RELATIVE_OID = 13,      /* [name] */
     ASN1_KIND_REAL = 14,              /* [name] */
-    ASN1_KIND_CHAR_STRING = 15,       /* string type; below 6: [lower]; [upper]; range count; (first, last) pairs; [name]
-                                         from 6 on: [name] */
+    ASN1_KIND_CHAR_STRING = 15, /* string type; [name]; and before the name, if the string type is below 6: [lower];
+                                   [upper]; range count; (first, last) pairs */
     ASN1_KIND_ANY = 16,               /* [name]; [constraint object] */
     ASN1_KIND_OBJECT_CLASS = 17       /* field count; one asn1_class_field each; name; never has values */
 };
+/* clang-format on */
 
 /* Word 1 of a CHAR_STRING. */
 enum {
@@ -96,14 +100,15 @@ enum {
     ASN1_STRING_VIDEOTEX = 10
 };
 
-/* ---- parts of a descriptor ---------------------------------------------------------------------------------*/
+/* ---- parts of a descriptor ------------------------------------------------------------------------------*/
 
 /* A component of a SEQUENCE or SET. */
 typedef struct asn1_field {
     asn1_word flags; /* .number: offset and the ASN1_FIELD_ bits */
     asn1_word type;  /* .type */
-    asn1_word extra; /* offset of the presence word, or the DEFAULT value (.number, or .integer for a big INTEGER) */
-    asn1_word name;  /* .text: the identifier of the schema */
+    asn1_word
+        extra; /* offset of the presence word, or the DEFAULT value (.number, or .integer for a big INTEGER) */
+    asn1_word name; /* .text: the identifier of the schema */
 } asn1_field;
 
 #define ASN1_FIELD_OFFSET_MASK UINT32_C(0x7FFFFFF)
@@ -154,7 +159,7 @@ typedef struct asn1_table_constraint {
 
 #define ASN1_SELECTOR_LAST (UINT32_C(1) << 31)
 
-/* ---- value records -------------------------------------------------------------------------------------------
+/* ---- value records ----------------------------------------------------------------------------------------
  * BOOLEAN and ENUMERATED are 32-bit words (an ENUMERATED holds the item's index, not its number), REAL a double,
  * INTEGER a 32-bit word or an asn1_integer (integer.h). A 32-bit INTEGER is unsigned if it has a lower bound that
  * is not negative and no extension marker. SEQUENCE, SET and CHOICE are records of their own; an optional
@@ -187,7 +192,7 @@ typedef struct asn1_open_value {
     uint64_t length;
 } asn1_open_value;
 
-/* ---- names and defaults ------------------------------------------------------------------------------------*/
+/* ---- names and defaults ---------------------------------------------------------------------------------*/
 
 /* Names of the kinds, indexed by kind: "SEQUENCE", "SEQUENCE_OF" and so on. */
 ORLENTA_API extern const char* const asn1_ctype_names[18];

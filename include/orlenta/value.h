@@ -35,10 +35,12 @@ ORLENTA_API void* asn1_clone_value(const asn1_type_desc* desc, const void* src);
 
 /* Appends a deep copy of `elem` to a list given by the addresses of its count and element block. All elements are
  * copied to a new block on each call. Returns 0 or -1; after -1 the list must be thrown away. */
-ORLENTA_API int asn1_seq_add(const asn1_type_desc* elem_desc, uint64_t* count, void** elements, const void* elem);
+ORLENTA_API int asn1_seq_add(const asn1_type_desc* elem_desc, uint64_t* count, void** elements,
+                             const void* elem);
 
 /* Removes the element at `index`, which must be below the count. Returns 0 or -1. */
-ORLENTA_API int asn1_seq_del(const asn1_type_desc* elem_desc, uint64_t* count, void** elements, int64_t index);
+ORLENTA_API int asn1_seq_del(const asn1_type_desc* elem_desc, uint64_t* count, void** elements,
+                             int64_t index);
 
 /* Orders two values: negative, 0 or positive. The order is total, with lengths before contents. */
 ORLENTA_API int asn1_cmp_value(const asn1_type_desc* desc, const void* a, const void* b);
@@ -48,8 +50,8 @@ ORLENTA_API int asn1_cmp_real(double a, double b);
 
 /* The rules of presence after a SEQUENCE was decoded. `fields`, `n` and `seen` as in
  * asn1_sequence_set_default_fields. Returns 0, or -1 with a text in `msg` of at most `msg_size` bytes. */
-ORLENTA_API int asn1_sequence_check_fields(const asn1_field* fields, int32_t n, const uint8_t* seen, char* msg,
-                                           size_t msg_size);
+ORLENTA_API int asn1_sequence_check_fields(const asn1_field* fields, int32_t n, const uint8_t* seen,
+                                           char* msg, size_t msg_size);
 
 /* The index of the ENUMERATED item that has the number `value`, or -1. `items` is the descriptor's first item name,
  * `n` its item count, root and extension, `word0` its word 0. */

@@ -82,7 +82,7 @@ TEST(BerEncode, RefusesImpossibleValues) {
     EXPECT_EQ(encode(asn1_der_encode, kSet, set.value.get()), "failed");
 }
 
-// ---- writers ---------------------------------------------------------------------------------------------------
+// ---- writers ----------------------------------------------------------------------------------------------
 
 struct written {
     asn1_byte_buffer buf;

@@ -45,7 +45,7 @@ asn1_string string(std::string_view text, uint64_t units) {
 }
 asn1_string string(std::string_view text) { return string(text, text.size()); }
 
-// ---- numbers ------------------------------------------------------------------------------------------------------
+// ---- numbers ----------------------------------------------------------------------------------------------
 
 const asn1_word kFree[] = {head(ASN1_KIND_INTEGER)};
 const asn1_word kUpTo5[] = {head(ASN1_KIND_INTEGER, kUpper), num(5)};
@@ -123,7 +123,7 @@ TEST(CheckConstraints, EnumeratedLimitIsAnAddress) {
     for (const CheckCase& c : cases) expect_outcome(c);
 }
 
-// ---- strings ------------------------------------------------------------------------------------------------------
+// ---- strings ----------------------------------------------------------------------------------------------
 
 TEST(CheckConstraints, BinaryStrings) {
     static uint8_t data[4] = {};
@@ -205,7 +205,7 @@ TEST(CheckConstraints, Utf8AndOpaqueStrings) {
     for (const CheckCase& c : cases) expect_outcome(c);
 }
 
-// ---- constructed types and paths ------------------------------------------------------------------------------------
+// ---- constructed types and paths --------------------------------------------------------------------------
 
 const asn1_word kTagged3To5[] = {head(ASN1_KIND_TAGGED, 0, context(1)), ref(k3To5)};
 const asn1_word kIndirect3To5[] = {head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(2)), ref(kTagged3To5)};

@@ -138,7 +138,7 @@ TEST(LifecycleDeathTest, KindWithoutValuesAborts) {
     EXPECT_DEATH(asn1_cmp_value(kBadKind, &value, &copy), "");
 }
 
-// ---- one element more or less ----------------------------------------------------------------------------------
+// ---- one element more or less -----------------------------------------------------------------------------
 
 std::string text_of(const asn1_array& list) {
     std::string text;
@@ -189,7 +189,7 @@ TEST_F(Lifecycle, ListShrinks) {
     asn1_free_value_struct(kList, &list);
 }
 
-// ---- without memory --------------------------------------------------------------------------------------------
+// ---- without memory ---------------------------------------------------------------------------------------
 
 // Behind an indirect component or in an open type a lack of memory shows as a null pointer only.
 TEST_F(Lifecycle, FailedCloneLeavesNothing) {

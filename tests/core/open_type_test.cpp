@@ -10,7 +10,7 @@ namespace {
 
 using namespace orlenta::test;
 
-// ---- open types ------------------------------------------------------------------------------------------------
+// ---- open types -------------------------------------------------------------------------------------------
 
 const asn1_word kByte[] = {head(ASN1_KIND_INTEGER, kBounds), num(0), num(255)};
 const asn1_word kTaggedByte[] = {head(ASN1_KIND_TAGGED, 0, context(0)), ref(kByte)};
@@ -146,7 +146,7 @@ TEST(OpenType, ContainedType) {
     EXPECT_EQ(asn1_get_containing_type(kByte), nullptr);
 }
 
-// ---- names -----------------------------------------------------------------------------------------------------
+// ---- names ------------------------------------------------------------------------------------------------
 
 TEST(TypeName, FoundBehindTheWordsOfItsKind) {
     constexpr uint32_t name = ASN1_WORD0_HAS_NAME, lower = ASN1_WORD0_HAS_LOWER,

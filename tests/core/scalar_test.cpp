@@ -20,7 +20,7 @@ using namespace orlenta::test;
 
 const uint8_t* bytes(std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); }
 
-// ---- REAL ------------------------------------------------------------------------------------------------------
+// ---- REAL -------------------------------------------------------------------------------------------------
 
 std::string encode(double value) {
     uint8_t out[ASN1_REAL_DER_MAX];
@@ -121,7 +121,7 @@ TEST(Real, Refused) {
     EXPECT_EQ(asn1_decode_real_ber(bytes(decimal_of_63), 63, &value), 0);
 }
 
-// ---- UTF-8 -----------------------------------------------------------------------------------------------------
+// ---- UTF-8 ------------------------------------------------------------------------------------------------
 
 TEST(Utf8, BothWays) {
     const struct {
@@ -165,7 +165,7 @@ TEST(Utf8, Malformed) {
     EXPECT_EQ(asn1_from_utf8(bytes("\xC3\xC0"), 2, &next), 0xC0);
 }
 
-// ---- short bit strings -----------------------------------------------------------------------------------------
+// ---- short bit strings ------------------------------------------------------------------------------------
 
 TEST(ShortBitString, FromTheTop) {
     uint8_t data[] = {0xA5, 0xFF, 0x12, 0x34, 0x56};
@@ -221,7 +221,7 @@ TEST(ShortBitString, Complaints) {
               "bitString buffer is NULL!\n");
 }
 
-// ---- object identifiers ----------------------------------------------------------------------------------------
+// ---- object identifiers -----------------------------------------------------------------------------------
 
 TEST(ObjectIdentifier, Text) {
     const struct {

@@ -24,7 +24,7 @@ asn1_field component(uint32_t option, uint32_t flags, const char* name) {
     return {field(0, option, flags), ref(kByte), num(0), txt(name)};
 }
 
-// ---- presence --------------------------------------------------------------------------------------------------
+// ---- presence ---------------------------------------------------------------------------------------------
 
 const asn1_field kFields[] = {
     component(ASN1_OPTION_MANDATORY, 0, "a"),         component(ASN1_OPTION_OPTIONAL, 0, "b"),
@@ -82,7 +82,7 @@ TEST(Presence, ReportKeepsToItsBound) {
     EXPECT_STREQ(msg, "component");
 }
 
-// ---- defaults --------------------------------------------------------------------------------------------------
+// ---- defaults ---------------------------------------------------------------------------------------------
 
 struct record {
     uint32_t first, second, third;
@@ -124,7 +124,7 @@ TEST(Defaults, FillWhatWasNotSeen) {
     asn1_integer_clear(&r.big);
 }
 
-// ---- enumerated ------------------------------------------------------------------------------------------------
+// ---- enumerated -------------------------------------------------------------------------------------------
 
 TEST(Enumerated, FindsTheIndex) {
     const asn1_word plain[] = {head(ASN1_KIND_ENUMERATED), num(3), txt("a"), txt("b"), txt("c")};

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// ---- texts that are taken: what the encoder makes of the value -----------------------------------------
+// ---- texts that are taken: what the encoder makes of the value --------------------------------------------
 
 struct Accepted {
     const asn1_type_desc* type;
@@ -165,7 +165,7 @@ TEST(GserDecode, ValuesInMemory) {
     EXPECT_EQ(static_cast<const uint8_t*>(open->data)[1], 0x0B);
 }
 
-// ---- texts that are refused ----------------------------------------------------------------------------
+// ---- texts that are refused -------------------------------------------------------------------------------
 
 struct Refused {
     const asn1_type_desc* type;

@@ -17,7 +17,7 @@ asn1_string string(const void* data, uint64_t length) {
     return {static_cast<uint8_t*>(const_cast<void*>(data)), length};
 }
 
-// ---- layout --------------------------------------------------------------------------------------------
+// ---- layout -----------------------------------------------------------------------------------------------
 
 TEST(GserEncode, LayoutToTheLastBlank) {
     const std::string expected =
@@ -65,7 +65,7 @@ TEST(GserEncode, Levels) {
     }
 }
 
-// ---- values --------------------------------------------------------------------------------------------
+// ---- values -----------------------------------------------------------------------------------------------
 
 TEST(GserEncode, Reals) {
     const double infinity = std::numeric_limits<double>::infinity();
@@ -156,7 +156,7 @@ TEST(GserEncode, MissingInnerValue) {
     EXPECT_EQ(encode_text(kTagged<0, kBoolean, ASN1_WORD0_INDIRECT>, &inner), "-1");
 }
 
-// ---- hook ----------------------------------------------------------------------------------------------
+// ---- hook -------------------------------------------------------------------------------------------------
 
 struct HookCall {
     const asn1_type_desc* type;

@@ -36,7 +36,7 @@ inline const asn1_word kNested[] = {
 
 // clang-format on
 
-// ---- calls ---------------------------------------------------------------------------------------------
+// ---- calls ------------------------------------------------------------------------------------------------
 
 inline decoded decode_text(const asn1_type_desc* type, const std::string& text) {
     return decode(asn1_gser_decode, type, octets(text.begin(), text.end()));

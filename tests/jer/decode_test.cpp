@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// ---- texts that are taken: what the compact encoder makes of the value ---------------------------------
+// ---- texts that are taken: what the compact encoder makes of the value ------------------------------------
 
 struct Accepted {
     const asn1_type_desc* type;
@@ -167,7 +167,7 @@ TEST(JerDecode, ValuesInMemory) {
     EXPECT_EQ(nan, 0x7FF8000000000000u);
 }
 
-// ---- texts that are refused ----------------------------------------------------------------------------
+// ---- texts that are refused -------------------------------------------------------------------------------
 
 struct Refused {
     const asn1_type_desc* type;

@@ -17,7 +17,7 @@ asn1_string string(const void* data, uint64_t length) {
     return {static_cast<uint8_t*>(const_cast<void*>(data)), length};
 }
 
-// ---- layout --------------------------------------------------------------------------------------------
+// ---- layout -----------------------------------------------------------------------------------------------
 
 TEST(JerEncode, IndentedToTheLastBlank) {
     Value value = decode_json(kAbc, R"({"a":1,"b":[1,2],"c":{"x":null}})");
@@ -66,7 +66,7 @@ TEST(JerEncode, Layouts) {
     }
 }
 
-// ---- values that no text gives -------------------------------------------------------------------------
+// ---- values that no text gives ----------------------------------------------------------------------------
 
 TEST(JerEncode, Reals) {
     const double infinity = std::numeric_limits<double>::infinity();
@@ -142,7 +142,7 @@ TEST(JerEncode, MissingInnerValue) {
     EXPECT_EQ(encode_json(kNodeReference, &node), "-1");
 }
 
-// ---- hook ----------------------------------------------------------------------------------------------
+// ---- hook -------------------------------------------------------------------------------------------------
 
 struct HookCall {
     const asn1_type_desc* type;

@@ -124,7 +124,7 @@ TEST(PerOpenTypes, AlignmentAndFragments) {
     expect_per(kOpen.optional_id, &message, shifted, "1 | " + expected);
 }
 
-// ---- entry points ----------------------------------------------------------------------------------------------
+// ---- entry points -----------------------------------------------------------------------------------------
 
 TEST(PerEntryPoints, WithoutErrorRecord) {
     uint32_t five = 5, eight = 8;

@@ -19,7 +19,7 @@ namespace orlenta::test {
 using Bytes = std::vector<uint8_t>;
 using Words = std::vector<asn1_word>;
 
-// ---- descriptors -----------------------------------------------------------------------------------------------
+// ---- descriptors ------------------------------------------------------------------------------------------
 
 constexpr uint32_t kExt = ASN1_WORD0_EXTENSIBLE;
 constexpr uint32_t kLower = ASN1_WORD0_HAS_LOWER;
@@ -115,7 +115,7 @@ inline asn1_string str(const std::string& text) {
 }
 inline asn1_string str(const Bytes& bytes) { return {const_cast<uint8_t*>(bytes.data()), bytes.size()}; }
 
-// ---- encodings as text -----------------------------------------------------------------------------------------
+// ---- encodings as text ------------------------------------------------------------------------------------
 
 // Bits in groups of 0 and 1, octets as x and hexadecimal digits, | for an octet boundary in ALIGNED PER. The last
 // octet is filled up.
@@ -159,7 +159,7 @@ inline void expect_same_bytes(const Bytes& actual, const Bytes& expected) {
                   << show(expected, b);
 }
 
-// ---- encoding and decoding -------------------------------------------------------------------------------------
+// ---- encoding and decoding --------------------------------------------------------------------------------
 
 inline int64_t per_encode(bool aligned, uint8_t** out, const Words& type, const void* value,
                           asn1_error* error = nullptr) {

@@ -79,7 +79,7 @@ TEST(PerSequence, BigDefault) {
     expect_per(type, &one, "1 x0101", "1 | x0101");
 }
 
-// ---- extension additions ---------------------------------------------------------------------------------------
+// ---- extension additions ----------------------------------------------------------------------------------
 
 // One record for all versions of a schema: a; then additions b (mandatory), [[c, d OPTIONAL, e DEFAULT 2]], [[f]], g.
 struct Versions {
@@ -231,7 +231,7 @@ TEST(PerChoice, BothDirections) {
     }
 }
 
-// ---- TAGGED and recursion --------------------------------------------------------------------------------------
+// ---- TAGGED and recursion ---------------------------------------------------------------------------------
 
 TEST(PerTagged, InPlaceAndIndirect) {
     Words tagged = {head(ASN1_KIND_TAGGED, 0, context(1)), ref(kSmall.data())};

@@ -19,7 +19,7 @@ constexpr uint32_t kLower = ASN1_WORD0_HAS_LOWER;
 constexpr uint32_t kUpper = ASN1_WORD0_HAS_UPPER;
 constexpr uint32_t kBig = ASN1_WORD0_BIG;
 
-// ---- a value as text -------------------------------------------------------------------------------------
+// ---- a value as text --------------------------------------------------------------------------------------
 
 std::string hex(uint64_t number, int width) {
     char text[17];
@@ -104,7 +104,7 @@ std::string shorten(const std::string& text) {
     return text.substr(0, 24) + "..." + std::to_string(text.size()) + "#" + hex(hash, 16);
 }
 
-// ---- types ---------------------------------------------------------------------------------------------------
+// ---- types ------------------------------------------------------------------------------------------------
 
 const asn1_word kFree[] = {head(ASN1_KIND_INTEGER)};
 const asn1_word kUpper5[] = {head(ASN1_KIND_INTEGER, kUpper), num(5)};
@@ -213,7 +213,7 @@ struct Release {
 using Value = std::unique_ptr<void, Release>;
 Value random_value(const asn1_type_desc* type, uint32_t seed) { return {asn1_random(type, seed), {type}}; }
 
-// ---- tests ---------------------------------------------------------------------------------------------------
+// ---- tests ------------------------------------------------------------------------------------------------
 
 // Made by a second implementation of the generator. Seed 453354545 makes the word z wrap to 0.
 TEST(Random, GoldenValues) {

@@ -49,7 +49,7 @@ uint32_t seed_of(const orlenta_catalogue_entry& entry, uint32_t round) {
     return hash;
 }
 
-// ---- open types --------------------------------------------------------------------------------------------------
+// ---- open types -------------------------------------------------------------------------------------------
 
 static bool resolve_open_types(const asn1_type_desc* type, void* value, const asn1_parent_frame* frame,
                                uint32_t seed);
@@ -131,7 +131,7 @@ Sample make_sample(const asn1_type_desc* type, uint32_t seed) {
     return {std::move(value), !complete};
 }
 
-// ---- recursion -----------------------------------------------------------------------------------------------------
+// ---- recursion --------------------------------------------------------------------------------------------
 
 static bool meets_itself(const asn1_type_desc* type, std::map<const asn1_type_desc*, int>& state) {
     enum { kUnseen, kOpen, kPlain, kRecursive };

@@ -113,7 +113,7 @@ TEST(CnTables, RecordsOfTheHeaderAreThoseOfTheTables) {
     EXPECT_EQ(*reinterpret_cast<const uint32_t*>(record + (moy[0].number & ASN1_FIELD_OFFSET_MASK)), 527040u);
 }
 
-// ---- counts ----------------------------------------------------------------------------------------------------
+// ---- counts -----------------------------------------------------------------------------------------------
 
 struct Region {
     Schema schema;
@@ -159,7 +159,7 @@ TEST(Counts, Us) {
     EXPECT_EQ(counts.containing_constraints, 14u);
 }
 
-// ---- what holds over all message sets --------------------------------------------------------------------------
+// ---- what holds over all message sets ---------------------------------------------------------------------
 
 struct Census {
     std::array<size_t, 18> kinds{};

@@ -24,7 +24,8 @@ void free_live_blocks();
 
 // Runs `operation` again and again, each time with its next allocation failing, alone and with all that follow, until
 // a run needs no further one. The operation checks its own outcome, for which it may ask allocator_has_failed(), in a
-// statement behind the call (the arguments of EXPECT_EQ have no order); here each run is held to leave as many live blocks as it found. Returns the allocations of an undisturbed run.
+// statement behind the call (the arguments of EXPECT_EQ have no order); here each run is held to leave as many live
+// blocks as it found. Returns the allocations of an undisturbed run.
 template <typename Operation>
 uint64_t for_each_failed_allocation(Operation operation) {
     for (uint64_t call = 1;; ++call) {

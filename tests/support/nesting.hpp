@@ -62,8 +62,8 @@ inline void run_on_all_stacks(const std::function<void(size_t)>& body) {
     for (size_t size : {kSmallStack, kLargeStack}) run_on_stack(size, [&] { body(size); });
 }
 
-// A recursive type goes as deep as the stack bears, and what is too deep for that is an error that says so. `input` makes an
-// encoding of some depth.
+// A recursive type goes as deep as the stack bears, and what is too deep for that is an error that says
+// so. `input` makes an encoding of some depth.
 inline void expect_graceful_depth(decode_function decode_with, const encode_function& encode_with,
                                   const asn1_type_desc* type, const std::function<octets(size_t)>& input,
                                   size_t stack_size) {

@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// ---- texts that are taken: what the encoder makes of the value, on one line and without empty tags -----
+// ---- texts that are taken: what the encoder makes of the value, on one line and without empty tags --------
 
 struct Accepted {
     const asn1_type_desc* type;
@@ -166,7 +166,7 @@ TEST(XerDecode, ValuesInMemory) {
     EXPECT_EQ(nan, 0x7FF8000000000000u);
 }
 
-// ---- texts that are refused ----------------------------------------------------------------------------
+// ---- texts that are refused -------------------------------------------------------------------------------
 
 struct Refused {
     const asn1_type_desc* type;

@@ -16,7 +16,7 @@ value_pointer value_of(const asn1_type_desc* type, const std::string& content) {
     return decode_xml(type, in_element(type, content)).value;
 }
 
-// ---- layout --------------------------------------------------------------------------------------------
+// ---- layout -----------------------------------------------------------------------------------------------
 
 TEST(XerEncode, Sample) {
     value_pointer value =
@@ -89,7 +89,7 @@ TEST(XerEncode, Options) {
     }
 }
 
-// ---- values that no text gives -------------------------------------------------------------------------
+// ---- values that no text gives ----------------------------------------------------------------------------
 
 std::string content_of(const asn1_type_desc* type, const void* value) {
     std::string text = encode_xml(type, value), name = asn1_get_type_name(type);
@@ -170,7 +170,7 @@ TEST(XerEncode, MissingInnerValue) {
     EXPECT_EQ(encode_xml(kNext, &node), "-1");
 }
 
-// ---- hook ----------------------------------------------------------------------------------------------
+// ---- hook -------------------------------------------------------------------------------------------------
 
 struct HookCall {
     const asn1_type_desc* type;

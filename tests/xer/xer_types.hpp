@@ -56,7 +56,7 @@ inline const asn1_word kTree[] = {head(ASN1_KIND_SEQUENCE_OF, kLower | kNamed, 1
 
 // clang-format on
 
-// ---- calls ---------------------------------------------------------------------------------------------
+// ---- calls ------------------------------------------------------------------------------------------------
 
 inline decoded decode_xml(const asn1_type_desc* type, const std::string& text) {
     return decode(asn1_xer_decode, type, octets(text.begin(), text.end()));

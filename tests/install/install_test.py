@@ -1,0 +1,177 @@
+"""Checks of the built library from outside: headers, symbols, addresses, and the installed packages."""
+import argparse
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import textwrap
+from pathlib import Path
+
+HERE = Path(__file__).parent
+
+
+def run(*command, **options):
+    """Output of a command that must succeed."""
+    result = subprocess.run([str(part) for part in command], capture_output=True, text=True, **options)
+    if result.returncode != 0:
+        sys.exit(f"failed: {' '.join(map(str, command))}\n{result.stdout}{result.stderr}")
+    return result.stdout
+
+
+def expect(condition, text):
+    if not condition:
+        sys.exit(text)
+
+
+def include_dirs(args):
+    return [args.source / "include", args.build / "include"]
+
+
+def public_headers(args):
+    return sorted(header for folder in include_dirs(args) for header in folder.glob("orlenta/*.h"))
+
+
+def compilers(args, *names):
+    """The compilers of the build, and others by name if the machine has them."""
+    found = {Path(shutil.which(name)).resolve(): name for name in names if shutil.which(name)}
+    return list(found.values())
+
+
+def check_headers(args):
+    """Each header compiles alone, as C and as C++, without a warning."""
+    includes = [f"-I{folder}" for folder in include_dirs(args)]
+    strict = ["-Wall", "-Wextra", "-pedantic", "-Werror", "-fsyntax-only"]
+    languages = [(compilers(args, args.cc, "gcc", "clang"), ["-x", "c", "-std=c11"]),
+                 (compilers(args, args.cxx, "g++", "clang++"), ["-x", "c++", "-std=c++20"])]
+    headers = public_headers(args)
+    expect(len(headers) > 10, f"only {len(headers)} headers")
+    for header in headers:
+        for names, options in languages:
+            for compiler in names:
+                # Included, not compiled itself: "#pragma once" in the main file would be a warning.
+                run(compiler, *options, *strict, *includes, "-", input=f"#include <orlenta/{header.name}>\n")
+
+
+def declared_names(args):
+    """All functions and tables that the public headers declare."""
+    names = set()
+    for header in public_headers(args):
+        text = re.sub(r"/\*.*?\*/|^#.*?(?<!\\)$", " ", header.read_text(), flags=re.S | re.M)
+        for declaration in re.findall(r"\bORLENTA_API\b([^;{]*)[;{]", text):
+            data = re.search(r"\bextern\b.*?(\w+)\s*\[", declaration, re.S)
+            function = re.search(r"(\w+)\s*\(", declaration)
+            names.add((data or function).group(1))
+    return names
+
+
+def library(args):
+    return args.build / "liborlenta.so"
+
+
+def check_exports(args):
+    """The shared library defines what the headers declare and nothing else, needs libc and libm alone, and has no
+    code that runs at load time."""
+    lines = run("nm", "-D", "--defined-only", library(args)).splitlines()
+    exported = {line.split()[-1] for line in lines}
+    declared = declared_names(args)
+    expect(exported == declared, f"not declared: {sorted(exported - declared)[:20]}\n"
+                                 f"not exported: {sorted(declared - exported)[:20]}")
+    weak = {line.split()[-1] for line in lines if line.split()[-2] in "WVwv"}
+    expect(weak == {"asn1_malloc", "asn1_realloc", "asn1_free"}, f"weak: {sorted(weak)}")
+
+    dynamic = run("readelf", "-dW", library(args))
+    needed = set(re.findall(r"NEEDED.*\[(.*)\]", dynamic))
+    expect(needed <= {"libc.so.6", "libm.so.6"}, f"needs {needed}")
+    expect("[liborlenta.so.1]" in dynamic, "no SONAME liborlenta.so.1")
+    for tag in ("(INIT)", "(INIT_ARRAY)", "(FINI)", "(FINI_ARRAY)", "(TEXTREL)"):
+        expect(tag not in dynamic, f"{tag} in the dynamic section")
+    written = [line for line in run("nm", library(args)).splitlines() if line.split()[-2] in "bBC"]
+    expect(not written, f"writable globals: {written[:20]}")
+
+
+def check_addresses(args):
+    """The address of a table is the same to a program and to other tables, however the program was compiled, and the
+    program keeps what it needs of libc."""
+    with tempfile.TemporaryDirectory() as folder:
+        program = Path(folder) / "addresses"
+        for compiler in compilers(args, args.cc, "gcc", "clang"):
+            for mode in (["-fPIE", "-pie"], ["-fno-pie", "-no-pie"], ["-fPIC"]):
+                run(compiler, "-O2", *mode, *(f"-I{d}" for d in include_dirs(args)), HERE / "addresses.c",
+                    "-o", program, library(args), f"-Wl,-rpath,{args.build}")
+                expect(run(program) == "same\n", f"{compiler} {mode}: no output")
+
+
+def check_allocator(args):
+    """A program's own asn1_malloc and the others serve the whole library, shared and static."""
+    with tempfile.TemporaryDirectory() as folder:
+        program = Path(folder) / "allocator"
+        for how in ([library(args), f"-Wl,-rpath,{args.build}"], [args.build / "liborlenta.a", "-lm"]):
+            run(args.cc, *(f"-I{d}" for d in include_dirs(args)), HERE / "allocator.c", "-o", program, *how)
+            run(program)
+
+
+EXAMPLE_OUTPUT = "10 bytes: lat 399087000, lon 1163975000, elevation 435\n"
+
+
+def check_packages(args):
+    """An installed tree, moved elsewhere, serves programs in C and C++ through CMake and through pkg-config."""
+    with tempfile.TemporaryDirectory() as folder:
+        folder = Path(folder)
+        run("cmake", "--install", args.build, "--prefix", folder / "first")
+        prefix = (folder / "first").rename(folder / "moved")
+
+        run("cmake", "-G", "Ninja", "-S", args.source / "examples", "-B", folder / "examples",
+            f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_C_COMPILER={args.cc}", f"-DCMAKE_CXX_COMPILER={args.cxx}")
+        run("cmake", "--build", folder / "examples")
+        for program in sorted((folder / "examples").glob("position_*")):
+            expect(run(program) == EXAMPLE_OUTPUT, f"{program.name} printed something else")
+
+        (folder / "c_only").mkdir()
+        (folder / "c_only" / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.16)\nproject(c_only LANGUAGES C)\nfind_package(orlenta REQUIRED)\n"
+            f"add_executable(position {args.source}/examples/position.c)\n"
+            "target_link_libraries(position PRIVATE orlenta::orlenta_static)\n")
+        run("cmake", "-G", "Ninja", "-S", folder / "c_only", "-B", folder / "c_only" / "build",
+            f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_C_COMPILER={args.cc}")
+        run("cmake", "--build", folder / "c_only" / "build")
+        expect(run(folder / "c_only" / "build" / "position") == EXAMPLE_OUTPUT, "C without C++")
+
+        found = next(prefix.glob("lib*/**/pkgconfig/orlenta.pc"))
+        environment = dict(os.environ, PKG_CONFIG_PATH=str(found.parent))
+        flags = run("pkg-config", "--cflags", "--libs", "orlenta", env=environment).split()
+        libdir = run("pkg-config", "--variable=libdir", "orlenta", env=environment).strip()
+        for compiler, source in ((args.cc, "position.c"), (args.cxx, "position.cpp")):
+            standard = ["-std=c++20"] if source.endswith("pp") else []
+            run(compiler, *standard, args.source / "examples" / source, "-o", folder / "program", *flags)
+            output = run(folder / "program", env=dict(os.environ, LD_LIBRARY_PATH=libdir))
+            expect(output == EXAMPLE_OUTPUT, f"{source} by pkg-config printed something else")
+
+        version = run(prefix / "bin" / "orlenta", "--version").split()[-1]
+        expect(run("pkg-config", "--modversion", "orlenta", env=environment).strip() == version, "versions differ")
+        expect((prefix / "bin" / "orlentac").exists(), "orlentac is not installed")
+
+
+def check_readme(args):
+    """The programs that the README shows stand in examples/ as shown."""
+    text = (args.source / "README.md").read_text()
+    blocks = re.findall(r"```(c|cpp)\n(.*?)```", text, re.S)
+    expect({kind for kind, _ in blocks} == {"c", "cpp"}, "the README shows no example")
+    for kind, code in blocks:
+        example = (args.source / "examples" / f"position.{kind}").read_text()
+        expect(textwrap.indent(code, "    ") in example, f"not in examples/position.{kind}:\n{code}")
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("check")
+    parser.add_argument("--source", type=Path, required=True)
+    parser.add_argument("--build", type=Path, required=True)
+    parser.add_argument("--cc", required=True)
+    parser.add_argument("--cxx", required=True)
+    args = parser.parse_args()
+    globals()[f"check_{args.check}"](args)
+
+
+main()
