@@ -35,20 +35,13 @@ const TextRules kRules[] = {
      "<Real>1,500000000000000000E00</Real>\n", 1.5},
 };
 
-// The thread's locale for as long as the test runs.
 class Locale : public testing::Test {
   protected:
     void SetUp() override {
-        german = newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
-        ASSERT_NE(german, nullptr) << "the locale de_DE.UTF-8 is missing in LOCPATH";
-        before = uselocale(german);
+        ASSERT_NE(setlocale(LC_ALL, "de_DE.UTF-8"), nullptr)
+            << "the locale de_DE.UTF-8 is missing in LOCPATH";
     }
-    void TearDown() override {
-        if (german == nullptr) return;
-        uselocale(before);
-        freelocale(german);
-    }
-    locale_t german = nullptr, before = nullptr;
+    void TearDown() override { setlocale(LC_ALL, "C"); }
 };
 
 std::string encoded(const TextRules& rules, double number) {
@@ -77,10 +70,10 @@ TEST_F(Locale, TheCommaGoesOutAndFractionsGoWrong) {
         EXPECT_EQ(decoded(rules, rules.point), 1.0);
         EXPECT_EQ(decoded(rules, rules.comma), rules.comma_read);
 
-        uselocale(before);
+        setlocale(LC_ALL, "C");
         EXPECT_EQ(encoded(rules, 1.5), rules.point);
         EXPECT_EQ(decoded(rules, rules.point), 1.5);
-        uselocale(german);
+        setlocale(LC_ALL, "de_DE.UTF-8");
     }
 }
 

@@ -1,220 +1,144 @@
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <vector>
-
-#include "tests/xer/xer_types.hpp"
+#include "tests/xer/xer_codec.hpp"
 
 namespace orlenta::test {
 namespace {
 
 using namespace std::string_literals;
 
-// ---- texts that are taken: what the encoder makes of the value, on one line and without empty tags --------
+// ---- texts that are taken ---------------------------------------------------------------------------------
 
-struct Accepted {
-    const asn1_type_desc* type;
-    std::string content;  // of the type's element
-    std::string printed;
-};
-
-void expect_printed(const std::vector<Accepted>& cases) {
-    for (const Accepted& c : cases) {
-        SCOPED_TRACE(c.content);
-        decoded result = decode_xml(c.type, in_element(c.type, c.content));
-        ASSERT_TRUE(result.value) << result.error.message;
-        EXPECT_STREQ(result.error.message, "");
-        EXPECT_EQ(encode_xml(c.type, result.value.get()), in_element(c.type, c.printed));
-    }
-}
-
-TEST(XerDecode, Numbers) {
-    const std::string long_number(90, '7');
-    expect_printed({
+TEST(XerDecode, Scalars) {
+    const std::string long_number(60, '7');
+    expect_printed<kXer>({
         {kInt32, " \n-007\t", "-7"},
         {kInt32, "-", "0"},
         {kInt32, " ", "0"},
-        {kInt32, "2147483647", "2147483647"},
-        {kInt32, "-2147483648", "-2147483648"},
-        {kUint32, "4294967295", "4294967295"},
+        {kInt32, "-2147483648"},
+        {kUint32, "4294967295"},
         {kUint32, "0000000000000000000000005", "5"},
-        {kUintExt, "-1", "-1"},
+        {kUintExt, "-1"},
         {kBig, " " + long_number + " ", long_number},
-        {kBig, "-18446744073709551616", "-18446744073709551616"},
+        {kBig, "-18446744073709551616"},
         {kBig, " ", "0"},
-        {kReal, "1.5", "1.500000000000000000E00"},
         {kReal, "\n15e-1 ,", "1.500000000000000000E00"},
         {kReal, "abc", "0"},
-        {kReal, "-0", "-0"},
+        {kReal, "-0"},
         {kReal, " -INF", "-INF"},
-        {kReal, "INF", "INF"},
-        {kReal, "NaN", "NaN"},
-    });
-}
-
-TEST(XerDecode, WordsAndItems) {
-    expect_printed({
+        {kReal, "INF"},
+        {kReal, "NaN"},
         {kBoolean, "<true/>", "<true></true>"},
         {kBoolean, "\n<false> </false >\n", "<false></false>"},
-        {kBoolean, "true", "<true></true>"},
         {kBoolean, "fal<!-- -->se", "<false></false>"},
-        {kEnum, "<b/>", "<b></b>"},
         {kEnum, " <d></d> ", "<d></d>"},
         {kEnum, "c", "<c></c>"},
         {kEnum, "300", "<c></c>"},
         {kEnum, "-1", "<b></b>"},
         {kEnum, " 0x80", "<d></d>"},
         {kEnum, "0200", "<d></d>"},
-        {kNull, "", ""},
-        {kNull, " <!-- nothing --> ", ""},
+        {kNull, ""},
+        {kNamedTagged, "<true/>", "<true></true>"},
     });
+    expect_quiet_nan(kXer, "NaN");
+    EXPECT_EQ(decode_text(kXer, kNull, "<NULL> <!-- nothing --> </NULL>").consumed, 31);
 }
 
 TEST(XerDecode, Strings) {
-    expect_printed({
-        {kBits, "10 1", "101"},
+    expect_printed<kXer>({
         {kBits, "\n1111\t00001", "111100001"},
         {kBits, "1&#0;2", "1"},
-        {kBits, "", ""},
-        {kOctets, "A B C", "ABC0"},
-        {kOctets, "00ff", "00FF"},
+        {kBits, ""},
+        {kOctets, "a B C", "ABC0"},
         {kOctets, "ff&#0;xx", "FF"},
-        {kOctets, "", ""},
+        {kOctets, ""},
         {kOid, " 1.2 . 840", "1.2.840"},
-        {kRelativeOid, "8571.3.0", "8571.3.0"},
-        {kIa5, "", ""},
-        {kIa5, " a b ", " a b "},
+        {kRelativeOid, "8571.3.0"},
+        {kIa5, ""},
+        {kIa5, " a b "},
         {kIa5, "&lt;&gt;&amp;&#65;&#x41;", "&#60;&#62;&#38;AA"},
         {kIa5, "&#;&#zz;&#X41;&#-0;", "&#0;&#0;&#0;&#0;"},
+        {kIa5, "&#" + std::string(124, '0') + "65;", "A"},
         {kIa5, "a\r\nb\rc\n&#13;", "a&#10;b&#10;c&#10;&#13;"},
         {kIa5, "a<bel/>b<nul> </nul><is1/>", "a&#7;b&#0;&#31;"},
         {kIa5, "ab<!-- x -->cd<?pi?>e<![CDATA[f>g]]>", "abcdeg]]&#62;"},
         {kIa5, "\u20ac", "\u00ac"},  // a unit keeps the low bits
         {kBmp, "\u20ac\U0001F600x", "\u20ac\uF600x"},
         {kUniversal, "\U0001F600&#x1F600;", "\U0001F600\U0001F600"},
-        {kUtf8, "\xFF\u00e9&#233;", "\xFF\u00e9\u00e9"},
-        {kUtf8, "<esc/>&#x20AC;", "&#27;\u20ac"},
-        {kGeneral, "\u00e9", "\u00e9"},
-        {kIa5, "&#" + std::string(124, '0') + "65;", "A"},
+        {kUtf8, "\xFF\u00e9&#233;<esc/>&#x20AC;", "\xFF\u00e9\u00e9&#27;\u20ac"},
+        {kGeneral, "\u00e9"},
     });
+    auto data_of_empty = [](const asn1_type_desc* type) {
+        return static_cast<const asn1_string*>(value_of(kXer, type, "").get())->data;
+    };
+    EXPECT_NE(data_of_empty(kOctets), nullptr);
+    EXPECT_NE(data_of_empty(kBits), nullptr);
+    EXPECT_EQ(data_of_empty(kIa5), nullptr);
 }
 
 TEST(XerDecode, Composites) {
-    const std::string t = "<a>5</a><b><true></true></b><c><INTEGER>1</INTEGER></c><d></d>";
-    expect_printed({
-        {kT, t, t},
-        {kT, "\n<d/><c>\n<INTEGER>1</INTEGER>\n</c> <b>true</b><!-- any order --><a>5</a>\n", t},
-        {kInts, "", ""},
+    expect_printed<kXer>({
+        {kT, "\n<d/><c>\n<INTEGER>1</INTEGER>\n</c> <b>true</b><!-- any order --><a>5</a>\n",
+         "<a>5</a><b><true></true></b><c><INTEGER>1</INTEGER></c><d></d>"},
+        {kInts, ""},
         {kBooleans, "<true/><BOOLEAN>false</BOOLEAN><BOOLEAN><true/></BOOLEAN>",
          "<true></true><false></false><true></true>"},
         {kEnums, "<a/><d/>", "<a></a><d></d>"},
         {kChoices, "<n/><t>7</t><s>00</s>", "<n></n><t>7</t><s>00</s>"},
         {kItems, "<item>01</item> <item/>", "<item>01</item><item></item>"},
         {kChoice, " <s/> ", "<s></s>"},
-        {kRecord, "<a>1</a><e>true</e>", "<a>1</a><e><true></true></e>"},
-        {kRecord, "<a>1</a><e>true</e><d>5</d><g>true</g>",
-         "<a>1</a><e><true></true></e><g><true></true></g>"},
-        {kRecord, "<g>true</g><i>false</i><j>AA</j><a>1</a><d>6</d><e>true</e><c/>",
-         "<a>1</a><c></c><d>6</d><e><true></true></e><g><true></true></g><i><false></false></i><j>AA</j>"},
-        {kNode, "<next><next/></next>", "<next><next></next></next>"},
+        {kRecord, "<g>true</g><i>false</i><j>AA</j><a>1</a><d>5</d><e>true</e><c/>",
+         "<a>1</a><c></c><e><true></true></e><g><true></true></g><i><false></false></i><j>AA</j>"},
         {kOpenRecord<kOpen>, "<id>1</id><value><BOOLEAN>true</BOOLEAN></value>",
          "<id>1</id><value><BOOLEAN><true></true></BOOLEAN></value>"},
         {kOpenRecord<kOpen>, "<id>9</id><value> <OCTET_STRING>ab c</OCTET_STRING> </value>",
          "<id>9</id><value><OCTET_STRING>ABC0</OCTET_STRING></value>"},
         {kOpenRecord<kOpen>, "<value><OCTET_STRING/></value><id>1</id>",  // the key came too late
          "<id>1</id><value><OCTET_STRING></OCTET_STRING></value>"},
-        {kNamedTagged, "<true/>", "<true></true>"},
     });
 }
 
 TEST(XerDecode, AroundTheElement) {
-    const std::string long_attribute(5000, 'x');
-    const char* const ends[] = {"", "<", " ", "junk", "<x>", "</x>", "<x/>", "<!-- -->"};
     const std::string beginnings[] = {"<NULL>",
-                                      "<!-- a --> <?pi?>\n<NULL>",
-                                      "<NULL\n>",
+                                      "<!-- a --> <?pi?>\n<NULL\n>",
                                       "<?xml version='1.0'?><NULL xmlns=\"u\">",
                                       "<!---><NULL>",
                                       "<!-->--><NULL>",
-                                      "<!X --><NULL " + long_attribute + ">",
+                                      "<!X --><NULL " + std::string(5000, 'x') + ">",
                                       "<NULL\0 >"s};
     for (const std::string& beginning : beginnings) {
-        for (const char* end : ends) {
-            SCOPED_TRACE(beginning + end);
+        for (const char* end : {"", "<", " ", "junk", "<x>", "</x>", "<x/>", "<!-- -->"}) {
             std::string text = beginning + "</NULL x>" + end;
-            EXPECT_EQ(decode_xml(kNull, beginning + "</NULL x>" + end).consumed,
-                      static_cast<int64_t>(text.size()));
+            EXPECT_EQ(decode_text(kXer, kNull, text).consumed, static_cast<int64_t>(text.size())) << text;
         }
     }
 }
 
-// What the printed text does not show.
-TEST(XerDecode, ValuesInMemory) {
-    for (const asn1_type_desc* type : {kOctets, kBits}) {
-        decoded empty = decode_xml(type, in_element(type, ""));
-        EXPECT_NE(static_cast<const asn1_string*>(empty.value.get())->data, nullptr);
-    }
-    decoded no_text = decode_xml(kIa5, "<IA5String/>");
-    EXPECT_EQ(static_cast<const asn1_string*>(no_text.value.get())->data, nullptr);
-
-    decoded item = decode_xml(kEnum, "<ENUMERATED>300</ENUMERATED>");
-    EXPECT_EQ(*static_cast<const uint32_t*>(item.value.get()), 2u);  // the index, not the number
-
-    uint64_t nan;
-    decoded real = decode_xml(kReal, "<REAL>NaN</REAL>");
-    std::memcpy(&nan, real.value.get(), sizeof nan);
-    EXPECT_EQ(nan, 0x7FF8000000000000u);
+TEST(XerDecode, DeepNesting) {
+    expect_bounded_nesting(kXer, kChain, "<next>", "", "</next>");
+    expect_bounded_nesting(kXer, kTree, "<SEQUENCE_OF>", "", "</SEQUENCE_OF>");
 }
 
 // ---- texts that are refused -------------------------------------------------------------------------------
 
-struct Refused {
-    const asn1_type_desc* type;
-    std::string text;
-    std::string message;
-    int32_t line = 1;
-};
-
-void expect_message(const std::vector<Refused>& cases) {
-    for (const Refused& c : cases) {
-        SCOPED_TRACE(c.text);
-        decoded result = decode_xml(c.type, c.text);
-        EXPECT_EQ(result.consumed, -1);
-        EXPECT_EQ(result.error.message, c.message);
-        EXPECT_EQ(result.error.line, c.line);
-        EXPECT_STREQ(result.error.path, "");
-        void* value;
-        EXPECT_EQ(asn1_xer_decode(&value, c.type, reinterpret_cast<const uint8_t*>(c.text.data()),
-                                  c.text.size(), nullptr),
-                  -1);
-    }
-}
-
 TEST(XerDecode, RefusedTokens) {
     const std::string syntax = "invalid tag syntax: expecting '>'", entity = "invalid XML entity syntax";
     const std::string longest(1023, 'n');
-    expect_message({
+    expect_message<kXer>({
         {kNull, "<NULL", syntax},
         {kNull, "<NULL\n\na", syntax, 3},
         {kNull, "</", syntax},
         {kNull, "<NULL a=\"1/2\"></NULL>", syntax},
-        {kNull, "<NULL/", syntax},
         {kNull, "<NULL/ >", syntax},
         {kNull, "<NULL></NULL/>", "invalid closing tag syntax"},
         {kNull, "<NULL></NULL><x", syntax},
         {kNull, "<" + longest + ">", "expecting tag <NULL>"},
-        {kNull, "<" + longest, syntax},
         {kNull, "<" + longest + "n>", "tag name too long"},
         {kNull, "</" + longest + "n", "tag name too long"},
-        {kNull, "<!--", "unexpected end of stream in comment"},
         {kNull, "<!--\n", "unexpected end of stream in comment"},
         {kNull, "<!-- \n--\n>\n", "unexpected end of stream in comment", 4},
         {kNull, "<!-", "unexpected end of stream in processing instruction"},
-        {kNull, "<!", "unexpected end of stream in processing instruction"},
         {kNull, "<?xml\n?", "unexpected end of stream in processing instruction", 2},
         {kIa5, "<IA5String>\r\n\n\r<!", "unexpected end of stream in processing instruction", 4},
         {kIa5, "<IA5String>&quot;", entity},
-        {kIa5, "<IA5String>&apos;", entity},
         {kIa5, "<IA5String>&GT;", entity},
         {kIa5, "<IA5String>\n& ;", entity, 2},
         {kIa5, "<IA5String>&# 65;", entity},
@@ -224,26 +148,20 @@ TEST(XerDecode, RefusedTokens) {
 }
 
 TEST(XerDecode, RefusedElements) {
-    expect_message({
+    expect_message<kXer>({
         {kT, "", "expecting starting tag"},
-        {kT, "<", "expecting starting tag"},
         {kT, "</T>", "expecting starting tag"},
         {kT, "\xEF\xBB\xBF<T>", "unexpected XML content"},
         {kT, "<t>", "expecting tag <T>"},
         {kT, "<x:T>", "expecting tag <T>"},
-        {kT, "<IA5String>", "expecting tag <T>"},
         {kNull, "<NULL>x</NULL>", "unexpected XML content"},
         {kNull, "<NULL>\n<x/></NULL>", "expecting closing tag </NULL>", 2},
         {kNull, "<NULL></Null>", "expecting closing tag </NULL>"},
         {kNull, "<NULL>", "expecting closing tag </NULL>"},
         {kT, "<T>x", "unexpected XML content"},
         {kT, "<T><a>1</a>\n<z/>", "sequence/set component 'z' not found", 2},
-        {kRecord, "<SEQUENCE><z/>", "sequence/set component 'z' not found"},
-        {kT, "<T><a>1</a><a>1</a>", "sequence/set component a defined twice"},
         {kT, "<T><a>1</a>\n</T>\n\n<", "component 'b' must be present", 2},
         {kT, "<T><a>1</a><b>true</a>", "expecting closing tag </b>"},
-        {kRecord, "<SEQUENCE><a>1</a><e>true</e><j/></SEQUENCE>",
-         "extension 'j' cannot be present because a previous mandatory extension was absent"},
         {kChoice, "<CHOICE/>", "choice: expecting open tag"},
         {kChoice, "<CHOICE>n", "unexpected XML content"},
         {kChoice, "<CHOICE><z/>", "choice 'z' not found"},
@@ -264,18 +182,15 @@ TEST(XerDecode, RefusedElements) {
 }
 
 TEST(XerDecode, RefusedContents) {
-    const std::string bits = "expecting binary digits in bit string",
-                      hex = "expecting hexadecimal digits in octet string";
-    const struct {
+    static const struct {
         const asn1_type_desc* type;
-        std::string content, message;
-    } cases[] = {
+        const char* content;
+        const char* message;
+    } rows[] = {
         {kInt32, "", "expecting integer value"},
-        {kInt32, "<x/>", "expecting integer value"},
         {kInt32, "+1", "expecting integer value"},
         {kInt32, "1 2", "expecting integer value"},
         {kInt32, "1&#0;", "expecting integer value"},
-        {kInt32, "1.0", "expecting integer value"},
         {kBig, "12345678901234567890x", "expecting integer value"},
         {kInt32, "2147483648", "integer too large"},
         {kInt32, "-2147483649", "integer too large"},
@@ -285,25 +200,23 @@ TEST(XerDecode, RefusedContents) {
         {kUintExt, "2147483648", "integer too large"},
         {kBoolean, "", "expecting boolean value"},
         {kBoolean, " true ", "expecting boolean value"},
-        {kBoolean, "TRUE", "expecting boolean value"},
         {kBoolean, "<True/>", "expecting boolean value"},
         {kBoolean, "<true>x</true>", "unexpected XML content"},
-        {kEnum, "", "expecting empty tag for enumerated type"},
         {kEnum, " ", "expecting empty tag for enumerated type"},
         {kEnum, " a ", "enumerated ' a ' not found"},
         {kEnum, "<z/>", "enumerated 'z' not found"},
         {kEnum, "300 ", "enumerated '300 ' not found"},
         {kEnum, "301", "enumerated '301' not found"},
-        {kEnum, "4294967303", "enumerated '4294967303' not found"},
+        {kEnum, "4294967295", "enumerated '4294967295' not found"},
         {kEnum, "<a>1</a>", "unexpected XML content"},
         {kReal, "", "expecting real number"},
         {kOid, "", "expecting object identifier"},
         {kRelativeOid, "<x/>", "expecting relative object identifier"},
         {kOid, "3.1", "invalid object identifier"},
         {kRelativeOid, "1..2", "invalid object identifier"},
-        {kBits, "012", bits},
+        {kBits, "012", "expecting binary digits in bit string"},
         {kBits, "<x/>", "expecting bit string value"},
-        {kOctets, "0g", hex},
+        {kOctets, "0g", "expecting hexadecimal digits in octet string"},
         {kOctets, "<x/>", "expecting octet string value"},
         {kIa5, "a<cr/>", "unexpected tag <cr> in character string"},
         {kIa5, "<bel>x</bel>", "unexpected XML content"},
@@ -311,17 +224,8 @@ TEST(XerDecode, RefusedContents) {
         {kIa5, "&#-1;", "invalid UTF-8 code"},
         {kUniversal, "\xE2\x82", "invalid UTF-8 code"},
     };
-    for (const auto& c : cases) expect_message({{c.type, in_element(c.type, c.content), c.message}});
-}
-
-// Text that nests without end is refused before the stack is used up.
-TEST(XerDecode, DeepNesting) {
-    for (const auto& [type, opening, inside] :
-         {std::tuple(kNode, "<Node>"s, "<next>"s), std::tuple(kTree, "<Tree>"s, "<Tree>"s)}) {
-        std::string text = opening;
-        for (int i = 0; i < 1000000; ++i) text += inside;
-        decoded result = decode_xml(type, text);
-        EXPECT_STREQ(result.error.message, "value nested too deeply");
+    for (const auto& row : rows) {
+        expect_message<kXer>({{row.type, in_element(row.type, row.content), row.message}});
     }
 }
 

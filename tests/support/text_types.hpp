@@ -1,11 +1,6 @@
-// Types for the GSER tests beyond the universal ones, and decode and encode as one call each.
+// Types that the tests of the text syntaxes share, beyond the universal ones.
 #pragma once
 
-#include <orlenta/gser.h>
-
-#include <string>
-
-#include "tests/support/octet_codec.hpp"
 #include "tests/support/universal_types.hpp"
 
 namespace orlenta::test {
@@ -16,8 +11,6 @@ inline const asn1_word kGeneral[] = {head(ASN1_KIND_CHAR_STRING, 0, 27), num(ASN
 // clang-format off
 
 inline const asn1_word kInts[] = {head(ASN1_KIND_SEQUENCE_OF, kLower, 16), num(0), num(4), ref(kInt32), num(0)};
-inline const asn1_word kOctetsList[] = {head(ASN1_KIND_SEQUENCE_OF, kBounds, 16), num(0), num(9), num(16), ref(kOctets),
-                                        num(0)};
 
 // SEQUENCE { a INTEGER, b BOOLEAN }
 inline const asn1_word kAb[] = {
@@ -35,23 +28,5 @@ inline const asn1_word kNested[] = {
     field(48), ref(kReal), num(0), txt("real")};
 
 // clang-format on
-
-// ---- calls ------------------------------------------------------------------------------------------------
-
-inline decoded decode_text(const asn1_type_desc* type, const std::string& text) {
-    return decode(asn1_gser_decode, type, octets(text.begin(), text.end()));
-}
-
-// The text, or "-1".
-inline std::string encode_text(const asn1_type_desc* type, const void* value,
-                               const asn1_gser_encode_options& options = {}) {
-    uint8_t* text = nullptr;
-    int64_t length = asn1_gser_encode2(&text, type, value, &options);
-    EXPECT_EQ(length < 0, text == nullptr);
-    if (length < 0) return std::to_string(length);
-    std::string copy(reinterpret_cast<const char*>(text), static_cast<size_t>(length));
-    asn1_free(text);
-    return copy;
-}
 
 }  // namespace orlenta::test
