@@ -1,256 +1,257 @@
-// Descriptors by their ASN.1 shape, and the expectations that the PER tests share.
+// Descriptors by their ASN.1 shape, and the expectations that the PER tests share. Values are given in the text of
+// GSER, which knows nothing of bits.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <orlenta/memory.h>
+#include <orlenta/gser.h>
 #include <orlenta/per.h>
-#include <orlenta/value.h>
+#include <string.h>
 
 #include <algorithm>
-#include <initializer_list>
-#include <memory>
+#include <deque>
 #include <string>
 #include <vector>
 
-#include "tests/support/descriptors.hpp"
+#include "tests/support/octet_codec.hpp"
+#include "tests/support/universal_types.hpp"
 
 namespace orlenta::test {
 
-using Bytes = std::vector<uint8_t>;
-using Words = std::vector<asn1_word>;
-
 // ---- descriptors ------------------------------------------------------------------------------------------
 
-constexpr uint32_t kExt = ASN1_WORD0_EXTENSIBLE;
-constexpr uint32_t kLower = ASN1_WORD0_HAS_LOWER;
-constexpr uint32_t kUpper = ASN1_WORD0_HAS_UPPER;
-constexpr uint32_t kAddition = ASN1_FIELD_ADDITION;
+using Words = std::vector<asn1_word>;
+using Type = const asn1_type_desc*;
 constexpr uint32_t kOpens = ASN1_FIELD_ADDITION | ASN1_FIELD_OPENS_GROUP;
 constexpr uint32_t kCloses = ASN1_FIELD_ADDITION | ASN1_FIELD_CLOSES_GROUP;
+constexpr uint32_t kOptional = ASN1_OPTION_OPTIONAL, kDefault = ASN1_OPTION_DEFAULT;
 
-inline Words integer(int64_t low, int64_t high, uint32_t flags = 0) {
-    return {head(ASN1_KIND_INTEGER, kBounds | flags), num(low), num(high)};
+// Descriptors stay until the program ends, so that one can refer to another.
+inline Type keep(Words words) {
+    static std::deque<Words> all;
+    return all.emplace_back(std::move(words)).data();
 }
-// BIT STRING or OCTET STRING; `high` below 0: no upper bound.
-inline Words string_of(uint32_t kind, int64_t low, int64_t high, uint32_t flags = 0) {
+
+inline Type integer(int64_t low, int64_t high, uint32_t flags = 0) {
+    return keep({head(ASN1_KIND_INTEGER, kBounds | flags), num(low), num(high)});
+}
+inline Type at_least(int64_t low) { return keep({head(ASN1_KIND_INTEGER, kLower), num(low)}); }
+inline Type at_most(int64_t high) { return keep({head(ASN1_KIND_INTEGER, kUpper), num(high)}); }
+inline const asn1_word kInteger[] = {head(ASN1_KIND_INTEGER)};
+inline const asn1_word kSmall[] = {head(ASN1_KIND_INTEGER, kBounds), num(0), num(7)};
+
+// The words of a type with a size; `high` below 0: no upper bound.
+inline Words sized(uint32_t kind, int64_t low, int64_t high, uint32_t flags) {
     Words words = {head(kind, flags | kLower | (high < 0 ? 0 : kUpper)), num(low)};
     if (high >= 0) words.push_back(num(high));
     return words;
 }
-struct Range {
+inline Type octet_string(int64_t low, int64_t high, uint32_t flags = 0) {
+    return keep(sized(ASN1_KIND_OCTET_STRING, low, high, flags));
+}
+inline Type bit_string(int64_t low, int64_t high, uint32_t flags = 0) {
+    return keep(sized(ASN1_KIND_BIT_STRING, low, high, flags));
+}
+struct Letters {
     uint32_t first, last;
 };
-inline Words char_string(uint32_t string_type, int64_t low, int64_t high, std::vector<Range> ranges,
-                         uint32_t flags = 0) {
-    Words words = string_of(ASN1_KIND_CHAR_STRING, low, high, flags);
-    words.insert(words.begin() + 1, num(string_type));
+inline Type char_string(uint32_t type, int64_t low, int64_t high, std::vector<Letters> ranges,
+                        uint32_t flags = 0) {
+    Words words = sized(ASN1_KIND_CHAR_STRING, low, high, flags);
+    words.insert(words.begin() + 1, num(type));
     words.push_back(num(static_cast<int64_t>(ranges.size())));
-    for (Range range : ranges) words.insert(words.end(), {num(range.first), num(range.last)});
-    return words;
+    for (Letters range : ranges) words.insert(words.end(), {num(range.first), num(range.last)});
+    return keep(words);
 }
-inline Words list_type(int64_t low, int64_t high, uint64_t stride, const Words& element, uint32_t flags = 0) {
-    Words words = string_of(ASN1_KIND_SEQUENCE_OF, low, high, flags);
-    words.insert(words.end(), {asn1_word{.number = stride}, ref(element.data()), num(0)});
-    return words;
+inline Type list_of(Type element, int64_t low, int64_t high, uint32_t flags = 0, uint64_t stride = 0) {
+    Words words = sized(ASN1_KIND_SEQUENCE_OF, low, high, flags);
+    if (stride == 0) stride = static_cast<uint64_t>(asn1_get_size(element));
+    words.insert(words.end(), {asn1_word{.number = stride}, ref(element), num(0)});
+    return keep(words);
 }
 
 struct Component {
-    asn1_word flags;
-    const Words& type;
-    asn1_word extra;
+    Type type;
     const char* name;
+    uint32_t option = ASN1_OPTION_MANDATORY, flags = 0;
+    asn1_word by_default = num(0);
 };
-inline Words sequence(size_t size, std::initializer_list<Component> components, uint32_t flags = 0,
-                      uint32_t kind = ASN1_KIND_SEQUENCE) {
-    Words words = {head(kind, flags), num(static_cast<int64_t>(components.size())),
-                   num(static_cast<int64_t>(size))};
+// Each component has eight bytes for its presence, used or not, and its value behind them.
+inline Type sequence(const std::vector<Component>& components, uint32_t flags = 0,
+                     uint32_t kind = ASN1_KIND_SEQUENCE) {
+    Words words = {head(kind, flags), num(static_cast<int64_t>(components.size())), num(0)};
+    uint32_t offset = 0;
     for (const Component& c : components) {
-        words.insert(words.end(), {c.flags, ref(c.type.data()), c.extra, txt(c.name)});
+        asn1_word extra = c.option == kDefault ? c.by_default : num(offset);
+        words.insert(words.end(), {field(offset + 8, c.option, c.flags), ref(c.type), extra, txt(c.name)});
+        offset += 8 + (static_cast<uint32_t>(asn1_get_size(c.type)) + 7) / 8 * 8;
     }
-    return words;
+    words[2] = num(std::max(offset, 1u));
+    return keep(words);
 }
-// OPTIONAL at `offset`, its presence word 4 bytes before it unless said otherwise.
-inline Component optional(uint32_t offset, const Words& type, const char* name, uint32_t flags = 0) {
-    return {field(offset, ASN1_OPTION_OPTIONAL, flags), type, num(offset - 4), name};
-}
-inline Component mandatory(uint32_t offset, const Words& type, const char* name, uint32_t flags = 0) {
-    return {field(offset, ASN1_OPTION_MANDATORY, flags), type, num(flags ? offset - 4 : 0), name};
-}
-inline Component defaulted(uint32_t offset, const Words& type, int64_t value, const char* name,
-                           uint32_t flags = 0) {
-    return {field(offset, ASN1_OPTION_DEFAULT, flags), type, num(value), name};
-}
-
-struct Alternative {
-    const Words& type;
-    const char* name;
-};
-// `extensions` below 0: no extension marker. Selector at 0, payload at `payload`.
-inline Words choice(size_t size, uint32_t payload, int extensions,
-                    std::initializer_list<Alternative> alternatives) {
-    int64_t root = static_cast<int64_t>(alternatives.size()) - (extensions > 0 ? extensions : 0);
-    Words words = {head(ASN1_KIND_CHOICE, extensions < 0 ? 0 : kExt), num(root)};
+// The last `extensions` alternatives stand behind a marker; below 0: there is none.
+inline Type choice(int extensions, const std::vector<Component>& alternatives) {
+    int64_t count = static_cast<int64_t>(alternatives.size()), size = 0;
+    Words words = {head(ASN1_KIND_CHOICE, extensions < 0 ? 0 : kExt), num(count - std::max(extensions, 0))};
     if (extensions >= 0) words.push_back(num(extensions));
-    words.insert(words.end(), {num(static_cast<int64_t>(size)), num(0), num(payload)});
-    for (const Alternative& a : alternatives) words.insert(words.end(), {ref(a.type.data()), txt(a.name)});
-    return words;
+    for (const Component& a : alternatives) size = std::max(size, asn1_get_size(a.type));
+    words.insert(words.end(), {num(8 + (size + 7) / 8 * 8), num(0), num(8)});
+    for (const Component& a : alternatives) words.insert(words.end(), {ref(a.type), txt(a.name)});
+    return keep(words);
 }
-inline Words enumerated(uint32_t root, int extensions) {
+// Items i0, i1 ...
+inline Type enumerated(uint32_t root, int extensions) {
+    static std::deque<std::string> names;
     Words words = {head(ASN1_KIND_ENUMERATED, extensions < 0 ? 0 : kExt), num(root)};
     if (extensions >= 0) words.push_back(num(extensions));
-    words.resize(words.size() + root + (extensions > 0 ? extensions : 0), txt("item"));
-    return words;
-}
-
-inline const Words kBoolean = {head(ASN1_KIND_BOOLEAN)};
-inline const Words kNull = {head(ASN1_KIND_NULL)};
-inline const Words kReal = {head(ASN1_KIND_REAL)};
-inline const Words kOid = {head(ASN1_KIND_OBJECT_IDENTIFIER)};
-inline const Words kUtf8 = {head(ASN1_KIND_CHAR_STRING), num(ASN1_STRING_UTF8)};
-inline const Words kOctets = string_of(ASN1_KIND_OCTET_STRING, 0, -1);
-inline const Words kByte = integer(0, 255);
-
-inline asn1_string str(const std::string& text) {
-    return {reinterpret_cast<uint8_t*>(const_cast<char*>(text.data())), text.size()};
-}
-inline asn1_string str(const Bytes& bytes) { return {const_cast<uint8_t*>(bytes.data()), bytes.size()}; }
-
-// ---- encodings as text ------------------------------------------------------------------------------------
-
-// Bits in groups of 0 and 1, octets as x and hexadecimal digits, | for an octet boundary in ALIGNED PER. The last
-// octet is filled up.
-inline Bytes bits(const std::string& text) {
-    std::string all;
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == 'x') {
-            for (++i; i < text.size() && isxdigit(static_cast<unsigned char>(text[i])); ++i) {
-                int digit = std::stoi(text.substr(i, 1), nullptr, 16);
-                for (int bit = 3; bit >= 0; --bit) all += digit >> bit & 1 ? '1' : '0';
-            }
-            --i;
-        } else if (text[i] == '|') {
-            all.resize((all.size() + 7) / 8 * 8, '0');
-        } else if (text[i] != ' ') {
-            all += text[i];
-        }
+    for (uint32_t i = 0; i < root + static_cast<uint32_t>(std::max(extensions, 0)); ++i) {
+        words.push_back(txt(names.emplace_back("i" + std::to_string(i)).c_str()));
     }
-    all.resize((all.size() + 7) / 8 * 8, '0');
-    Bytes bytes;
-    for (size_t i = 0; i < all.size(); i += 8) {
-        bytes.push_back(static_cast<uint8_t>(std::stoi(all.substr(i, 8), nullptr, 2)));
+    return keep(words);
+}
+
+// ---- values and encodings as text -------------------------------------------------------------------------
+
+inline value_pointer value_of(Type type, const std::string& text) {
+    void* value = nullptr;
+    asn1_error error = {};
+    int64_t used =
+        asn1_gser_decode(&value, type, reinterpret_cast<const uint8_t*>(text.data()), text.size(), &error);
+    EXPECT_GE(used, 0) << text.substr(0, 80) << ": " << error.message;
+    return value_pointer(value, {type});
+}
+
+// Bits in groups of 0 and 1, octets as x and hexadecimal digits, | for an octet boundary in ALIGNED PER alone. The
+// last octet is filled up.
+inline octets bits(const std::string& text, bool aligned = true) {
+    std::string all;
+    bool in_octets = false;
+    for (char c : text) {
+        if (isxdigit(static_cast<unsigned char>(c)) && in_octets) {
+            for (int bit = 3; bit >= 0; --bit)
+                all += std::stoi(std::string(1, c), nullptr, 16) >> bit & 1 ? '1' : '0';
+            continue;
+        }
+        in_octets = c == 'x';
+        if (c == '|' && aligned) all.resize((all.size() + 7) / 8 * 8, '0');
+        if (c == '0' || c == '1') all += c;
+    }
+    octets bytes((all.size() + 7) / 8);
+    for (size_t i = 0; i < all.size(); ++i) {
+        if (all[i] == '1') bytes[i / 8] |= static_cast<uint8_t>(0x80 >> i % 8);
     }
     return bytes;
 }
-inline std::string hex(const Bytes& bytes) {
-    std::string text = "x";
-    for (uint8_t byte : bytes)
-        text += std::string(1, "0123456789ABCDEF"[byte >> 4]) + "0123456789ABCDEF"[byte & 15];
+inline std::string hex(const octets& bytes) {
+    std::string text = "x" + to_digits(bytes);
+    std::erase(text, ' ');
     return text;
 }
 
-// Of long ones only the beginning of the difference is shown.
-inline void expect_same_bytes(const Bytes& actual, const Bytes& expected) {
-    auto [a, b] = std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
-    if (a == actual.end() && b == expected.end()) return;
-    auto show = [](const Bytes& all, Bytes::const_iterator at) {
-        return hex(Bytes(at, at + std::min<std::ptrdiff_t>(64, all.end() - at)));
-    };
-    ADD_FAILURE() << "at byte " << a - actual.begin() << " " << show(actual, a) << "\ninstead of "
-                  << show(expected, b);
-}
+// ---- expectations -----------------------------------------------------------------------------------------
 
-// ---- encoding and decoding --------------------------------------------------------------------------------
-
-inline int64_t per_encode(bool aligned, uint8_t** out, const Words& type, const void* value,
-                          asn1_error* error = nullptr) {
-    return aligned ? asn1_aper_encode2(out, type.data(), value, error)
-                   : asn1_uper_encode2(out, type.data(), value, error);
-}
-inline int64_t per_decode(bool aligned, void** out, const Words& type, const Bytes& in,
-                          asn1_error* error = nullptr) {
-    return aligned ? asn1_aper_decode(out, type.data(), in.data(), in.size(), error)
-                   : asn1_uper_decode(out, type.data(), in.data(), in.size(), error);
-}
-
-// A decoded value.
-struct Decoded {
-    const Words type;
-    void* value = nullptr;
-    asn1_error error = {};
-    int64_t used;
-    Decoded(bool aligned, const Words& t, const Bytes& in)
-        : type(t), used(per_decode(aligned, &value, t, in, &error)) {}
-    ~Decoded() { asn1_free_value(type.data(), value); }
-    Decoded(const Decoded&) = delete;
-    template <typename T>
-    const T& as() const {
-        return *static_cast<const T*>(value);
-    }
+struct Variant {
+    bool aligned;
+    int64_t (*encode)(uint8_t**, const asn1_type_desc*, const void*, asn1_error*);
+    decode_function decode;
 };
+constexpr Variant kUnaligned = {false, asn1_uper_encode2, asn1_uper_decode};
+constexpr Variant kAligned = {true, asn1_aper_encode2, asn1_aper_decode};
+constexpr Variant kVariants[] = {kUnaligned, kAligned};
 
-inline Bytes encoded(bool aligned, const Words& type, const void* value) {
+inline octets encoded(const Variant& variant, Type type, const void* value) {
     uint8_t* out = nullptr;
     asn1_error error = {};
-    int64_t size = per_encode(aligned, &out, type, value, &error);
+    int64_t size = variant.encode(&out, type, value, &error);
     EXPECT_GE(size, 0) << error.message << " at " << error.path;
-    Bytes bytes(out, out + (size < 0 ? 0 : size));
+    octets bytes(out, out + (size < 0 ? 0 : size));
     asn1_free(out);
     return bytes;
 }
 
-// Each shorter piece of an encoding must be refused, in whatever place it breaks off. Of long ones only a few are
-// tried.
-inline void expect_no_truncation(bool aligned, const Words& type, const Bytes& whole) {
-    size_t step = 1 + whole.size() / 500;
-    for (size_t size = 0; size < whole.size(); size += step) {
-        Bytes piece(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
-        Decoded decoded(aligned, type, piece);
-        EXPECT_EQ(decoded.used, -1) << "cut to " << size << " of " << whole.size() << " bytes";
-        EXPECT_EQ(decoded.value, nullptr);
-        EXPECT_STREQ(decoded.error.message, "reading after end of stream");
-        if (decoded.used != -1) return;
+// Both directions of one variant: the bytes, the value that comes back, and that no part of the bytes can be missed.
+// Of long ones only a few truncations are tried.
+inline void expect_variant(const Variant& variant, Type type, const void* value, const octets& expected) {
+    SCOPED_TRACE(variant.aligned ? "aligned" : "unaligned");
+    octets bytes = encoded(variant, type, value);
+    if (bytes != expected) {
+        auto at =
+            std::mismatch(bytes.begin(), bytes.end(), expected.begin(), expected.end()).first - bytes.begin();
+        bytes.resize(std::min<size_t>(bytes.size(), 64));
+        ADD_FAILURE() << "byte " << at << " of " << expected.size() << " differs: " << to_digits(bytes);
+    }
+    decoded back = decode(variant.decode, type, expected);
+    // Where nothing is sent there is one octet all the same, and none is needed to decode (X.691 clause 11.1.3).
+    if (back.consumed == 0 && expected == octets{0}) return;
+    ASSERT_EQ(back.consumed, static_cast<int64_t>(expected.size())) << back.error.message << back.error.path;
+    EXPECT_EQ(asn1_cmp_value(type, value, back.value.get()), 0);
+    for (size_t size = 0; size < expected.size(); size += 1 + expected.size() / 500) {
+        decoded cut = decode(variant.decode, type,
+                             octets(expected.begin(), expected.begin() + static_cast<long>(size)));
+        ASSERT_EQ(cut.consumed, -1) << "cut to " << size << " of " << expected.size() << " bytes";
+        EXPECT_STREQ(cut.error.message, "reading after end of stream");
     }
 }
-
-// Both directions of one variant: the bytes, the value that comes back, and that no part of the bytes can be missed.
-inline void expect_variant(bool aligned, const Words& type, const void* value, const Bytes& expected) {
-    SCOPED_TRACE(aligned ? "aligned" : "unaligned");
-    expect_same_bytes(encoded(aligned, type, value), expected);
-    Decoded decoded(aligned, type, expected);
-    ASSERT_EQ(decoded.used, static_cast<int64_t>(expected.size()))
-        << decoded.error.message << decoded.error.path;
-    EXPECT_EQ(asn1_cmp_value(type.data(), value, decoded.value), 0);
-    expect_no_truncation(aligned, type, expected);
-}
-inline void expect_per(const Words& type, const void* value, const std::string& uper,
-                       const std::string& aper) {
-    expect_variant(false, type, value, bits(uper));
-    expect_variant(true, type, value, bits(aper));
+// `aper` null: as UNALIGNED, but for the alignment that the text itself tells.
+inline void expect_per(Type type, const void* value, const std::string& uper, const char* aper = nullptr) {
+    SCOPED_TRACE(uper.substr(0, 60));
+    expect_variant(kUnaligned, type, value, bits(uper, false));
+    expect_variant(kAligned, type, value, bits(aper ? aper : uper));
 }
 
-// Without a message (null) the encoder's record must stay empty.
-inline void expect_encode_error(bool aligned, const Words& type, const void* value, const char* message,
-                                int bit_position = 0, const char* path = "") {
-    SCOPED_TRACE(message ? message : "(no message)");
-    uint8_t* out = reinterpret_cast<uint8_t*>(&out);
-    asn1_error error = {};
-    EXPECT_EQ(per_encode(aligned, &out, type, value, &error), -1);
-    EXPECT_EQ(out, nullptr);
+// One row of a table of both directions.
+struct Row {
+    Type type;
+    const char *value, *uper, *aper = nullptr;
+};
+inline void expect_rows(const std::vector<Row>& rows) {
+    for (const Row& row : rows) expect_per(row.type, value_of(row.type, row.value).get(), row.uper, row.aper);
+}
+
+// What a decoder takes though an encoder does not write it.
+inline void expect_decoded(const Variant& variant, Type type, const std::string& in, const char* value) {
+    SCOPED_TRACE(in);
+    octets bytes = bits(in, variant.aligned);
+    decoded result = decode(variant.decode, type, bytes);
+    ASSERT_GE(result.consumed, 0) << result.error.message;
+    EXPECT_EQ(asn1_cmp_value(type, value_of(type, value).get(), result.value.get()), 0);
+}
+
+// Where no message is given the record must stay empty.
+inline void expect_error(const asn1_error& error, const char* message, int bit_position, const char* path) {
     EXPECT_EQ(error.line, 1);
-    EXPECT_STREQ(error.message, message ? message : "");
+    EXPECT_STREQ(error.message, message);
     EXPECT_EQ(error.bit_position, bit_position);
     EXPECT_STREQ(error.path, path);
 }
-inline void expect_decode_error(bool aligned, const Words& type, const std::string& in, const char* message,
-                                int bit_position, const char* path = "") {
-    SCOPED_TRACE(in.substr(0, 40) + (aligned ? " aligned" : " unaligned"));
-    Decoded decoded(aligned, type, bits(in));
-    EXPECT_EQ(decoded.used, -1);
-    EXPECT_EQ(decoded.value, nullptr);
-    EXPECT_EQ(decoded.error.line, 1);
-    EXPECT_STREQ(decoded.error.message, message);
-    EXPECT_EQ(decoded.error.bit_position, bit_position);
-    EXPECT_STREQ(decoded.error.path, path);
+inline void expect_encode_error(const Variant& variant, Type type, const void* value, const char* message,
+                                int bit_position = 0, const char* path = "") {
+    SCOPED_TRACE(message);
+    uint8_t* out = reinterpret_cast<uint8_t*>(&out);
+    asn1_error error = {};
+    EXPECT_EQ(variant.encode(&out, type, value, &error), -1);
+    EXPECT_EQ(out, nullptr);
+    expect_error(error, message, bit_position, path);
+}
+inline void expect_encode_error(const Variant& variant, Type type, const char* value, const char* message,
+                                int bit_position = 0, const char* path = "") {
+    expect_encode_error(variant, type, static_cast<const void*>(value_of(type, value).get()), message,
+                        bit_position, path);
+}
+
+struct Refusal {
+    Variant variant;
+    Type type;
+    const char *in, *message;
+    int bit_position;
+    const char* path = "";
+};
+inline void expect_refused(const std::vector<Refusal>& rows) {
+    for (const Refusal& row : rows) {
+        SCOPED_TRACE(std::string(row.in) + (row.variant.aligned ? " aligned" : " unaligned"));
+        decoded result = decode(row.variant.decode, row.type, bits(row.in, row.variant.aligned));
+        EXPECT_EQ(result.consumed, -1);
+        expect_error(result.error, row.message, row.bit_position, row.path);
+    }
 }
 
 }  // namespace orlenta::test
