@@ -6,14 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/support/descriptors.hpp"
+#include "tests/support/universal_types.hpp"
 
 namespace orlenta::test {
 namespace {
-
-constexpr uint32_t kExt = ASN1_WORD0_EXTENSIBLE;
-constexpr uint32_t kLower = ASN1_WORD0_HAS_LOWER;
-constexpr uint32_t kUpper = ASN1_WORD0_HAS_UPPER;
 
 struct CheckCase {
     const char* name;
@@ -47,35 +43,35 @@ asn1_string string(std::string_view text) { return string(text, text.size()); }
 
 // ---- numbers ----------------------------------------------------------------------------------------------
 
-const asn1_word kFree[] = {head(ASN1_KIND_INTEGER)};
-const asn1_word kUpTo5[] = {head(ASN1_KIND_INTEGER, kUpper), num(5)};
-const asn1_word kFrom5[] = {head(ASN1_KIND_INTEGER, kLower), num(5)};
-const asn1_word kFromMinus5[] = {head(ASN1_KIND_INTEGER, kLower), num(-5)};
-const asn1_word kAll32[] = {head(ASN1_KIND_INTEGER, kBounds), num(0), num(0xFFFFFFFF)};
 const asn1_word k3To5[] = {head(ASN1_KIND_INTEGER, kBounds), num(3), num(5)};
-const asn1_word kMinus1To5[] = {head(ASN1_KIND_INTEGER, kBounds), num(-1), num(5)};
-const asn1_word k0To5Ext[] = {head(ASN1_KIND_INTEGER, kBounds | kExt), num(0), num(5)};
+const char* const kNot3To5 = "integer range is 3 .. 5";
 
 TEST(CheckConstraints, Integer) {
-    static const struct {
+    const asn1_word free[] = {head(ASN1_KIND_INTEGER)};
+    const asn1_word up_to_5[] = {head(ASN1_KIND_INTEGER, kUpper), num(5)};
+    const asn1_word from_5[] = {head(ASN1_KIND_INTEGER, kLower), num(5)};
+    const asn1_word from_minus_5[] = {head(ASN1_KIND_INTEGER, kLower), num(-5)};
+    const asn1_word minus_1_to_5[] = {head(ASN1_KIND_INTEGER, kBounds), num(-1), num(5)};
+    const asn1_word extensible[] = {head(ASN1_KIND_INTEGER, kBounds | kExt), num(0), num(5)};
+    const struct {
         const char* name;
         const asn1_type_desc* type;
         uint32_t value;
         const char* message;
     } cases[] = {
-        {"no bounds", kFree, 0x80000000, nullptr},
-        {"upper only, above", kUpTo5, 6, "integer range is -2147483648 .. 5"},
-        {"lower only, unsigned", kFrom5, 0xFFFFFFFF, nullptr},
-        {"lower only, below", kFrom5, 4, "integer range is 5 .. 4294967295"},
-        {"negative lower only, below", kFromMinus5, 0xFFFFFFFA, "integer range is -5 .. 2147483647"},
-        {"all of 32 bits", kAll32, 0xFFFFFFFF, nullptr},
+        {"no bounds", free, 0x80000000, nullptr},
+        {"upper only, above", up_to_5, 6, "integer range is -2147483648 .. 5"},
+        {"lower only, unsigned", from_5, 0xFFFFFFFF, nullptr},
+        {"lower only, below", from_5, 4, "integer range is 5 .. 4294967295"},
+        {"negative lower only, below", from_minus_5, 0xFFFFFFFA, "integer range is -5 .. 2147483647"},
         {"unsigned, at the lower bound", k3To5, 3, nullptr},
-        {"unsigned, below", k3To5, 2, "integer range is 3 .. 5"},
-        {"unsigned, above", k3To5, 0xFFFFFFFF, "integer range is 3 .. 5"},
-        {"signed, at the lower bound", kMinus1To5, 0xFFFFFFFF, nullptr},
-        {"signed, below", kMinus1To5, 0xFFFFFFFE, "integer range is -1 .. 5"},
-        {"signed, above", kMinus1To5, 6, "integer range is -1 .. 5"},
-        {"the marker switches the range off", k0To5Ext, 1000, nullptr},
+        {"unsigned, below", k3To5, 2, kNot3To5},
+        {"unsigned, above", k3To5, 0xFFFFFFFF, kNot3To5},
+        {"signed, at the lower bound", minus_1_to_5, 0xFFFFFFFF, nullptr},
+        {"signed, below", minus_1_to_5, 0xFFFFFFFE, "integer range is -1 .. 5"},
+        {"signed, at the upper bound", minus_1_to_5, 5, nullptr},
+        {"signed, above", minus_1_to_5, 6, "integer range is -1 .. 5"},
+        {"the marker switches the range off", extensible, 1000, nullptr},
     };
     for (const auto& c : cases) expect_outcome({c.name, c.type, &c.value, c.message});
 }
@@ -85,13 +81,11 @@ TEST(CheckConstraints, BigInteger) {
                     above_limbs[] = {1, 2};
     static const asn1_integer low = {low_limbs, 2, 2, 0}, high = {high_limbs, 2, 2, 0};
     static const asn1_integer below = {below_limbs, 1, 1, 0}, above = {above_limbs, 2, 2, 0};
-    constexpr uint32_t kBig = ASN1_WORD0_BIG;
-    static const asn1_word both[] = {head(ASN1_KIND_INTEGER, kBig | kBounds), big(&low), big(&high)};
-    static const asn1_word both_ext[] = {head(ASN1_KIND_INTEGER, kBig | kBounds | kExt), big(&low),
-                                         big(&high)};
-    static const asn1_word upper[] = {head(ASN1_KIND_INTEGER, kBig | kUpper), big(&high)};
-    static const asn1_word null_lower[] = {head(ASN1_KIND_INTEGER, kBig | kBounds), big(nullptr), big(&high)};
-    static const asn1_word null_upper[] = {head(ASN1_KIND_INTEGER, kBig | kBounds), big(&low), big(nullptr)};
+    constexpr uint32_t bounded = ASN1_WORD0_BIG | kBounds;
+    static const asn1_word both[] = {head(ASN1_KIND_INTEGER, bounded), big(&low), big(&high)};
+    static const asn1_word both_ext[] = {head(ASN1_KIND_INTEGER, bounded | kExt), big(&low), big(&high)};
+    static const asn1_word null_lower[] = {head(ASN1_KIND_INTEGER, bounded), big(nullptr), big(&high)};
+    static const asn1_word null_upper[] = {head(ASN1_KIND_INTEGER, bounded), big(&low), big(nullptr)};
     const char* message = "large integer not in range";
     const CheckCase cases[] = {
         {"at the lower bound", both, &low, nullptr},
@@ -99,7 +93,6 @@ TEST(CheckConstraints, BigInteger) {
         {"below", both, &below, message},
         {"above", both, &above, message},
         {"extensible", both_ext, &above, nullptr},
-        {"upper only, above", upper, &above, message},
         {"null lower bound", null_lower, &below, nullptr},
         {"null upper bound", null_upper, &above, nullptr},
     };
@@ -118,6 +111,7 @@ TEST(CheckConstraints, EnumeratedLimitIsAnAddress) {
         {"one past the last item", items, &v4, nullptr},
         {"below the address", low_address, &v99, nullptr},
         {"at the address", low_address, &v100, "invalid enumerated value"},
+        {"extensible, below", extensible, &v100, nullptr},
         {"extensible, at", extensible, &v102, "invalid enumerated value"},
     };
     for (const CheckCase& c : cases) expect_outcome(c);
@@ -142,7 +136,6 @@ TEST(CheckConstraints, BinaryStrings) {
             {"no upper bound", from2, &length[4], nullptr},
             {"no upper bound, below", from2, &length[0],
              "bit/octet string length (0) not in range 2 .. 4294967295"},
-            {"above 32 bits", from2, &length[5], "bit/octet string length (2) not in range 2 .. 4294967295"},
             {"extensible", extensible, &length[0], nullptr},
         };
         for (const CheckCase& c : cases) expect_outcome(c);
@@ -164,20 +157,18 @@ TEST(CheckConstraints, RestrictedStrings) {
                                    num(0x10FFFF)};
     const uint16_t bmp_units[] = {0x200, 0x201};
     const uint32_t universal_units[] = {0x10FFFF, 0x80000000};
-    const asn1_string empty = {}, abc = string("abc"), abcd = string("abcd"), high = string("ab\xFF");
-    const asn1_string digits = string("1 2"), letter = string("12x"), one = string("1");
+    const asn1_string empty = {}, abcd = string("abcd"), high = string("ab\xFF");
+    const asn1_string letter = string("1 2x"), one = string("1");
     const asn1_string wrapped = string("ab", 0x100000002), wrapped_long = string("ab", 0x100000009);
     const asn1_string bmp_bad = string({reinterpret_cast<const char*>(bmp_units), 4}, 2);
     const asn1_string universal_bad = string({reinterpret_cast<const char*>(universal_units), 8}, 2);
     const CheckCase cases[] = {
-        {"in range", ia5, &abc, nullptr},
         {"empty", ia5, &empty, "char string length (0) not in range 1 .. 3"},
         {"too long", ia5, &abcd, "char string length (4) not in range 1 .. 3"},
         {"outside the alphabet", ia5, &high, "character at position 2 is not allowed"},
         {"the marker frees the size", ia5_ext, &empty, nullptr},
         {"the marker keeps the alphabet", ia5_ext, &abcd, "character at position 3 is not allowed"},
-        {"second range", numeric, &digits, nullptr},
-        {"outside both ranges", numeric, &letter, "character at position 2 is not allowed"},
+        {"outside both ranges", numeric, &letter, "character at position 3 is not allowed"},
         {"no upper bound", numeric, &one, "char string length (1) not in range 2 .. 4294967295"},
         {"no alphabet", no_alphabet, &high, nullptr},
         {"length compared in 32 bits", no_alphabet, &wrapped, nullptr},
@@ -193,12 +184,11 @@ TEST(CheckConstraints, Utf8AndOpaqueStrings) {
     const asn1_word utf8[] = {chars(0), num(ASN1_STRING_UTF8)};
     const asn1_word general[] = {chars(0), num(ASN1_STRING_GENERAL)};
     const asn1_string empty = {}, good = string("a\xC3\xA9\xF0\x9F\x9A\x97"), cut = string("a\xC3");
-    const asn1_string overlong = string("\xC0\x80"), stray = string("ab\x80");
+    const asn1_string stray = string("ab\x80");
     const CheckCase cases[] = {
         {"empty", utf8, &empty, nullptr},
         {"1, 2 and 4 bytes", utf8, &good, nullptr},
         {"cut off", utf8, &cut, "invalid UTF-8 code"},
-        {"overlong", utf8, &overlong, "invalid UTF-8 code"},
         {"stray continuation", utf8, &stray, "invalid UTF-8 code"},
         {"opaque", general, &stray, nullptr},
     };
@@ -207,28 +197,26 @@ TEST(CheckConstraints, Utf8AndOpaqueStrings) {
 
 // ---- constructed types and paths --------------------------------------------------------------------------
 
-const asn1_word kTagged3To5[] = {head(ASN1_KIND_TAGGED, 0, context(1)), ref(k3To5)};
-const asn1_word kIndirect3To5[] = {head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(2)), ref(kTagged3To5)};
+const asn1_word kIndirect3To5[] = {head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(2)),
+                                   ref(kTagged<1, k3To5>)};
 const asn1_word kList[] = {
-    head(ASN1_KIND_SEQUENCE_OF, kBounds), num(1), num(2), num(4), ref(kTagged3To5), num(0)};
+    head(ASN1_KIND_SEQUENCE_OF, kBounds), num(1), num(2), num(4), ref(kTagged<1, k3To5>), num(0)};
 const asn1_word kListNoUpper[] = {head(ASN1_KIND_SET_OF, kLower), num(2), num(4), ref(k3To5), num(0)};
 const asn1_word kListExt[] = {
     head(ASN1_KIND_SEQUENCE_OF, kBounds | kExt), num(1), num(2), num(4), ref(k3To5), num(0)};
 
 TEST(CheckConstraints, Lists) {
     static uint32_t good[] = {3, 4, 5}, bad[] = {3, 4, 6};
-    const asn1_array empty = {nullptr, 0}, two = {good, 2}, three = {good, 3}, three_bad = {bad, 3};
+    const asn1_array empty = {nullptr, 0}, three = {good, 3}, three_bad = {bad, 3};
     const asn1_array second_bad = {bad + 1, 2}, huge = {good, 0x100000001};
     const CheckCase cases[] = {
-        {"in range", kList, &two, nullptr},
         {"empty", kList, &empty, "sequence of length not in range 1 .. 2"},
         {"too long", kList, &three, "sequence of length not in range 1 .. 2"},
         {"compared in 64 bits", kList, &huge, "sequence of length not in range 1 .. 2"},
-        {"no upper bound", kListNoUpper, &three, nullptr},
         {"no upper bound, empty", kListNoUpper, &empty, "sequence of length not in range 2 .. 4294967295"},
-        {"bad element", kList, &second_bad, "integer range is 3 .. 5", "[1]"},
+        {"bad element", kList, &second_bad, kNot3To5, "[1]"},
         {"extensible, too long", kListExt, &three, nullptr},
-        {"extensible, bad element", kListExt, &three_bad, "integer range is 3 .. 5", "[2]"},
+        {"extensible, bad element", kListExt, &three_bad, kNot3To5, "[2]"},
     };
     for (const CheckCase& c : cases) expect_outcome(c);
 }
@@ -237,9 +225,8 @@ struct ChoiceRecord {
     uint32_t selector;
     uint32_t payload;
 };
-const asn1_word kNull[] = {head(ASN1_KIND_NULL)};
 // clang-format off
-const asn1_word kChoice[] = {
+const asn1_word kThreeWays[] = {
     head(ASN1_KIND_CHOICE, kExt), num(2), num(1), num(8), num(0), num(4),
     ref(k3To5), txt("number"), ref(kNull), txt("nothing"), ref(k3To5), txt("later")};
 // clang-format on
@@ -247,16 +234,14 @@ const asn1_word kRootChoice[] = {head(ASN1_KIND_CHOICE), num(1), num(8), num(0),
                                  txt("number")};
 
 TEST(CheckConstraints, Choice) {
-    const ChoiceRecord good = {0, 4}, bad = {0, 6}, nothing = {1, 6}, later = {2, 5}, later_bad = {2, 6};
+    const ChoiceRecord bad = {0, 6}, nothing = {1, 6}, later_bad = {2, 6};
     const ChoiceRecord above = {3, 4}, negative = {0xFFFFFFFF, 4}, above_root = {1, 4};
     const CheckCase cases[] = {
-        {"root alternative", kChoice, &good, nullptr},
-        {"bad payload", kChoice, &bad, "integer range is 3 .. 5", "number"},
-        {"null payload", kChoice, &nothing, nullptr},
-        {"extension alternative", kChoice, &later, nullptr},
-        {"bad extension payload", kChoice, &later_bad, "integer range is 3 .. 5", "later"},
-        {"above the last", kChoice, &above, "invalid choice index (3) range: 0 .. 2"},
-        {"printed signed", kChoice, &negative, "invalid choice index (-1) range: 0 .. 2"},
+        {"bad payload", kThreeWays, &bad, kNot3To5, "number"},
+        {"null payload", kThreeWays, &nothing, nullptr},
+        {"bad extension payload", kThreeWays, &later_bad, kNot3To5, "later"},
+        {"above the last", kThreeWays, &above, "invalid choice index (3) range: 0 .. 2"},
+        {"printed signed", kThreeWays, &negative, "invalid choice index (-1) range: 0 .. 2"},
         {"not extensible", kRootChoice, &above_root, "invalid choice index (1) range: 0 .. 0"},
     };
     for (const CheckCase& c : cases) expect_outcome(c);
@@ -273,16 +258,15 @@ struct SequenceRecord {
     asn1_open_value open;
 };
 #define AT(member) static_cast<uint32_t>(offsetof(SequenceRecord, member))
-const asn1_word kAny[] = {head(ASN1_KIND_ANY)};
 const asn1_word kSequence[] = {
     // clang-format off
     head(ASN1_KIND_SEQUENCE, kExt), num(8), num(sizeof(SequenceRecord)),
-    field(AT(plain)), ref(kTagged3To5), num(0), txt("plain"),
+    field(AT(plain)), ref(kTagged<1, k3To5>), num(0), txt("plain"),
     field(AT(optional), ASN1_OPTION_OPTIONAL), ref(k3To5), num(AT(has_optional)), txt("optional"),
     field(AT(defaulted), ASN1_OPTION_DEFAULT), ref(k3To5), num(9), txt("defaulted"),
     field(AT(pointer_room)), ref(kIndirect3To5), num(0), txt("indirect"),
     field(AT(list)), ref(kListExt), num(0), txt("list"),
-    field(AT(choice)), ref(kChoice), num(0), txt("choice"),
+    field(AT(choice)), ref(kThreeWays), num(0), txt("choice"),
     field(AT(open)), ref(kAny), num(0), txt("open"),
     field(AT(addition), ASN1_OPTION_MANDATORY, ASN1_FIELD_ADDITION), ref(k3To5), num(AT(has_addition)), txt("addition"),
     // clang-format on
@@ -296,7 +280,6 @@ uint32_t four = 4, six = 6, three_and_six[] = {3, 6};
 // A record in which all is well, and one thing put wrong.
 TEST(CheckConstraints, SequenceAndPath) {
     using R = SequenceRecord;
-    const char* range = "integer range is 3 .. 5";
     const struct {
         const char* name;
         void (*change)(R& r);
@@ -306,14 +289,14 @@ TEST(CheckConstraints, SequenceAndPath) {
         // clang-format off
         {"all well", [](R&) {}, nullptr},
         {"absent optional", [](R& r) { r.optional = 6; }, nullptr},
-        {"optional", [](R& r) { r.has_optional = 0x80000000; }, range, "rows[1].optional"},
-        {"default", [](R& r) { r.defaulted = 9; }, range, "rows[1].defaulted"},
+        {"optional", [](R& r) { r.has_optional = 0x80000000; }, kNot3To5, "rows[1].optional"},
+        {"default", [](R& r) { r.defaulted = 9; }, kNot3To5, "rows[1].defaulted"},
         {"absent addition", [](R& r) { r.addition = 6; }, nullptr},
-        {"addition", [](R& r) { r.has_addition = 1; }, range, "rows[1].addition"},
-        {"list element", [](R& r) { r.list.count = 2; }, range, "rows[1].list[1]"},
-        {"choice payload", [](R& r) { r.choice.selector = 2; }, range, "rows[1].choice.later"},
-        {"the first fault is told", [](R& r) { r.choice.selector = 7, r.plain = 6; }, range, "rows[1].plain"},
-        {"no path entry for tags", [](R& r) { r.pointer_room = reinterpret_cast<uintptr_t>(&six); }, range, "rows[1].indirect"},
+        {"addition", [](R& r) { r.has_addition = 1; }, kNot3To5, "rows[1].addition"},
+        {"list element", [](R& r) { r.list.count = 2; }, kNot3To5, "rows[1].list[1]"},
+        {"choice payload", [](R& r) { r.choice.selector = 2; }, kNot3To5, "rows[1].choice.later"},
+        {"the first fault is told", [](R& r) { r.choice.selector = 7, r.plain = 6; }, kNot3To5, "rows[1].plain"},
+        {"no path entry for tags", [](R& r) { r.pointer_room = reinterpret_cast<uintptr_t>(&six); }, kNot3To5, "rows[1].indirect"},
         {"open values are not followed", [](R& r) { r.open.type = k3To5; }, nullptr},
         // clang-format on
     };
@@ -334,18 +317,15 @@ TEST(CheckConstraints, SequenceAndPath) {
 TEST(CheckConstraints, KindsWithoutTest) {
     const asn1_open_value garbage = {nullptr, nullptr, 77};
     const asn1_string null_data = {nullptr, 12};
-    const double number = 0.5;
-    const uint32_t two = 2;
-    const asn1_word boolean[] = {head(ASN1_KIND_BOOLEAN)}, real[] = {head(ASN1_KIND_REAL)};
-    const asn1_word oid[] = {head(ASN1_KIND_OBJECT_IDENTIFIER)}, relative[] = {head(ASN1_KIND_RELATIVE_OID)};
+    const uint64_t two = 2;
     const asn1_word empty[] = {head(ASN1_KIND_SEQUENCE), num(0), num(1)};
-    const CheckCase cases[] = {
-        {"ANY", kAny, &garbage, nullptr},       {"NULL", kNull, nullptr, nullptr},
-        {"BOOLEAN", boolean, &two, nullptr},    {"REAL", real, &number, nullptr},
-        {"OID", oid, &null_data, nullptr},      {"RELATIVE-OID", relative, &null_data, nullptr},
-        {"empty SEQUENCE", empty, "", nullptr},
-    };
-    for (const CheckCase& c : cases) expect_outcome(c);
+    for (const asn1_type_desc* type : {kNull, kBoolean, kReal, &empty[0]}) {
+        expect_outcome({"number", type, &two, nullptr});
+    }
+    for (const asn1_type_desc* type : {kOid, kRelativeOid}) {
+        expect_outcome({"string", type, &null_data, nullptr});
+    }
+    expect_outcome({"ANY", kAny, &garbage, nullptr});
 }
 
 // A list of itself, deeper than any stack: a report, and no crash.
@@ -362,8 +342,7 @@ TEST(CheckConstraints, EndlessNesting) {
 }
 
 TEST(CheckConstraintsDeathTest, ObjectClassAborts) {
-    const asn1_word object_class[] = {head(ASN1_KIND_OBJECT_CLASS, ASN1_WORD0_HAS_NAME), num(0), txt("C")};
-    EXPECT_DEATH(asn1_check_constraints(object_class, nullptr, nullptr), "");
+    EXPECT_DEATH(asn1_check_constraints(kClass, nullptr, nullptr), "");
 }
 
 }  // namespace

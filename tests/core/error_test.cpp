@@ -18,10 +18,9 @@ std::string text_of(const asn1_type_path& path, size_t size = 256) {
 }
 
 TEST(TypePath, NamesAndIndexes) {
-    asn1_type_path path = {};
+    asn1_type_path path = {}, list = {};
     EXPECT_EQ(text_of(path), "");
-    push_name(&path, "a");
-    push_name(&path, "b");
+    for (const char* name : {"a", "b"}) push_name(&path, name);
     push_index(&path, 3);
     push_name(&path, "c");
     EXPECT_EQ(text_of(path), "a.b[3].c");
@@ -31,43 +30,32 @@ TEST(TypePath, NamesAndIndexes) {
     pop(&path);
     pop(&path);
     EXPECT_EQ(text_of(path), "a.b");
-    asn1_type_path list = {};
-    push_index(&list, INT32_MIN);
-    push_index(&list, 0);
+    for (int32_t index : {INT32_MIN, 0}) push_index(&list, index);
     EXPECT_EQ(text_of(list), "[-2147483648][0]");
 }
 
 TEST(TypePath, KeepsTheInnermostThirtyTwo) {
-    static const char* const letters[] = {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"};
-    for (int depth : {32, 33, 40, 100}) {
+    static const char* const letters[] = {"a", "b", "c", "d", "e"};
+    for (int depth : {32, 33, 100}) {
         asn1_type_path path = {};
         std::string expected = depth > 32 ? "(...)" : "";
         for (int i = 0; i < depth; ++i) {
-            push_name(&path, letters[i % 12]);
-            if (i >= depth - 32) expected += std::string(i > 0 ? "." : "") + letters[i % 12];
+            push_name(&path, letters[i % 5]);
+            if (i >= depth - 32) expected += std::string(i > 0 ? "." : "") + letters[i % 5];
         }
         EXPECT_EQ(text_of(path), expected);
     }
 }
 
-TEST(TypePath, LongTextIsCut) {
-    asn1_type_path path = {};
-    std::string name(50, 'n');
-    for (int i = 0; i < 10; ++i) push_name(&path, name.c_str());
-    std::string text = text_of(path);
-    EXPECT_EQ(text.size(), 255u);
-    EXPECT_EQ(text.substr(0, 52), name + ".n");
-}
-
 TEST(TextCursor, StopsAtTheEnd) {
     char text[4] = {'#', '#', '#', '#'};
     char* cursor = text;
-    asn1_buf_add(&cursor, text + 3, "ab");
-    EXPECT_EQ(cursor, text + 2);
-    asn1_buf_add(&cursor, text + 3, "cd");
-    EXPECT_EQ(cursor, text + 3);
-    asn1_buf_add(&cursor, text + 3, "e");
-    EXPECT_EQ(cursor, text + 3);
+    int expected = 0;
+    for (const char* piece : {"ab", "cd", "e"}) {
+        asn1_buf_add(&cursor, text + 3, piece);
+        expected = expected == 0 ? 2 : 3;
+        EXPECT_EQ(cursor, text + expected);
+    }
     EXPECT_EQ(memcmp(text, "abc#", 4), 0);
 }
 

@@ -9,7 +9,6 @@ namespace {
 using namespace orlenta::test;
 
 const asn1_word kEmpty[] = {head(ASN1_KIND_SEQUENCE), num(0), num(1)};
-const asn1_word kClass[] = {head(ASN1_KIND_OBJECT_CLASS, ASN1_WORD0_HAS_NAME), num(2)};
 const asn1_word kBadKind[] = {head(18)};
 
 class Lifecycle : public testing::Test {
@@ -18,38 +17,21 @@ class Lifecycle : public testing::Test {
 };
 
 TEST_F(Lifecycle, Sizes) {
-    const asn1_word plain_choice[] = {head(ASN1_KIND_CHOICE), num(0), num(32), num(0), num(8)};
-    const asn1_word tagged_choice[] = {head(ASN1_KIND_TAGGED, 0, context(1)), ref(kChoice)};
-    const asn1_word twice[] = {head(ASN1_KIND_TAGGED, 0, context(1)), ref(tagged_choice)};
+    const asn1_word twice[] = {head(ASN1_KIND_TAGGED, 0, context(1)), ref(kExplicitChoice)};
     const asn1_word to_link[] = {head(ASN1_KIND_TAGGED, 0, context(1)), ref(kLink)};
     const struct {
         const asn1_word* type;
         int64_t size;
-    } cases[] = {{kSample, sizeof(sample)},
-                 {kEmpty, 1},
-                 {kList, 16},
-                 {kChoice, 24},
-                 {plain_choice, 32},
-                 {kByte, 4},
-                 {kBig, 24},
-                 {kBoolean, 4},
-                 {kBits, 16},
-                 {kOctets, 16},
-                 {kEnum, 4},
-                 {kNull, 1},
-                 {twice, 24},
-                 {to_link, 8},
-                 {kOid, 16},
-                 {kReal, 8},
-                 {kBmp, 16},
-                 {kAny, 24},
-                 {kClass, 16},
-                 {kBadKind, -1}};
+    } cases[] = {
+        // clang-format off
+        {kSample, sizeof(sample)}, {kEmpty, 1}, {kList, 16}, {kChoice, 24}, {kOuterChoice, 32}, {kUint32, 4},
+        {kBig, 24}, {kBoolean, 4}, {kBits, 16}, {kOctets, 16}, {kEnum, 4}, {kNull, 1}, {twice, 24},
+        {to_link, 8}, {kOid, 16}, {kReal, 8}, {kBmp, 16}, {kAny, 24}, {kIdClass, 16}, {kBadKind, -1},
+        // clang-format on
+    };
     for (const auto& c : cases) EXPECT_EQ(asn1_get_size(c.type), c.size) << c.type[0].number;
     EXPECT_EQ(asn1_mallocz_value(kBadKind), nullptr);
-}
-
-TEST_F(Lifecycle, NewValueCanBeReleasedAtOnce) {
+    // A new value can be released at once.
     for (const asn1_word* type : {kSample, kEmpty, kAny, kLink, kList, kChoice, kBig}) {
         asn1_free_value(type, asn1_mallocz_value(type));
         asn1_free_value(type, nullptr);
@@ -57,78 +39,64 @@ TEST_F(Lifecycle, NewValueCanBeReleasedAtOnce) {
 }
 
 TEST_F(Lifecycle, CopyIsEqualAndItsOwn) {
-    sample* original = make_sample();
+    sample *original = make_sample(), *same = make_sample();
     sample* copy = static_cast<sample*>(asn1_clone_value(kSample, original));
     ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(asn1_cmp_value(kSample, original, copy), 0);
-    EXPECT_NE(copy->link->data, original->link->data);
     asn1_free_value(kSample, original);
-
-    EXPECT_EQ(memcmp(copy->octets.data, "octets", 6), 0);
-    EXPECT_EQ(asn1_integer_cmp_si(&copy->big, INT32_MIN), -1);
+    EXPECT_EQ(asn1_cmp_value(kSample, copy, same), 0);
     EXPECT_EQ(copy->list.count, 3u);
-    EXPECT_EQ(memcmp(static_cast<asn1_string*>(copy->link->data)->data, "linked", 6), 0);
-    EXPECT_EQ(memcmp(static_cast<asn1_string*>(copy->open.data)->data, "open", 4), 0);
     EXPECT_EQ(copy->raw.length, 3u);
-    EXPECT_EQ(copy->bits.length, 9u);
     EXPECT_EQ(memcmp(copy->bits.data, "\xAA\x80", 2), 0);
     EXPECT_EQ(memcmp(copy->wide.data, "a\0b\0", 4), 0);
-    EXPECT_EQ(memcmp(copy->addition.data, "new", 3), 0);
     asn1_free_value(kSample, copy);
+    asn1_free_value(kSample, same);
 }
 
-TEST_F(Lifecycle, AbsentComponentsAreNotTouched) {
+TEST_F(Lifecycle, WhatIsAbsentIsNotTouched) {
+    uint8_t* const nowhere = reinterpret_cast<uint8_t*>(0x10);
     sample* s = make_sample();
     asn1_free(s->octets.data);
     asn1_free(s->addition.data);
     s->has_octets = s->has_addition = 0;
-    s->octets.data = s->addition.data = reinterpret_cast<uint8_t*>(0x10);
+    s->octets.data = s->addition.data = nowhere;
     sample* copy = static_cast<sample*>(asn1_clone_value(kSample, s));
     ASSERT_NE(copy, nullptr);
     EXPECT_EQ(copy->octets.data, nullptr);
     EXPECT_EQ(copy->level, 9u);
     asn1_free_value(kSample, copy);
     asn1_free_value(kSample, s);
+
+    choice_record unknown = {.selector = 3, .octets = {nowhere, 5}}, unknown_copy = {};
+    EXPECT_EQ(asn1_copy_value(kChoice, &unknown_copy, &unknown), 0);
+    EXPECT_EQ(unknown_copy.selector, 3u);
+    EXPECT_EQ(unknown_copy.octets.data, nullptr);
+    asn1_free_value_struct(kChoice, &unknown);
 }
 
-TEST_F(Lifecycle, UnknownAlternativeHasNoPayload) {
-    choice_record source = {.selector = 2, .text = {reinterpret_cast<uint8_t*>(0x10), 5}}, copy = {};
-    EXPECT_EQ(asn1_copy_value(kChoice, &copy, &source), 0);
-    EXPECT_EQ(copy.selector, 2u);
-    EXPECT_EQ(copy.text.data, nullptr);
-    asn1_free_value_struct(kChoice, &source);
-}
-
-TEST_F(Lifecycle, EmptyListAndStringGetABlock) {
-    asn1_array list = {}, list_copy = {};
-    asn1_string string = {}, string_copy = {};
-    EXPECT_EQ(asn1_copy_value(kList, &list_copy, &list), 0);
-    EXPECT_EQ(asn1_copy_value(kOctets, &string_copy, &string), 0);
-    EXPECT_NE(list_copy.data, nullptr);
-    EXPECT_NE(string_copy.data, nullptr);
-    asn1_free_value_struct(kList, &list_copy);
-    asn1_free_value_struct(kOctets, &string_copy);
-}
-
-TEST_F(Lifecycle, LengthsAreThirtyOneBits) {
-    uint8_t bytes[8] = {1, 2, 3, 4, 5, 6, 7, 8};
-    asn1_string wrapped = {bytes, (UINT64_C(1) << 32) + 3}, negative = {bytes, UINT64_C(1) << 31}, copy = {};
-    EXPECT_EQ(asn1_copy_value(kOctets, &copy, &wrapped), 0);
-    EXPECT_EQ(copy.length, 3u);
-    asn1_free_value_struct(kOctets, &copy);
-    EXPECT_EQ(asn1_copy_value(kBmp, &copy, &negative), -1);
-    asn1_free_value_struct(kBmp, &copy);
-
-    asn1_bit_string bits = {bytes, (UINT64_C(1) << 32) + 9}, bits_copy = {};
-    EXPECT_EQ(asn1_copy_value(kBits, &bits_copy, &bits), 0);
-    EXPECT_EQ(bits_copy.length, bits.length);
-    EXPECT_EQ(memcmp(bits_copy.data, bytes, 2), 0);
-    asn1_free_value_struct(kBits, &bits_copy);
-
-    asn1_array huge = {bytes, UINT64_C(1) << 60}, list_copy = {};
-    EXPECT_EQ(asn1_copy_value(kList, &list_copy, &huge), -1);
-    EXPECT_EQ(list_copy.data, nullptr);
-    asn1_free_value_struct(kList, &list_copy);
+// An empty list or string gets a block; lengths are 31 bits.
+TEST_F(Lifecycle, LengthsOfCopies) {
+    uint8_t bytes[16] = {1, 2, 3, 4, 5, 6, 7, 8};
+    const struct {
+        const asn1_word* type;
+        uint64_t length;
+        int result;
+        uint64_t copied, bytes;
+    } cases[] = {{kList, 0, 0, 0, 0},
+                 {kOctets, 0, 0, 0, 0},
+                 {kOctets, (UINT64_C(1) << 32) + 3, 0, 3, 3},
+                 {kBmp, UINT64_C(1) << 31, -1, 0, 0},
+                 {kBits, (UINT64_C(1) << 32) + 9, 0, (UINT64_C(1) << 32) + 9, 2},
+                 {kList, UINT64_C(1) << 60, -1, 0, 0}};
+    for (const auto& c : cases) {
+        asn1_string value = {bytes, c.length}, copy = {};
+        EXPECT_EQ(asn1_copy_value(c.type, &copy, &value), c.result) << c.length;
+        EXPECT_EQ(copy.data != nullptr, c.result == 0) << c.length;
+        if (c.result == 0) {
+            EXPECT_EQ(copy.length, c.copied);
+            EXPECT_EQ(memcmp(copy.data, bytes, c.bytes), 0);
+        }
+        asn1_free_value_struct(c.type, &copy);
+    }
 }
 
 TEST(LifecycleDeathTest, KindWithoutValuesAborts) {
@@ -152,10 +120,9 @@ std::string text_of(const asn1_array& list) {
 TEST_F(Lifecycle, ListGrowsByADeepCopy) {
     asn1_array list = {};
     for (const char* text : {"a", "bb", ""}) {
-        asn1_string element = {reinterpret_cast<uint8_t*>(const_cast<char*>(text)), strlen(text)};
+        asn1_string element = view(text);
         ASSERT_EQ(asn1_seq_add(kOctets, &list.count, &list.data, &element), 0);
     }
-    EXPECT_EQ(text_of(list), "a;bb;;");
     // an element of the list itself
     ASSERT_EQ(asn1_seq_add(kOctets, &list.count, &list.data, static_cast<asn1_string*>(list.data) + 1), 0);
     EXPECT_EQ(text_of(list), "a;bb;;bb;");
@@ -168,25 +135,20 @@ TEST_F(Lifecycle, ListGrowsByADeepCopy) {
 
 TEST_F(Lifecycle, ListShrinks) {
     asn1_array list = make_list({"a", "b", "c", "d"});
-    EXPECT_EQ(asn1_seq_del(kOctets, &list.count, &list.data, -1), -1);
-    EXPECT_EQ(asn1_seq_del(kOctets, &list.count, &list.data, 5), -1);
     EXPECT_EQ(asn1_seq_del(kOctets, &list.count, nullptr, 0), -1);
     EXPECT_EQ(asn1_seq_del(nullptr, &list.count, &list.data, 0), -1);
+    // an index equal to the count is let through, and must stay within the blocks
     const struct {
         int64_t index;
+        int result;
         const char* left;
-    } steps[] = {{1, "a;c;d;"}, {2, "a;c;"}, {0, "c;"}, {0, ""}};
+    } steps[] = {{-1, -1, "a;b;c;d;"}, {5, -1, "a;b;c;d;"}, {1, 0, "a;c;d;"}, {3, 0, "a;c;"},
+                 {1, 0, "a;"},         {0, 0, ""},          {0, -1, ""}};
     for (const auto& step : steps) {
-        EXPECT_EQ(asn1_seq_del(kOctets, &list.count, &list.data, step.index), 0);
+        EXPECT_EQ(asn1_seq_del(kOctets, &list.count, &list.data, step.index), step.result);
         EXPECT_EQ(text_of(list), step.left);
     }
     EXPECT_EQ(list.data, nullptr);
-    EXPECT_EQ(asn1_seq_del(kOctets, &list.count, &list.data, 0), -1);
-    // an index equal to the count is let through, and must stay within the blocks
-    list = make_list({"a", "b"});
-    EXPECT_EQ(asn1_seq_del(kOctets, &list.count, &list.data, 2), 0);
-    EXPECT_EQ(text_of(list), "a;");
-    asn1_free_value_struct(kList, &list);
 }
 
 // ---- without memory ---------------------------------------------------------------------------------------
@@ -199,13 +161,11 @@ TEST_F(Lifecycle, FailedCloneLeavesNothing) {
         sample* copy = static_cast<sample*>(asn1_clone_value(kSample, original));
         if (!allocator_has_failed()) {
             ASSERT_NE(copy, nullptr);
-            EXPECT_EQ(asn1_cmp_value(kSample, original, copy), 0);
         } else if (copy != nullptr) {
             ++silent;
             EXPECT_TRUE(copy->link == nullptr || copy->open.data == nullptr);
             EXPECT_NE(asn1_cmp_value(kSample, original, copy), 0);
-            sample* again = static_cast<sample*>(asn1_clone_value(kSample, copy));
-            asn1_free_value(kSample, again);
+            asn1_free_value(kSample, asn1_clone_value(kSample, copy));
         }
         asn1_free_value(kSample, copy);
     });
@@ -217,8 +177,7 @@ TEST_F(Lifecycle, FailedCloneLeavesNothing) {
 }
 
 TEST(ListWithoutMemory, FailedAdditionLeavesItsBlockAndTheRaisedCount) {
-    uint8_t byte = 'x';
-    asn1_string element = {&byte, 1};
+    asn1_string element = view("x");
     for (uint64_t call = 1; call <= 4; ++call) {
         asn1_array list = make_list({"a", "b"});
         void* block = list.data;
@@ -240,15 +199,14 @@ TEST_F(Lifecycle, FailedRemovalChangesNothing) {
         ASSERT_EQ(asn1_seq_add(kList, &outer.count, &outer.data, &inner), 0);
         asn1_free_value_struct(kList, &inner);
     }
-    void* block = outer.data;
-    asn1_array* inner = static_cast<asn1_array*>(block);
+    const asn1_array* inner = static_cast<asn1_array*>(outer.data);
     for (uint64_t call = 1; call <= 7; ++call) {
         size_t before = live_blocks();
         allocator_fails_at(call);
         EXPECT_EQ(asn1_seq_del(kList, &outer.count, &outer.data, 1), -1);
         allocator_never_fails();
         EXPECT_EQ(live_blocks(), before) << call;
-        EXPECT_EQ(outer.data, block);
+        EXPECT_EQ(outer.data, inner);
         EXPECT_EQ(outer.count, 3u);
         EXPECT_EQ(text_of(inner[0]) + text_of(inner[1]) + text_of(inner[2]), "a;x;b;x;c;x;");
     }

@@ -19,25 +19,23 @@ TEST(Allocator, ZeroSizeStillGivesABlock) {
     ASSERT_NE(block, nullptr);
     asn1_free(block);
     asn1_free(nullptr);
-    char* copy = asn1_strdup("");
-    ASSERT_NE(copy, nullptr);
-    EXPECT_STREQ(copy, "");
+    char* copy = asn1_strdup("ab");
+    EXPECT_STREQ(copy, "ab");
     asn1_free(copy);
 }
 
 TEST(ByteBuffer, GrowsByHalf) {
     asn1_byte_buffer buf;
     asn1_byte_buffer_init(&buf);
+    EXPECT_EQ(asn1_put_bytes(&buf, nullptr, 0), 0);
     EXPECT_EQ(buf.data, nullptr);
-    const uint64_t steps[] = {16, 24, 36, 54, 81, 121};
-    for (uint64_t step : steps) {
+    for (uint64_t step : {16, 24, 36, 54, 81, 121}) {
         orlenta::put_byte(&buf, 'x');
         EXPECT_EQ(buf.capacity, step);
         while (buf.length < buf.capacity) orlenta::put_byte(&buf, 'x');
     }
     EXPECT_EQ(text_of(buf), std::string(121, 'x'));
-    std::string large(1000, 'y');
-    EXPECT_GE(asn1_put_bytes(&buf, large.data(), large.size()), 0);
+    EXPECT_GE(asn1_puts(&buf, std::string(1000, 'y').c_str()), 0);
     EXPECT_EQ(buf.capacity, 1121u);
     asn1_free(buf.data);
 }
@@ -58,14 +56,7 @@ TEST(ByteBuffer, RequestBeyondTheLimitFailsForGood) {
     }
 }
 
-TEST(ByteBuffer, NothingAppendedToNothing) {
-    asn1_byte_buffer buf;
-    asn1_byte_buffer_init(&buf);
-    EXPECT_EQ(asn1_put_bytes(&buf, nullptr, 0), 0);
-    EXPECT_EQ(buf.data, nullptr);
-}
-
-int vprint(asn1_byte_buffer* buf, const char* format, ...) {
+int print(asn1_byte_buffer* buf, const char* format, ...) {
     va_list args;
     va_start(args, format);
     int result = asn1_vprintf(buf, format, args);
@@ -74,20 +65,16 @@ int vprint(asn1_byte_buffer* buf, const char* format, ...) {
 }
 
 TEST(ByteBuffer, FormatsTextOfAnyLength) {
-    asn1_byte_buffer buf;
-    asn1_byte_buffer_init(&buf);
-    std::string expected;
     for (size_t size : {512, 0, 1, 511, 513, 5000}) {
         std::string text(size, 'z');
-        EXPECT_EQ(vprint(&buf, "%s", text.c_str()), static_cast<int>(size));
-        expected += text;
-        EXPECT_EQ(text_of(buf), expected);
+        asn1_byte_buffer buf;
+        asn1_byte_buffer_init(&buf);
+        asn1_printf(&buf, "%d", -5);
+        EXPECT_EQ(buf.capacity, 512u);
+        EXPECT_EQ(print(&buf, "%s.", text.c_str()), static_cast<int>(size + 1));
+        EXPECT_EQ(text_of(buf), "-5" + text + ".");
+        asn1_free(buf.data);
     }
-    asn1_free(buf.data);
-    asn1_byte_buffer_init(&buf);
-    EXPECT_EQ(vprint(&buf, "%d.%s", -5, "x"), 4);
-    EXPECT_EQ(buf.capacity, 512u);
-    asn1_free(buf.data);
 }
 
 TEST(ArrayGrowth, GrowsByHalfAndZeroFills) {
@@ -125,16 +112,12 @@ TEST(ArrayGrowth, OverflowChangesNothing) {
 }
 
 TEST(Text, BoundedCopy) {
-    char dst[8];
-    const struct {
-        size_t size;
-        const char *src, *expected;
-    } cases[] = {
-        {8, "abc", "abc"}, {4, "abc", "abc"}, {3, "abc", "ab"}, {1, "abc", ""}, {0, "abc", "#######"}};
-    for (const auto& c : cases) {
-        memcpy(dst, "#######", 8);
-        asn1_pstrcpy(dst, c.size, c.src);
-        EXPECT_STREQ(dst, c.expected) << c.size;
+    const char* const expected[] = {"#######", "", "ab", "abc", "abc"};
+    const size_t sizes[] = {0, 1, 3, 4, 8};
+    for (int i = 0; i < 5; ++i) {
+        char dst[] = "#######";
+        asn1_pstrcpy(dst, sizes[i], "abc");
+        EXPECT_STREQ(dst, expected[i]);
     }
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/descriptors.hpp"
+#include "tests/support/universal_types.hpp"
 
 namespace {
 
@@ -12,16 +12,12 @@ using namespace orlenta::test;
 
 // ---- open types -------------------------------------------------------------------------------------------
 
-const asn1_word kByte[] = {head(ASN1_KIND_INTEGER, kBounds), num(0), num(255)};
-const asn1_word kTaggedByte[] = {head(ASN1_KIND_TAGGED, 0, context(0)), ref(kByte)};
-const asn1_word kBoolean[] = {head(ASN1_KIND_BOOLEAN)};
-const asn1_word kNull[] = {head(ASN1_KIND_NULL)};
-const asn1_word kReal[] = {head(ASN1_KIND_REAL)};
+const asn1_word* const kByte = kIdType;
 const uint32_t kOne = 1, kTwo = 2, kThree = 3, kFour = 4;
 
 asn1_word at(const void* address) { return {.address = address}; }
 
-const asn1_word kClass[] = {
+const asn1_word kIdClassWithDefaults[] = {
     // clang-format off
     head(ASN1_KIND_OBJECT_CLASS, ASN1_WORD0_HAS_NAME), num(2),
     num(ASN1_CLASS_FIELD_VALUE), ref(kByte), at(&kFour), txt("&id"),
@@ -44,7 +40,7 @@ const asn1_word kInner[] = {
     // clang-format off
     head(ASN1_KIND_SEQUENCE), num(2), num(sizeof(inner_record)),
     field(4, ASN1_OPTION_OPTIONAL), ref(kByte), num(0), txt("key"),
-    field(4), ref(kTaggedByte), num(0), txt("tagged"),
+    field(4), ref(kTagged<0, kIdType>), num(0), txt("tagged"),
     // clang-format on
 };
 const asn1_word kOuter[] = {
@@ -57,37 +53,35 @@ const asn1_word kOuter[] = {
 
 constexpr int64_t kLast = ASN1_SELECTOR_LAST;
 
-struct table {
-    std::vector<asn1_word> constraint;
-    std::vector<asn1_word> any;
+using selector_words = std::vector<int64_t>;
 
-    table(int64_t rows, const std::vector<std::vector<int64_t>>& selectors, bool named = false) {
-        constraint = {
-            num(ASN1_CONSTRAINT_TABLE),       ref(kClass), num(1),
-            ref(rows != 0 ? kRows : nullptr), num(rows),   num(static_cast<int64_t>(selectors.size()))};
-        for (const auto& selector : selectors) {
-            for (int64_t word : selector) constraint.push_back(num(word));
-        }
-        any = {head(ASN1_KIND_ANY, ASN1_WORD0_CONSTRAINED | (named ? ASN1_WORD0_HAS_NAME : 0))};
-        if (named) any.push_back(txt("Name"));
-        any.push_back(ref(constraint.data()));
+// The type that an open type with these selectors and the first `rows` rows gets, its descriptor with a name or without.
+const asn1_word* pick(int64_t rows, const std::vector<selector_words>& selectors,
+                      const asn1_parent_frame* frame, bool named = false) {
+    std::vector<asn1_word> constraint = {num(ASN1_CONSTRAINT_TABLE),
+                                         ref(kIdClassWithDefaults),
+                                         num(1),
+                                         ref(rows != 0 ? kRows : nullptr),
+                                         num(rows),
+                                         num(static_cast<int64_t>(selectors.size()))};
+    for (const selector_words& selector : selectors) {
+        for (int64_t word : selector) constraint.push_back(num(word));
     }
-    table(const table&) = delete;
-};
+    const asn1_word any[] = {head(ASN1_KIND_ANY, ASN1_WORD0_CONSTRAINED), ref(constraint.data())};
+    const asn1_word named_any[] = {head(ASN1_KIND_ANY, ASN1_WORD0_CONSTRAINED | ASN1_WORD0_HAS_NAME),
+                                   txt("Name"), ref(constraint.data())};
+    return asn1_get_constrained_type(frame, named ? named_any : any);
+}
 
 TEST(OpenType, KeyPicksTheRow) {
-    table types(5, {{0, 0 | kLast, 0}}), named(5, {{0, 0 | kLast, 0}}, true);
-    const struct {
-        uint32_t key;
-        const asn1_word* type;
-    } cases[] = {{1, kBoolean}, {2, nullptr}, {3, kReal}, {4, kNull}, {5, nullptr}};
-    for (const auto& c : cases) {
-        outer_record record = {c.key, {}};
+    const asn1_word* const types[] = {nullptr, kBoolean, nullptr, kReal, kNull, nullptr};
+    for (uint32_t key = 1; key <= 5; ++key) {
+        outer_record record = {key, {}};
         asn1_parent_frame frame = {nullptr, kOuter, &record};
-        EXPECT_EQ(asn1_get_constrained_type(&frame, types.any.data()), c.type) << c.key;
-        EXPECT_EQ(asn1_get_constrained_type(&frame, named.any.data()), c.type) << c.key;
-        EXPECT_EQ(asn1_get_constrained_type(nullptr, types.any.data()), nullptr);
+        for (bool named : {false, true})
+            EXPECT_EQ(pick(5, {{0, kLast, 0}}, &frame, named), types[key]) << key;
     }
+    EXPECT_EQ(pick(5, {{0, kLast, 0}}, nullptr), nullptr);
 }
 
 TEST(OpenType, SelectorsFindTheirComponent) {
@@ -101,80 +95,72 @@ TEST(OpenType, SelectorsFindTheirComponent) {
         const asn1_parent_frame* frame;
         uint32_t has_key;
         const asn1_word* type;
-    } cases[] = {{"innermost", {{0, 0 | kLast, 0}}, &inner, 1, kReal},
-                 {"absent", {{0, 0 | kLast, 0}}, &inner, 0, nullptr},
-                 {"one level up", {{1, 0 | kLast, 0}}, &inner, 1, kBoolean},
-                 {"beyond the outermost", {{2, 0 | kLast, 0}}, &inner, 1, nullptr},
-                 {"path", {{1, 1, 0 | kLast, 0}}, &inner, 1, kReal},
-                 {"path through an absent component", {{0, 1, 0 | kLast, 0}}, &outer, 0, nullptr},
+    } cases[] = {{"innermost", {{0, kLast, 0}}, &inner, 1, kReal},
+                 {"absent", {{0, kLast, 0}}, &inner, 0, nullptr},
+                 {"one level up", {{1, kLast, 0}}, &inner, 1, kBoolean},
+                 {"beyond the outermost", {{2, kLast, 0}}, &inner, 1, nullptr},
+                 {"path", {{1, 1, kLast, 0}}, &inner, 1, kReal},
+                 {"path through an absent component", {{0, 1, kLast, 0}}, &outer, 0, nullptr},
                  {"index out of range", {{0, 2 | kLast, 0}}, &inner, 1, nullptr},
                  {"path index out of range", {{0, 1, 2 | kLast, 0}}, &outer, 1, nullptr},
-                 {"path through what has no components", {{0, 0, 0 | kLast, 0}}, &outer, 1, nullptr},
+                 {"path through what has no components", {{0, 0, kLast, 0}}, &outer, 1, nullptr},
                  {"tagged key", {{0, 1 | kLast, 0}}, &inner, 1, kReal},
-                 {"frame that is no record", {{0, 0 | kLast, 0}}, &not_a_record, 1, nullptr},
-                 {"type column as key", {{0, 0 | kLast, 1}}, &inner, 1, nullptr},
-                 {"two that agree", {{0, 0 | kLast, 0}, {1, 1, 0 | kLast, 0}}, &inner, 1, kReal},
-                 {"two that do not", {{0, 0 | kLast, 0}, {1, 0 | kLast, 0}}, &inner, 1, nullptr},
+                 {"frame that is no record", {{0, kLast, 0}}, &not_a_record, 1, nullptr},
+                 {"type column as key", {{0, kLast, 1}}, &inner, 1, nullptr},
+                 {"two that agree", {{0, kLast, 0}, {1, 1, kLast, 0}}, &inner, 1, kReal},
+                 {"two that do not", {{0, kLast, 0}, {1, kLast, 0}}, &inner, 1, nullptr},
                  {"none, several rows", {}, &inner, 1, nullptr}};
     for (const auto& c : cases) {
-        table types(5, c.selectors);
         record.inner.has_key = c.has_key;
-        EXPECT_EQ(asn1_get_constrained_type(c.frame, types.any.data()), c.type) << c.what;
+        EXPECT_EQ(pick(5, c.selectors, c.frame), c.type) << c.what;
     }
-    table no_rows(0, {{0, 0 | kLast, 0}}), one_row(1, {});
-    EXPECT_EQ(asn1_get_constrained_type(&outer, no_rows.any.data()), nullptr);
-    EXPECT_EQ(asn1_get_constrained_type(nullptr, one_row.any.data()), kBoolean);
-    const asn1_word unconstrained[] = {head(ASN1_KIND_ANY)};
-    EXPECT_EQ(asn1_get_constrained_type(&outer, unconstrained), nullptr);
+    EXPECT_EQ(pick(0, {{0, kLast, 0}}, &outer), nullptr);
+    EXPECT_EQ(pick(1, {}, nullptr), kBoolean);
+    EXPECT_EQ(asn1_get_constrained_type(&outer, kAny), nullptr);
     EXPECT_EQ(asn1_get_constrained_type(&outer, kByte), nullptr);
 }
 
 TEST(OpenType, ContainedType) {
-    constexpr uint32_t lower = ASN1_WORD0_HAS_LOWER, name = ASN1_WORD0_HAS_NAME,
-                       object = ASN1_WORD0_CONSTRAINED;
     const asn1_word containing[] = {num(ASN1_CONSTRAINT_CONTAINING), ref(kOuter)};
-    const asn1_word other[] = {num(ASN1_CONSTRAINT_TABLE), ref(kClass)};
-    const asn1_word octets[] = {head(ASN1_KIND_OCTET_STRING, lower | name | object), num(0), txt("N"),
-                                ref(containing)};
-    const asn1_word bits[] = {head(ASN1_KIND_BIT_STRING, kBounds | object), num(0), num(9), ref(containing)};
-    const asn1_word wrong_sort[] = {head(ASN1_KIND_OCTET_STRING, object), ref(other)};
-    const asn1_word plain[] = {head(ASN1_KIND_OCTET_STRING, lower), num(0)};
-    EXPECT_EQ(asn1_get_containing_type(octets), kOuter);
-    EXPECT_EQ(asn1_get_containing_type(bits), kOuter);
-    EXPECT_EQ(asn1_get_containing_type(wrong_sort), nullptr);
-    EXPECT_EQ(asn1_get_containing_type(plain), nullptr);
-    EXPECT_EQ(asn1_get_containing_type(kByte), nullptr);
+    const asn1_word octets[] = {
+        head(ASN1_KIND_OCTET_STRING, kLower | ASN1_WORD0_HAS_NAME | ASN1_WORD0_CONSTRAINED), num(0), txt("N"),
+        ref(containing)};
+    const asn1_word bits[] = {head(ASN1_KIND_BIT_STRING, kBounds | ASN1_WORD0_CONSTRAINED), num(0), num(9),
+                              ref(containing)};
+    const asn1_word wrong_sort[] = {head(ASN1_KIND_OCTET_STRING, ASN1_WORD0_CONSTRAINED), ref(kTable)};
+    for (const asn1_word* type : {octets, bits}) EXPECT_EQ(asn1_get_containing_type(type), kOuter);
+    for (const asn1_word* type : {&wrong_sort[0], &kOctets[0], kByte}) {
+        EXPECT_EQ(asn1_get_containing_type(type), nullptr);
+    }
 }
 
 // ---- names ------------------------------------------------------------------------------------------------
 
 TEST(TypeName, FoundBehindTheWordsOfItsKind) {
-    constexpr uint32_t name = ASN1_WORD0_HAS_NAME, lower = ASN1_WORD0_HAS_LOWER,
-                       extensible = ASN1_WORD0_EXTENSIBLE;
+    constexpr uint32_t name = ASN1_WORD0_HAS_NAME;
     const asn1_word t = txt("Name"), x = num(2), f = txt("?");
     const std::vector<asn1_word> types[] = {
+        // clang-format off
         {head(ASN1_KIND_SEQUENCE, name), num(2), x, f, f, f, f, f, f, f, f, t},
         {head(ASN1_KIND_SET, name), num(0), x, t},
-        {head(ASN1_KIND_SEQUENCE_OF, name | lower), x, x, ref(kByte), num(0), t},
-        {head(ASN1_KIND_SET_OF, name | kBounds), x, x, x, ref(kByte), num(0), t},
-        {head(ASN1_KIND_SEQUENCE_OF, name), x, ref(kByte), num(0), f,
-         t},  // without a lower bound: one word off
+        {head(ASN1_KIND_SEQUENCE_OF, name | kLower), x, x, f, num(0), t},
+        {head(ASN1_KIND_SET_OF, name | kBounds), x, x, x, f, num(0), t},
+        {head(ASN1_KIND_SEQUENCE_OF, name), x, f, num(0), f, t},  // without a lower bound: one word off
         {head(ASN1_KIND_CHOICE, name), num(1), x, x, x, f, f, t},
-        {head(ASN1_KIND_CHOICE, name | extensible), num(1), num(2), x, x, x, f, f, f, f, f, f, t},
+        {head(ASN1_KIND_CHOICE, name | kExt), num(1), num(2), x, x, x, f, f, f, f, f, f, t},
         {head(ASN1_KIND_INTEGER, name), t},
-        {head(ASN1_KIND_INTEGER, name | kBounds), x, x, t},
         {head(ASN1_KIND_BOOLEAN, name), t},
         {head(ASN1_KIND_BIT_STRING, name | kBounds), x, x, t},
-        {head(ASN1_KIND_OCTET_STRING, name | lower | ASN1_WORD0_CONSTRAINED), x, t, f},
+        {head(ASN1_KIND_OCTET_STRING, name | kLower | ASN1_WORD0_CONSTRAINED), x, t, f},
         {head(ASN1_KIND_ENUMERATED, name), num(2), f, f, t},
-        {head(ASN1_KIND_ENUMERATED, name | extensible), num(2), num(1), f, f, f, t},
-        {head(ASN1_KIND_NULL, name), t},
-        {head(ASN1_KIND_RELATIVE_OID, name), t},
-        {head(ASN1_KIND_CHAR_STRING, name | lower), num(ASN1_STRING_UNIVERSAL), x, num(1), x, x, t},
+        {head(ASN1_KIND_ENUMERATED, name | kExt), num(2), num(1), f, f, f, t},
+        {head(ASN1_KIND_CHAR_STRING, name | kLower), num(ASN1_STRING_UNIVERSAL), x, num(1), x, x, t},
         {head(ASN1_KIND_CHAR_STRING, name), num(ASN1_STRING_IA5), num(0), t},
         {head(ASN1_KIND_CHAR_STRING, name), num(ASN1_STRING_UTF8), t},
         {head(ASN1_KIND_ANY, name | ASN1_WORD0_CONSTRAINED), t, f},
-        {head(ASN1_KIND_OBJECT_CLASS, name), num(1), f, f, f, f, t}};
+        {head(ASN1_KIND_OBJECT_CLASS, name), num(1), f, f, f, f, t},
+        // clang-format on
+    };
     for (const auto& type : types) {
         const char* found = asn1_get_user_type_name(type.data());
         ASSERT_NE(found, nullptr);
@@ -189,21 +175,20 @@ TEST(TypeName, FoundBehindTheWordsOfItsKind) {
 }
 
 TEST(TypeName, GenericNames) {
-    const asn1_word twice[] = {head(ASN1_KIND_TAGGED), ref(kTaggedByte)};
-    const asn1_word any[] = {head(ASN1_KIND_ANY)}, bad_kind[] = {head(31)},
-                    relative[] = {head(ASN1_KIND_RELATIVE_OID)};
-    auto string = [](int64_t type) { return std::vector<asn1_word>{head(ASN1_KIND_CHAR_STRING), num(type)}; };
+    const asn1_word twice[] = {head(ASN1_KIND_TAGGED), ref(kTagged<0, kIdType>)}, bad_kind[] = {head(31)};
+    EXPECT_STREQ(asn1_get_type_name(kSet), "SET");
     EXPECT_STREQ(asn1_get_generic_type_name(twice), "INTEGER");
     EXPECT_STREQ(asn1_get_generic_type_name(kClass), "OBJECT_CLASS");
-    EXPECT_STREQ(asn1_get_generic_type_name(relative), "RELATIVE_OID");
-    EXPECT_STREQ(asn1_get_generic_type_name(any), "?");
-    EXPECT_STREQ(asn1_get_generic_type_name(bad_kind), "?");
-    EXPECT_STREQ(asn1_get_generic_type_name(string(0).data()), "NumericString");
-    EXPECT_STREQ(asn1_get_generic_type_name(string(6).data()), "UTF8String");
-    EXPECT_STREQ(asn1_get_generic_type_name(string(10).data()), "VideotexString");
-    EXPECT_STREQ(asn1_get_generic_type_name(string(11).data()), "?");
-    EXPECT_STREQ(asn1_get_generic_type_name(string(-1).data()), "?");
-    EXPECT_STREQ(asn1_get_type_name(kOuter), "SET");
+    EXPECT_STREQ(asn1_get_generic_type_name(kRelativeOid), "RELATIVE_OID");
+    for (const asn1_word* type : {kAny, bad_kind}) EXPECT_STREQ(asn1_get_generic_type_name(type), "?");
+    const struct {
+        int64_t type;
+        const char* name;
+    } strings[] = {{0, "NumericString"}, {6, "UTF8String"}, {10, "VideotexString"}, {11, "?"}, {-1, "?"}};
+    for (const auto& c : strings) {
+        const asn1_word string[] = {head(ASN1_KIND_CHAR_STRING), num(c.type)};
+        EXPECT_STREQ(asn1_get_generic_type_name(string), c.name);
+    }
 }
 
 }  // namespace

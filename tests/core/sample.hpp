@@ -6,42 +6,20 @@
 
 #include <string_view>
 
-#include "tests/support/descriptors.hpp"
+#include "tests/support/universal_types.hpp"
 
 namespace orlenta::test {
 
-inline const asn1_word kBoolean[] = {head(ASN1_KIND_BOOLEAN, 0, 1)};
-inline const asn1_word kByte[] = {head(ASN1_KIND_INTEGER, kBounds, 2), num(0), num(255)};
-inline const asn1_word kBig[] = {head(ASN1_KIND_INTEGER, ASN1_WORD0_BIG, 2)};
-inline const asn1_word kNull[] = {head(ASN1_KIND_NULL, 0, 5)};
-inline const asn1_word kReal[] = {head(ASN1_KIND_REAL, 0, 9)};
-inline const asn1_word kOid[] = {head(ASN1_KIND_OBJECT_IDENTIFIER, 0, 6)};
-inline const asn1_word kOctets[] = {head(ASN1_KIND_OCTET_STRING, ASN1_WORD0_HAS_LOWER, 4), num(0)};
-inline const asn1_word kBits[] = {head(ASN1_KIND_BIT_STRING, ASN1_WORD0_HAS_LOWER, 3), num(0)};
-inline const asn1_word kUtf8[] = {head(ASN1_KIND_CHAR_STRING, 0, 12), num(ASN1_STRING_UTF8)};
-inline const asn1_word kBmp[] = {head(ASN1_KIND_CHAR_STRING, 0, 30), num(ASN1_STRING_BMP), num(0)};
-inline const asn1_word kEnum[] = {head(ASN1_KIND_ENUMERATED, 0, 10), num(2), txt("off"), txt("on")};
-inline const asn1_word kList[] = {head(ASN1_KIND_SEQUENCE_OF, ASN1_WORD0_HAS_LOWER, 16), num(0), num(16),
-                                  ref(kOctets), num(0)};
-inline const asn1_word kChoice[] = {head(ASN1_KIND_CHOICE, ASN1_WORD0_EXTENSIBLE),
-                                    num(1),
-                                    num(1),
-                                    num(24),
-                                    num(0),
-                                    num(8),
-                                    ref(kByte),
-                                    txt("byte"),
-                                    ref(kUtf8),
-                                    txt("text")};
-inline const asn1_word kTaggedList[] = {head(ASN1_KIND_TAGGED, 0, context(6)), ref(kList)};
-inline const asn1_word kLink[] = {head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(7)), ref(kTaggedList)};
-inline const asn1_word kAny[] = {head(ASN1_KIND_ANY)};
+inline const asn1_word kList[] = {head(ASN1_KIND_SEQUENCE_OF, kLower, 16), num(0), num(16), ref(kOctets),
+                                  num(0)};
+inline const asn1_word kLink[] = {head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(7)),
+                                  ref(kTagged<6, kList>)};
 
-struct choice_record {
+struct choice_record {  // of kChoice
     uint32_t selector;
     union {
-        uint32_t byte;
-        asn1_string text;
+        uint32_t number;
+        asn1_string octets;
     };
 };
 
@@ -71,7 +49,7 @@ inline const asn1_word kSample[] = {
     // clang-format off
     head(ASN1_KIND_SEQUENCE, ASN1_WORD0_EXTENSIBLE, 16), num(16), num(sizeof(sample)),
     SAMPLE_AT(flag), ref(kBoolean), num(0), txt("flag"),
-    SAMPLE_AT_WITH(level, ASN1_OPTION_DEFAULT, 0), ref(kByte), num(7), txt("level"),
+    SAMPLE_AT_WITH(level, ASN1_OPTION_DEFAULT, 0), ref(kUint32), num(7), txt("level"),
     SAMPLE_AT_WITH(octets, ASN1_OPTION_OPTIONAL, 0), ref(kOctets), num(offsetof(sample, has_octets)), txt("octets"),
     SAMPLE_AT(big), ref(kBig), num(0), txt("big"),
     SAMPLE_AT(list), ref(kList), num(0), txt("list"),
@@ -98,6 +76,12 @@ inline asn1_string make_string(std::string_view bytes, uint64_t units) {
 }
 inline asn1_string make_string(std::string_view bytes) { return make_string(bytes, bytes.size()); }
 
+// The same bytes, owned by another.
+inline asn1_string view(std::string_view bytes, uint64_t units) {
+    return {reinterpret_cast<uint8_t*>(const_cast<char*>(bytes.data())), units};
+}
+inline asn1_string view(std::string_view bytes) { return view(bytes, bytes.size()); }
+
 inline asn1_array make_list(std::initializer_list<std::string_view> elements) {
     asn1_string* block = static_cast<asn1_string*>(asn1_malloc(elements.size() * sizeof(asn1_string)));
     uint64_t count = 0;
@@ -121,13 +105,11 @@ inline sample* make_sample() {
     s->octets = make_string("octets");
     asn1_integer_set_si64(&s->big, INT64_MIN);
     s->list = make_list({"one", "", "three"});
-    s->choice.selector = 1;
-    s->choice.text = make_string("text");
+    s->choice = {.selector = 2, .octets = make_string("text")};
     s->link = make_block(make_list({"linked"}));
     s->open = {kOctets, make_block(make_string("open")), 0};
     s->raw = {nullptr, make_string("raw").data, 3};
-    asn1_string bits = make_string("\xAA\x80");
-    s->bits = {bits.data, 9};
+    s->bits = {make_string("\xAA\x80").data, 9};
     s->wide = make_string(std::string_view("a\0b\0", 4), 2);
     s->real = -2.5;
     s->oid = make_string("\x2A\x03");

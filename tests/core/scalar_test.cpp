@@ -5,7 +5,6 @@
 
 #include <bit>
 #include <limits>
-#include <random>
 #include <string>
 #include <string_view>
 
@@ -27,98 +26,61 @@ std::string encode(double value) {
     return std::string(reinterpret_cast<char*>(out), asn1_encode_real_der(out, value));
 }
 
+// DER writes these contents, and they read back.
+const struct {
+    double value;
+    std::string_view contents;
+} kReals[] = {
+    // clang-format off
+    {0.0, ""sv}, {-0.0, "\x43"sv}, {INFINITY, "\x40"sv}, {-INFINITY, "\x41"sv}, {NAN, "\x42"sv},
+    {-1.0, "\xC0\x00\x01"sv}, {0.5, "\x80\xFF\x01"sv}, {10.0, "\x80\x01\x05"sv}, {0x1p127, "\x80\x7F\x01"sv},
+    {0x1p128, "\x81\x00\x80\x01"sv}, {0x1p-128, "\x80\x80\x01"sv}, {-0x1p-129, "\xC1\xFF\x7F\x01"sv},
+    {0x1.0000000000001p0, "\x80\xCC\x10\x00\x00\x00\x00\x00\x01"sv}, {5e-324, "\x81\xFB\xCE\x01"sv},
+    {std::numeric_limits<double>::max(), "\x81\x03\xCB\x1F\xFF\xFF\xFF\xFF\xFF\xFF"sv},
+    // clang-format on
+};
+
+const std::string kLongMantissa = "\x80\x00"s + std::string(200, '\xFF');
+const std::string kDecimalOf62 = "\x03" + std::string(62, '0'), kDecimalOf63 = kDecimalOf62 + "0";
+
+// What BER reads beyond that: other bases, long exponents, leading zeros, over- and underflow, decimals.
+const struct {
+    double value;
+    std::string_view contents;
+} kReadOnly[] = {
+    // clang-format off
+    {0.0, "\x80\x00"sv}, {-0.0, "\xC0\x00"sv}, {1.0, "\x83\x00\x01"sv}, {0.75, "\x83\x04\xFF\xFF\xFF\xFE\x03"sv},
+    {24.0, "\x90\x01\x03"sv}, {2.0, "\xA0\xFF\x20"sv}, {8.0, "\x8C\x00\x01"sv}, {2.0, "\x82\x00\x00\x01\x01"sv},
+    {INFINITY, "\x83\x04\x7F\xFF\xFF\xFF\x01"sv}, {-INFINITY, "\xE3\x04\x7F\xFF\xFF\xFF\x01"sv},
+    {0.0, "\xA3\x04\x80\x00\x00\x00\x01"sv}, {INFINITY, kLongMantissa}, {1.5, "\x03" "1.5"sv},
+    {1.5, "\x3F" "1.5"sv}, {-12.0, "\x01 -12 and more"sv}, {0.0, "\x00nothing"sv}, {0.0, "\x01"sv},
+    {0.0, kDecimalOf62},
+    // clang-format on
+};
+
 TEST(Real, ContentsOctets) {
-    const struct {
-        double value;
-        std::string_view contents;
-    } cases[] = {{0.0, ""sv},
-                 {-0.0, "\x43"sv},
-                 {INFINITY, "\x40"sv},
-                 {-INFINITY, "\x41"sv},
-                 {NAN, "\x42"sv},
-                 {1.0, "\x80\x00\x01"sv},
-                 {-1.0, "\xC0\x00\x01"sv},
-                 {0.5, "\x80\xFF\x01"sv},
-                 {10.0, "\x80\x01\x05"sv},
-                 {256.0, "\x80\x08\x01"sv},
-                 {0x1p127, "\x80\x7F\x01"sv},
-                 {0x1p128, "\x81\x00\x80\x01"sv},
-                 {0x1p-128, "\x80\x80\x01"sv},
-                 {-0x1p-129, "\xC1\xFF\x7F\x01"sv},
-                 {0x1.0000000000001p0, "\x80\xCC\x10\x00\x00\x00\x00\x00\x01"sv},
-                 {5e-324, "\x81\xFB\xCE\x01"sv},
-                 {std::numeric_limits<double>::max(), "\x81\x03\xCB\x1F\xFF\xFF\xFF\xFF\xFF\xFF"sv}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(encode(c.value), c.contents) << c.value;
+    auto expect_read = [](std::string_view contents, double value) {
         double back = 0.1;
-        ASSERT_EQ(asn1_decode_real_ber(bytes(c.contents), c.contents.size(), &back), 0);
-        EXPECT_EQ(std::bit_cast<uint64_t>(back), std::bit_cast<uint64_t>(c.value)) << c.value;
+        EXPECT_EQ(asn1_decode_real_ber(bytes(contents), contents.size(), &back), 0);
+        EXPECT_EQ(std::bit_cast<uint64_t>(back), std::bit_cast<uint64_t>(value))
+            << testing::PrintToString(contents);
+    };
+    for (const auto& c : kReals) {
+        EXPECT_EQ(encode(c.value), c.contents) << c.value;
+        expect_read(c.contents, c.value);
     }
     EXPECT_EQ(encode(-NAN), "\x42");
-}
-
-TEST(Real, EveryPatternComesBack) {
-    std::mt19937_64 random(1);
-    for (int i = 0; i < 20000; ++i) {
-        double value = std::bit_cast<double>(random() >> (i % 3 == 0 ? 12 : 0)), back;
-        std::string contents = encode(value);
-        ASSERT_EQ(asn1_decode_real_ber(bytes(contents), contents.size(), &back), 0);
-        if (isnan(value)) value = NAN;
-        ASSERT_EQ(std::bit_cast<uint64_t>(back), std::bit_cast<uint64_t>(value));
-    }
-}
-
-TEST(Real, AcceptedBeyondDer) {
-    const std::string long_mantissa = "\x80\x00"s + std::string(200, '\xFF');
-    const struct {
-        std::string_view contents;
-        double value;
-    } cases[] = {{"\x80\x00"sv, 0.0},
-                 {"\xC0\x00"sv, -0.0},
-                 {"\x83\x00\x01"sv, 1.0},
-                 {"\x83\x04\xFF\xFF\xFF\xFE\x03"sv, 0.75},
-                 {"\x90\x01\x03"sv, 24.0},  // base 8
-                 {"\xA0\xFF\x20"sv, 2.0},   // base 16
-                 {"\x8C\x00\x01"sv, 8.0},   // scale factor 3
-                 {"\x82\x00\x00\x01\x01"sv, 2.0},
-                 {"\x80\x02\x00\x00\x03"sv, 12.0},
-                 {"\x83\x04\x7F\xFF\xFF\xFF\x01"sv, INFINITY},
-                 {"\xE3\x04\x7F\xFF\xFF\xFF\x01"sv, -INFINITY},
-                 {"\xA3\x04\x80\x00\x00\x00\x01"sv, 0.0},
-                 {"\xA3\x04\x40\x00\x00\x00\x00"sv, 0.0},
-                 {long_mantissa, INFINITY},
-                 {"\x03"
-                  "1.5"sv,
-                  1.5},
-                 {"\x3F"
-                  "1.5"sv,
-                  1.5},
-                 {"\x01 -12 and more"sv, -12.0},
-                 {"\x00nothing"sv, 0.0},
-                 {"\x01"sv, 0.0}};
-    for (const auto& c : cases) {
-        double value = 0.1;
-        EXPECT_EQ(asn1_decode_real_ber(bytes(c.contents), c.contents.size(), &value), 0);
-        EXPECT_EQ(std::bit_cast<uint64_t>(value), std::bit_cast<uint64_t>(c.value))
-            << testing::PrintToString(c.contents);
-    }
-}
-
-TEST(Real, Refused) {
-    const std::string decimal_of_63 = "\x03" + std::string(62, '0'),
-                      decimal_of_64 = "\x03" + std::string(63, '0');
+    for (const auto& c : kReadOnly) expect_read(c.contents, c.value);
     double value = 0.1;
-    for (std::string_view contents :
-         {"\x44"sv, "\x7F"sv, "\xB0\x00\x01"sv, "\x80"sv, "\x81\x00"sv, "\x82\x00\x00"sv, "\x83"sv,
-          "\x83\x05"sv, "\x83\x05\x00\x00\x00\x00\x00\x01"sv, "\x83\x02\x00"sv,
-          "\x03"
-          "1e400"sv,
-          std::string_view(decimal_of_64)}) {
+    for (std::string_view contents : {"\x44"sv, "\x7F"sv, "\xB0\x00\x01"sv, "\x80"sv, "\x81\x00"sv, "\x83"sv,
+                                      "\x83\x05"sv, "\x83\x05\x00\x00\x00\x00\x00\x01"sv, "\x83\x02\x00"sv,
+                                      "\x03"
+                                      "1e400"sv,
+                                      std::string_view(kDecimalOf63)}) {
         EXPECT_EQ(asn1_decode_real_ber(bytes(contents), contents.size(), &value), -1)
             << testing::PrintToString(contents);
         EXPECT_EQ(value, 0.1);
     }
-    EXPECT_EQ(asn1_decode_real_ber(bytes(decimal_of_63), 63, &value), 0);
 }
 
 // ---- UTF-8 ------------------------------------------------------------------------------------------------
@@ -127,28 +89,23 @@ TEST(Utf8, BothWays) {
     const struct {
         uint32_t code;
         std::string_view utf8;
-    } cases[] = {{0, "\0"sv},
-                 {0x7F, "\x7F"sv},
-                 {0x80, "\xC2\x80"sv},
-                 {0x7FF, "\xDF\xBF"sv},
-                 {0x800, "\xE0\xA0\x80"sv},
-                 {0xD800, "\xED\xA0\x80"sv},
-                 {0xFFFF, "\xEF\xBF\xBF"sv},
-                 {0x10000, "\xF0\x90\x80\x80"sv},
-                 {0x10FFFF, "\xF4\x8F\xBF\xBF"sv}};
-    for (const auto& c : cases) {
-        uint8_t out[4];
-        int size = asn1_to_utf8(out, c.code);
-        EXPECT_EQ(std::string_view(reinterpret_cast<char*>(out), size), c.utf8) << c.code;
-        const uint8_t* next = nullptr;
-        EXPECT_EQ(asn1_from_utf8(bytes(c.utf8), c.utf8.size(), &next), static_cast<int32_t>(c.code));
-        EXPECT_EQ(next, bytes(c.utf8) + c.utf8.size());
-        // cut short by one byte
-        if (size > 1) {
-            EXPECT_EQ(asn1_from_utf8(bytes(c.utf8), c.utf8.size() - 1, &next), -1);
-        }
-    }
+    } cases[] = {
+        // clang-format off
+        {0, "\0"sv}, {0x7F, "\x7F"sv}, {0x80, "\xC2\x80"sv}, {0x7FF, "\xDF\xBF"sv}, {0x800, "\xE0\xA0\x80"sv},
+        {0xD800, "\xED\xA0\x80"sv}, {0xFFFF, "\xEF\xBF\xBF"sv}, {0x10000, "\xF0\x90\x80\x80"sv},
+        {0x10FFFF, "\xF4\x8F\xBF\xBF"sv},
+        // clang-format on
+    };
     uint8_t out[4];
+    for (const auto& c : cases) {
+        size_t size = asn1_to_utf8(out, c.code);
+        EXPECT_EQ(std::string_view(reinterpret_cast<char*>(out), size), c.utf8) << c.code;
+        const uint8_t *end = bytes(c.utf8) + size, *next = nullptr;
+        EXPECT_EQ(asn1_from_utf8(bytes(c.utf8), size, &next), static_cast<int32_t>(c.code));
+        EXPECT_EQ(next, end);
+        // cut short by one byte
+        EXPECT_TRUE(size == 1 || asn1_from_utf8(bytes(c.utf8), size - 1, &next) == -1) << c.code;
+    }
     EXPECT_EQ(asn1_to_utf8(out, 0xFFFFFFFF), 4);
     EXPECT_EQ(memcmp(out, "\xF7\xBF\xBF\xBF", 4), 0);
 }
@@ -169,44 +126,29 @@ TEST(Utf8, Malformed) {
 
 TEST(ShortBitString, FromTheTop) {
     uint8_t data[] = {0xA5, 0xFF, 0x12, 0x34, 0x56};
-    asn1_bit_string bits = {data, 0};
-    uint8_t v8;
-    uint16_t v16;
-    uint32_t v32;
+    uint8_t v8 = 0;
+    uint16_t v16 = 0;
+    uint32_t v32 = 0;
     const struct {
         uint64_t length;
-        int64_t v8, v16, v32;  // negative: too long
+        int64_t v8, v16, v32;  // -1: too long
     } cases[] = {{0, 0, 0, 0},
                  {1, 0xA5, 0xA500, 0xA5000000},
                  {8, 0xA5, 0xA500, 0xA5000000},
                  {9, -1, 0xA5FF, 0xA5FF0000},
                  {17, -1, -1, 0xA5FF1200},
-                 {32, -1, -1, 0xA5FF1234},
                  {33, -1, -1, -1},
                  {0xFFFFFFFF, -1, -1, -1},
                  {(UINT64_C(1) << 32) + 8, 0xA5, 0xA500, 0xA5000000}};
     testing::internal::CaptureStderr();
     for (const auto& c : cases) {
-        bits.length = c.length;
-        EXPECT_EQ(asn1_conv_bitstring_8(&bits, &v8), c.v8 < 0 ? 1 : 0) << c.length;
-        EXPECT_EQ(asn1_conv_bitstring_16(&bits, &v16), c.v16 < 0 ? 1 : 0) << c.length;
-        EXPECT_EQ(asn1_conv_bitstring_32(&bits, &v32), c.v32 < 0 ? 1 : 0) << c.length;
-        if (c.v8 >= 0) {
-            EXPECT_EQ(v8, c.v8);
-        }
-        if (c.v16 >= 0) {
-            EXPECT_EQ(v16, c.v16);
-        }
-        if (c.v32 >= 0) {
-            EXPECT_EQ(v32, c.v32);
-        }
+        asn1_bit_string bits = {data, c.length};
+        EXPECT_EQ(asn1_conv_bitstring_8(&bits, &v8) != 0 ? -1 : v8, c.v8) << c.length;
+        EXPECT_EQ(asn1_conv_bitstring_16(&bits, &v16) != 0 ? -1 : v16, c.v16) << c.length;
+        EXPECT_EQ(asn1_conv_bitstring_32(&bits, &v32) != 0 ? -1 : int64_t{v32}, c.v32) << c.length;
     }
     testing::internal::GetCapturedStderr();
-}
 
-TEST(ShortBitString, Complaints) {
-    uint8_t data[2] = {}, v8 = 0;
-    uint16_t v16 = 0;
     asn1_bit_string nine = {data, 9}, no_data = {nullptr, 3}, empty = {nullptr, 0};
     testing::internal::CaptureStderr();
     EXPECT_EQ(asn1_conv_bitstring_8(&nine, &v8), 1);
@@ -223,14 +165,21 @@ TEST(ShortBitString, Complaints) {
 
 // ---- object identifiers -----------------------------------------------------------------------------------
 
+int print(std::string_view contents, bool relative, std::string* text) {
+    asn1_string value = {const_cast<uint8_t*>(bytes(contents)), contents.size()};
+    asn1_byte_buffer buf = {};
+    int result = orlenta::put_object_identifier_text(&buf, &value, relative);
+    *text = std::string(reinterpret_cast<char*>(buf.data), buf.length);
+    asn1_free(buf.data);
+    return result;
+}
+
 TEST(ObjectIdentifier, Text) {
     const struct {
         std::string_view text;
         bool relative;
-        std::string_view contents;
-        std::string_view back;
-    } cases[] = {{"1.2.840"sv, false, "\x2A\x86\x48"sv, "1.2.840"sv},
-                 {"  1 .\t2 . 840\n"sv, false, "\x2A\x86\x48"sv, "1.2.840"sv},
+        std::string_view contents, back;
+    } cases[] = {{"  1 .\t2 . 840\n"sv, false, "\x2A\x86\x48"sv, "1.2.840"sv},
                  {"0.0"sv, false, "\0"sv, "0.0"sv},
                  {"2.39.127.128"sv, false, "\x77\x7F\x81\x00"sv, "2.39.127.128"sv},
                  {"2"sv, false, ""sv, ""sv},
@@ -238,16 +187,20 @@ TEST(ObjectIdentifier, Text) {
                  {"3.16384.2097152.268435456"sv, true,
                   "\x03\x81\x80\x00\x81\x80\x80\x00\x81\x80\x80\x80\x00"sv, "3.16384.2097152.268435456"sv},
                  {"4294967301.+7"sv, true, "\x05\x07"sv, "5.7"sv}};
+    std::string back;
     for (const auto& c : cases) {
         asn1_string out = {nullptr, 99};
         ASSERT_EQ(asn1_parse_object_identifier(&out, c.text.data(), c.text.size(), c.relative), 0) << c.text;
         EXPECT_EQ(std::string_view(reinterpret_cast<char*>(out.data), out.length), c.contents) << c.text;
-        asn1_byte_buffer buf = {};
-        EXPECT_EQ(orlenta::put_object_identifier_text(&buf, &out, c.relative), 0);
-        EXPECT_EQ(std::string_view(reinterpret_cast<char*>(buf.data), buf.length), c.back);
-        asn1_free(buf.data);
+        EXPECT_EQ(print(c.contents, c.relative, &back), 0);
+        EXPECT_EQ(back, c.back);
         asn1_free(out.data);
     }
+    // what no parse makes: a root arc beyond 2, and contents cut short
+    EXPECT_EQ(print("\x81\x34\x03"sv, false, &back), 0);
+    EXPECT_EQ(back, "4.20.3");
+    EXPECT_EQ(print("\x2A\x86"sv, false, &back), -1);
+    EXPECT_EQ(back, "1.2");
     EXPECT_EQ(live_blocks(), 0u);
 }
 
@@ -268,20 +221,6 @@ TEST(ObjectIdentifier, Refused) {
               }),
               1u);
     EXPECT_EQ(live_blocks(), 0u);
-}
-
-TEST(ObjectIdentifier, PrintedAsStored) {
-    const struct {
-        std::string_view contents, text;
-        int result;
-    } cases[] = {{"\x78"sv, "3.0"sv, 0}, {"\x81\x34\x03"sv, "4.20.3"sv, 0}, {"\x2A\x86"sv, "1.2"sv, -1}};
-    for (const auto& c : cases) {
-        asn1_string contents = {const_cast<uint8_t*>(bytes(c.contents)), c.contents.size()};
-        asn1_byte_buffer buf = {};
-        EXPECT_EQ(orlenta::put_object_identifier_text(&buf, &contents, false), c.result);
-        EXPECT_EQ(std::string_view(reinterpret_cast<char*>(buf.data), buf.length), c.text);
-        asn1_free(buf.data);
-    }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What the tests of BER and OER do alike: decode and encode as one call each, and inputs spoiled in every way.
+// What the tests of the codecs do alike: decode and encode as one call each, and inputs spoiled in every way.
 #pragma once
 
 #include <gtest/gtest.h>
