@@ -168,7 +168,8 @@ TEST(BigInteger, ToMachineIntegers) {
         expect_fit(asn1_integer_get_si64_ov, a, p);
         expect_fit(asn1_integer_get_ui64_ov, a, p);
         EXPECT_EQ(asn1_integer_get_ui64_ov(&a, nullptr), -1);
-        EXPECT_EQ(asn1_integer_get_bit_size(&a), p == 0 ? 0 : msb(abs(p)) + 1) << x;
+        cpp_int magnitude = abs(p);
+        EXPECT_EQ(asn1_integer_get_bit_size(&a), magnitude == 0 ? 0 : msb(magnitude) + 1) << x;
     }
 }
 

@@ -177,7 +177,7 @@ TEST(PerFragments, CountWrapsAround) {
         {{0xC3, 0xBF, 0xFF}, 0, 0xFFFFFFFF}, {{0xC4, 0}, -1, 0xFFFF0000}, {{0xC3, 0xC1, 0}, -1, 0xFFFFC000}};
     for (const auto& row : rows) {
         octets in(65535, 0xC4);
-        in.insert(in.end(), row.rest.begin(), row.rest.end());
+        for (uint8_t octet : row.rest) in.push_back(octet);
         per::asn1_per_decoder decoder = {};
         decoder.data = in.data();
         decoder.size = in.size();
