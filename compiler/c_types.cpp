@@ -48,31 +48,13 @@ bool is_unsigned(const Table& table) {
     return (word0(table) & ASN1_WORD0_EXTENSIBLE) == 0 && static_cast<int32_t>(table.words[1].number) >= 0;
 }
 
-const char* kind_text(const Type& type) {
-    static constexpr const char* kStrings[] = {"NumericString", "PrintableString", "VisibleString",
-                                               "IA5String",     "BMPString",       "UniversalString",
-                                               "UTF8String",    "GeneralString",   "GraphicString",
-                                               "TeletexString", "VideotexString"};
-    switch (type.kind) {
-        case Kind::sequence: return "SEQUENCE";
-        case Kind::sequence_of: return "SEQUENCE OF";
-        case Kind::set: return "SET";
-        case Kind::set_of: return "SET OF";
-        case Kind::choice: return "CHOICE";
-        case Kind::integer: return "INTEGER";
-        case Kind::boolean: return "BOOLEAN";
-        case Kind::bit_string: return "BIT STRING";
-        case Kind::octet_string: return "OCTET STRING";
-        case Kind::enumerated: return "ENUMERATED";
-        case Kind::null: return "NULL";
-        case Kind::object_identifier: return "OBJECT IDENTIFIER";
-        case Kind::relative_oid: return "RELATIVE-OID";
-        case Kind::real: return "REAL";
-        case Kind::char_string: return kStrings[static_cast<int>(type.string_kind)];
-        case Kind::open_type: return "open type";
-        case Kind::reference: break;
-    }
-    return "";
+std::string_view kind_text(const Type& type) {
+    static constexpr std::string_view kStrings[] = {"NumericString", "PrintableString", "VisibleString",
+                                                    "IA5String",     "BMPString",       "UniversalString",
+                                                    "UTF8String",    "GeneralString",   "GraphicString",
+                                                    "TeletexString", "VideotexString"};
+    bool is_string = type.kind == Kind::char_string;
+    return is_string ? kStrings[static_cast<size_t>(type.string_kind)] : kind_name(type.kind);
 }
 
 std::string bounds_text(const Bounds& bounds) {
@@ -142,7 +124,7 @@ bool has_payload(const Table& table) {
 std::string description(const Table& table) {
     if (!table.type) return "CLASS";
     const Type& type = *resolved(table.type);
-    std::string text = kind_text(type);
+    std::string text(kind_text(type));
     bool has_values = type.kind == Kind::integer;
     bool has_sizes = type.kind == Kind::bit_string || type.kind == Kind::octet_string || is_list(type) ||
                      type.kind == Kind::char_string;

@@ -6,6 +6,7 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orlentac {
@@ -38,6 +39,9 @@ enum class Kind {
     open_type,  // a field of class type under a table constraint, or ANY-like
     reference,  // to a named type; `target` says which
 };
+
+// As messages and comments name it: "SEQUENCE OF".
+std::string_view kind_name(Kind kind);
 
 // As word 1 of a CHAR_STRING descriptor.
 enum class StringKind {

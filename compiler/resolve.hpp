@@ -132,7 +132,6 @@ Type* resolve_type(Resolver& resolver, const AstType& type, const Scope& scope);
 Type* resolve_in_place(Resolver& resolver, const AstType& type, const Scope& scope);
 Base base_of(Resolver& resolver, const AstType& type, const Scope& scope);
 bool is_open_field(const AstType& type);
-std::string_view kind_name(Kind kind);
 Kind base_kind(const Base& base);
 const Type& behind_references(const Type& type);
 
