@@ -78,7 +78,7 @@ static int decode_int32(asn1_oer_decoder* decoder, const asn1_type_desc* type, v
     integer_form form = integer_form_of(type);
     int32_t octets = form.octets != 0 ? static_cast<int32_t>(form.octets) : decode_len(decoder);
     if (octets < 0) return octets;
-    uint32_t number;
+    uint32_t number = 0;
     int result = form.is_unsigned ? get_number(decoder, &number, octets)
                                   : asn1_decode_int32_internal(decoder, &number, octets);
     if (result == 0) store32(value, number);

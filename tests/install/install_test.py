@@ -153,6 +153,52 @@ def check_packages(args):
         expect((prefix / "bin" / "orlentac").exists(), "orlentac is not installed")
 
 
+OWN_MODULE = """
+Sensors DEFINITIONS AUTOMATIC TAGS ::= BEGIN
+Reading ::= SEQUENCE { id INTEGER (0..255), level Level, note IA5String (SIZE (0..20)) OPTIONAL, ... }
+Level ::= ENUMERATED { low, high, ... }
+END
+"""
+OWN_PROGRAM = """
+#include <my.h>
+#include <orlenta/per.h>
+#include <orlenta/value.h>
+#include <stdio.h>
+int main(void) {
+    asn1_MY_Reading there = {.id = 200, .level = asn1_MY_Level_high};
+    uint8_t* bytes;
+    void* value;
+    int64_t size = asn1_uper_encode(&bytes, asn1_type_MY_Reading, &there);
+    if (size < 0 || asn1_uper_decode(&value, asn1_type_MY_Reading, bytes, (size_t)size, NULL) != size) return 1;
+    const asn1_MY_Reading* back = value;
+    printf("%d bytes: id %d, level %d\\n", (int)size, (int)back->id, (int)back->level);
+    asn1_free_value(asn1_type_MY_Reading, value);
+    asn1_free(bytes);
+    return 0;
+}
+"""
+
+
+def check_own_schema(args):
+    """A module of the user's own, compiled by the installed orlentac, as the README shows."""
+    readme = (args.source / "README.md").read_text()
+    recipe = re.search(r"```cmake\n(.*?)```", readme, re.S).group(1)
+    with tempfile.TemporaryDirectory() as folder:
+        folder = Path(folder)
+        prefix = folder / "prefix"
+        run("cmake", "--install", args.build, "--prefix", prefix)
+        (folder / "Sensors.asn1").write_text(OWN_MODULE)
+        (folder / "Common.asn1").write_text("Common DEFINITIONS AUTOMATIC TAGS ::= BEGIN Unit ::= NULL END\n")
+        (folder / "app.c").write_text(OWN_PROGRAM)
+        (folder / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.25)\nproject(own LANGUAGES C CXX)\nadd_executable(app app.c)\n" + recipe)
+        run("cmake", "-G", "Ninja", "-S", folder, "-B", folder / "build", f"-DCMAKE_PREFIX_PATH={prefix}",
+            f"-DCMAKE_C_COMPILER={args.cc}", f"-DCMAKE_CXX_COMPILER={args.cxx}")
+        run("cmake", "--build", folder / "build")
+        # Extension bit, presence bit, 8 bits of id, extension bit and 1 bit of level: 12 bits.
+        expect(run(folder / "build" / "app") == "2 bytes: id 200, level 1\n", "another value came back")
+
+
 def check_readme(args):
     """The programs that the README shows stand in examples/ as shown."""
     text = (args.source / "README.md").read_text()
