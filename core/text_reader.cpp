@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include "core/error.hpp"
+#include "core/failed_value.hpp"
 
 namespace orlenta {
 
@@ -239,12 +240,7 @@ int64_t finish_text_decode(const text_parser* parser, int result, const asn1_typ
         *out = value;
         return static_cast<int64_t>(length);
     }
-    // An information object class has no values, and asn1_free_value() does not take one.
-    if (kind_of(type) > ASN1_KIND_ANY) {
-        asn1_free(value);
-    } else {
-        asn1_free_value(type, value);
-    }
+    free_failed_value(type, value);
     *out = nullptr;
     return hand_out_error(error, &parser->error);
 }

@@ -3,6 +3,7 @@
 #include <orlenta/value.h>
 
 #include "core/error.hpp"
+#include "core/failed_value.hpp"
 #include "per/decode_type.hpp"
 
 namespace orlenta::per {
@@ -26,15 +27,6 @@ static void skip_bits(asn1_per_decoder* decoder, uint32_t count) {
     asn1_get_bits(decoder, count % 32, &ignored);
 }
 
-// A class of objects has no values: its decode fails, and asn1_free_value() is not made for it.
-static void free_root(const asn1_type_desc* type, void* value) {
-    if (kind_of(type) > ASN1_KIND_ANY) {
-        asn1_free(value);
-    } else {
-        asn1_free_value(type, value);
-    }
-}
-
 // A new value of the type in `*out`, or null and the caller's record filled.
 static int decode_to_new_value(asn1_per_decoder* decoder, void** out, const asn1_type_desc* type,
                                uint32_t start_bit, asn1_error* error) {
@@ -42,7 +34,7 @@ static int decode_to_new_value(asn1_per_decoder* decoder, void** out, const asn1
     if (*out) {
         skip_bits(decoder, start_bit);
         if (asn1_per_decode_type(decoder, type, *out) == 0) return 0;
-        free_root(type, *out);
+        free_failed_value(type, *out);
         *out = nullptr;
     } else {
         asn1_decode_error(decoder, "not enough memory");
