@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "compiler/catalogue.hpp"
+#include "compiler/emit/catalogue_entry.hpp"
 
 namespace cli {
 

@@ -33,7 +33,7 @@ endif()
 function(orlenta_library_options target)
     target_compile_options(${target} PRIVATE ${ORLENTA_WARNINGS} -fno-semantic-interposition
         $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)
-    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} PUBLIC
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/lib PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>)
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON
         C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
@@ -49,7 +49,7 @@ function(orlenta_program_options target)
             target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wno-${warning}>)
         endforeach()
     endif()
-    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR})
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/lib)
 endfunction()
 
 # Linked as C, so that no C++ runtime comes in, and without start files, so that nothing runs at load time.

@@ -3,9 +3,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "compiler/lexer.hpp"
-#include "compiler/parser.hpp"
-#include "compiler/resolve.hpp"
+#include "compiler/resolve/resolve.hpp"
+#include "compiler/syntax/lexer.hpp"
+#include "compiler/syntax/parser.hpp"
 
 namespace orlentac {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "compiler/diagnostics.hpp"
-#include "compiler/model.hpp"
+#include "compiler/model/diagnostics.hpp"
+#include "compiler/model/model.hpp"
 
 namespace orlentac {
 

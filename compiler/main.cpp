@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "compiler/diagnostics.hpp"
-#include "compiler/emit_catalogue.hpp"
-#include "compiler/emit_header.hpp"
-#include "compiler/emit_tables.hpp"
+#include "compiler/emit/catalogue.hpp"
+#include "compiler/emit/header.hpp"
+#include "compiler/emit/output.hpp"
+#include "compiler/emit/summary.hpp"
+#include "compiler/emit/tables.hpp"
 #include "compiler/frontend.hpp"
-#include "compiler/layout.hpp"
-#include "compiler/output.hpp"
-#include "compiler/summary.hpp"
+#include "compiler/layout/layout.hpp"
+#include "compiler/model/diagnostics.hpp"
 
 using namespace orlentac;
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "compiler/model.hpp"
+#include "compiler/model/model.hpp"
 
 namespace orlentac::test {
 

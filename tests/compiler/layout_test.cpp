@@ -1,5 +1,5 @@
 // The words of tables, and the sizes of records, from small modules.
-#include "compiler/layout.hpp"
+#include "compiler/layout/layout.hpp"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -7,7 +7,7 @@
 #include <ostream>
 #include <span>
 
-#include "compiler/catalogue.hpp"
+#include "compiler/emit/catalogue_entry.hpp"
 
 namespace orlenta::test {
 

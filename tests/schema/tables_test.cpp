@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "compiler/emit/summary.hpp"
 #include "compiler/frontend.hpp"
-#include "compiler/layout.hpp"
-#include "compiler/summary.hpp"
+#include "compiler/layout/layout.hpp"
 
 using namespace orlentac;
 

@@ -8,7 +8,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "compiler/catalogue.hpp"
+#include "compiler/emit/catalogue_entry.hpp"
 #include "tests/roundtrip/rules.hpp"
 #include "tests/roundtrip/values.hpp"
 #include "tests/support/failing_allocator.hpp"

@@ -1,0 +1,37 @@
+// The C types of value records, and the names of their members.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "compiler/layout/layout.hpp"
+
+namespace orlentac {
+
+// A named or nested type has a record with a name; what is in place has one of the library's types.
+bool has_record(const Table& table);
+std::string record_name(const Table& table);
+
+// The library's type for a value that is no struct.
+std::string simple_type(const Table& table);
+// The table behind a TAGGED that has no name.
+const Table& unwrapped(const Table& table);
+// The C type of a value that the table describes, as a member, an element or a typedef has it.
+std::string value_type(const Table& table);
+// Whether the record is a struct: SEQUENCE, SET, CHOICE, SEQUENCE OF and SET OF.
+bool is_struct(const Table& table);
+
+// Members of a component: its presence word and its value; empty where there is none, as a NULL has no value.
+struct MemberNames {
+    std::string presence;
+    std::string value;
+};
+// Components of a SEQUENCE or SET, alternatives of a CHOICE.
+std::vector<MemberNames> member_names(const Table& table);
+// Whether any member has a value: a record without one is padded to a byte, a CHOICE without one has no union.
+bool has_payload(const Table& table);
+
+// The ASN.1 type in a few words, with its bounds: "INTEGER (0..255)".
+std::string description(const Table& table);
+
+}  // namespace orlentac

@@ -1,0 +1,14 @@
+// Writes a list of all tables of a region by name, as C++ source.
+#pragma once
+
+#include <string>
+
+#include "compiler/layout/layout.hpp"
+
+namespace orlentac {
+
+// The text of a source file that defines orlenta_catalogue_<REGION> and its count, as
+// catalogue_entry.hpp says.
+std::string emit_catalogue(const Layout& layout);
+
+}  // namespace orlentac

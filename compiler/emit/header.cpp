@@ -1,0 +1,299 @@
+#include "compiler/emit/header.hpp"
+
+#include <fmt/format.h>
+#include <orlenta/type.h>
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <unordered_set>
+
+#include "compiler/emit/c_types.hpp"
+#include "compiler/layout/records.hpp"
+
+namespace orlentac {
+
+namespace {
+
+struct Writer {
+    const Layout& layout;
+    std::string out;
+    std::unordered_set<std::string> names;     // of records and constants
+    std::unordered_set<const Table*> defined;  // structs
+};
+
+template <typename... Args>
+void put(Writer& writer, fmt::format_string<Args...> format, Args&&... args) {
+    fmt::format_to(std::back_inserter(writer.out), format, std::forward<Args>(args)...);
+}
+
+void put_section(Writer& writer, const std::string& title) {
+    std::string line = "/* ---- " + title + " ";
+    const char* gap = writer.out.ends_with("\n\n") ? "" : "\n";
+    put(writer, "{}{:-<109}*/\n\n", gap, line);
+}
+
+// ---- constants --------------------------------------------------------------------------------------------
+
+// A name that no record and no other constant has.
+std::string constant_name(Writer& writer, const std::string& owner, const std::string& schema_name) {
+    std::string name = owner + "_" + c_name(schema_name);
+    while (!writer.names.insert(name).second) name += '_';
+    return name;
+}
+
+// Items, alternatives: a name for each index.
+template <typename Named>
+void put_indices(Writer& writer, const std::string& owner, const std::vector<Named>& list) {
+    if (list.empty()) return;
+    put(writer, "enum {{\n");
+    for (size_t i = 0; i < list.size(); i++)
+        put(writer, "    {} = {},\n", constant_name(writer, owner, list[i].name), i);
+    put(writer, "}};\n");
+}
+
+// Named numbers and named bits. An enumeration constant of C has to fit an int; what does not is a macro, and what
+// does not fit 64 bits has no use for C.
+void put_named_numbers(Writer& writer, const std::string& owner, const std::vector<NamedNumber>& list) {
+    auto fits_int = [](const NamedNumber& number) {
+        return number.value >= INT32_MIN && number.value <= INT32_MAX;
+    };
+    if (std::ranges::any_of(list, fits_int)) {
+        put(writer, "enum {{\n");
+        for (const NamedNumber& number : list) {
+            if (!fits_int(number)) continue;
+            std::string name = constant_name(writer, owner, number.name);
+            if (number.value == INT32_MIN)
+                put(writer, "    {} = -2147483647 - 1,\n", name);
+            else
+                put(writer, "    {} = {},\n", name, number.value.str());
+        }
+        put(writer, "}};\n");
+    }
+    for (const NamedNumber& number : list) {
+        if (fits_int(number) || number.value <= INT64_MIN || number.value > UINT64_MAX) continue;
+        const char* macro = number.value <= 0            ? "INT64_C"
+                            : number.value <= UINT32_MAX ? "UINT32_C"
+                                                         : "UINT64_C";
+        put(writer, "#define {} {}({})\n", constant_name(writer, owner, number.name), macro,
+            number.value.str());
+    }
+}
+
+// ---- records ----------------------------------------------------------------------------------------------
+
+void put_simple(Writer& writer, const Table& table) {
+    std::string name = record_name(table);
+    put(writer, "/* {} */\ntypedef {} {};\n", description(table), simple_type(table), name);
+    if (table.type->kind == Kind::enumerated) put_indices(writer, name, table.type->items);
+    // A type that narrows another one shares that one's names.
+    if (!table.type->from) put_named_numbers(writer, name, table.type->named_numbers);
+}
+
+// Names that an INTEGER or BIT STRING in place gives to numbers or bits.
+void put_names_in_place(Writer& writer, const Table& table) {
+    for (const Part& part : table.parts) {
+        if (part.type->kind == Kind::reference || part.type->from || part.type->named_numbers.empty())
+            continue;
+        std::string owner = record_name(table);
+        if (!part.name.empty()) owner += "_" + c_name(part.name);
+        put_named_numbers(writer, owner, part.type->named_numbers);
+    }
+}
+
+void put_member(Writer& writer, const Part& part, const std::string& name, const char* indent) {
+    const Table& described = unwrapped(*part.table);
+    put(writer, "{}{} {};", indent, value_type(*part.table), name);
+    if (!has_record(described)) put(writer, " /* {} */", description(described));
+    put(writer, "\n");
+}
+
+void put_sequence(Writer& writer, const Table& table) {
+    std::vector<MemberNames> names = member_names(table);
+    for (size_t i = 0; i < names.size(); i++) {
+        if (!names[i].presence.empty()) put(writer, "    uint32_t {};\n", names[i].presence);
+        if (!names[i].value.empty()) put_member(writer, table.parts[i], names[i].value, "    ");
+    }
+    if (!has_payload(table)) put(writer, "    uint8_t empty;\n");
+}
+
+void put_choice(Writer& writer, const Table& table) {
+    std::vector<MemberNames> names = member_names(table);
+    put(writer, "    uint32_t choice;\n");
+    if (!has_payload(table)) return;
+    put(writer, "    union {{\n");
+    for (size_t i = 0; i < names.size(); i++)
+        if (!names[i].value.empty()) put_member(writer, table.parts[i], names[i].value, "        ");
+    put(writer, "    }} u;\n");
+}
+
+void put_struct(Writer& writer, const Table& table);
+
+// A struct must be defined before one that has it as a member. Elements of lists are apart, as are pointers.
+void put_structs_inside(Writer& writer, const Table& table) {
+    if (table.kind == ASN1_KIND_SEQUENCE_OF || table.kind == ASN1_KIND_SET_OF) return;
+    for (const Part& part : table.parts) {
+        if (value_type(*part.table).ends_with('*')) continue;
+        const Table* inside = part.table;
+        while (inside->kind == ASN1_KIND_TAGGED) inside = inside->parts[0].table;
+        if (is_struct(*inside)) put_struct(writer, *inside);
+    }
+}
+
+void put_struct(Writer& writer, const Table& table) {
+    if (!writer.defined.insert(&table).second) return;
+    put_structs_inside(writer, table);
+    std::string name = record_name(table);
+    put(writer, "/* {} */\n", description(table));
+    if (table.kind == ASN1_KIND_CHOICE) put_indices(writer, name, table.type->alternatives);
+    put_names_in_place(writer, table);
+    put(writer, "struct {} {{\n", name);
+    switch (table.kind) {
+        case ASN1_KIND_SEQUENCE:
+        case ASN1_KIND_SET: put_sequence(writer, table); break;
+        case ASN1_KIND_CHOICE: put_choice(writer, table); break;
+        default:
+            put(writer, "    {}* data;\n    uint64_t count;\n", value_type(*table.parts[0].table));
+            break;
+    }
+    put(writer, "}};\n\n");
+}
+
+void put_records(Writer& writer) {
+    const std::vector<const Table*>& tables = writer.layout.tables;
+    put_section(writer, "simple types");
+    for (const Table* table : tables)
+        if (has_record(*table) && !is_struct(*table) && table->kind != ASN1_KIND_TAGGED)
+            put_simple(writer, *table);
+
+    put_section(writer, "names of records");
+    for (const Table* table : tables)
+        if (has_record(*table) && is_struct(*table))
+            put(writer, "typedef struct {0} {0};\n", record_name(*table));
+    for (const Table* table : tables)
+        if (has_record(*table) && table->kind == ASN1_KIND_TAGGED)
+            put(writer, "typedef {} {};\n", value_type(*table->parts[0].table), record_name(*table));
+
+    for (const Alias& alias : writer.layout.aliases)
+        put(writer, "typedef {} asn1_{}_{};\n", record_name(*alias.table), writer.layout.region,
+            c_name(alias.name));
+
+    put_section(writer, "records");
+    for (const Table* table : tables)
+        if (has_record(*table) && is_struct(*table)) put_struct(writer, *table);
+}
+
+// ---- descriptors ------------------------------------------------------------------------------------------
+
+void put_descriptors(Writer& writer, const char* title, Table::Class table_class) {
+    const std::vector<const Table*>& tables = writer.layout.tables;
+    if (std::ranges::none_of(tables, [&](const Table* table) { return table->table_class == table_class; }))
+        return;
+    put_section(writer, title);
+    for (const Table* table : tables)
+        if (table->table_class == table_class)
+            put(writer, "ORLENTA_API extern const asn1_type_desc asn1_type_{}[];\n", table->symbol);
+}
+
+// Types that have a name in the schema, but the table of another one.
+void put_alias_descriptors(Writer& writer) {
+    if (writer.layout.aliases.empty()) return;
+    put_section(writer, "descriptors that other names stand for");
+    for (const Alias& alias : writer.layout.aliases)
+        put(writer, "#define asn1_type_{}_{} asn1_type_{}\n", writer.layout.region, c_name(alias.name),
+            alias.table->symbol);
+}
+
+// ---- the manual at the top --------------------------------------------------------------------------------
+
+void count_reached(std::unordered_set<const Table*>& reached, const Table& table) {
+    if (!reached.insert(&table).second) return;
+    for (const Part& part : table.parts) count_reached(reached, *part.table);
+}
+
+// The root with most types beneath it makes the best example.
+const Table* example_root(const Layout& layout) {
+    const Table* best = nullptr;
+    size_t most = 0;
+    for (const Table* root : layout.roots) {
+        if (root->kind != ASN1_KIND_SEQUENCE && root->kind != ASN1_KIND_CHOICE) continue;
+        std::unordered_set<const Table*> reached;
+        count_reached(reached, *root);
+        if (reached.size() > most) best = root;
+        most = std::max(most, reached.size());
+    }
+    return best;
+}
+
+void put_example(Writer& writer, const Table& root) {
+    std::string name = record_name(root);
+    std::string use = fmt::format("use message->{}", member_names(root)[0].value);
+    if (root.kind == ASN1_KIND_CHOICE)
+        use = fmt::format("if (message->choice == {}_{}) use message->u.{}", name, c_name(root.parts[0].name),
+                          member_names(root)[0].value);
+    put(writer,
+        " *\n"
+        " * A message from its UPER encoding, with <orlenta/per.h> and <orlenta/value.h>:\n"
+        " *\n"
+        " *     void* value;\n"
+        " *     asn1_error err;\n"
+        " *     if (asn1_uper_decode(&value, asn1_type_{0}, data, size, &err) < 0) return report(&err);\n"
+        " *     {1}* message = ({1}*)value;\n"
+        " *     ... {2} ...\n"
+        " *     asn1_free_value(asn1_type_{0}, value);\n",
+        root.symbol, name, use);
+}
+
+void put_manual(Writer& writer) {
+    put(writer,
+        "/* The types of the region {0}: value records and descriptors. Made by orlentac; not to be edited.\n"
+        " *\n"
+        " * A type Some-Type of the schema has the record asn1_{0}_Some_Type and the descriptor\n"
+        " * asn1_type_{0}_Some_Type; structured types without a name are numbered behind the name of the "
+        "type around\n"
+        " * them. Members have the names of their components, with underscores for hyphens, and one more "
+        "underscore at\n"
+        " * the end if the name would be a keyword or the like. Directly before a component that may be "
+        "absent stands\n"
+        " * its presence word, has_..., 0 or 1. A CHOICE has the index of its alternative in choice and the "
+        "value in u;\n"
+        " * an ENUMERATED is the index of its item; both have constants, asn1_{0}_Some_Type_itemName. A NULL "
+        "has no\n"
+        " * member. A record of zero bytes is a valid start, and asn1_mallocz_value() gives one.\n",
+        writer.layout.region);
+    if (const Table* root = example_root(writer.layout)) put_example(writer, *root);
+    put(writer, " */\n");
+}
+
+std::string guard_of(const std::string& header) {
+    std::string guard;
+    for (char c : header)
+        guard += std::isalnum(static_cast<unsigned char>(c)) ? static_cast<char>(std::toupper(c)) : '_';
+    return guard;
+}
+
+}  // namespace
+
+std::string emit_header(const Layout& layout, const std::string& header) {
+    Writer writer = {layout, {}, {}, {}};
+    for (const Table* table : layout.tables)
+        if (has_record(*table)) writer.names.insert(record_name(*table));
+    for (const Alias& alias : layout.aliases)
+        writer.names.insert("asn1_" + layout.region + "_" + c_name(alias.name));
+    std::string guard = guard_of(header);
+    put_manual(writer);
+    put(writer,
+        "#ifndef {0}\n#define {0}\n\n"
+        "#include <orlenta/integer.h>\n#include <orlenta/type.h>\n\n"
+        "#ifdef __cplusplus\nextern \"C\" {{\n#endif\n",
+        guard);
+    put_records(writer);
+    put_descriptors(writer, "descriptors of named types", Table::Class::named);
+    put_alias_descriptors(writer);
+    put_descriptors(writer, "descriptors of nested types", Table::Class::nested);
+    put_descriptors(writer, "descriptors in place: what those above are made of", Table::Class::anonymous);
+    put(writer, "\n#ifdef __cplusplus\n}}\n#endif\n\n#endif\n");
+    return writer.out;
+}
+
+}  // namespace orlentac

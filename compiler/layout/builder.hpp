@@ -1,0 +1,50 @@
+// What the files of the layout share: the tables under construction, and who makes which.
+#pragma once
+
+#include <orlenta/type.h>
+
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "compiler/layout/layout.hpp"
+#include "compiler/layout/records.hpp"
+#include "compiler/model/references.hpp"
+
+namespace orlentac {
+
+struct Builder {
+    Layout& out;
+    Diagnostics& diags;
+    References references;
+    Records records;
+    uint32_t next_local;
+    std::unordered_map<const NamedType*, Table*> named;
+    std::unordered_map<const ObjectClass*, Table*> classes;
+    std::unordered_map<std::string, int> nested_count;  // by enclosing type
+    std::unordered_set<std::string> symbols;
+    std::string enclosing;  // C name of the type that nested tables are named after
+};
+
+// ---- layout.cpp: which table a reference means ------------------------------------------------------------
+
+// The descriptor of a component or alternative with the automatic tag `tag`. `in_place` makes even a referred type a
+// descriptor of its own.
+const Table* part_table(Builder& builder, const Type& type, uint32_t tag, bool in_place = false);
+// The descriptor of what has no automatic tag: elements, contained types, object set rows, class fields. Null for
+// null.
+const Table* plain_table(Builder& builder, const Type* type);
+
+// ---- table_words.cpp: the words of a table ----------------------------------------------------------------
+
+// Class and number of the context tag, and of the universal tag of a type; 0 for a CHOICE or an open type.
+uint32_t context_tag(uint32_t number);
+uint32_t universal_tag(const Type& type);
+
+// Fill an empty table, whose name is set if it has one. `tag` is the one that stands in word 0; a TAGGED has a context
+// tag, and `type` says what it holds, as `inner` may not be filled yet.
+void fill_table(Builder& builder, Table& table, const Type& type, uint32_t tag);
+void fill_tagged(Table& table, const Table* inner, const Type& type, uint32_t flags, uint32_t tag);
+void fill_class(Builder& builder, Table& table, const ObjectClass& object_class);
+
+}  // namespace orlentac

@@ -1,0 +1,47 @@
+#include "compiler/model/diagnostics.hpp"
+
+#include <algorithm>
+#include <tuple>
+
+namespace orlentac {
+
+void add_error(Diagnostics& diags, Place place, std::string text) {
+    diags.errors.push_back({place, std::move(text)});
+}
+
+static size_t file_rank(const Diagnostics& diags, const std::string* file) {
+    return std::find(diags.files.begin(), diags.files.end(), file) - diags.files.begin();
+}
+
+void sort_errors(Diagnostics& diags) {
+    auto key = [&](const Diagnostic& error) {
+        return std::tuple(file_rank(diags, error.place.file), error.place.line, error.place.column);
+    };
+    std::stable_sort(diags.errors.begin(), diags.errors.end(),
+                     [&](const Diagnostic& a, const Diagnostic& b) { return key(a) < key(b); });
+    auto same = [&](const Diagnostic& a, const Diagnostic& b) {
+        return key(a) == key(b) && a.text == b.text;
+    };
+    diags.errors.erase(std::unique(diags.errors.begin(), diags.errors.end(), same), diags.errors.end());
+}
+
+std::string place_text(Place place, bool with_file) {
+    std::string text = fmt::format("{}:{}", place.line, place.column);
+    return with_file && place.file ? *place.file + ":" + text : text;
+}
+
+void print_errors(std::ostream& out, const Diagnostics& diags, size_t limit) {
+    size_t shown = std::min(limit, diags.errors.size());
+    for (size_t i = 0; i < shown; i++) {
+        const Diagnostic& error = diags.errors[i];
+        if (error.place.line > 0) {
+            out << place_text(error.place) << ": ";
+        } else if (error.place.file) {
+            out << *error.place.file << ": ";
+        }
+        out << "error: " << error.text << '\n';
+    }
+    if (shown < diags.errors.size()) out << "... and " << diags.errors.size() - shown << " more errors\n";
+}
+
+}  // namespace orlentac

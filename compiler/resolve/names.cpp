@@ -1,0 +1,202 @@
+// Names: which module defines what, imports it, or only seems to.
+#include <algorithm>
+#include <numeric>
+
+#include "compiler/resolve/resolve.hpp"
+
+namespace orlentac {
+
+namespace {
+
+void declare_assignments(Resolver& resolver, ModuleNames& names) {
+    for (const AstAssignment* assignment : names.ast->assignments) {
+        if (assignment->name.empty()) continue;
+        auto [known, fresh] =
+            resolver.region_names.try_emplace(assignment->name, Meaning{assignment, &names});
+        if (!fresh) {
+            const Meaning& first = known->second;
+            error(resolver.diags, assignment->place, "'{}' is defined already, in module '{}' at {}",
+                  assignment->name, first.module->ast->name, place_text(first.assignment->place));
+        }
+        names.own.try_emplace(assignment->name, assignment);
+    }
+}
+
+void declare_module(Resolver& resolver, const AstModule& module) {
+    ModuleNames& names = resolver.modules.emplace_back();
+    names.ast = &module;
+    names.scope.module = &names;
+    if (!resolver.module_names.try_emplace(module.name, &names).second) {
+        error(resolver.diags, module.place, "the module '{}' is defined already", module.name);
+    }
+    if (module.tags != "AUTOMATIC" && !module.name.empty()) {
+        error(resolver.diags, module.tags_place, "expected AUTOMATIC TAGS, found {}",
+              module.tags.empty() ? "no tagging environment" : module.tags + " TAGS");
+    }
+    declare_assignments(resolver, names);
+}
+
+bool exports(const AstModule& module, const std::string& name) {
+    auto same = [&](const AstSymbol& symbol) { return symbol.name == name; };
+    return module.exports_all || std::any_of(module.exports.begin(), module.exports.end(), same);
+}
+
+void check_exports(Resolver& resolver, const ModuleNames& names) {
+    for (const AstSymbol& symbol : names.ast->exports) {
+        if (!names.own.contains(symbol.name)) {
+            error(resolver.diags, symbol.place, "'{}' is exported, but not defined", symbol.name);
+        }
+    }
+}
+
+// Where `name` comes from, through modules that import it themselves.
+Meaning find_exported(const Resolver& resolver, const std::string& module, const std::string& name,
+                      int depth = 0) {
+    auto names = resolver.module_names.find(module);
+    if (names == resolver.module_names.end() || depth > 32) return {};
+    auto own = names->second->own.find(name);
+    if (own != names->second->own.end()) return {own->second, names->second};
+    for (const AstImport& import : names->second->ast->imports) {
+        auto same = [&](const AstSymbol& symbol) { return symbol.name == name; };
+        if (std::any_of(import.symbols.begin(), import.symbols.end(), same)) {
+            return find_exported(resolver, import.module.name, name, depth + 1);
+        }
+    }
+    return {};
+}
+
+std::string defined_elsewhere(const Resolver& resolver, const std::string& name) {
+    auto known = resolver.region_names.find(name);
+    return known == resolver.region_names.end()
+               ? ""
+               : fmt::format("; module '{}' does", known->second.module->ast->name);
+}
+
+void import_symbol(Resolver& resolver, ModuleNames& names, const AstImport& import, const AstSymbol& symbol) {
+    auto from = resolver.module_names.find(import.module.name);
+    Meaning meaning = find_exported(resolver, import.module.name, symbol.name);
+    if (from != resolver.module_names.end() && !meaning) {
+        error(resolver.diags, symbol.place, "module '{}' does not define '{}'{}", import.module.name,
+              symbol.name, defined_elsewhere(resolver, symbol.name));
+    } else if (meaning && !exports(*from->second->ast, symbol.name)) {
+        error(resolver.diags, symbol.place, "module '{}' does not export '{}'", import.module.name,
+              symbol.name);
+    }
+    if (names.own.contains(symbol.name)) {
+        error(resolver.diags, symbol.place, "'{}' is both imported and defined", symbol.name);
+        return;
+    }
+    auto [known, fresh] = names.imported.try_emplace(symbol.name, meaning);
+    if (!fresh && meaning && known->second && known->second.assignment != meaning.assignment) {
+        error(resolver.diags, symbol.place, "'{}' is imported already, from another module", symbol.name);
+    }
+}
+
+void resolve_imports(Resolver& resolver, ModuleNames& names) {
+    for (const AstImport& import : names.ast->imports) {
+        if (!resolver.module_names.contains(import.module.name)) {
+            error(resolver.diags, import.module.place, "unknown module '{}'", import.module.name);
+        }
+        for (const AstSymbol& symbol : import.symbols) import_symbol(resolver, names, import, symbol);
+    }
+}
+
+// Levenshtein's distance, without regard to case.
+size_t distance(const std::string& a, const std::string& b) {
+    std::vector<size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (size_t i = 0; i < a.size(); i++) {
+        size_t diagonal = i;
+        row[0] = i + 1;
+        for (size_t j = 0; j < b.size(); j++) {
+            size_t cost = std::tolower(a[i]) == std::tolower(b[j]) ? 0 : 1;
+            size_t next = std::min({row[j] + 1, row[j + 1] + 1, diagonal + cost});
+            diagonal = row[j + 1];
+            row[j + 1] = next;
+        }
+    }
+    return row.back();
+}
+
+// What may have been meant: a name not imported, or one that looks much the same.
+std::string hint(const Resolver& resolver, const std::string& name) {
+    auto known = resolver.region_names.find(name);
+    if (known != resolver.region_names.end()) {
+        return fmt::format("; module '{}' defines it, but it is not imported",
+                           known->second.module->ast->name);
+    }
+    const std::string* best = nullptr;
+    size_t best_distance = name.size() < 4 ? 1 : name.size() < 8 ? 2 : 3;
+    for (const auto& [other, meaning] : resolver.region_names) {
+        if (std::isupper(other[0]) != std::isupper(name[0])) continue;
+        size_t gap = other.size() > name.size() ? other.size() - name.size() : name.size() - other.size();
+        if (gap >= best_distance) continue;
+        size_t found = distance(name, other);
+        if (found < best_distance || (best && found == best_distance && other < *best)) {
+            best = &other;
+            best_distance = found;
+        }
+    }
+    return best ? fmt::format("; did you mean '{}'?", *best) : "";
+}
+
+enum class Search { found, broken, missing };
+
+Search search(const Resolver& resolver, const Scope& scope, const AstReference& reference, Meaning& meaning) {
+    if (!reference.module.empty()) {
+        meaning = find_exported(resolver, reference.module, reference.name);
+        return meaning ? Search::found : Search::missing;
+    }
+    for (Binding* binding : scope.bindings) {
+        if (binding->parameter->name != reference.name) continue;
+        meaning = {nullptr, nullptr, binding};
+        return Search::found;
+    }
+    auto own = scope.module->own.find(reference.name);
+    if (own != scope.module->own.end()) {
+        meaning = {own->second, scope.module};
+        return Search::found;
+    }
+    auto imported = scope.module->imported.find(reference.name);
+    if (imported == scope.module->imported.end()) return Search::missing;
+    meaning = imported->second;
+    return meaning ? Search::found : Search::broken;
+}
+
+}  // namespace
+
+void declare_modules(Resolver& resolver) {
+    for (const AstModule& module : resolver.ast.modules) declare_module(resolver, module);
+    for (ModuleNames& names : resolver.modules) {
+        check_exports(resolver, names);
+        resolve_imports(resolver, names);
+    }
+}
+
+Meaning peek_name(const Resolver& resolver, const Scope& scope, const AstReference& reference) {
+    Meaning meaning;
+    return search(resolver, scope, reference, meaning) == Search::found ? meaning : Meaning{};
+}
+
+Meaning find_name(Resolver& resolver, const Scope& scope, const AstReference& reference,
+                  std::string_view what) {
+    Meaning meaning;
+    if (search(resolver, scope, reference, meaning) == Search::missing) {
+        if (!reference.module.empty()) {
+            bool known = resolver.module_names.contains(reference.module);
+            error(resolver.diags, reference.place, "unknown {} '{}.{}'{}", what, reference.module,
+                  reference.name, known ? "" : ": there is no such module");
+        } else {
+            error(resolver.diags, reference.place, "unknown {} '{}'{}", what, reference.name,
+                  hint(resolver, reference.name));
+        }
+    }
+    if (meaning.assignment && meaning.assignment->sort == AstAssignment::Sort::broken) return {};
+    return meaning;
+}
+
+const Scope& scope_of(const Meaning& meaning) {
+    return meaning.binding ? *meaning.binding->scope : meaning.module->scope;
+}
+
+}  // namespace orlentac

@@ -1,0 +1,195 @@
+// From the syntax trees of a region to the model: what the parts of the resolver share.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "compiler/model/diagnostics.hpp"
+#include "compiler/model/model.hpp"
+#include "compiler/syntax/parser.hpp"
+#include "compiler/syntax/tree.hpp"
+
+namespace orlentac {
+
+struct Scope;
+struct ModuleNames;
+
+// An actual parameter: the tokens and where their names belong; parsed at first use, when its sort is known.
+struct Binding {
+    const AstParameter* parameter = nullptr;
+    TokenRange tokens;
+    const Scope* scope = nullptr;
+    std::string key;  // equal for equal actual parameters
+    AstType* type = nullptr;
+    AstValue* value = nullptr;
+    ObjectSet* set = nullptr;
+};
+
+// Where a name is looked up: the parameters first, then the module.
+struct Scope {
+    const ModuleNames* module = nullptr;
+    std::vector<Binding*> bindings;
+    std::string key;  // of the bindings together
+    int depth = 0;    // of instances within instances
+};
+
+// What a name stands for: an assignment in a module or a parameter; neither if it is unknown.
+struct Meaning {
+    const AstAssignment* assignment = nullptr;
+    const ModuleNames* module = nullptr;
+    Binding* binding = nullptr;
+    explicit operator bool() const { return assignment || binding; }
+};
+
+struct ModuleNames {
+    const AstModule* ast = nullptr;
+    std::unordered_map<std::string, const AstAssignment*> own;
+    std::unordered_map<std::string, Meaning>
+        imported;  // an empty meaning was imported in vain, which was told
+    Scope scope;
+};
+
+// A class with the syntax of its objects and the scope of its field types.
+struct ClassInfo {
+    ObjectClass* object_class = nullptr;
+    const AstClass* ast = nullptr;
+    const Scope* scope = nullptr;
+    bool filled = false;
+};
+
+// Selectors can be found only when all components are known.
+struct PendingTable {
+    Type* type = nullptr;
+    std::vector<Type*> enclosing;  // SEQUENCEs and SETs around it, outermost first
+    const std::vector<AstAtNotation>* keys = nullptr;
+    ObjectClass* object_class = nullptr;
+};
+
+struct Resolver {
+    Ast& ast;
+    Schema& schema;
+    Diagnostics& diags;
+    std::deque<ModuleNames> modules = {};
+    std::unordered_map<std::string, ModuleNames*> module_names = {};
+    std::unordered_map<std::string, Meaning> region_names = {};  // the flat name space
+    std::deque<Scope> scopes = {};
+    std::deque<Binding> bindings = {};
+
+    std::unordered_map<const AstAssignment*, NamedType*> named = {};
+    std::unordered_map<const AstAssignment*, ClassInfo> classes = {};
+    std::unordered_map<const ObjectClass*, const ClassInfo*> class_infos = {};
+    std::unordered_map<const AstAssignment*, ObjectSet*> sets = {};
+    std::unordered_map<std::string, NamedType*> open_instances = {};  // those being resolved, by key
+    std::unordered_set<const void*> busy = {};  // guards against values and sets of themselves
+    std::set<std::pair<const AstType*, const Scope*>> copying = {};  // and against copies within themselves
+    bool endless = false;  // an instance was found to go on for ever
+
+    std::vector<Type*> enclosing = {};
+    std::vector<PendingTable> tables = {};
+    std::vector<std::function<void()>> later = {};  // checks that need all types
+};
+
+// A type expression at the end of its references: a builtin type or an open class field; null if there is none.
+struct Base {
+    const AstType* type = nullptr;
+    const Scope* scope = nullptr;
+    explicit operator bool() const { return type; }
+};
+
+// ---- names.cpp --------------------------------------------------------------------------------------------
+
+// Names, exports and imports of all modules.
+void declare_modules(Resolver& resolver);
+// Null for an unknown name, which is told; `what` for the error: "type", "value" ...
+Meaning find_name(Resolver& resolver, const Scope& scope, const AstReference& reference,
+                  std::string_view what);
+// The same without an error.
+Meaning peek_name(const Resolver& resolver, const Scope& scope, const AstReference& reference);
+const Scope& scope_of(const Meaning& meaning);
+
+// ---- instances.cpp ----------------------------------------------------------------------------------------
+
+// The scope in which the body of a parameterised type is read; null, and told, if the parameters do not fit.
+const Scope* bind_parameters(Resolver& resolver, const Scope& scope, const AstReference& reference,
+                             const Meaning& meaning);
+AstType* binding_type(Resolver& resolver, Binding& binding);
+AstValue* binding_value(Resolver& resolver, Binding& binding);
+// A reference to a parameterised type in place.
+Type* resolve_instance(Resolver& resolver, const AstType& type, const Scope& scope, const Meaning& meaning);
+
+// ---- types.cpp --------------------------------------------------------------------------------------------
+
+Type* new_type(Resolver& resolver, Kind kind, Place place);
+// A plain reference, or a type in place.
+Type* resolve_type(Resolver& resolver, const AstType& type, const Scope& scope);
+// Never a reference; `from` and the constraints on the way are those of the references.
+Type* resolve_in_place(Resolver& resolver, const AstType& type, const Scope& scope);
+Base base_of(Resolver& resolver, const AstType& type, const Scope& scope);
+bool is_open_field(const AstType& type);
+Kind base_kind(const Base& base);
+const Type& behind_references(const Type& type);
+
+// ---- structure.cpp ----------------------------------------------------------------------------------------
+
+void fill_components(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
+void fill_alternatives(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
+void fill_items(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
+void fill_named_numbers(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
+// Root items first.
+std::vector<const AstItem*> ordered_items(const AstType& enumerated);
+
+// ---- values.cpp -------------------------------------------------------------------------------------------
+
+// A value of the type that `governor` is; none, and told, if it is not one.
+std::optional<Value> resolve_value(Resolver& resolver, const AstValue& value, const Scope& scope,
+                                   const AstType& governor, const Scope& governor_scope);
+std::optional<Number> resolve_number(Resolver& resolver, const AstValue& value, const Scope& scope);
+std::string value_text(const AstValue& value);
+// Looks, when all types are known, whether the value is within the bounds of its type.
+void check_value_later(Resolver& resolver, const Type* type, const Value& value, std::string what);
+
+// ---- constraints.cpp --------------------------------------------------------------------------------------
+
+// Whether tables tell anything of the constraint on a type of that kind.
+bool leaves_trace(const AstConstraint& constraint, Kind kind);
+void apply_constraint(Resolver& resolver, Type& type, const AstConstraint& constraint, const Base& base,
+                      const Scope& scope);
+std::vector<CodeRange> full_alphabet(StringKind kind);
+
+// ---- objects.cpp ------------------------------------------------------------------------------------------
+
+// Null, without an error, if the name is not that of a class.
+const ClassInfo* peek_class(Resolver& resolver, const Scope& scope, const AstReference& reference);
+const ClassInfo* find_class(Resolver& resolver, const Scope& scope, const AstReference& reference);
+bool is_class(Resolver& resolver, const Scope& scope, const AstType& type);
+void declare_classes(Resolver& resolver);
+void fill_classes(Resolver& resolver);
+ObjectSet* find_set(Resolver& resolver, const Scope& scope, const AstReference& reference,
+                    const ClassInfo& info);
+// {Set}, {object | object, ...}: the run of tokens between the braces.
+ObjectSet* resolve_set(Resolver& resolver, const Scope& scope, TokenRange braces, const ClassInfo& info,
+                       Place place);
+// CLASS.&field, with its table constraint.
+Type* resolve_class_field(Resolver& resolver, const AstType& type, const Scope& scope);
+void resolve_tables(Resolver& resolver);
+// Index of the field, or -1, and told.
+int find_field(Resolver& resolver, const ClassInfo& info, const std::string& name, Place place);
+
+// ---- checks.cpp -------------------------------------------------------------------------------------------
+
+// Name ::= Name, also over several steps; such names count as broken from then on.
+void check_alias_cycles(Resolver& resolver);
+// Types of which no value ends.
+void check_finite(Resolver& resolver);
+
+// ---- resolve.cpp ------------------------------------------------------------------------------------------
+
+void resolve(Resolver& resolver);
+
+}  // namespace orlentac

@@ -1,0 +1,230 @@
+// Components, alternatives, items and named numbers.
+#include <algorithm>
+#include <set>
+#include <unordered_map>
+
+#include "compiler/resolve/resolve.hpp"
+
+namespace orlentac {
+
+namespace {
+
+// A component with the scope of its type, which differs if COMPONENTS OF brings it.
+struct Member {
+    const AstComponent* ast = nullptr;
+    const Scope* scope = nullptr;
+    bool copied = false;
+    Place place;
+};
+
+void gather_members(Resolver& resolver, const AstType& ast, const Scope& scope, std::vector<Member>& members);
+
+// X.680 clause 25.5: the components of the other type's root, without its marker and additions.
+void gather_components_of(Resolver& resolver, Kind kind, const AstComponent& entry, const Scope& scope,
+                          std::vector<Member>& members) {
+    Base base = base_of(resolver, *entry.type, scope);
+    if (!base) return;
+    if (base_kind(base) != kind) {
+        return error(resolver.diags, entry.type->place, "expected a {} behind COMPONENTS OF, found {}",
+                     kind_name(kind), kind_name(base_kind(base)));
+    }
+    std::vector<Member> copied;
+    gather_members(resolver, *base.type, *base.scope, copied);
+    for (Member& member : copied) {
+        if (member.ast->addition) continue;
+        members.push_back({member.ast, member.scope, true, entry.place});
+    }
+}
+
+void gather_members(Resolver& resolver, const AstType& ast, const Scope& scope,
+                    std::vector<Member>& members) {
+    if (!resolver.busy.insert(&ast).second) {
+        return error(resolver.diags, ast.place,
+                     "the components of this type are its own, through COMPONENTS OF");
+    }
+    for (const AstComponent& component : ast.components) {
+        if (component.components_of) {
+            gather_components_of(resolver, ast.kind, component, scope, members);
+        } else {
+            members.push_back({&component, &scope, false, component.place});
+        }
+    }
+    resolver.busy.erase(&ast);
+}
+
+// Tags written out are accepted where they are those that would be given anyway.
+void check_tags(Resolver& resolver, const std::vector<Member>& members) {
+    auto tagged = [](const Member& member) { return member.ast->type->tag && !member.copied; };
+    if (std::none_of(members.begin(), members.end(), tagged)) return;
+    for (size_t i = 0; i < members.size(); i++) {
+        const Member& member = members[i];
+        if (!tagged(member)) {
+            error(resolver.diags, member.place,
+                  "'{}' has no tag, but others of the list have one, which turns automatic tags off",
+                  member.ast->name);
+            continue;
+        }
+        const AstTag& tag = *member.ast->type->tag;
+        std::optional<Number> number = resolve_number(resolver, *tag.number, *member.scope);
+        if (!number) continue;
+        if (tag.tag_class != AstTag::Class::context || tag.is_explicit || *number != i) {
+            error(resolver.diags, tag.place, "expected the tag [{}], as automatic tagging gives it", i);
+        }
+    }
+}
+
+void check_order(Resolver& resolver, const AstType& ast) {
+    bool additions = false;
+    for (const AstComponent& component : ast.components) {
+        if (additions && !component.addition) {
+            return error(resolver.diags, component.place,
+                         "components behind the second extension marker are supported only without additions "
+                         "before it");
+        }
+        additions |= component.addition;
+    }
+}
+
+template <typename Part>
+void check_names(Resolver& resolver, const std::vector<Part>& parts, std::string_view what) {
+    std::unordered_map<std::string, Place> seen;
+    for (const Part& part : parts) {
+        auto [first, fresh] = seen.try_emplace(part.name, part.place);
+        if (fresh) continue;
+        error(resolver.diags, part.place, "the {} '{}' is there already, at {}", what, part.name,
+              place_text(first->second, false));
+    }
+}
+
+Component make_component(Resolver& resolver, const Member& member) {
+    Component component;
+    component.name = member.ast->name;
+    component.presence = member.ast->presence;
+    component.addition = member.ast->addition;
+    component.place = member.place;
+    component.type = resolve_type(resolver, *member.ast->type, *member.scope);
+    if (!member.ast->default_value) return component;
+    component.default_value =
+        resolve_value(resolver, *member.ast->default_value, *member.scope, *member.ast->type, *member.scope);
+    if (component.default_value) {
+        check_value_later(resolver, component.type, *component.default_value, "the default");
+    }
+    return component;
+}
+
+void mark_groups(Type& type, const std::vector<Member>& members) {
+    for (size_t i = 0; i < members.size(); i++) {
+        int group = members[i].ast->group;
+        if (group == 0) continue;
+        type.components[i].opens_group = i == 0 || members[i - 1].ast->group != group;
+        type.components[i].closes_group = i + 1 == members.size() || members[i + 1].ast->group != group;
+    }
+}
+
+// X.680 clause 20.4: root items without a number take the smallest ones that no root item has; clause 20.5: an
+// addition takes the next one above all additions before it that the root does not have.
+std::vector<std::optional<Number>> item_numbers(Resolver& resolver, const std::vector<const AstItem*>& items,
+                                                const Scope& scope) {
+    std::vector<std::optional<Number>> numbers;
+    std::set<Number> root;
+    for (const AstItem* item : items) {
+        numbers.push_back(item->value ? resolve_number(resolver, *item->value, scope) : std::nullopt);
+        if (numbers.back() && !item->addition) root.insert(*numbers.back());
+    }
+    Number next = 0;
+    std::set<Number> given = root;
+    bool additions = false;
+    for (size_t i = 0; i < items.size(); i++) {
+        if (items[i]->addition && !additions) {
+            additions = true;
+            next = 0;
+        }
+        if (items[i]->value) {
+            if (additions && numbers[i] && *numbers[i] >= next) next = *numbers[i] + 1;
+            continue;
+        }
+        while (given.contains(next)) next++;
+        numbers[i] = next;
+        given.insert(next++);
+    }
+    return numbers;
+}
+
+}  // namespace
+
+void fill_components(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope) {
+    check_order(resolver, ast);
+    std::vector<Member> members;
+    gather_members(resolver, ast, scope, members);
+    std::stable_partition(members.begin(), members.end(), [](const Member& m) { return !m.ast->addition; });
+    check_tags(resolver, members);
+    resolver.enclosing.push_back(&type);
+    for (const Member& member : members) type.components.push_back(make_component(resolver, member));
+    resolver.enclosing.pop_back();
+    mark_groups(type, members);
+    check_names(resolver, type.components, "component");
+}
+
+void fill_alternatives(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope) {
+    check_order(resolver, ast);
+    std::vector<Member> members;
+    gather_members(resolver, ast, scope, members);
+    std::stable_partition(members.begin(), members.end(), [](const Member& m) { return !m.ast->addition; });
+    check_tags(resolver, members);
+    for (const Member& member : members) {
+        Alternative alternative;
+        alternative.name = member.ast->name;
+        alternative.addition = member.ast->addition;
+        alternative.place = member.place;
+        alternative.type = resolve_type(resolver, *member.ast->type, *member.scope);
+        type.alternatives.push_back(std::move(alternative));
+    }
+    check_names(resolver, type.alternatives, "alternative");
+    if (type.alternatives.empty() || type.alternatives[0].addition) {
+        error(resolver.diags, ast.place, "expected a CHOICE with an alternative before the extension marker");
+    }
+}
+
+std::vector<const AstItem*> ordered_items(const AstType& enumerated) {
+    std::vector<const AstItem*> items;
+    for (const AstItem& item : enumerated.items) items.push_back(&item);
+    std::stable_partition(items.begin(), items.end(), [](const AstItem* item) { return !item->addition; });
+    return items;
+}
+
+void fill_items(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope) {
+    std::vector<const AstItem*> items = ordered_items(ast);
+    std::vector<std::optional<Number>> numbers = item_numbers(resolver, items, scope);
+    std::map<Number, const AstItem*> seen;
+    for (size_t i = 0; i < items.size(); i++) {
+        if (!numbers[i]) continue;
+        auto [first, fresh] = seen.try_emplace(*numbers[i], items[i]);
+        if (!fresh) {
+            error(resolver.diags, items[i]->place, "the item '{}' has the number {} of '{}'", items[i]->name,
+                  numbers[i]->str(), first->second->name);
+        }
+        type.items.push_back({items[i]->name, *numbers[i], items[i]->addition, items[i]->place});
+    }
+    check_names(resolver, type.items, "item");
+}
+
+void fill_named_numbers(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope) {
+    std::map<Number, std::string> seen;
+    for (const AstItem& item : ast.items) {
+        std::optional<Number> number = resolve_number(resolver, *item.value, scope);
+        if (!number) continue;
+        if (type.kind == Kind::bit_string && *number < 0) {
+            error(resolver.diags, item.value->place, "expected the number of a bit, from 0 on, found {}",
+                  number->str());
+        }
+        auto [first, fresh] = seen.try_emplace(*number, item.name);
+        if (!fresh) {
+            error(resolver.diags, item.place, "'{}' has the number {} of '{}'", item.name, number->str(),
+                  first->second);
+        }
+        type.named_numbers.push_back({item.name, *number, item.place});
+    }
+    check_names(resolver, type.named_numbers, "name");
+}
+
+}  // namespace orlentac

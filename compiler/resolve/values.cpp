@@ -1,0 +1,379 @@
+// Values: of a DEFAULT, a value assignment, a bound, a field of an object.
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "compiler/resolve/resolve.hpp"
+
+namespace orlentac {
+
+namespace {
+
+// A value with the scope of its names and the type that governs it.
+struct Governed {
+    const AstValue& value;
+    const Scope& scope;
+    Base base;
+};
+
+std::optional<Value> wrong_kind(Resolver& resolver, const Governed& governed) {
+    error(resolver.diags, governed.value.place, "expected a value of {}, found {}",
+          kind_name(base_kind(governed.base)), value_text(governed.value));
+    return std::nullopt;
+}
+
+Value make_value(const Governed& governed, Value::Sort sort) {
+    Value value;
+    value.sort = sort;
+    value.place = governed.value.place;
+    return value;
+}
+
+const AstItem* find_item(const AstType& type, const std::string& name) {
+    auto found =
+        std::find_if(type.items.begin(), type.items.end(), [&](const AstItem& i) { return i.name == name; });
+    return found == type.items.end() ? nullptr : &*found;
+}
+
+// Values that may be compared or exchanged: equal kinds, for ENUMERATED equal lists of items.
+bool compatible(const Base& a, const Base& b) {
+    if (base_kind(a) != base_kind(b)) return false;
+    return base_kind(a) != Kind::enumerated || a.type == b.type;
+}
+
+std::optional<Value> resolve_assigned(Resolver& resolver, const Governed& governed, const Meaning& meaning) {
+    const AstAssignment& assignment = *meaning.assignment;
+    const Scope& scope = meaning.module->scope;
+    if (assignment.sort != AstAssignment::Sort::value || assignment.has_parameters)
+        return wrong_kind(resolver, governed);
+    Base base = base_of(resolver, *assignment.type, scope);
+    if (!base) return std::nullopt;
+    if (!compatible(governed.base, base)) {
+        error(resolver.diags, governed.value.place, "expected a value of {}, found '{}', a value of {}",
+              kind_name(base_kind(governed.base)), assignment.name,
+              base_kind(base) == Kind::enumerated ? "another ENUMERATED" : kind_name(base_kind(base)));
+        return std::nullopt;
+    }
+    if (!resolver.busy.insert(&assignment).second) {
+        error(resolver.diags, assignment.place, "the value '{}' refers to nothing but itself",
+              assignment.name);
+        return std::nullopt;
+    }
+    std::optional<Value> value = resolve_value(resolver, *assignment.value, scope, *base.type, *base.scope);
+    resolver.busy.erase(&assignment);
+    return value;
+}
+
+std::optional<Value> resolve_reference(Resolver& resolver, const Governed& governed) {
+    const AstReference& reference = governed.value.reference;
+    const AstItem* item = reference.module.empty() ? find_item(*governed.base.type, reference.name) : nullptr;
+    if (item && base_kind(governed.base) == Kind::enumerated) {
+        Value value = make_value(governed, Value::Sort::item);
+        std::vector<const AstItem*> items = ordered_items(*governed.base.type);
+        value.item = std::find(items.begin(), items.end(), item) - items.begin();
+        return value;
+    }
+    if (item && base_kind(governed.base) == Kind::integer) {
+        std::optional<Number> number = resolve_number(resolver, *item->value, *governed.base.scope);
+        if (!number) return std::nullopt;
+        Value value = make_value(governed, Value::Sort::number);
+        value.number = *number;
+        return value;
+    }
+    bool enumerated = base_kind(governed.base) == Kind::enumerated;
+    if (enumerated && !peek_name(resolver, governed.scope, reference)) {
+        error(resolver.diags, reference.place, "expected an item of the ENUMERATED, found '{}'",
+              reference.name);
+        return std::nullopt;
+    }
+    Meaning meaning = find_name(resolver, governed.scope, reference, "value");
+    if (!meaning) return std::nullopt;
+    if (!meaning.binding) return resolve_assigned(resolver, governed, meaning);
+    AstValue* actual = binding_value(resolver, *meaning.binding);
+    if (!actual) return std::nullopt;
+    return resolve_value(resolver, *actual, *meaning.binding->scope, *governed.base.type,
+                         *governed.base.scope);
+}
+
+void append_bit(Value& value, bool bit) {
+    if (value.bit_count % 8 == 0) value.bytes += '\0';
+    if (bit) value.bytes.back() |= static_cast<char>(0x80 >> value.bit_count % 8);
+    value.bit_count++;
+}
+
+// '...'B and '...'H of a BIT STRING or an OCTET STRING; the latter is padded to whole octets.
+std::optional<Value> resolve_digits(Resolver& resolver, const Governed& governed) {
+    Kind kind = base_kind(governed.base);
+    if (kind != Kind::bit_string && kind != Kind::octet_string) return wrong_kind(resolver, governed);
+    Value value = make_value(governed, kind == Kind::bit_string ? Value::Sort::bits : Value::Sort::octets);
+    for (char digit : governed.value.text) {
+        int number = digit <= '9' ? digit - '0' : digit - 'A' + 10;
+        for (int bit = governed.value.sort == AstValue::Sort::hex ? 3 : 0; bit >= 0; bit--) {
+            append_bit(value, number >> bit & 1);
+        }
+    }
+    if (kind == Kind::octet_string) value.bit_count = 0;
+    return value;
+}
+
+std::optional<Value> resolve_text(Resolver& resolver, const Governed& governed) {
+    if (base_kind(governed.base) != Kind::char_string) return wrong_kind(resolver, governed);
+    Value value = make_value(governed, Value::Sort::text);
+    value.bytes = governed.value.text;
+    return value;
+}
+
+Parser parse_inner(Resolver& resolver, const AstValue& value) {
+    return parse_range(resolver.ast, value.braces);
+}
+
+// { name, name }: named bits.
+std::optional<Value> resolve_named_bits(Resolver& resolver, const Governed& governed) {
+    Value value = make_value(governed, Value::Sort::bits);
+    std::vector<bool> bits;
+    Parser parser = parse_inner(resolver, governed.value);
+    while (!at_end(parser)) {
+        if (parser.at != governed.value.braces.first) expect_symbol(parser, ",");
+        const Token& name = expect_identifier(parser, "the name of a bit");
+        const AstItem* item = find_item(*governed.base.type, name.text);
+        if (!item) {
+            error(resolver.diags, name.place, "unknown bit '{}'", name.text);
+            return std::nullopt;
+        }
+        std::optional<Number> number = resolve_number(resolver, *item->value, *governed.base.scope);
+        if (!number || *number < 0 || *number > 1 << 20) return std::nullopt;
+        size_t bit = static_cast<size_t>(*number);
+        if (bits.size() <= bit) bits.resize(bit + 1);
+        bits[bit] = true;
+    }
+    for (bool bit : bits) append_bit(value, bit);
+    return value;
+}
+
+// X.690 clause 8.19: seven bits an octet, all but the last with bit 8 set.
+void append_arc(std::string& contents, Number arc) {
+    std::string groups;
+    do {
+        groups += static_cast<char>(static_cast<int>(arc & 0x7F) | (groups.empty() ? 0 : 0x80));
+        arc >>= 7;
+    } while (arc > 0);
+    contents.append(groups.rbegin(), groups.rend());
+}
+
+std::optional<Number> root_arc(const std::string& name) {
+    static const std::map<std::string, int> kNames = {
+        {"itu-t", 0}, {"ccitt", 0}, {"iso", 1}, {"joint-iso-itu-t", 2}, {"joint-iso-ccitt", 2}};
+    auto found = kNames.find(name);
+    return found == kNames.end() ? std::nullopt : std::optional<Number>(found->second);
+}
+
+// One arc: 5, name (5), name.
+std::optional<Number> parse_arc(Resolver& resolver, Parser& parser, const Scope& scope, bool first) {
+    if (is_sort(parser, Token::Sort::number)) return Number(parser.at++->text);
+    AstValue* named = parse_value(parser);
+    if (accept_symbol(parser, "(")) {
+        AstValue* number = parse_value(parser);
+        expect_symbol(parser, ")");
+        return resolve_number(resolver, *number, scope);
+    }
+    std::optional<Number> known = first ? root_arc(named->reference.name) : std::nullopt;
+    return known ? known : resolve_number(resolver, *named, scope);
+}
+
+// The contents octets; the first two arcs of an OBJECT IDENTIFIER share a number.
+std::optional<Value> resolve_oid(Resolver& resolver, const Governed& governed) {
+    bool relative = base_kind(governed.base) == Kind::relative_oid;
+    std::vector<Number> arcs;
+    Parser parser = parse_inner(resolver, governed.value);
+    while (!at_end(parser)) {
+        std::optional<Number> arc = parse_arc(resolver, parser, governed.scope, !relative && arcs.empty());
+        if (!arc) return std::nullopt;
+        arcs.push_back(*arc);
+    }
+    Value value = make_value(governed, Value::Sort::oid);
+    if (!relative) {
+        if (arcs.size() < 2 || arcs[0] > 2 || (arcs[0] < 2 && arcs[1] > 39)) {
+            error(resolver.diags, governed.value.place,
+                  "expected an OBJECT IDENTIFIER of at least two arcs, found {}", value_text(governed.value));
+            return std::nullopt;
+        }
+        arcs[1] += arcs[0] * 40;
+        arcs.erase(arcs.begin());
+    }
+    for (const Number& arc : arcs) append_arc(value.bytes, arc);
+    return value;
+}
+
+// { mantissa 1, base 10, exponent -2 }
+std::optional<Value> resolve_real_parts(Resolver& resolver, const Governed& governed) {
+    Parser parser = parse_inner(resolver, governed.value);
+    Number parts[3];
+    const char* names[] = {"mantissa", "base", "exponent"};
+    for (int i = 0; i < 3; i++) {
+        if (i > 0) expect_symbol(parser, ",");
+        if (expect_identifier(parser, fmt::format("'{}'", names[i])).text != names[i]) {
+            parser.at--;
+            fail_expected(parser, fmt::format("'{}'", names[i]));
+        }
+        std::optional<Number> number = resolve_number(resolver, *parse_value(parser), governed.scope);
+        if (!number) return std::nullopt;
+        parts[i] = *number;
+    }
+    expect_end(parser, "'}'");
+    Value value = make_value(governed, Value::Sort::real);
+    if (parts[1] != 2 && parts[1] != 10) {
+        error(resolver.diags, governed.value.place, "expected base 2 or 10, found {}", parts[1].str());
+        return std::nullopt;
+    }
+    if (parts[1] == 2) {
+        int exponent = static_cast<int>(std::clamp<Number>(parts[2], -10000, 10000));
+        value.real = std::ldexp(parts[0].convert_to<double>(), exponent);
+    } else {
+        value.real = std::strtod((parts[0].str() + "e" + parts[2].str()).c_str(), nullptr);
+    }
+    return value;
+}
+
+// Only the text is kept, as no table can hold such a value.
+std::optional<Value> resolve_constructed(Resolver& resolver, const Governed& governed) {
+    bool braces = governed.value.sort == AstValue::Sort::braces;
+    Kind kind = base_kind(governed.base);
+    bool fits = kind == Kind::choice      ? governed.value.sort == AstValue::Sort::choice
+                : kind != Kind::open_type ? braces
+                                          : governed.value.sort == AstValue::Sort::choice;
+    if (!fits) return wrong_kind(resolver, governed);
+    if (kind == Kind::choice) {
+        const auto& alternatives = governed.base.type->components;
+        auto same = [&](const AstComponent& a) { return a.name == governed.value.text; };
+        auto found = std::find_if(alternatives.begin(), alternatives.end(), same);
+        if (found == alternatives.end()) {
+            error(resolver.diags, governed.value.place, "the CHOICE has no alternative '{}'",
+                  governed.value.text);
+            return std::nullopt;
+        }
+        if (!resolve_value(resolver, *governed.value.inner, governed.scope, *found->type,
+                           *governed.base.scope)) {
+            return std::nullopt;
+        }
+    }
+    Value value = make_value(governed, Value::Sort::constructed);
+    value.bytes = value_text(governed.value);
+    return value;
+}
+
+std::optional<Value> resolve_braces(Resolver& resolver, const Governed& governed) {
+    try {
+        switch (base_kind(governed.base)) {
+            case Kind::bit_string: return resolve_named_bits(resolver, governed);
+            case Kind::object_identifier:
+            case Kind::relative_oid: return resolve_oid(resolver, governed);
+            case Kind::real: return resolve_real_parts(resolver, governed);
+            case Kind::sequence:
+            case Kind::sequence_of:
+            case Kind::set:
+            case Kind::set_of: return resolve_constructed(resolver, governed);
+            default: return wrong_kind(resolver, governed);
+        }
+    } catch (const SyntaxError& fault) {
+        error(resolver.diags, fault.place, "{}", fault.text);
+        return std::nullopt;
+    }
+}
+
+std::optional<Value> resolve_number_value(Resolver& resolver, const Governed& governed) {
+    Kind kind = base_kind(governed.base);
+    if (kind != Kind::integer && kind != Kind::real) return wrong_kind(resolver, governed);
+    Value value = make_value(governed, kind == Kind::integer ? Value::Sort::number : Value::Sort::real);
+    value.number = governed.value.number;
+    if (kind == Kind::real) value.real = governed.value.number.convert_to<double>();
+    return value;
+}
+
+// "5, outside of 0..3" or nothing.
+std::string misfit(const Type& type, const Value& value) {
+    const Type& behind = behind_references(type);
+    bool sized = value.sort == Value::Sort::bits || value.sort == Value::Sort::octets;
+    if (value.sort != Value::Sort::number && !sized) return "";
+    if (behind.bounds.extensible) return "";
+    bool named_bits = behind.kind == Kind::bit_string && !behind.named_numbers.empty();
+    Number number = value.sort == Value::Sort::number ? value.number
+                    : value.sort == Value::Sort::bits ? Number(value.bit_count)
+                                                      : Number(value.bytes.size());
+    const auto& [lower, upper, extensible] = behind.bounds;
+    bool below = lower && number < *lower && !named_bits;  // trailing zero bits may be added
+    if (!below && !(upper && number > *upper)) return "";
+    return fmt::format("{} {}, outside of {}..{}", sized ? " has the size" : " is", number.str(),
+                       lower ? lower->str() : "MIN", upper ? upper->str() : "MAX");
+}
+
+}  // namespace
+
+std::optional<Value> resolve_value(Resolver& resolver, const AstValue& ast, const Scope& scope,
+                                   const AstType& governor, const Scope& governor_scope) {
+    Governed governed{ast, scope, base_of(resolver, governor, governor_scope)};
+    if (!governed.base) return std::nullopt;
+    Kind kind = base_kind(governed.base);
+    switch (ast.sort) {
+        case AstValue::Sort::reference: return resolve_reference(resolver, governed);
+        case AstValue::Sort::number: return resolve_number_value(resolver, governed);
+        case AstValue::Sort::bits:
+        case AstValue::Sort::hex: return resolve_digits(resolver, governed);
+        case AstValue::Sort::text: return resolve_text(resolver, governed);
+        case AstValue::Sort::braces: return resolve_braces(resolver, governed);
+        case AstValue::Sort::choice: return resolve_constructed(resolver, governed);
+        case AstValue::Sort::null:
+            if (kind != Kind::null) return wrong_kind(resolver, governed);
+            return make_value(governed, Value::Sort::null);
+        case AstValue::Sort::boolean: {
+            if (kind != Kind::boolean) return wrong_kind(resolver, governed);
+            Value value = make_value(governed, Value::Sort::boolean);
+            value.boolean = ast.boolean;
+            return value;
+        }
+        case AstValue::Sort::real: {
+            if (kind != Kind::real) return wrong_kind(resolver, governed);
+            Value value = make_value(governed, Value::Sort::real);
+            value.real = ast.real;
+            return value;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Number> resolve_number(Resolver& resolver, const AstValue& ast, const Scope& scope) {
+    static const AstType integer = [] {
+        AstType type;
+        type.kind = Kind::integer;
+        return type;
+    }();
+    std::optional<Value> value = resolve_value(resolver, ast, scope, integer, scope);
+    return value ? std::optional<Number>(value->number) : std::nullopt;
+}
+
+std::string value_text(const AstValue& value) {
+    switch (value.sort) {
+        case AstValue::Sort::number: return value.number.str();
+        case AstValue::Sort::real: return fmt::format("{}", value.real);
+        case AstValue::Sort::boolean: return value.boolean ? "TRUE" : "FALSE";
+        case AstValue::Sort::null: return "NULL";
+        case AstValue::Sort::bits: return "'" + value.text + "'B";
+        case AstValue::Sort::hex: return "'" + value.text + "'H";
+        case AstValue::Sort::text: return "\"" + value.text + "\"";
+        case AstValue::Sort::reference: return "'" + value.reference.name + "'";
+        case AstValue::Sort::choice: return value.text + " : " + value_text(*value.inner);
+        case AstValue::Sort::braces: break;
+    }
+    std::string text = "{";
+    for (const Token* token = value.braces.first; token < value.braces.last; token++)
+        text += " " + token->text;
+    return text + " }";
+}
+
+void check_value_later(Resolver& resolver, const Type* type, const Value& value, std::string what) {
+    resolver.later.push_back([&resolver, type, value, what] {
+        std::string text = misfit(*type, value);
+        if (!text.empty()) error(resolver.diags, value.place, "{}{}", what, text);
+    });
+}
+
+}  // namespace orlentac

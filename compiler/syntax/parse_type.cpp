@@ -1,0 +1,382 @@
+// Types (X.680 clauses 17 to 46) and information object classes (X.681 clauses 9 and 10).
+#include <array>
+
+#include "compiler/syntax/parser.hpp"
+
+namespace orlentac {
+
+namespace {
+
+struct SimpleType {
+    std::string_view name;
+    Kind kind;
+    StringKind string_kind = StringKind::utf8;
+    int universal_tag = -1;
+};
+
+constexpr std::array kSimpleTypes = {
+    SimpleType{"BOOLEAN", Kind::boolean},
+    SimpleType{"NULL", Kind::null},
+    SimpleType{"REAL", Kind::real},
+    SimpleType{"RELATIVE-OID", Kind::relative_oid},
+    SimpleType{"NumericString", Kind::char_string, StringKind::numeric},
+    SimpleType{"PrintableString", Kind::char_string, StringKind::printable},
+    SimpleType{"VisibleString", Kind::char_string, StringKind::visible},
+    SimpleType{"ISO646String", Kind::char_string, StringKind::visible},
+    SimpleType{"IA5String", Kind::char_string, StringKind::ia5},
+    SimpleType{"BMPString", Kind::char_string, StringKind::bmp},
+    SimpleType{"UniversalString", Kind::char_string, StringKind::universal},
+    SimpleType{"UTF8String", Kind::char_string, StringKind::utf8},
+    SimpleType{"GeneralString", Kind::char_string, StringKind::general},
+    SimpleType{"GraphicString", Kind::char_string, StringKind::graphic},
+    SimpleType{"TeletexString", Kind::char_string, StringKind::teletex},
+    SimpleType{"T61String", Kind::char_string, StringKind::teletex},
+    SimpleType{"VideotexString", Kind::char_string, StringKind::videotex},
+    SimpleType{"UTCTime", Kind::char_string, StringKind::visible, 23},
+    SimpleType{"GeneralizedTime", Kind::char_string, StringKind::visible, 24},
+    SimpleType{"ObjectDescriptor", Kind::char_string, StringKind::graphic, 7},
+};
+
+// Part of the language, but without a table form.
+constexpr std::string_view kUnsupported[] = {"EXTERNAL",    "EMBEDDED",  "CHARACTER",       "INSTANCE",
+                                             "DATE",        "DATE-TIME", "DURATION",        "TIME",
+                                             "TIME-OF-DAY", "OID-IRI",   "RELATIVE-OID-IRI"};
+
+AstValue* parse_parenthesised_value(Parser& parser) {
+    expect_symbol(parser, "(");
+    AstValue* value = parse_value(parser);
+    expect_symbol(parser, ")");
+    return value;
+}
+
+AstItem parse_item(Parser& parser, std::string_view what) {
+    AstItem item;
+    item.place = parser.at->place;
+    item.name = expect_identifier(parser, what).text;
+    return item;
+}
+
+// { name (1), ... } of INTEGER and BIT STRING.
+void parse_named_numbers(Parser& parser, AstType& type) {
+    if (!accept_symbol(parser, "{")) return;
+    do {
+        AstItem item = parse_item(parser, "the name of a number");
+        item.value = parse_parenthesised_value(parser);
+        type.items.push_back(std::move(item));
+    } while (accept_symbol(parser, ","));
+    if (!is_symbol(parser, "}")) fail_expected(parser, "',' or '}' in a list of named numbers");
+    parser.at++;
+}
+
+void skip_exception(Parser& parser) {
+    if (!accept_symbol(parser, "!")) return;
+    while (!at_end(parser) && !is_symbol(parser, ",") && !is_symbol(parser, "}")) parser.at++;
+}
+
+void parse_enumerated(Parser& parser, AstType& type) {
+    expect_symbol(parser, "{");
+    do {
+        if (is_symbol(parser, "...")) {
+            if (type.extensible) fail_expected(parser, "one extension marker in ENUMERATED");
+            if (type.items.empty()) fail_expected(parser, "an item before the extension marker");
+            parser.at++;
+            type.extensible = true;
+            skip_exception(parser);
+            continue;
+        }
+        AstItem item = parse_item(parser, "the name of an item");
+        if (is_symbol(parser, "(")) item.value = parse_parenthesised_value(parser);
+        item.addition = type.extensible;
+        type.items.push_back(std::move(item));
+    } while (accept_symbol(parser, ","));
+    if (!is_symbol(parser, "}")) fail_expected(parser, "',' or '}' in ENUMERATED");
+    parser.at++;
+    type.extensible |= parser.extensibility_implied;
+}
+
+// Where a list of components stands: before the extension marker, behind it, behind the second one.
+struct ListState {
+    int markers = 0;
+    int groups = 0;
+    int group = 0;  // the open version brackets
+};
+
+AstComponent parse_component(Parser& parser, bool choice, const ListState& state) {
+    AstComponent component;
+    component.place = parser.at->place;
+    component.addition = state.markers == 1;
+    component.group = choice ? 0 : state.group;
+    if (!choice && accept_word(parser, "COMPONENTS")) {
+        expect_word(parser, "OF");
+        component.components_of = true;
+        component.type = parse_type(parser);
+        return component;
+    }
+    component.name =
+        expect_identifier(parser, choice ? "the name of an alternative" : "the name of a component").text;
+    component.type = parse_type(parser);
+    if (!choice && accept_word(parser, "OPTIONAL")) {
+        component.presence = Presence::optional;
+    } else if (!choice && accept_word(parser, "DEFAULT")) {
+        component.presence = Presence::defaulted;
+        component.default_value = parse_value(parser);
+    }
+    return component;
+}
+
+void parse_marker(Parser& parser, AstType& type, ListState& state) {
+    if (state.markers == 2) fail_expected(parser, "at most two extension markers");
+    parser.at++;
+    state.markers++;
+    type.extensible = true;
+    skip_exception(parser);
+}
+
+// Behind [[: an optional version number and the members up to ]].
+void parse_group(Parser& parser, AstType& type, ListState& state, bool choice) {
+    if (state.markers != 1) fail_expected(parser, "an extension marker before '[['");
+    parser.at++;
+    state.group = ++state.groups;
+    if (is_sort(parser, Token::Sort::number) && is_symbol(parser, ":", 1)) parser.at += 2;
+    do {
+        type.components.push_back(parse_component(parser, choice, state));
+    } while (accept_symbol(parser, ","));
+    if (!is_symbol(parser, "]]")) fail_expected(parser, "',' or ']]' in an extension addition group");
+    parser.at++;
+    state.group = 0;
+}
+
+void parse_component_list(Parser& parser, AstType& type) {
+    bool choice = type.kind == Kind::choice;
+    ListState state;
+    expect_symbol(parser, "{");
+    if (choice || !is_symbol(parser, "}")) {
+        do {
+            if (is_symbol(parser, "...")) {
+                parse_marker(parser, type, state);
+            } else if (is_symbol(parser, "[[")) {
+                parse_group(parser, type, state, choice);
+            } else {
+                type.components.push_back(parse_component(parser, choice, state));
+            }
+        } while (accept_symbol(parser, ","));
+    }
+    if (!is_symbol(parser, "}")) {
+        fail_expected(parser, choice ? "',' or '}' behind an alternative" : "',' or '}' behind a component");
+    }
+    parser.at++;
+    type.extensible |= parser.extensibility_implied;
+}
+
+void parse_list_type(Parser& parser, AstType& type) {
+    type.kind = type.kind == Kind::sequence ? Kind::sequence_of : Kind::set_of;
+    if (is_symbol(parser, "(")) {
+        type.constraints.push_back(parse_constraint(parser));
+    } else if (is_word(parser, "SIZE")) {
+        AstConstraint& size = parser.ast->constraints.emplace_back();
+        size.sort = AstConstraint::Sort::size;
+        size.place = parser.at++->place;
+        size.parts.push_back(parse_constraint(parser));
+        type.constraints.push_back(&size);
+    }
+    expect_word(parser, "OF");
+    if (is_sort(parser, Token::Sort::lower_word) && !is_symbol(parser, "<", 1)) {
+        type.element_name = parser.at++->text;
+    }
+    type.inner = parse_type(parser);
+}
+
+void parse_sequence_or_set(Parser& parser, AstType& type, Kind kind) {
+    type.kind = kind;
+    if (is_symbol(parser, "{")) return parse_component_list(parser, type);
+    if (is_word(parser, "OF") || is_word(parser, "SIZE") || is_symbol(parser, "(")) {
+        return parse_list_type(parser, type);
+    }
+    fail_expected(parser, fmt::format("'{{' or OF behind {}", kind == Kind::sequence ? "SEQUENCE" : "SET"));
+}
+
+bool parse_simple_type(Parser& parser, AstType& type) {
+    for (const SimpleType& simple : kSimpleTypes) {
+        if (!accept_word(parser, simple.name)) continue;
+        type.kind = simple.kind;
+        type.string_kind = simple.string_kind;
+        if (simple.universal_tag >= 0) type.universal_tag = simple.universal_tag;
+        return true;
+    }
+    return false;
+}
+
+bool parse_structured_type(Parser& parser, AstType& type) {
+    if (accept_word(parser, "SEQUENCE")) {
+        parse_sequence_or_set(parser, type, Kind::sequence);
+    } else if (accept_word(parser, "SET")) {
+        parse_sequence_or_set(parser, type, Kind::set);
+    } else if (accept_word(parser, "CHOICE")) {
+        type.kind = Kind::choice;
+        parse_component_list(parser, type);
+    } else if (accept_word(parser, "ENUMERATED")) {
+        type.kind = Kind::enumerated;
+        parse_enumerated(parser, type);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool parse_builtin_type(Parser& parser, AstType& type) {
+    if (parse_simple_type(parser, type) || parse_structured_type(parser, type)) return true;
+    if (accept_word(parser, "INTEGER")) {
+        type.kind = Kind::integer;
+        parse_named_numbers(parser, type);
+    } else if (accept_word(parser, "BIT")) {
+        expect_word(parser, "STRING");
+        type.kind = Kind::bit_string;
+        parse_named_numbers(parser, type);
+    } else if (accept_word(parser, "OCTET")) {
+        expect_word(parser, "STRING");
+        type.kind = Kind::octet_string;
+    } else if (accept_word(parser, "OBJECT")) {
+        expect_word(parser, "IDENTIFIER");
+        type.kind = Kind::object_identifier;
+    } else if (accept_word(parser, "ANY")) {
+        type.kind = Kind::open_type;
+        if (accept_word(parser, "DEFINED")) {
+            expect_word(parser, "BY");
+            expect_identifier(parser, "a component's name");
+        }
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void refuse_unsupported(const Parser& parser) {
+    for (std::string_view word : kUnsupported) {
+        if (is_word(parser, word)) {
+            throw SyntaxError{parser.at->place, fmt::format("the type {} is not supported", word)};
+        }
+    }
+}
+
+AstTag parse_tag(Parser& parser) {
+    AstTag tag;
+    tag.place = expect_symbol(parser, "[").place;
+    if (accept_word(parser, "UNIVERSAL")) tag.tag_class = AstTag::Class::universal;
+    if (accept_word(parser, "APPLICATION")) tag.tag_class = AstTag::Class::application;
+    if (accept_word(parser, "PRIVATE")) tag.tag_class = AstTag::Class::private_use;
+    tag.number = parse_value(parser);
+    expect_symbol(parser, "]");
+    tag.is_explicit = accept_word(parser, "EXPLICIT");
+    if (!tag.is_explicit) accept_word(parser, "IMPLICIT");
+    return tag;
+}
+
+void parse_referenced_type(Parser& parser, AstType& type) {
+    type.sort = AstType::Sort::reference;
+    if (accept_word(parser, "TYPE-IDENTIFIER")) {
+        type.reference.name = "TYPE-IDENTIFIER";
+        type.reference.place = type.place;
+    } else {
+        type.reference = parse_type_reference(parser, "a type");
+    }
+    if (accept_symbol(parser, ".")) {
+        if (!is_sort(parser, Token::Sort::field))
+            fail_expected(parser, "a class field (&name) or a type behind '.'");
+        type.sort = AstType::Sort::class_field;
+        type.field = parser.at++->text;
+    } else if (accept_symbol(parser, "{")) {
+        type.reference.has_actuals = true;
+        type.reference.actuals = read_brace_list(parser);
+    }
+}
+
+}  // namespace
+
+AstType* parse_type(Parser& parser) {
+    Nesting nesting(parser);
+    AstType& type = parser.ast->types.emplace_back();
+    type.place = parser.at->place;
+    if (is_symbol(parser, "[")) type.tag = parse_tag(parser);
+    if (is_sort(parser, Token::Sort::lower_word) && is_symbol(parser, "<", 1)) {
+        type.sort = AstType::Sort::selection;
+        type.field = parser.at->text;
+        parser.at += 2;
+        type.inner = parse_type(parser);
+        return &type;
+    }
+    refuse_unsupported(parser);
+    if (!parse_builtin_type(parser, type)) parse_referenced_type(parser, type);
+    while (is_symbol(parser, "(")) type.constraints.push_back(parse_constraint(parser));
+    return &type;
+}
+
+static AstField parse_field(Parser& parser) {
+    AstField field;
+    field.place = parser.at->place;
+    if (!is_sort(parser, Token::Sort::field)) fail_expected(parser, "a field (&name)");
+    field.name = parser.at++->text;
+    bool ends = is_symbol(parser, ",") || is_symbol(parser, "}") || is_word(parser, "OPTIONAL") ||
+                is_word(parser, "DEFAULT");
+    field.is_type_field = field.name[1] >= 'A' && field.name[1] <= 'Z';
+    if (field.is_type_field != ends) {
+        throw SyntaxError{field.place,
+                          fmt::format("the field {} is neither a type field nor a value field of a fixed "
+                                      "type; no other sort is supported",
+                                      field.name)};
+    }
+    if (!field.is_type_field) {
+        field.type = parse_type(parser);
+        field.unique = accept_word(parser, "UNIQUE");
+    }
+    if (accept_word(parser, "OPTIONAL")) {
+        field.optional = true;
+    } else if (accept_word(parser, "DEFAULT")) {
+        field.optional = true;
+        if (field.is_type_field) {
+            field.type = parse_type(parser);
+        } else {
+            field.default_value = parse_value(parser);
+        }
+    }
+    return field;
+}
+
+static std::vector<AstSyntax> parse_syntax(Parser& parser, std::string_view closing) {
+    Nesting nesting(parser);
+    std::vector<AstSyntax> syntax;
+    while (!accept_symbol(parser, closing)) {
+        AstSyntax item;
+        if (accept_symbol(parser, "[")) {
+            item.sort = AstSyntax::Sort::optional_group;
+            item.group = parse_syntax(parser, "]");
+        } else if (is_sort(parser, Token::Sort::field)) {
+            item.sort = AstSyntax::Sort::field;
+            item.text = parser.at++->text;
+        } else if (is_sort(parser, Token::Sort::upper_word) || is_symbol(parser, ",")) {
+            item.text = parser.at++->text;
+        } else {
+            fail_expected(parser, "a word, a field, '[' or the end of WITH SYNTAX");
+        }
+        syntax.push_back(std::move(item));
+    }
+    return syntax;
+}
+
+AstClass* parse_class(Parser& parser) {
+    AstClass& object_class = parser.ast->classes.emplace_back();
+    expect_symbol(parser, "{");
+    do {
+        object_class.fields.push_back(parse_field(parser));
+    } while (accept_symbol(parser, ","));
+    if (!is_symbol(parser, "}")) fail_expected(parser, "',' or '}' behind a class field");
+    parser.at++;
+    if (accept_word(parser, "WITH")) {
+        expect_word(parser, "SYNTAX");
+        expect_symbol(parser, "{");
+        object_class.has_syntax = true;
+        object_class.syntax = parse_syntax(parser, "}");
+    }
+    return &object_class;
+}
+
+}  // namespace orlentac

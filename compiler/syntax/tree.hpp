@@ -1,0 +1,198 @@
+// What the parser makes of the text: names are words yet, and what stands in braces where only the governor can tell
+// its meaning (objects, object sets, values, actual parameters) is kept as a run of tokens.
+#pragma once
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "compiler/model/model.hpp"
+#include "compiler/syntax/lexer.hpp"
+
+namespace orlentac {
+
+struct AstType;
+
+// Name or Module.Name, with actual parameters if it is of something parameterised.
+struct AstReference {
+    std::string module;
+    std::string name;
+    bool has_actuals = false;
+    std::vector<TokenRange> actuals;
+    Place place;
+};
+
+struct AstValue {
+    enum class Sort { number, real, boolean, null, bits, hex, text, reference, braces, choice };
+    Sort sort = Sort::null;
+    Number number;
+    double real = 0;
+    bool boolean = false;
+    std::string text;        // bits, hex, text; the alternative's name
+    AstReference reference;  // a value's name, or that of an item, named number or named bit
+    TokenRange braces;       // behind the opening brace up to the closing one
+    AstValue* inner = nullptr;
+    Place place;
+};
+
+// X.682 clause 10: "@a.b" counts from the outermost SEQUENCE (0 dots), "@.a" from the innermost one.
+struct AstAtNotation {
+    int dots = 0;
+    std::vector<std::string> names;
+    Place place;
+};
+
+struct AstConstraint {
+    enum class Sort {
+        range,  // a single value has both ends equal; null is MIN or MAX
+        size,
+        alphabet,
+        contained_subtype,
+        contents,  // CONTAINING
+        braces,    // {Set} or {Set}{@key}, or a value in braces
+        no_trace,  // WITH COMPONENT(S), PATTERN, CONSTRAINED BY, ENCODED BY, SETTINGS
+        all_of,    // intersection
+        any_of,    // union
+        except,    // parts: what stays, or nothing for ALL EXCEPT
+    };
+    Sort sort = Sort::no_trace;
+    bool extensible = false;
+    AstValue* lower = nullptr;
+    AstValue* upper = nullptr;
+    bool lower_open = false;  // 1<..5
+    bool upper_open = false;
+    AstType* type = nullptr;            // contained_subtype, contents
+    std::vector<AstConstraint*> parts;  // size, alphabet: one
+    TokenRange braces;
+    std::vector<AstAtNotation> keys;
+    Place place;
+};
+
+struct AstComponent {
+    std::string name;
+    AstType* type = nullptr;
+    Presence presence = Presence::mandatory;
+    AstValue* default_value = nullptr;
+    bool components_of = false;  // COMPONENTS OF type
+    bool addition = false;
+    int group = 0;  // number of the version brackets within the type, 0 outside of any
+    Place place;
+};
+
+// Item of an ENUMERATED, named number, named bit.
+struct AstItem {
+    std::string name;
+    AstValue* value = nullptr;
+    bool addition = false;
+    Place place;
+};
+
+struct AstTag {
+    enum class Class { universal, application, context, private_use };
+    Class tag_class = Class::context;
+    AstValue* number = nullptr;
+    bool is_explicit = false;
+    Place place;
+};
+
+struct AstType {
+    enum class Sort { builtin, reference, class_field, selection };
+    Sort sort = Sort::builtin;
+    Kind kind = Kind::null;                     // builtin
+    StringKind string_kind = StringKind::utf8;  // builtin char_string
+    std::optional<uint32_t> universal_tag;      // builtin of a tag that is not the kind's own
+    AstReference reference;                     // reference; class_field: the class
+    std::string field;                          // class_field; selection: the alternative
+    std::optional<AstTag> tag;
+    std::vector<AstComponent> components;  // sequence, set, choice
+    std::vector<AstItem> items;            // enumerated, integer, bit_string
+    AstType* inner = nullptr;              // element; selection: the CHOICE
+    std::string element_name;
+    bool extensible = false;
+    std::vector<AstConstraint*> constraints;  // in the order in which they apply
+    Place place;
+};
+
+struct AstField {
+    std::string name;
+    bool is_type_field = false;
+    AstType* type = nullptr;  // a type field's default type or null
+    AstValue* default_value = nullptr;
+    bool unique = false;
+    bool optional = false;
+    Place place;
+};
+
+// WITH SYNTAX: words and fields in order, and parts that may be left out.
+struct AstSyntax {
+    enum class Sort { literal, field, optional_group };
+    Sort sort = Sort::literal;
+    std::string text;
+    std::vector<AstSyntax> group;
+};
+
+struct AstClass {
+    std::vector<AstField> fields;
+    bool has_syntax = false;
+    std::vector<AstSyntax> syntax;
+};
+
+struct AstParameter {
+    AstType* governor = nullptr;  // a type or a class; null for a type or class parameter
+    std::string name;
+    Place place;
+};
+
+struct AstAssignment {
+    enum class Sort {
+        type,   // or another name of a class
+        value,  // or an object
+        set,    // value set or object set
+        object_class,
+        broken,  // not understood; the name is known, so that its users are spared an error
+    };
+    Sort sort = Sort::broken;
+    std::string name;
+    std::vector<AstParameter> parameters;
+    bool has_parameters = false;
+    AstType* type = nullptr;  // the type itself or the governor
+    AstValue* value = nullptr;
+    TokenRange braces;  // set: as in AstValue
+    AstClass* object_class = nullptr;
+    Place place;
+};
+
+struct AstSymbol {
+    std::string name;
+    Place place;
+};
+
+struct AstImport {
+    std::vector<AstSymbol> symbols;
+    AstSymbol module;
+};
+
+struct AstModule {
+    std::string name;
+    std::string tags;  // "AUTOMATIC", "EXPLICIT", "IMPLICIT" or nothing
+    bool extensibility_implied = false;
+    bool exports_all = true;
+    std::vector<AstSymbol> exports;
+    std::vector<AstImport> imports;
+    std::vector<AstAssignment*> assignments;
+    Place place;
+    Place tags_place;
+};
+
+// Owns all nodes. Deques, so that pointers stay.
+struct Ast {
+    std::deque<std::vector<Token>> files;
+    std::deque<AstModule> modules;
+    std::deque<AstAssignment> assignments;
+    std::deque<AstType> types;
+    std::deque<AstValue> values;
+    std::deque<AstConstraint> constraints;
+    std::deque<AstClass> classes;
+};
+
+}  // namespace orlentac
