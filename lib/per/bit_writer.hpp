@@ -4,6 +4,7 @@
 #include <orlenta/error.h>
 
 #include "core/buffer.hpp"
+#include "core/stack.hpp"
 
 namespace orlenta::per {
 
@@ -15,6 +16,7 @@ struct asn1_per_encoder {
     uint32_t total_bits;  // all that was put, padding of the last octet apart
     asn1_type_path path;
     asn1_error error;
+    stack_guard stack;
 };
 
 // Stores a whole word; dropped if memory is not to be had.

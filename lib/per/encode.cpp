@@ -15,6 +15,7 @@ static int encode_value(asn1_per_encoder* encoder, const asn1_type_desc* type, c
 static int64_t encode_to_block(asn1_per_encoder* encoder, uint8_t** out, const asn1_type_desc* type,
                                const void* value, asn1_error* error) {
     asn1_error_init(&encoder->error);
+    encoder->stack = begin_stack();
     if (encode_value(encoder, type, value) == 0) {
         *out = encoder->buffer.data;
         return static_cast<int64_t>(encoder->buffer.length);

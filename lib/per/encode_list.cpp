@@ -9,6 +9,7 @@ namespace orlenta::per {
 static int asn1_per_encode_sequence_of1(asn1_per_encoder* encoder, uint64_t first, uint64_t count,
                                         const void* argument) {
     const asn1_per_list_params* params = static_cast<const asn1_per_list_params*>(argument);
+    if (check_depth(encoder) != 0) return -1;
     for (uint64_t i = first; i < first + count; ++i) {
         push_index(&encoder->path, static_cast<int32_t>(i));
         int result =

@@ -1,35 +1,46 @@
 // Open types (X.691 clause 11.2): an encoding of its own, complete, behind its length in octets. It is built in a
-// buffer of its own, since the length goes first.
+// buffer of its own, since the length goes first; positions in reports count from there.
 #include "per/encode_items.hpp"
 #include "per/encode_type.hpp"
 
 namespace orlenta::per {
 
-static void begin_nested(asn1_per_encoder* nested, const asn1_per_encoder* parent) {
-    asn1_byte_buffer_init(&nested->buffer);
-    nested->bit_count = 0;
-    nested->accumulator = 0;
-    nested->aligned = parent->aligned;
-    nested->total_bits = 0;
-    nested->path = parent->path;
-    asn1_error_init(&nested->error);
+// What the encoder had written around an open type.
+struct outer_encoding {
+    asn1_byte_buffer buffer;
+    int32_t bit_count;
+    uint32_t accumulator;
+    uint32_t total_bits;
+};
+
+static outer_encoding begin_open_type(asn1_per_encoder* encoder) {
+    outer_encoding outer = {encoder->buffer, encoder->bit_count, encoder->accumulator, encoder->total_bits};
+    asn1_byte_buffer_init(&encoder->buffer);
+    encoder->bit_count = 0;
+    encoder->accumulator = 0;
+    encoder->total_bits = 0;
+    return outer;
 }
 
-// Hands the octets, or the report, up to the parent. Where memory failed the nested report is empty.
-static int end_nested(asn1_per_encoder* parent, asn1_per_encoder* nested, int result) {
-    asn1_byte_buffer* buffer = &nested->buffer;
-    if (result == 0) result = complete_encoding(nested);
-    if (result == 0)
-        result = asn1_per_encode_ulength_items(parent, asn1_per_encode_buf1, buffer->data, buffer->length);
-    if (result != 0) parent->error = nested->error;
-    asn1_free(buffer->data);
+// Goes on with the outer encoding, where the octets belong. A failure for lack of memory leaves no report here.
+static int end_open_type(asn1_per_encoder* encoder, const outer_encoding& outer, int result) {
+    if (result == 0) result = complete_encoding(encoder);
+    asn1_byte_buffer contents = encoder->buffer;
+    encoder->buffer = outer.buffer;
+    encoder->bit_count = outer.bit_count;
+    encoder->accumulator = outer.accumulator;
+    encoder->total_bits = outer.total_bits;
+    if (result == 0) {
+        result = asn1_per_encode_ulength_items(encoder, asn1_per_encode_buf1, contents.data, contents.length);
+    }
+    asn1_free(contents.data);
     return result;
 }
 
 int asn1_per_encode_open_type(asn1_per_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    asn1_per_encoder nested;
-    begin_nested(&nested, encoder);
-    return end_nested(encoder, &nested, asn1_per_encode_type(&nested, type, value));
+    if (check_depth(encoder) != 0) return -1;
+    outer_encoding outer = begin_open_type(encoder);
+    return end_open_type(encoder, outer, asn1_per_encode_type(encoder, type, value));
 }
 
 // The members as a SEQUENCE without extension marker (X.691 clause 19.9). A mandatory member that is absent while
@@ -51,13 +62,15 @@ static int encode_members(asn1_per_encoder* encoder, const void* record, const a
 
 int asn1_per_encode_ext_group(asn1_per_encoder* encoder, const void* record, const asn1_field* field,
                               const uint8_t* presence, uint32_t count) {
-    asn1_per_encoder nested;
-    begin_nested(&nested, encoder);
-    return end_nested(encoder, &nested, encode_members(&nested, record, field, presence, count));
+    outer_encoding outer = begin_open_type(encoder);
+    return end_open_type(encoder, outer, encode_members(encoder, record, field, presence, count));
 }
 
 int encode_any(asn1_per_encoder* encoder, const asn1_open_value* value) {
-    if (value->type) return asn1_per_encode_open_type(encoder, value->type, value->data);
+    if (value->type) {
+        return value->data ? asn1_per_encode_open_type(encoder, value->type, value->data)
+                           : report_missing(encoder);
+    }
     return asn1_per_encode_ulength_items(encoder, asn1_per_encode_buf1, value->data, value->length);
 }
 

@@ -5,6 +5,12 @@
 
 namespace orlenta::per {
 
+int check_depth(asn1_per_encoder* encoder) {
+    return has_stack(&encoder->stack) ? 0 : asn1_encode_error(encoder, "value nested too deeply");
+}
+
+int report_missing(asn1_per_encoder* encoder) { return asn1_encode_error(encoder, "value is missing"); }
+
 static int encode_boolean(asn1_per_encoder* encoder, const void* value) {
     asn1_put_bits(encoder, 1, load32(value) != 0 ? 1 : 0);
     return 0;
@@ -30,7 +36,12 @@ static int encode_any_integer(asn1_per_encoder* encoder, const asn1_type_desc* t
 
 // A tag writes nothing.
 static int encode_tagged(asn1_per_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    return asn1_per_encode_type(encoder, tagged_inner(type), is_indirect(type) ? load_pointer(value) : value);
+    if (is_indirect(type)) {
+        value = load_pointer(value);
+        if (value == nullptr) return report_missing(encoder);
+        if (check_depth(encoder) != 0) return -1;
+    }
+    return asn1_per_encode_type(encoder, tagged_inner(type), value);
 }
 
 int encode_named(asn1_per_encoder* encoder, const char* name, const asn1_type_desc* type, const void* value) {

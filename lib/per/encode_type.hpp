@@ -12,6 +12,12 @@ int asn1_per_encode_type(asn1_per_encoder* encoder, const asn1_type_desc* type, 
 // A component or alternative under its name in the path.
 int encode_named(asn1_per_encoder* encoder, const char* name, const asn1_type_desc* type, const void* value);
 
+// To be asked where a recursive type passes through: reports if the stack runs low.
+int check_depth(asn1_per_encoder* encoder);
+
+// Reports a null where a pointer to a value belongs.
+int report_missing(asn1_per_encoder* encoder);
+
 // One function a kind.
 int encode_sequence(asn1_per_encoder* encoder, const asn1_type_desc* type, const void* record);
 int encode_list(asn1_per_encoder* encoder, const asn1_type_desc* type, const asn1_array* list);
