@@ -1,8 +1,5 @@
 #include "compiler/frontend.hpp"
 
-#include <fstream>
-#include <sstream>
-
 #include "compiler/resolve/resolve.hpp"
 #include "compiler/syntax/lexer.hpp"
 #include "compiler/syntax/parser.hpp"
@@ -21,21 +18,6 @@ bool load_schema(const std::vector<SourceText>& sources, Schema& out, Diagnostic
     resolve(resolver);
     sort_errors(diags);
     return diags.errors.empty();
-}
-
-bool load_schema(const std::vector<std::string>& paths, Schema& out, Diagnostics& diags) {
-    std::vector<SourceText> sources;
-    for (const std::string& path : paths) {
-        std::ifstream file(path, std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        if (file && (!text.str().empty() || file.peek() == EOF)) {
-            sources.push_back({path, std::move(text).str()});
-        } else {
-            add_error(diags, {}, "cannot read '" + path + "'");
-        }
-    }
-    return load_schema(sources, out, diags) && diags.errors.empty();
 }
 
 }  // namespace orlentac

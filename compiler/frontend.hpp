@@ -14,11 +14,8 @@ struct SourceText {
     std::string text;
 };
 
-// Reads the files of one region, which share one name space, into an empty `out`. All errors found go into `diags`,
+// Reads the sources of one region, which share one name space, into an empty `out`. All errors found go into `diags`,
 // sorted by place; the result is true if there is none. If it is false, `out` is not fit for use.
-bool load_schema(const std::vector<std::string>& paths, Schema& out, Diagnostics& diags);
-
-// The same for sources in memory.
 bool load_schema(const std::vector<SourceText>& sources, Schema& out, Diagnostics& diags);
 
 }  // namespace orlentac

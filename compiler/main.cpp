@@ -1,22 +1,27 @@
 // orlentac: from ASN.1 modules to descriptor tables and a header with value records.
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cctype>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <optional>
+#include <sstream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "compiler/emit/catalogue.hpp"
 #include "compiler/emit/header.hpp"
-#include "compiler/emit/output.hpp"
 #include "compiler/emit/summary.hpp"
 #include "compiler/emit/tables.hpp"
 #include "compiler/frontend.hpp"
 #include "compiler/layout/layout.hpp"
 #include "compiler/model/diagnostics.hpp"
 
+namespace fs = std::filesystem;
 using namespace orlentac;
 
 namespace {
@@ -81,6 +86,76 @@ void declare_options(CLI::App& app, Options& options) {
     app.footer(kExamples);
 }
 
+// ---- files ------------------------------------------------------------------------------------------------
+
+struct OutputFile {
+    std::string path;
+    std::string text;
+};
+
+std::optional<std::string> read_file(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file || fs::is_directory(path)) return std::nullopt;
+    std::ostringstream text;
+    text << file.rdbuf();
+    if (text.bad() || (text.fail() && file.peek() != EOF))
+        return std::nullopt;  // nothing to copy is no failure
+    return std::move(text).str();
+}
+
+bool read_sources(const std::vector<std::string>& paths, std::vector<SourceText>& sources,
+                  Diagnostics& diags) {
+    for (const std::string& path : paths) {
+        if (std::optional<std::string> text = read_file(path)) {
+            sources.push_back({path, std::move(*text)});
+        } else {
+            add_error(
+                diags, {},
+                fmt::format("cannot read '{}'{}", path, fs::is_directory(path) ? ", which is a folder" : ""));
+        }
+    }
+    return diags.errors.empty();
+}
+
+bool write_whole(const std::string& path, const std::string& text) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << text << std::flush;
+    return out.good();
+}
+
+// Writes all files whole, making folders as needed. A file that has the text already is left alone, so that nothing
+// that depends on it is built anew. False if one cannot be written; `problem` then says which and why, and no file of
+// the list has changed unless the very renaming failed.
+bool write_files(const std::vector<OutputFile>& files, std::string& problem) {
+    struct Pending {
+        std::string temporary, path;
+    };
+    std::vector<Pending> pending;
+    std::error_code failure;
+    auto give_up = [&](const std::string& path, const std::string& why) {
+        for (const Pending& file : pending) fs::remove(file.temporary, failure);
+        problem = path + ": " + why;
+        return false;
+    };
+
+    for (const OutputFile& file : files) {
+        if (read_file(file.path) == file.text) continue;
+        if (fs::path folder = fs::path(file.path).parent_path(); !folder.empty()) {
+            fs::create_directories(folder, failure);
+            if (failure) return give_up(folder.string(), failure.message());
+        }
+        pending.push_back({file.path + "." + std::to_string(getpid()) + ".tmp", file.path});
+        if (!write_whole(pending.back().temporary, file.text)) return give_up(file.path, "cannot be written");
+    }
+    for (const Pending& file : pending) {
+        fs::rename(file.temporary, file.path, failure);
+        if (failure) return give_up(file.path, failure.message());
+    }
+    return true;
+}
+
+// ---- the whole --------------------------------------------------------------------------------------------
+
 std::string lower(std::string text) {
     for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return text;
@@ -89,7 +164,7 @@ std::string lower(std::string text) {
 std::vector<OutputFile> output_files(const Layout& layout, const Options& options) {
     std::vector<OutputFile> files;
     std::string include_name = options.include_name;
-    if (include_name.empty()) include_name = std::filesystem::path(options.header).filename().string();
+    if (include_name.empty()) include_name = fs::path(options.header).filename().string();
     if (!options.header.empty()) files.push_back({options.header, emit_header(layout, include_name)});
     if (!options.list.empty()) files.push_back({options.list, emit_catalogue(layout)});
     if (options.tables_dir.empty()) return files;
@@ -107,8 +182,10 @@ int run(const Options& options) {
     Schema schema;
     Diagnostics diags;
     Layout layout;
-    if (!load_schema(options.modules, schema, diags) || !make_layout(schema, options.layout, layout, diags)) {
-        print_errors(std::cerr, diags);
+    std::vector<SourceText> sources;
+    if (!read_sources(options.modules, sources, diags) || !load_schema(sources, schema, diags) ||
+        !make_layout(schema, options.layout, layout, diags)) {
+        std::cerr << errors_text(diags);
         return kSchemaError;
     }
     std::string problem;

@@ -117,8 +117,8 @@ std::vector<MemberNames> member_names(const Table& table) {
 }
 
 bool has_payload(const Table& table) {
-    return std::ranges::any_of(table.parts,
-                               [](const Part& part) { return !is_null(part) || part.has_presence; });
+    return std::any_of(table.parts.begin(), table.parts.end(),
+                       [](const Part& part) { return !is_null(part) || part.has_presence; });
 }
 
 std::string description(const Table& table) {

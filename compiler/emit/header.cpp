@@ -58,7 +58,7 @@ void put_named_numbers(Writer& writer, const std::string& owner, const std::vect
     auto fits_int = [](const NamedNumber& number) {
         return number.value >= INT32_MIN && number.value <= INT32_MAX;
     };
-    if (std::ranges::any_of(list, fits_int)) {
+    if (std::any_of(list.begin(), list.end(), fits_int)) {
         put(writer, "enum {{\n");
         for (const NamedNumber& number : list) {
             if (!fits_int(number)) continue;
@@ -187,8 +187,8 @@ void put_records(Writer& writer) {
 
 void put_descriptors(Writer& writer, const char* title, Table::Class table_class) {
     const std::vector<const Table*>& tables = writer.layout.tables;
-    if (std::ranges::none_of(tables, [&](const Table* table) { return table->table_class == table_class; }))
-        return;
+    auto belongs = [&](const Table* table) { return table->table_class == table_class; };
+    if (std::none_of(tables.begin(), tables.end(), belongs)) return;
     put_section(writer, title);
     for (const Table* table : tables)
         if (table->table_class == table_class)

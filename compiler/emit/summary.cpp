@@ -39,8 +39,9 @@ Summary summarise(const Layout& layout) {
         }
         summary.kinds[table->kind]++;
         summary.words += table->words.size();
-        summary.without_pointers += std::ranges::all_of(
-            table->words, [](const Word& word) { return word.sort == Word::Sort::number; });
+        summary.without_pointers +=
+            std::all_of(table->words.begin(), table->words.end(),
+                        [](const Word& word) { return word.sort == Word::Sort::number; });
         for (const Object* object : table->objects) count_object(summary, *object);
     }
     return summary;

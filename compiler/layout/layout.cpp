@@ -174,7 +174,7 @@ uint64_t payload_offset(const Table& table) { return table.words[choice_size_wor
 
 std::string c_name(const std::string& schema_name) {
     std::string name = schema_name;
-    std::ranges::replace(name, '-', '_');
+    std::replace(name.begin(), name.end(), '-', '_');
     return name;
 }
 

@@ -153,8 +153,13 @@ void add_sequence(Builder& builder, Table& table, const Type& type) {
     add_name(table);
 }
 
+template <typename Element>
+size_t addition_count(const std::vector<Element>& list) {
+    return std::count_if(list.begin(), list.end(), [](const Element& element) { return element.addition; });
+}
+
 void add_choice(Builder& builder, Table& table, const Type& type) {
-    auto additions = std::ranges::count_if(type.alternatives, &Alternative::addition);
+    auto additions = addition_count(type.alternatives);
     ChoiceRecord record = choice_record(builder.records, type);
     table.words.push_back(number_word(type.alternatives.size() - additions));
     if (type.extensible) table.words.push_back(number_word(additions));
@@ -252,7 +257,7 @@ bool has_value_table(const Type& type) {
 }
 
 void add_enumerated(Builder& builder, Table& table, const Type& type) {
-    auto additions = std::ranges::count_if(type.items, &Item::addition);
+    auto additions = addition_count(type.items);
     table.words.push_back(number_word(type.items.size() - additions));
     if (type.extensible) table.words.push_back(number_word(additions));
     for (const Item& item : type.items) table.words.push_back(text_word(item.name));
@@ -266,7 +271,7 @@ void add_enumerated(Builder& builder, Table& table, const Type& type) {
         table.words.push_back(number_word(pattern(item.value)));
         sorted.emplace_back(static_cast<int64_t>(item.value), sorted.size());
     }
-    std::ranges::sort(sorted);
+    std::sort(sorted.begin(), sorted.end());
     for (auto [value, index] : sorted) {
         table.words.push_back(number_word(static_cast<uint32_t>(value)));
         table.words.push_back(number_word(index));

@@ -30,18 +30,21 @@ std::string place_text(Place place, bool with_file) {
     return with_file && place.file ? *place.file + ":" + text : text;
 }
 
-void print_errors(std::ostream& out, const Diagnostics& diags, size_t limit) {
+std::string errors_text(const Diagnostics& diags, size_t limit) {
+    std::string text;
     size_t shown = std::min(limit, diags.errors.size());
     for (size_t i = 0; i < shown; i++) {
         const Diagnostic& error = diags.errors[i];
         if (error.place.line > 0) {
-            out << place_text(error.place) << ": ";
+            text += place_text(error.place) + ": ";
         } else if (error.place.file) {
-            out << *error.place.file << ": ";
+            text += *error.place.file + ": ";
         }
-        out << "error: " << error.text << '\n';
+        text += "error: " + error.text + "\n";
     }
-    if (shown < diags.errors.size()) out << "... and " << diags.errors.size() - shown << " more errors\n";
+    if (shown < diags.errors.size())
+        text += fmt::format("... and {} more errors\n", diags.errors.size() - shown);
+    return text;
 }
 
 }  // namespace orlentac

@@ -3,7 +3,6 @@
 
 #include <fmt/format.h>
 
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -35,6 +34,6 @@ void sort_errors(Diagnostics& diags);
 std::string place_text(Place place, bool with_file = true);
 
 // One line an error, "file:line:column: error: text", and a count of those beyond the limit.
-void print_errors(std::ostream& out, const Diagnostics& diags, size_t limit = 200);
+std::string errors_text(const Diagnostics& diags, size_t limit = 200);
 
 }  // namespace orlentac

@@ -103,7 +103,8 @@ void fold_tags(Finder& finder) {
     for (const auto& [type, uses] : finder.uses) {
         if (uses.tags.empty()) continue;
         uint32_t first = uses.tags.front();
-        bool agree = std::ranges::all_of(uses.tags, [first](uint32_t tag) { return tag == first; });
+        bool agree =
+            std::all_of(uses.tags.begin(), uses.tags.end(), [first](uint32_t tag) { return tag == first; });
         if (type->is_alias || (agree && !uses.untagged)) finder.out.folded[type] = first;
         if (!agree) wrap_alternatives(finder, *type->type);
     }

@@ -81,6 +81,9 @@ TEST_F(Command, ReportsAllErrorsOfTheModulesAndWritesNothing) {
     EXPECT_NE(read("err").find("m.asn1:3:"), std::string::npos) << read("err");
     EXPECT_EQ(files_made(), 0u);
     EXPECT_EQ(run(compile((folder / "none.asn1").string())), 1);
+    EXPECT_EQ(read("err"), "error: cannot read '" + (folder / "none.asn1").string() + "'\n");
+    EXPECT_EQ(run(compile(folder.string())), 1);
+    EXPECT_EQ(read("err"), "error: cannot read '" + folder.string() + "', which is a folder\n");
     EXPECT_EQ(files_made(), 0u);
 }
 

@@ -3,12 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
 #include <memory>
-#include <sstream>
 
 #include "tests/compiler/describe.hpp"
+#include "tests/compiler/region_sources.hpp"
 
 using namespace orlentac;
 using test::describe;
@@ -288,15 +286,6 @@ TEST(Modules, ErrorsOfSeveralFilesComeInTheirOrder) {
               "a.asn1:4:57: expected AUTOMATIC TAGS, found no tagging environment\n");
 }
 
-TEST(Modules, MissingFileIsToldAndTheOthersAreRead) {
-    Schema schema;
-    Diagnostics diags;
-    EXPECT_FALSE(load_schema(std::vector<std::string>{"/nowhere/x.asn1"}, schema, diags));
-    std::ostringstream out;
-    print_errors(out, diags);
-    EXPECT_EQ(out.str(), "error: cannot read '/nowhere/x.asn1'\n");
-}
-
 // ---- wrong schemas ----
 
 struct WrongCase {
@@ -463,16 +452,8 @@ INSTANTIATE_TEST_SUITE_P(
 // ---- the message sets that come with the library ----
 
 std::unique_ptr<Loaded> load_region(const std::string& region) {
-    std::vector<std::string> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(ORLENTA_SCHEMA_DIR "/" + region)) {
-        if (entry.path().extension() == ".asn1") paths.push_back(entry.path());
-    }
-    std::sort(paths.begin(), paths.end());
-    auto loaded = std::make_unique<Loaded>();
-    EXPECT_TRUE(load_schema(paths, loaded->schema, loaded->diags));
-    std::ostringstream errors;
-    print_errors(errors, loaded->diags, 20);
-    EXPECT_EQ(errors.str(), "");
+    auto loaded = load(test::region_sources(region));
+    EXPECT_EQ(loaded->errors, "");
     return loaded;
 }
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "compiler/emit/summary.hpp"
 #include "compiler/frontend.hpp"
 #include "compiler/layout/layout.hpp"
+#include "tests/compiler/region_sources.hpp"
 
 using namespace orlentac;
 
@@ -121,13 +121,9 @@ struct Region {
 };
 
 std::unique_ptr<Region> load_region(const std::string& name) {
-    std::vector<std::string> files;
-    for (const auto& entry : std::filesystem::directory_iterator(ORLENTA_SCHEMA_DIR "/" + name))
-        if (entry.path().extension() == ".asn1") files.push_back(entry.path());
-    std::ranges::sort(files);
     auto region = std::make_unique<Region>();
     Diagnostics diags;
-    EXPECT_TRUE(load_schema(files, region->schema, diags));
+    EXPECT_TRUE(load_schema(test::region_sources(name), region->schema, diags));
     EXPECT_TRUE(make_layout(region->schema, {name, 1}, region->layout, diags));
     return region;
 }
