@@ -9,7 +9,8 @@
 #     orlenta_add_schema(my_messages REGION MY FILES Sensors.asn1 Common.asn1)
 #     target_link_libraries(app PRIVATE my_messages orlenta::orlenta)
 #
-#     #include <my.h>   /* asn1_MY_SomeType, asn1_type_MY_SomeType */
+#     #include <my.h>         /* asn1_MY_SomeType, asn1_type_MY_SomeType */
+#     #include <my_local.h>   /* asn1_type_MY__local_1: the tables in place, which few programs name */
 #
 #   HEADER       how the header is included; <region in lower case>.h if not given
 #   INCLUDE_DIR  folder that the header goes to, under its name; one of the build tree if not given
@@ -57,6 +58,10 @@ function(orlenta_add_schema target)
         endif()
     endforeach()
 
+    cmake_path(GET header EXTENSION LAST_ONLY extension)
+    cmake_path(REMOVE_EXTENSION header LAST_ONLY OUTPUT_VARIABLE local_header)
+    string(APPEND local_header _local${extension})
+
     set(modules)
     foreach(file IN LISTS arg_FILES)
         cmake_path(ABSOLUTE_PATH file)
@@ -71,7 +76,7 @@ function(orlenta_add_schema target)
     orlenta_find_compiler(orlentac depends)
     set(stamp ${folder}/${region}.stamp)
     add_custom_command(OUTPUT ${stamp}
-        BYPRODUCTS ${sources} ${include_dir}/${header}
+        BYPRODUCTS ${sources} ${include_dir}/${header} ${include_dir}/${local_header}
         COMMAND ${orlentac} --region ${arg_REGION} --tables-dir ${folder} --header ${include_dir}/${header}
             --include-name ${header} --parts ${parts} --first-local ${first_local} ${modules}
         COMMAND ${CMAKE_COMMAND} -E touch ${stamp}

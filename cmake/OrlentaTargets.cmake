@@ -14,7 +14,8 @@ foreach(region CN EU US)
         list(APPEND ORLENTA_REGIONS ${region})
     else() # a header that an earlier configuration left would be taken for a part of the library
         string(TOLOWER ${region} folder)
-        file(REMOVE ${PROJECT_BINARY_DIR}/include/orlenta/${folder}.h)
+        file(REMOVE ${PROJECT_BINARY_DIR}/include/orlenta/${folder}.h
+            ${PROJECT_BINARY_DIR}/include/orlenta/${folder}_local.h)
     endif()
 endforeach()
 

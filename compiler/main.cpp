@@ -67,8 +67,10 @@ void declare_options(CLI::App& app, Options& options) {
         "-t,--tables-dir", options.tables_dir,
         "Folder for <region>_tables_<i>.cpp and, with --header, <region>_records.cpp, which checks the "
         "header's records against the tables when compiled");
-    app.add_option("-H,--header", options.header,
-                   "C and C++ header to write: records, constants, descriptors");
+    app.add_option(
+        "-H,--header", options.header,
+        "C and C++ header to write: records, constants, descriptors; what is in place gets one beside it, "
+        "<header>_local.h");
     app.add_option("-i,--include-name", options.include_name,
                    "How the header is included, as orlenta/cn.h; its file name if not given");
     app.add_option("-l,--list", options.list,
@@ -165,7 +167,10 @@ std::vector<OutputFile> output_files(const Layout& layout, const Options& option
     std::vector<OutputFile> files;
     std::string include_name = options.include_name;
     if (include_name.empty()) include_name = fs::path(options.header).filename().string();
-    if (!options.header.empty()) files.push_back({options.header, emit_header(layout, include_name)});
+    if (!options.header.empty()) {
+        files.push_back({options.header, emit_header(layout, include_name)});
+        files.push_back({local_header_name(options.header), emit_local_header(layout, include_name)});
+    }
     if (!options.list.empty()) files.push_back({options.list, emit_catalogue(layout)});
     if (options.tables_dir.empty()) return files;
 

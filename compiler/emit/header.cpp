@@ -244,7 +244,7 @@ void put_example(Writer& writer, const Table& root) {
         root.symbol, name, use);
 }
 
-void put_manual(Writer& writer) {
+void put_manual(Writer& writer, const std::string& header) {
     put(writer,
         "/* The types of the region {0}: value records and descriptors. Made by orlentac; not to be edited.\n"
         " *\n"
@@ -259,8 +259,11 @@ void put_manual(Writer& writer) {
         "value in u;\n"
         " * an ENUMERATED is the index of its item; both have constants, asn1_{0}_Some_Type_itemName. A NULL "
         "has no\n"
-        " * member. A record of zero bytes is a valid start, and asn1_mallocz_value() gives one.\n",
-        writer.layout.region);
+        " * member. A record of zero bytes is a valid start, and asn1_mallocz_value() gives one. Descriptors "
+        "of "
+        "what has\n"
+        " * no name at all are declared in <{1}>.\n",
+        writer.layout.region, local_header_name(header));
     if (const Table* root = example_root(writer.layout)) put_example(writer, *root);
     put(writer, " */\n");
 }
@@ -281,7 +284,7 @@ std::string emit_header(const Layout& layout, const std::string& header) {
     for (const Alias& alias : layout.aliases)
         writer.names.insert("asn1_" + layout.region + "_" + c_name(alias.name));
     std::string guard = guard_of(header);
-    put_manual(writer);
+    put_manual(writer, header);
     put(writer,
         "#ifndef {0}\n#define {0}\n\n"
         "#include <orlenta/integer.h>\n#include <orlenta/type.h>\n\n"
@@ -291,7 +294,30 @@ std::string emit_header(const Layout& layout, const std::string& header) {
     put_descriptors(writer, "descriptors of named types", Table::Class::named);
     put_alias_descriptors(writer);
     put_descriptors(writer, "descriptors of nested types", Table::Class::nested);
-    put_descriptors(writer, "descriptors in place: what those above are made of", Table::Class::anonymous);
+    put(writer, "\n#ifdef __cplusplus\n}}\n#endif\n\n#endif\n");
+    return writer.out;
+}
+
+// orlenta/us.h is orlenta/us_local.h.
+std::string local_header_name(const std::string& header) {
+    size_t stem = header.find_last_of("/.");
+    if (stem == std::string::npos || header[stem] == '/') stem = header.size();
+    return header.substr(0, stem) + "_local" + header.substr(stem);
+}
+
+std::string emit_local_header(const Layout& layout, const std::string& header) {
+    Writer writer = {layout, {}, {}, {}};
+    put(writer,
+        "/* Descriptors in place of the region {}: what those in <{}> are made of. Made by orlentac; not to "
+        "be\n"
+        " * edited. Their numbers change with the modules and with orlentac. */\n",
+        layout.region, header);
+    put(writer,
+        "#ifndef {0}\n#define {0}\n\n"
+        "#include <orlenta/type.h>\n\n"
+        "#ifdef __cplusplus\nextern \"C\" {{\n#endif\n",
+        guard_of(local_header_name(header)));
+    put_descriptors(writer, "descriptors in place", Table::Class::anonymous);
     put(writer, "\n#ifdef __cplusplus\n}}\n#endif\n\n#endif\n");
     return writer.out;
 }

@@ -1,4 +1,4 @@
-// Writes the public header of a region: value records as C structs, constants, and descriptors.
+// Writes the public headers of a region: value records as C structs, constants, and descriptors.
 #pragma once
 
 #include <string>
@@ -9,5 +9,9 @@ namespace orlentac {
 
 // `header` is the header's name as it is included, from which its guard is made.
 std::string emit_header(const Layout& layout, const std::string& header);
+
+// The header beside it, for the few who want them: descriptors without a name of their own.
+std::string local_header_name(const std::string& header);
+std::string emit_local_header(const Layout& layout, const std::string& header);
 
 }  // namespace orlentac

@@ -161,6 +161,7 @@ END
 """
 OWN_PROGRAM = """
 #include <my.h>
+#include <my_local.h>
 #include <orlenta/per.h>
 #include <orlenta/value.h>
 #include <stdio.h>
@@ -171,6 +172,7 @@ int main(void) {
     int64_t size = asn1_uper_encode(&bytes, asn1_type_MY_Reading, &there);
     if (size < 0 || asn1_uper_decode(&value, asn1_type_MY_Reading, bytes, (size_t)size, NULL) != size) return 1;
     const asn1_MY_Reading* back = value;
+    if (asn1_type_MY_Reading[4].type != asn1_type_MY__local_1) return 1; /* what id is */
     printf("%d bytes: id %d, level %d\\n", (int)size, (int)back->id, (int)back->level);
     asn1_free_value(asn1_type_MY_Reading, value);
     asn1_free(bytes);
