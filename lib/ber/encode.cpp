@@ -46,6 +46,7 @@ static int encode_set(asn1_ber_encoder* encoder, const asn1_type_desc* type, con
 
 static int asn1_ber_encode_sequence_of(asn1_ber_encoder* encoder, const asn1_type_desc* type,
                                        const asn1_array* value, uint32_t tag) {
+    if (!has_stack(&encoder->stack)) return -1;
     list_layout list = list_of(type);
     put_tag(encoder, tag, 1);
     uint32_t start = put_len_start(encoder);
@@ -87,7 +88,10 @@ static int encode_choice(asn1_ber_encoder* encoder, const asn1_type_desc* type, 
 
 // A value of the actual type, or the bytes of a whole encoding.
 static int encode_open_value(asn1_ber_encoder* encoder, const asn1_open_value* value) {
-    if (value->type != nullptr) return asn1_ber_encode_type(encoder, value->type, value->data);
+    if (value->type != nullptr) {
+        if (value->data == nullptr || !has_stack(&encoder->stack)) return -1;
+        return asn1_ber_encode_type(encoder, value->type, value->data);
+    }
     asn1_put_bytes(&encoder->buffer, value->data, value->length);
     return 0;
 }
@@ -106,8 +110,9 @@ static int encode_type_as(asn1_ber_encoder* encoder, const asn1_type_desc* type,
 
 static int encode_tagged(asn1_ber_encoder* encoder, const asn1_type_desc* type, const void* value,
                          uint32_t tag) {
-    const asn1_type_desc* inner = tagged_inner(type);
-    if (is_indirect(type)) value = load_pointer(value);
+    const asn1_type_desc* inner = type;
+    if (is_indirect(type) && !has_stack(&encoder->stack)) return -1;
+    if (!enter_tag(inner, value)) return -1;
     if (tag_of(type) == 0) return asn1_ber_encode_type(encoder, inner, value);
     if (is_explicit(type)) return encode_wrapped(encoder, tag, inner, value);
     return encode_type_as(encoder, inner, value, tag);
@@ -118,7 +123,6 @@ static int encode_tagged(asn1_ber_encoder* encoder, const asn1_type_desc* type, 
 // `tag` stands in for the type's own. A CHOICE and an ANY can't be tagged implicitly and keep theirs.
 static int encode_type_as(asn1_ber_encoder* encoder, const asn1_type_desc* type, const void* value,
                           uint32_t tag) {
-    if (!has_stack(&encoder->stack)) return -1;
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE: return asn1_ber_encode_sequence(encoder, type, value, tag);
         case ASN1_KIND_SEQUENCE_OF:

@@ -17,6 +17,7 @@ static void put_long_tag_number(asn1_byte_buffer* buf, uint32_t number) {
 }
 
 void asn1_ber_put_tag(asn1_byte_buffer* buf, uint32_t tag, int constructed) {
+    if (buf->failed != 0) return;
     uint32_t number = tag & ASN1_TAG_NUMBER_MASK;
     uint32_t identifier = (tag >> ASN1_TAG_CLASS_SHIFT & 3) << 6 | (constructed != 0 ? 0x20 : 0);
     if (number < 31) {
@@ -28,6 +29,7 @@ void asn1_ber_put_tag(asn1_byte_buffer* buf, uint32_t tag, int constructed) {
 }
 
 void asn1_ber_put_len(asn1_byte_buffer* buf, uint32_t length) {
+    if (buf->failed != 0) return;
     if (length < 0x80) {
         put_byte(buf, static_cast<uint8_t>(length));
         return;
@@ -58,6 +60,7 @@ uint64_t asn1_ber_put_len_end(asn1_byte_buffer* buf, uint32_t start) {
 }
 
 int asn1_ber_encode_int32(asn1_byte_buffer* buf, int32_t value) {
+    if (buf->failed != 0) return 0;
     uint32_t octets = 1;
     while (octets < 4 && value >> (octets * 8 - 1) != 0 && value >> (octets * 8 - 1) != -1) ++octets;
     asn1_ber_put_len(buf, octets);

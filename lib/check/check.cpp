@@ -11,6 +11,11 @@ namespace orlenta::check {
 
 static int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value);
 
+// To be asked where a recursive type passes through.
+static int check_depth(check_state* state) {
+    return has_stack(&state->stack) ? 0 : asn1_check_error(state, "value nested too deeply");
+}
+
 // A DEFAULT component is always stored, and so always checked.
 static int check_sequence(check_state* state, const asn1_type_desc* type, const void* record) {
     const asn1_field* field = components(type);
@@ -26,6 +31,7 @@ static int check_sequence(check_state* state, const asn1_type_desc* type, const 
 }
 
 static int check_list(check_state* state, const asn1_type_desc* type, const void* value) {
+    if (check_depth(state) != 0) return -1;
     list_layout list = list_of(type);
     const asn1_array* array = static_cast<const asn1_array*>(value);
     if (!is_extensible(type) && (array->count < list.lower || array->count > list.upper)) {
@@ -54,17 +60,23 @@ static int check_choice(check_state* state, const asn1_type_desc* type, const vo
     return result;
 }
 
-// Behind all tags; follows the pointers of indirect ones.
-static void skip_tags(const asn1_type_desc** type, const void** value) {
-    while (kind_of(*type) == ASN1_KIND_TAGGED) {
-        if (is_indirect(*type)) *value = load_pointer(*value);
-        *type = tagged_inner(*type);
+// Steps behind all tags.
+static int skip_tags(check_state* state, const asn1_type_desc*& type, const void*& value) {
+    while (kind_of(type) == ASN1_KIND_TAGGED) {
+        if (is_indirect(type) && check_depth(state) != 0) return -1;
+        if (!enter_tag(type, value)) return asn1_check_error(state, "value is missing");
     }
+    return 0;
+}
+
+// What an open type holds is not checked, but it must be there.
+static int check_open_value(check_state* state, const asn1_open_value* value) {
+    if (value->type == nullptr || value->data != nullptr) return 0;
+    return asn1_check_error(state, "value is missing");
 }
 
 static int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value) {
-    if (!has_stack(&state->stack)) return asn1_check_error(state, "value nested too deeply");
-    skip_tags(&type, &value);
+    if (skip_tags(state, type, value) != 0) return -1;
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET: return check_sequence(state, type, value);
@@ -76,12 +88,12 @@ static int asn1_check_value(check_state* state, const asn1_type_desc* type, cons
         case ASN1_KIND_OCTET_STRING: return check_binary_string(state, type, value);
         case ASN1_KIND_ENUMERATED: return check_enumerated(state, type, value);
         case ASN1_KIND_CHAR_STRING: return check_char_string(state, type, value);
+        case ASN1_KIND_ANY: return check_open_value(state, static_cast<const asn1_open_value*>(value));
         case ASN1_KIND_BOOLEAN:
         case ASN1_KIND_NULL:
         case ASN1_KIND_OBJECT_IDENTIFIER:
         case ASN1_KIND_RELATIVE_OID:
-        case ASN1_KIND_REAL:
-        case ASN1_KIND_ANY: return 0;
+        case ASN1_KIND_REAL: return 0;
         default: abort();
     }
 }

@@ -306,6 +306,13 @@ inline const asn1_type_desc* untagged(const asn1_type_desc* type) {
     return type;
 }
 
+// Steps behind a tag. False if an indirect one leads nowhere, as in a copy that was made while memory ran out.
+inline bool enter_tag(const asn1_type_desc*& type, const void*& value) {
+    if (is_indirect(type)) value = load_pointer(value);
+    type = tagged_inner(type);
+    return value != nullptr;
+}
+
 // ---- open types -------------------------------------------------------------------------------------------
 
 // The constraint object of an ANY, or null.

@@ -46,16 +46,28 @@ static int encode_choice(asn1_oer_encoder* encoder, const asn1_type_desc* type, 
                                   : asn1_oer_encode_open_type(encoder, chosen, payload);
 }
 
+int check_depth(asn1_oer_encoder* encoder) {
+    return has_stack(&encoder->stack) ? 0 : asn1_encode_error(encoder, "value nested too deeply");
+}
+
+static int report_missing(asn1_oer_encoder* encoder) {
+    return asn1_encode_error(encoder, "value is missing");
+}
+
 static int encode_tagged(asn1_oer_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    return asn1_oer_encode_type(encoder, tagged_inner(type), is_indirect(type) ? load_pointer(value) : value);
+    if (is_indirect(type) && check_depth(encoder) != 0) return -1;
+    if (!enter_tag(type, value)) return report_missing(encoder);
+    return asn1_oer_encode_type(encoder, type, value);
 }
 
 static int encode_any(asn1_oer_encoder* encoder, const asn1_open_value* value) {
-    return value->type != nullptr ? asn1_oer_encode_open_type(encoder, value->type, value->data)
-                                  : asn1_oer_encode_octets(encoder, value->data, value->length);
+    if (value->type == nullptr) return asn1_oer_encode_octets(encoder, value->data, value->length);
+    return value->data != nullptr ? asn1_oer_encode_open_type(encoder, value->type, value->data)
+                                  : report_missing(encoder);
 }
 
 int asn1_oer_encode_open_type(asn1_oer_encoder* encoder, const asn1_type_desc* type, const void* value) {
+    if (check_depth(encoder) != 0) return -1;
     uint32_t start = asn1_ber_put_len_start(&encoder->buffer);
     int result = asn1_oer_encode_type(encoder, type, value);
     if (result == 0) asn1_ber_put_len_end(&encoder->buffer, start);
@@ -65,7 +77,6 @@ int asn1_oer_encode_open_type(asn1_oer_encoder* encoder, const asn1_type_desc* t
 // ---- the walk ---------------------------------------------------------------------------------------------
 
 int asn1_oer_encode_type(asn1_oer_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    if (!has_stack(&encoder->stack)) return asn1_encode_error(encoder, "value nested too deeply");
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET: return asn1_oer_encode_sequence(encoder, type, value);

@@ -146,6 +146,7 @@ int asn1_oer_encode_sequence(asn1_oer_encoder* encoder, const asn1_type_desc* ty
 
 int asn1_oer_encode_sequence_of(asn1_oer_encoder* encoder, const asn1_type_desc* type,
                                 const asn1_array* value) {
+    if (check_depth(encoder) != 0) return -1;
     list_layout list = list_of(type);
     asn1_encode_uint32(encoder, static_cast<uint32_t>(value->count));
     for (uint64_t i = 0; i < value->count; ++i) {

@@ -49,6 +49,8 @@ int asn1_oer_encode_sequence_of(asn1_oer_encoder* encoder, const asn1_type_desc*
                                 const asn1_array* value);
 
 // encode.cpp
+// To be asked where a recursive type passes through: reports if the stack runs low.
+int check_depth(asn1_oer_encoder* encoder);
 int asn1_oer_encode_type(asn1_oer_encoder* encoder, const asn1_type_desc* type, const void* value);
 int asn1_oer_encode_open_type(asn1_oer_encoder* encoder, const asn1_type_desc* type, const void* value);
 

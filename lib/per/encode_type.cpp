@@ -36,12 +36,9 @@ static int encode_any_integer(asn1_per_encoder* encoder, const asn1_type_desc* t
 
 // A tag writes nothing.
 static int encode_tagged(asn1_per_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    if (is_indirect(type)) {
-        value = load_pointer(value);
-        if (value == nullptr) return report_missing(encoder);
-        if (check_depth(encoder) != 0) return -1;
-    }
-    return asn1_per_encode_type(encoder, tagged_inner(type), value);
+    if (is_indirect(type) && check_depth(encoder) != 0) return -1;
+    if (!enter_tag(type, value)) return report_missing(encoder);
+    return asn1_per_encode_type(encoder, type, value);
 }
 
 int encode_named(asn1_per_encoder* encoder, const char* name, const asn1_type_desc* type, const void* value) {
