@@ -163,6 +163,7 @@ int64_t asn1_ber_decode(void** out, const asn1_type_desc* type, const uint8_t* d
     decoder.end_of_contents_seen = false;
     decoder.frames = nullptr;
     decoder.stack = begin_stack();
+    decoder.memory = begin_decode_memory(length);
     asn1_error_init(&decoder.error);
 
     void* value = asn1_mallocz_value(type);

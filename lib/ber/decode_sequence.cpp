@@ -133,7 +133,7 @@ int asn1_ber_decode_sequence_of(asn1_ber_decoder* decoder, const asn1_type_desc*
                                 int constructed) {
     if (require_constructed(decoder, constructed) != 0) return -1;
     list_layout list = list_of(type);
-    growing_list growing = begin_list(value, list.stride);
+    growing_list growing = begin_list(&decoder->memory, value, list.stride);
     int result = decode_elements(decoder, list.element, &growing);
     if (result == 0) end_list(growing);
     return result;

@@ -5,7 +5,7 @@
 #include <orlenta/type_info.h>
 #include <orlenta/value.h>
 
-#include "core/descriptor.hpp"
+#include "core/decode_memory.hpp"
 #include "core/stack.hpp"
 
 namespace orlenta::ber {
@@ -19,6 +19,7 @@ struct asn1_ber_decoder {
     bool end_of_contents_seen;  // ... and its two zero octets have been read
     const asn1_parent_frame* frames;
     stack_guard stack;
+    decode_memory memory;
     struct ::asn1_error error;
 };
 

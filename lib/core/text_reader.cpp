@@ -14,6 +14,7 @@ void init_text_parser(text_parser* parser, const uint8_t* data, uint64_t length)
     parser->line = 1;
     parser->frames = nullptr;
     parser->stack = begin_stack();
+    parser->memory = begin_decode_memory(length);
     asn1_error_init(&parser->error);
 }
 

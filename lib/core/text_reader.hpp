@@ -9,7 +9,7 @@
 #include <orlenta/type_info.h>
 #include <orlenta/value.h>
 
-#include "core/descriptor.hpp"
+#include "core/decode_memory.hpp"
 #include "core/stack.hpp"
 
 namespace orlenta {
@@ -25,6 +25,7 @@ struct text_parser {
     uint32_t line;                    // from 1
     const asn1_parent_frame* frames;  // innermost SEQUENCE or SET, null outside
     stack_guard stack;
+    decode_memory memory;
     asn1_error error;
 };
 

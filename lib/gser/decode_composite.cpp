@@ -51,7 +51,7 @@ static int decode_elements(asn1_gser_parser* parser, const asn1_type_desc* eleme
 
 int decode_list(asn1_gser_parser* parser, const asn1_type_desc* type, void* value) {
     list_layout layout = list_of(type);
-    growing_list list = begin_list(static_cast<asn1_array*>(value), layout.stride);
+    growing_list list = begin_list(&parser->memory, static_cast<asn1_array*>(value), layout.stride);
     if (check_depth(parser) != 0 || skip_token(parser, '{') != 0) return -1;
     if (parser->token != '}' && decode_elements(parser, layout.element, &list) != 0) return -1;
     end_list(list);

@@ -127,6 +127,7 @@ int64_t asn1_oer_decode(void** out, const asn1_type_desc* type, const uint8_t* d
     decoder.position = 0;
     decoder.frames = nullptr;
     decoder.stack = begin_stack();
+    decoder.memory = begin_decode_memory(size);
     asn1_error_init(&decoder.error);
 
     void* value = asn1_mallocz_value(type);

@@ -160,32 +160,19 @@ int asn1_oer_decode_sequence(asn1_oer_decoder* decoder, const asn1_type_desc* ty
 
 // ---- SEQUENCE OF, SET OF ----------------------------------------------------------------------------------
 
-// Bytes of a list that are allocated before its elements have been seen: a few bytes of input may claim four billion
-// of them.
-static constexpr uint64_t kTrustedListBytes = 4096;
-
-// Room for as many of the `count` elements as may be believed in at once.
-static int start_list(asn1_oer_decoder* decoder, growing_list* growing, uint64_t count) {
-    bool is_trusted = count * growing->stride <= kTrustedListBytes;
-    growing->capacity = is_trusted ? count : kTrustedListBytes / growing->stride + 1;
-    growing->list->data = asn1_mallocz(growing->capacity * growing->stride);
-    return growing->list->data != nullptr ? 0 : asn1_error(decoder, "not enough memory");
-}
-
 int asn1_oer_decode_sequence_of(asn1_oer_decoder* decoder, const asn1_type_desc* type, asn1_array* value) {
     uint32_t count;
     int result = asn1_decode_uint32(decoder, &count);
     if (result != 0) return result;
     list_layout list = list_of(type);
-    growing_list growing = begin_list(value, list.stride);
-    if (start_list(decoder, &growing, count) != 0) return -1;
+    growing_list growing = begin_list(&decoder->memory, value, list.stride);
+    if (!claim_elements(&growing, count)) return asn1_error(decoder, "not enough memory");
     while (value->count < count) {
         void* element = add_element(&growing);
         if (element == nullptr) return asn1_error(decoder, "not enough memory");
         result = asn1_oer_decode_type(decoder, list.element, element);
         if (result != 0) return result;
     }
-    end_list(growing);
     return 0;
 }
 

@@ -6,7 +6,7 @@
 #include <orlenta/type_info.h>
 #include <orlenta/value.h>
 
-#include "core/descriptor.hpp"
+#include "core/decode_memory.hpp"
 #include "core/stack.hpp"
 
 namespace orlenta::oer {
@@ -18,6 +18,7 @@ struct asn1_oer_decoder {
     const asn1_parent_frame* frames;
     struct ::asn1_error error;
     stack_guard stack;
+    decode_memory memory;
 };
 
 // ---- reading (decode_scalar.cpp) --------------------------------------------------------------------------

@@ -1,10 +1,19 @@
 #include "per/bit_reader.hpp"
 
-#include <string.h>
-
 #include "core/error.hpp"
 
 namespace orlenta::per {
+
+void begin_reading(asn1_per_decoder* decoder, const uint8_t* data, uint64_t size) {
+    if (size < sizeof decoder->short_input) {
+        for (uint64_t i = 0; i < sizeof decoder->short_input; ++i)
+            decoder->short_input[i] = i < size ? data[i] : 0;
+        data = decoder->short_input;
+    }
+    if (size > UINT64_MAX / 8) size = UINT64_MAX / 8;  // no input is that long
+    decoder->source = {data, size < 8 ? 0 : size - 8, 0, size * 8, 0, nullptr};
+    decoder->memory = begin_decode_memory(size);
+}
 
 int asn1_decode_error(asn1_per_decoder* decoder, const char* format, ...) {
     va_list args;
@@ -16,97 +25,42 @@ int asn1_decode_error(asn1_per_decoder* decoder, const char* format, ...) {
     return -1;
 }
 
-static int report_end(asn1_per_decoder* decoder) {
+int report_end(asn1_per_decoder* decoder) {
     return asn1_decode_error(decoder, "reading after end of stream");
 }
 
-static uint32_t load_word(const uint8_t* octets) {
-    return uint32_t{octets[0]} << 24 | uint32_t{octets[1]} << 16 | uint32_t{octets[2]} << 8 | octets[3];
+static void store_window(uint8_t* octets, uint64_t window) {
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    window = __builtin_bswap64(window);
+#endif
+    memcpy(octets, &window, sizeof window);
 }
 
-static void store_word(uint8_t* octets, uint32_t word) {
-    octets[0] = static_cast<uint8_t>(word >> 24);
-    octets[1] = static_cast<uint8_t>(word >> 16);
-    octets[2] = static_cast<uint8_t>(word >> 8);
-    octets[3] = static_cast<uint8_t>(word);
-}
-
-int refill_and_get_bits(asn1_per_decoder* decoder, uint32_t width, uint32_t* out) {
-    uint32_t kept = static_cast<uint32_t>(decoder->bit_count);
-    uint64_t remaining = decoder->size - decoder->position;
-    uint32_t word = 0;
-    uint32_t loaded = 4;
-    if (remaining >= 4) {
-        word = load_word(decoder->data + decoder->position);
-    } else {
-        loaded = static_cast<uint32_t>(remaining);
-        if (width > kept + 8 * loaded) return report_end(decoder);
-        for (uint32_t i = 0; i < loaded; ++i)
-            word |= uint32_t{decoder->data[decoder->position + i]} << (24 - 8 * i);
+// Octets that are known to be there. Off an octet boundary each takes bits of two.
+static void copy_octets(bit_source* source, uint8_t* out, uint64_t count) {
+    const uint8_t* from = source->octets + source->position / 8;
+    uint32_t shift = source->position % 8;
+    source->position += count * 8;
+    if (shift == 0) {
+        if (count != 0) memmove(out, from, count);
+        return;
     }
-    uint64_t bits = uint64_t{decoder->accumulator} << 32 | uint64_t{word} << (32 - kept);
-    *out = static_cast<uint32_t>(bits >> (64 - width));
-    decoder->accumulator = static_cast<uint32_t>(uint64_t{word} << (width - kept));
-    decoder->bit_count = static_cast<int32_t>(kept + 8 * loaded - width);
-    decoder->position += loaded;
-    return 0;
-}
-
-static uint64_t octets_left(const asn1_per_decoder* decoder) {
-    return decoder->size - decoder->position + static_cast<uint32_t>(decoder->bit_count) / 8;
-}
-
-// On an octet boundary: what the accumulator holds, and the rest in one piece.
-static void copy_aligned(asn1_per_decoder* decoder, uint8_t* out, uint64_t count) {
-    for (; count > 0 && decoder->bit_count > 0; --count) {
-        *out++ = static_cast<uint8_t>(decoder->accumulator >> 24);
-        decoder->accumulator <<= 8;
-        decoder->bit_count -= 8;
-    }
-    if (count > 0) memcpy(out, decoder->data + decoder->position, count);
-    decoder->position += count;
-}
-
-// Off an octet boundary: words, each of the kept bits and those of the next word that complete it.
-static void copy_shifted(asn1_per_decoder* decoder, uint8_t* out, uint64_t count) {
-    uint32_t kept = static_cast<uint32_t>(decoder->bit_count);
-    for (; count >= 4 && decoder->size - decoder->position >= 4; count -= 4, out += 4) {
-        uint32_t word = load_word(decoder->data + decoder->position);
-        store_word(out, decoder->accumulator | word >> kept);
-        decoder->accumulator = word << (32 - kept);
-        decoder->position += 4;
-    }
-    for (; count > 0; --count) {
-        uint32_t octet = 0;
-        asn1_get_bits(decoder, 8, &octet);
-        *out++ = static_cast<uint8_t>(octet);
-    }
+    for (; count >= 8; count -= 8, from += 8, out += 8)
+        store_window(out, load_window(from) << shift | from[8] >> (8 - shift));
+    for (; count > 0; --count, ++from)
+        *out++ = static_cast<uint8_t>(from[0] << shift | from[1] >> (8 - shift));
 }
 
 int get_octets(asn1_per_decoder* decoder, uint8_t* out, uint64_t count) {
-    uint64_t left = octets_left(decoder);
-    uint64_t there = count < left ? count : left;
-    if (decoder->bit_count % 8 == 0) {
-        copy_aligned(decoder, out, there);
-    } else {
-        copy_shifted(decoder, out, there);
-    }
-    return there == count ? 0 : report_end(decoder);
+    uint64_t left = bits_left(decoder) / 8;
+    copy_octets(&decoder->source, out, count < left ? count : left);
+    return count <= left ? 0 : report_end(decoder);
 }
 
 int skip_octets(asn1_per_decoder* decoder, uint64_t count) {
-    uint64_t left = octets_left(decoder);
-    uint64_t there = count < left ? count : left;
-    uint64_t target = bits_consumed(decoder) + there * 8;
-    uint32_t used = target % 8;  // bits of the octet at the target that are behind us
-    decoder->position = target / 8;
-    decoder->accumulator = 0;
-    decoder->bit_count = 0;
-    if (used != 0) {
-        decoder->accumulator = uint32_t{decoder->data[decoder->position++]} << (24 + used);
-        decoder->bit_count = static_cast<int32_t>(8 - used);
-    }
-    return there == count ? 0 : report_end(decoder);
+    uint64_t left = bits_left(decoder) / 8;
+    decoder->source.position += 8 * (count < left ? count : left);
+    return count <= left ? 0 : report_end(decoder);
 }
 
 }  // namespace orlenta::per

@@ -14,8 +14,7 @@ static int64_t bytes_used(const asn1_per_decoder* decoder) {
 
 static void begin(asn1_per_decoder* decoder, const uint8_t* data, uint64_t size) {
     *decoder = {};
-    decoder->data = data;
-    decoder->size = size;
+    begin_reading(decoder, data, size);
     decoder->stack = begin_stack();
 }
 
@@ -37,7 +36,7 @@ static int decode_to_new_value(asn1_per_decoder* decoder, void** out, const asn1
         free_failed_value(type, *out);
         *out = nullptr;
     } else {
-        asn1_decode_error(decoder, "not enough memory");
+        report_no_memory(decoder);
     }
     return hand_out_error(error, &decoder->error);
 }

@@ -4,14 +4,15 @@
 
 namespace orlenta::per {
 
-static int report_no_memory(asn1_per_decoder* decoder) {
-    return asn1_decode_error(decoder, "not enough memory");
-}
+// Limbs that a sum or difference of the two may take on the way, the growth of its record included.
+static uint64_t limbs_of_sum(uint32_t a, uint32_t b) { return 3 * (uint64_t{a > b ? a : b} + 1); }
 
 // Fills `limb_count` limbs, of which the top one has `top_width` bits, from the top down.
 static int get_limbs(asn1_per_decoder* decoder, asn1_integer* value, uint32_t limb_count,
                      uint32_t top_width) {
-    if (asn1_integer_resize(value, limb_count) != 0) return report_no_memory(decoder);
+    if (!count_limbs(&decoder->memory, limb_count) || asn1_integer_resize(value, limb_count) != 0) {
+        return report_no_memory(decoder);
+    }
     uint32_t width = top_width;
     for (uint32_t i = limb_count; i-- > 0; width = 32) {
         if (asn1_get_bits(decoder, width, &value->limbs[i]) != 0) return -1;
@@ -48,7 +49,10 @@ static int get_octet_field(asn1_per_decoder* decoder, asn1_integer* value, uint3
     uint32_t number;
     asn1_align(decoder);
     if (asn1_get_bits(decoder, width, &number) != 0) return -1;
-    return asn1_integer_set_ui(value, number) != 0 ? report_no_memory(decoder) : 0;
+    if (!count_limbs(&decoder->memory, 1) || asn1_integer_set_ui(value, number) != 0) {
+        return report_no_memory(decoder);
+    }
+    return 0;
 }
 
 static int get_counted_octets(asn1_per_decoder* decoder, asn1_integer* value, const asn1_integer* range) {
@@ -69,7 +73,13 @@ static int get_offset(asn1_per_decoder* decoder, asn1_integer* value, const asn1
 }
 
 static int add_lower(asn1_per_decoder* decoder, asn1_integer* value, const asn1_integer* lower) {
-    return asn1_integer_add_internal(value, value, lower, 0) != 0 ? report_no_memory(decoder) : 0;
+    uint32_t had = value->capacity;
+    uint64_t taken = limbs_of_sum(had, lower->size);
+    if (!count_limbs(&decoder->memory, taken) || asn1_integer_add_internal(value, value, lower, 0) != 0) {
+        return report_no_memory(decoder);
+    }
+    uncount_limbs(&decoder->memory, taken + had - value->capacity);
+    return 0;
 }
 
 static int get_within_range(asn1_per_decoder* decoder, asn1_integer* value, const asn1_integer* lower,
@@ -86,10 +96,13 @@ static int get_within_range(asn1_per_decoder* decoder, asn1_integer* value, cons
 static int decode_constrained(asn1_per_decoder* decoder, const big_bounds& bounds, asn1_integer* value) {
     asn1_integer range;
     asn1_integer_init(&range);
+    uint64_t taken = limbs_of_sum(bounds.upper->size, bounds.lower->size);
+    if (!count_limbs(&decoder->memory, taken)) return report_no_memory(decoder);
     int result = asn1_integer_add_internal(&range, bounds.upper, bounds.lower, 1) != 0
                      ? report_no_memory(decoder)
                      : get_within_range(decoder, value, bounds.lower, &range);
     asn1_integer_clear(&range);
+    uncount_limbs(&decoder->memory, taken);
     return result;
 }
 

@@ -1,5 +1,3 @@
-#include <orlenta/memory.h>
-
 #include "core/extension.hpp"
 #include "core/path.hpp"
 #include "per/decode_items.hpp"
@@ -62,11 +60,11 @@ static int decode_units(asn1_per_decoder* decoder, const asn1_type_desc* type, v
 int decode_additions(asn1_per_decoder* decoder, const asn1_type_desc* type, void* record) {
     uint32_t count;
     if (get_bitmap_length(decoder, &count) != 0) return -1;
-    uint8_t* bitmap = static_cast<uint8_t*>(asn1_malloc(count));
-    if (!bitmap) return asn1_decode_error(decoder, "not enough memory");
+    uint8_t* bitmap = static_cast<uint8_t*>(allocate(&decoder->memory, count));
+    if (!bitmap) return report_no_memory(decoder);
     int result = get_bitmap(decoder, bitmap, count);
     if (result == 0) result = decode_units(decoder, type, record, bitmap, count);
-    asn1_free(bitmap);
+    release(&decoder->memory, bitmap, count);
     return result;
 }
 

@@ -4,24 +4,22 @@
 
 namespace orlenta::per {
 
-int grow_block(asn1_per_decoder* decoder, uint8_t** data, uint64_t size) {
-    void* block = asn1_realloc(*data, size);
-    if (!block) return asn1_decode_error(decoder, "not enough memory");
+int grow_block(asn1_per_decoder* decoder, uint8_t** data, uint64_t old_size, uint64_t size) {
+    void* block = reallocate(&decoder->memory, *data, old_size, size);
+    if (!block) return report_no_memory(decoder);
     *data = static_cast<uint8_t*>(block);
     return 0;
 }
 
 int asn1_per_decode_octet_string1(asn1_per_decoder* decoder, uint32_t first, uint32_t count, void* argument) {
     asn1_string* string = static_cast<asn1_string*>(argument);
-    if (grow_block(decoder, &string->data, uint64_t{first} + count) != 0) return -1;
+    if (grow_block(decoder, &string->data, first, uint64_t{first} + count) != 0) return -1;
     string->length = uint64_t{first} + count;
     return get_octets(decoder, string->data + first, count);
 }
 
 int asn1_per_decode_buf1(asn1_per_decoder* decoder, uint32_t first, uint32_t count, void* argument) {
-    uint8_t** data = static_cast<uint8_t**>(argument);
-    if (grow_block(decoder, data, uint64_t{first} + count) != 0) return -1;
-    return get_octets(decoder, *data + first, count);
+    return get_octets(decoder, static_cast<uint8_t*>(argument) + first, count);
 }
 
 int asn1_per_skip_open_type1(asn1_per_decoder* decoder, uint32_t, uint32_t count, void*) {
@@ -31,7 +29,7 @@ int asn1_per_skip_open_type1(asn1_per_decoder* decoder, uint32_t, uint32_t count
 // One fragment, or the closing part.
 static int read_piece(asn1_per_decoder* decoder, asn1_per_item_reader* reader, void* argument, uint32_t* have,
                       uint32_t count) {
-    if (count > UINT32_MAX - *have) return asn1_decode_error(decoder, "not enough memory");
+    if (count > UINT32_MAX - *have) return report_no_memory(decoder);
     if (count != 0 && reader(decoder, *have, count, argument) != 0) return -1;
     *have += count;
     return 0;

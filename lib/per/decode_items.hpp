@@ -2,8 +2,6 @@
 // fragment by fragment. Results are 0, or -1 after a report.
 #pragma once
 
-#include <orlenta/memory.h>
-
 #include "per/bit_reader.hpp"
 #include "per/item_layout.hpp"
 
@@ -21,10 +19,10 @@ int asn1_per_decode_ulength_items(asn1_per_decoder* decoder, asn1_per_item_reade
 int decode_sized_items(asn1_per_decoder* decoder, const item_layout& layout, asn1_per_item_reader* reader,
                        void* argument, const char* too_few);
 
-// Grows the block at `*data` to `size` bytes, 0 counting as 1.
-int grow_block(asn1_per_decoder* decoder, uint8_t** data, uint64_t size);
+// Grows the block at `*data`, which has `old_size` bytes if it is not null.
+int grow_block(asn1_per_decoder* decoder, uint8_t** data, uint64_t old_size, uint64_t size);
 
-// Item readers of octets. The arguments are an asn1_string, a byte pointer, and null.
+// Item readers of octets. The arguments are an asn1_string, the room for all of them, and null.
 asn1_per_item_reader asn1_per_decode_octet_string1;
 asn1_per_item_reader asn1_per_decode_buf1;
 asn1_per_item_reader asn1_per_skip_open_type1;

@@ -1,12 +1,6 @@
-#include <orlenta/memory.h>
-
 #include "per/decode_type.hpp"
 
 namespace orlenta::per {
-
-static int report_no_memory(asn1_per_decoder* decoder) {
-    return asn1_decode_error(decoder, "not enough memory");
-}
 
 // Whether one root component is there; a DEFAULT that is not is filled in.
 static int get_presence(asn1_per_decoder* decoder, const asn1_field* field, void* record, uint8_t* presence) {
@@ -19,7 +13,7 @@ static int get_presence(asn1_per_decoder* decoder, const asn1_field* field, void
             break;
         case ASN1_OPTION_DEFAULT:
             if (asn1_get_bits(decoder, 1, &bit) != 0) return -1;
-            if (bit == 0 && asn1_sequence_set_default_value(record, field) != 0)
+            if (bit == 0 && fill_default(&decoder->memory, record, field) != 0)
                 return report_no_memory(decoder);
             break;
         default: return -1;
@@ -41,7 +35,7 @@ static int get_preamble(asn1_per_decoder* decoder, const asn1_field* fields, uin
 static int decode_root(asn1_per_decoder* decoder, const asn1_type_desc* type, void* record) {
     const asn1_field* fields = components(type);
     uint32_t n = component_count(type);
-    uint8_t* presence = static_cast<uint8_t*>(asn1_malloc(n));
+    uint8_t* presence = static_cast<uint8_t*>(allocate(&decoder->memory, n));
     if (!presence) return report_no_memory(decoder);
     int result = get_preamble(decoder, fields, n, record, presence);
     for (uint32_t i = 0; i < n && result == 0; ++i) {
@@ -49,7 +43,7 @@ static int decode_root(asn1_per_decoder* decoder, const asn1_type_desc* type, vo
         result = decode_named(decoder, field_name(&fields[i]), field_type(&fields[i]),
                               field_value(&fields[i], record));
     }
-    asn1_free(presence);
+    release(&decoder->memory, presence, n);
     return result;
 }
 

@@ -12,7 +12,7 @@ static int asn1_per_decode_bit_string1(asn1_per_decoder* decoder, uint32_t first
                                        void* argument) {
     asn1_bit_string* string = static_cast<asn1_bit_string*>(argument);
     uint64_t length = uint64_t{first} + count;
-    if (grow_block(decoder, &string->data, (length + 7) / 8) != 0) return -1;
+    if (grow_block(decoder, &string->data, first / 8, (length + 7) / 8) != 0) return -1;
     string->length = length;
     uint8_t* octets = string->data + first / 8;
     if (get_octets(decoder, octets, count / 8) != 0) return -1;
@@ -60,7 +60,8 @@ static int asn1_per_decode_char_string1(asn1_per_decoder* decoder, uint32_t firs
     const asn1_per_char_params* params = static_cast<const asn1_per_char_params*>(argument);
     asn1_string* string = static_cast<asn1_string*>(params->data);
     uint64_t length = uint64_t{first} + count;
-    if (grow_block(decoder, &string->data, length << params->unit_shift) != 0) return -1;
+    uint32_t shift = params->unit_shift;
+    if (grow_block(decoder, &string->data, uint64_t{first} << shift, length << shift) != 0) return -1;
     string->length = length;
     return get_chars(decoder, params, string->data, first, count);
 }
@@ -109,7 +110,7 @@ int decode_real(asn1_per_decoder* decoder, void* value) {
             memcpy(value, &number, sizeof number);
         }
     }
-    asn1_free(contents.data);
+    release(&decoder->memory, contents.data, contents.length);
     return result;
 }
 

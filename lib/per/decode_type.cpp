@@ -1,7 +1,5 @@
 #include "per/decode_type.hpp"
 
-#include <orlenta/value.h>
-
 #include "core/path.hpp"
 #include "per/decode_numbers.hpp"
 
@@ -52,8 +50,8 @@ static int decode_tagged(asn1_per_decoder* decoder, const asn1_type_desc* type, 
     const asn1_type_desc* inner = tagged_inner(type);
     if (is_indirect(type)) {
         if (check_depth(decoder) != 0) return -1;
-        void* separate = asn1_mallocz_value(inner);
-        if (!separate) return asn1_decode_error(decoder, "not enough memory");
+        void* separate = allocate_value(&decoder->memory, inner);
+        if (!separate) return report_no_memory(decoder);
         store_pointer(value, separate);
         value = separate;
     }

@@ -6,7 +6,7 @@
 namespace orlenta::per {
 
 struct asn1_per_list_params {
-    void* data;       // encoder: the first element; decoder: the asn1_array
+    void* data;       // encoder: the first element; decoder: the growing_list
     uint64_t stride;  // bytes of an element record
     const asn1_type_desc* element;
 };

@@ -61,7 +61,7 @@ static int decode_list_element(asn1_xer_parser* parser, const list_layout& layou
 int decode_list(asn1_xer_parser* parser, const asn1_type_desc* type, void* value) {
     list_layout layout = list_of(type);
     uint32_t element_kind = kind_of(untagged(layout.element));
-    growing_list list = begin_list(static_cast<asn1_array*>(value), layout.stride);
+    growing_list list = begin_list(&parser->memory, static_cast<asn1_array*>(value), layout.stride);
     if (check_depth(parser) != 0) return -1;
     for (;;) {
         if (skip_spaces(parser) != 0) return -1;

@@ -55,6 +55,21 @@ TEST(PerOpenTypes, AlignmentAndFragments) {
                  {kOptionalId, value.c_str(), ("1 | " + expected).c_str()}});
 }
 
+// Each level is put together in the block of the one around it; what follows a level must be as it was.
+TEST(PerOpenTypes, FragmentsWithinFragments) {
+    Type type = sequence({{kSmall, "x"}, {kOctets, "in", kOptional, kAddition}}, kExt);
+    std::string value = "{x 1, in '" + hex(octets(40000, 0x5A)).substr(1) + "'H}";
+    for (int level = 2; level <= 4; ++level) {
+        type = sequence(
+            {{kSmall, "x"}, {type, "in", kOptional, kAddition}, {kOctets, "after", kOptional, kAddition}},
+            kExt);
+        value = "{x " + std::to_string(level) + ", in " + value + ", after 'C3A5'H}";
+    }
+    value_pointer whole = value_of(type, value);
+    for (const Variant& variant : kVariants)
+        expect_variant(variant, type, whole.get(), encoded(variant, type, whole.get()));
+}
+
 // ---- entry points -----------------------------------------------------------------------------------------
 
 TEST(PerEntryPoints, WithoutErrorRecord) {

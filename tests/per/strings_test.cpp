@@ -179,8 +179,7 @@ TEST(PerFragments, CountWrapsAround) {
         octets in(65535, 0xC4);
         for (uint8_t octet : row.rest) in.push_back(octet);
         per::asn1_per_decoder decoder = {};
-        decoder.data = in.data();
-        decoder.size = in.size();
+        per::begin_reading(&decoder, in.data(), in.size());
         uint64_t read = 0;
         uint32_t total = 0;
         EXPECT_EQ(per::asn1_per_decode_ulength_items(&decoder, read_nothing, &read, &total), row.result);
