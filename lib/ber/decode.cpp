@@ -44,8 +44,8 @@ static int keep_raw(asn1_ber_decoder* decoder, asn1_open_value* value, int32_t l
     uint64_t start = decoder->tag_start;
     if (asn1_ber_skip_tag(decoder, length) != 0) return -1;
     uint64_t size = decoder->position - start;
-    value->data = asn1_malloc(size);
-    if (value->data == nullptr) return asn1_error(decoder, "not enough memory");
+    value->data = allocate(&decoder->memory, size);
+    if (value->data == nullptr) return report_no_memory(decoder);
     memcpy(value->data, decoder->input + start, size);
     value->length = size;
     return 0;
@@ -55,8 +55,8 @@ static int decode_open_value(asn1_ber_decoder* decoder, const asn1_type_desc* ty
                              uint32_t tag, int constructed, int32_t length) {
     value->type = asn1_get_constrained_type(decoder->frames, type);
     if (value->type == nullptr) return keep_raw(decoder, value, length);
-    value->data = asn1_mallocz_value(value->type);
-    if (value->data == nullptr) return asn1_error(decoder, "not enough memory");
+    value->data = allocate_value(&decoder->memory, value->type);
+    if (value->data == nullptr) return report_no_memory(decoder);
     return asn1_ber_decode_type_tag(decoder, value->type, value->data, tag, constructed, length);
 }
 
@@ -76,8 +76,8 @@ static int decode_tagged(asn1_ber_decoder* decoder, const asn1_type_desc* type, 
                          int constructed, int32_t length) {
     const asn1_type_desc* inner = tagged_inner(type);
     if (is_indirect(type)) {
-        void* block = asn1_mallocz_value(inner);
-        if (block == nullptr) return asn1_error(decoder, "not enough memory");
+        void* block = allocate_value(&decoder->memory, inner);
+        if (block == nullptr) return report_no_memory(decoder);
         store_pointer(value, block);
         value = block;
     }
@@ -167,8 +167,8 @@ int64_t asn1_ber_decode(void** out, const asn1_type_desc* type, const uint8_t* d
     asn1_error_init(&decoder.error);
 
     void* value = asn1_mallocz_value(type);
-    int result = value != nullptr ? ber::asn1_ber_decode_type(&decoder, type, value)
-                                  : ber::asn1_error(&decoder, "not enough memory");
+    int result =
+        value != nullptr ? ber::asn1_ber_decode_type(&decoder, type, value) : ber::report_no_memory(&decoder);
     if (result >= 0) {
         *out = value;
         return static_cast<int64_t>(decoder.position);

@@ -30,8 +30,8 @@ static int decode_big_integer(asn1_ber_decoder* decoder, asn1_integer* value, in
     asn1_integer_init(value);
     if (length == 0) return 0;
     const uint8_t* octets = decoder->input + decoder->position;
-    if (read_integer_octets(value, octets, static_cast<uint32_t>(length), false) != 0) {
-        return asn1_error(decoder, "not enough memory");
+    if (read_integer_octets(&decoder->memory, value, octets, static_cast<uint32_t>(length), false) != 0) {
+        return report_no_memory(decoder);
     }
     decoder->position += static_cast<uint64_t>(length);
     return 0;

@@ -1,6 +1,4 @@
 // BER decoding of SEQUENCE, SET and their lists (X.690 clauses 8.9 to 8.12).
-#include <orlenta/memory.h>
-
 #include "ber/decoder.hpp"
 #include "core/growing_list.hpp"
 #include "core/tag.hpp"
@@ -71,8 +69,8 @@ static int decode_element(asn1_ber_decoder* decoder, sequence_walk* walk, uint32
 static int end_sequence(asn1_ber_decoder* decoder, const sequence_walk& walk) {
     const asn1_field* fields = components(walk.type);
     int32_t count = static_cast<int32_t>(walk.count);
-    if (asn1_sequence_set_default_fields(fields, count, walk.record, walk.seen) != 0) {
-        return asn1_error(decoder, "not enough memory");
+    if (fill_defaults(&decoder->memory, fields, walk.count, walk.record, walk.seen) != 0) {
+        return report_no_memory(decoder);
     }
     struct ::asn1_error* error = &decoder->error;
     if (asn1_sequence_check_fields(fields, count, walk.seen, error->message, sizeof error->message) != 0) {
@@ -99,13 +97,13 @@ int asn1_ber_decode_sequence(asn1_ber_decoder* decoder, const asn1_type_desc* ty
                              int constructed) {
     if (require_constructed(decoder, constructed) != 0) return -1;
     sequence_walk walk = {type, value, component_count(type), 0, nullptr};
-    walk.seen = static_cast<uint8_t*>(asn1_mallocz(walk.count));
-    if (walk.seen == nullptr) return asn1_error(decoder, "not enough memory");
+    walk.seen = static_cast<uint8_t*>(allocate_zeroed(&decoder->memory, walk.count));
+    if (walk.seen == nullptr) return report_no_memory(decoder);
     asn1_parent_frame frame = {decoder->frames, type, value};
     decoder->frames = &frame;
     int result = decode_components(decoder, &walk);
     decoder->frames = frame.parent;
-    asn1_free(walk.seen);
+    release(&decoder->memory, walk.seen, walk.count);
     return result;
 }
 
@@ -121,7 +119,7 @@ static int decode_elements(asn1_ber_decoder* decoder, const asn1_type_desc* elem
         if (tag == kEndOfContents) return 0;
         if (tag < 0) return -1;
         void* element = add_element(growing);
-        if (element == nullptr) return asn1_error(decoder, "not enough memory");
+        if (element == nullptr) return report_no_memory(decoder);
         int result = asn1_ber_decode_type_tag(decoder, element_type, element, static_cast<uint32_t>(tag),
                                               constructed, length);
         if (result == 0) result = decode_tag_end(decoder, saved);

@@ -1,6 +1,4 @@
 // BER decoding of strings, primitive and in segments (X.690 clauses 8.6, 8.7, 8.19, 8.20, 8.23).
-#include <orlenta/memory.h>
-
 #include "ber/decoder.hpp"
 #include "core/code_units.hpp"
 
@@ -13,16 +11,22 @@ struct segmented_string {
     uint64_t capacity;  // octets allocated; 0 before the first segment
 };
 
-// ---- one segment ------------------------------------------------------------------------------------------
+// ---- one segment: 0, -1 or kNoMemory ----------------------------------------------------------------------
+
+// The failure of a segment that ends the string; any other shows where the segment should end.
+constexpr int kNoMemory = -2;
+
+static int no_memory(asn1_ber_decoder* decoder) {
+    report_no_memory(decoder);
+    return kNoMemory;
+}
 
 static int append_octets(asn1_ber_decoder* decoder, segmented_string* string, int32_t length) {
     asn1_string* value = string->octets;
     uint64_t needed = value->length + static_cast<uint64_t>(length);
     if (needed > string->capacity) {
         void* block = value->data;
-        if (__asn1_realloc_buf(&block, 1, &string->capacity, needed, 0) != 0) {
-            return asn1_error(decoder, "not enough memory");
-        }
+        if (!grow_buffer(&decoder->memory, &block, 1, &string->capacity, needed)) return no_memory(decoder);
         value->data = static_cast<uint8_t*>(block);
     }
     uint64_t end = value->length;
@@ -42,10 +46,10 @@ static int get_unused_bits(asn1_ber_decoder* decoder, int32_t length) {
 // Room for the `count` octets of a first segment, or of one behind segments that had none.
 static int allocate_bits(asn1_ber_decoder* decoder, segmented_string* string, uint64_t count) {
     asn1_bit_string* value = string->bits;
-    asn1_free(value->data);
+    release(&decoder->memory, value->data, 0);
     *value = {};
-    value->data = static_cast<uint8_t*>(asn1_malloc(count));
-    if (value->data == nullptr) return asn1_error(decoder, "not enough memory");
+    value->data = static_cast<uint8_t*>(allocate(&decoder->memory, count));
+    if (value->data == nullptr) return no_memory(decoder);
     string->capacity = count;
     return 0;
 }
@@ -58,9 +62,7 @@ static int grow_bits(asn1_ber_decoder* decoder, segmented_string* string, uint64
     uint64_t needed = value->length / 8 + count;
     if (needed <= string->capacity) return 0;
     void* block = value->data;
-    if (__asn1_realloc_buf(&block, 1, &string->capacity, needed, 0) != 0) {
-        return asn1_error(decoder, "not enough memory");
-    }
+    if (!grow_buffer(&decoder->memory, &block, 1, &string->capacity, needed)) return no_memory(decoder);
     value->data = static_cast<uint8_t*>(block);
     return 0;
 }
@@ -98,8 +100,8 @@ struct segment_nesting {
 static int enter_segment(asn1_ber_decoder* decoder, segment_nesting* nesting, const asn1_ber_limit& saved) {
     if (nesting->depth == nesting->capacity) {
         void* block = nesting->open;
-        if (__asn1_realloc_buf(&block, sizeof saved, &nesting->capacity, nesting->depth + 1, 0) != 0) {
-            return asn1_error(decoder, "not enough memory");
+        if (!grow_buffer(&decoder->memory, &block, sizeof saved, &nesting->capacity, nesting->depth + 1)) {
+            return report_no_memory(decoder);
         }
         nesting->open = static_cast<asn1_ber_limit*>(block);
     }
@@ -139,7 +141,7 @@ static int decode_segments(asn1_ber_decoder* decoder, segmented_string* string, 
                 if (enter_segment(decoder, nesting, saved) != 0) return -1;
                 continue;
             }
-            append_segment(decoder, string, length);
+            if (append_segment(decoder, string, length) == kNoMemory) return -1;
             if (decode_tag_end(decoder, saved) == 0) continue;
         }
         if (!leave_segments(decoder, nesting, &result)) return result;
@@ -149,7 +151,7 @@ static int decode_segments(asn1_ber_decoder* decoder, segmented_string* string, 
 static int decode_constructed(asn1_ber_decoder* decoder, segmented_string* string) {
     segment_nesting nesting = {};
     int result = decode_segments(decoder, string, &nesting);
-    asn1_free(nesting.open);
+    release(&decoder->memory, nesting.open, nesting.capacity * sizeof *nesting.open);
     return result;
 }
 
@@ -159,12 +161,13 @@ int asn1_ber_decode_bit_string(asn1_ber_decoder* decoder, asn1_bit_string* value
                                int32_t length) {
     *value = {};
     segmented_string string = {nullptr, value, 0};
-    return constructed != 0 ? decode_constructed(decoder, &string) : append_bits(decoder, &string, length);
+    if (constructed != 0) return decode_constructed(decoder, &string);
+    return append_bits(decoder, &string, length) == 0 ? 0 : -1;
 }
 
 static int decode_primitive(asn1_ber_decoder* decoder, asn1_string* value, int32_t length) {
-    value->data = static_cast<uint8_t*>(asn1_malloc(static_cast<uint64_t>(length)));
-    if (value->data == nullptr) return asn1_error(decoder, "not enough memory");
+    value->data = static_cast<uint8_t*>(allocate(&decoder->memory, static_cast<uint64_t>(length)));
+    if (value->data == nullptr) return report_no_memory(decoder);
     value->length = static_cast<uint64_t>(length);
     return get_bytes(decoder, value->data, value->length);
 }

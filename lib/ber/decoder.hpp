@@ -39,6 +39,7 @@ constexpr int32_t kEndOfContents = -2;
 // Records message and position, and returns -1.
 int asn1_error(asn1_ber_decoder* decoder, const char* format, ...)
     __attribute__((format(printf, 2, 3), cold));
+inline int report_no_memory(asn1_ber_decoder* decoder) { return asn1_error(decoder, "not enough memory"); }
 // The position alone, for a message that is in the record already.
 int report_position(asn1_ber_decoder* decoder);
 // The one message that every element of definite length leaves behind at its end, and so has to be cheap.

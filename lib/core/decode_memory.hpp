@@ -75,6 +75,21 @@ inline void* reallocate(decode_memory* memory, void* block, uint64_t old_size, u
     return moved;
 }
 
+// Grows a buffer of `*capacity` elements to `needed` or more, as __asn1_realloc_buf() does without zero-filling.
+inline bool grow_buffer(decode_memory* memory, void** block, uint64_t element_size, uint64_t* capacity,
+                        uint64_t needed) {
+    uint64_t wanted = *capacity + *capacity / 2;
+    if (wanted < 4) wanted = 4;
+    if (wanted < needed) wanted = needed;
+    uint64_t size;
+    if (__builtin_mul_overflow(wanted, element_size, &size)) return false;
+    void* moved = reallocate(memory, *block, *capacity * element_size, size);
+    if (!moved) return false;
+    *block = moved;
+    *capacity = wanted;
+    return true;
+}
+
 inline void release(decode_memory* memory, void* block, uint64_t size) {
     if (block) uncount_bytes(memory, counted_size(size));
     asn1_free(block);
@@ -91,10 +106,23 @@ inline void uncount_limbs(decode_memory* memory, uint64_t limbs) {
     uncount_bytes(memory, limbs * sizeof(uint32_t));
 }
 
+// Limbs that are alive at the most while a sum or difference of numbers of so many limbs is made.
+inline uint64_t limbs_of_sum(uint32_t a, uint32_t b) { return 3 * (uint64_t{a > b ? a : b} + 1); }
+
 // Fills an absent DEFAULT component in. 0, or -1 without memory.
 inline int fill_default(decode_memory* memory, void* record, const asn1_field* field) {
     if (holds_big_integer(field_type(field)) && !count_limbs(memory, field->extra.integer->size)) return -1;
     return asn1_sequence_set_default_value(record, field);
+}
+
+// The same for all `n` components that were not seen.
+inline int fill_defaults(decode_memory* memory, const asn1_field* fields, uint32_t n, void* record,
+                         const uint8_t* seen) {
+    for (uint32_t i = 0; i < n; ++i) {
+        if (seen[i] != 0 || field_option(&fields[i]) != ASN1_OPTION_DEFAULT) continue;
+        if (fill_default(memory, record, &fields[i]) != 0) return -1;
+    }
+    return 0;
 }
 
 }  // namespace orlenta

@@ -2,14 +2,16 @@
 #pragma once
 
 #include "core/buffer.hpp"
-#include "core/descriptor.hpp"
+#include "core/decode_memory.hpp"
 
 namespace orlenta {
 
-// Fills `a`, which must be initialised, from `count` octets (at least 1). Returns 0, or -1 without memory.
-inline int read_integer_octets(asn1_integer* a, const uint8_t* octets, uint32_t count, bool is_unsigned) {
+// Makes `a` the number in `count` octets (at least 1). Returns 0, or -1 without memory.
+inline int read_integer_octets(decode_memory* memory, asn1_integer* a, const uint8_t* octets, uint32_t count,
+                               bool is_unsigned) {
     uint32_t size = (count - 1) / 4 + 1;
-    if (asn1_integer_resize(a, size) != 0) return -1;
+    asn1_integer_init(a);
+    if (!count_limbs(memory, size) || asn1_integer_resize(a, size) != 0) return -1;
     uint32_t limb = !is_unsigned && (octets[0] & 0x80) != 0 ? UINT32_MAX : 0;
     for (uint32_t left = count; left > 0; --left) {
         limb = limb << 8 | *octets++;

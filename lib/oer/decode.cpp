@@ -54,8 +54,8 @@ static int decode_choice(asn1_oer_decoder* decoder, const asn1_type_desc* type, 
 static int decode_tagged(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* value) {
     const asn1_type_desc* inner = tagged_inner(type);
     if (!is_indirect(type)) return asn1_oer_decode_type(decoder, inner, value);
-    void* block = asn1_mallocz_value(inner);
-    if (block == nullptr) return asn1_error(decoder, "not enough memory");
+    void* block = allocate_value(&decoder->memory, inner);
+    if (block == nullptr) return report_no_memory(decoder);
     store_pointer(value, block);
     return asn1_oer_decode_type(decoder, inner, block);
 }
@@ -69,8 +69,8 @@ static int decode_any(asn1_oer_decoder* decoder, const asn1_type_desc* type, asn
         value->length = raw.length;
         return result;
     }
-    value->data = asn1_mallocz_value(value->type);
-    if (value->data == nullptr) return asn1_error(decoder, "not enough memory");
+    value->data = allocate_value(&decoder->memory, value->type);
+    if (value->data == nullptr) return report_no_memory(decoder);
     return asn1_oer_decode_open_type(decoder, value->type, value->data);
 }
 
@@ -131,8 +131,8 @@ int64_t asn1_oer_decode(void** out, const asn1_type_desc* type, const uint8_t* d
     asn1_error_init(&decoder.error);
 
     void* value = asn1_mallocz_value(type);
-    int result = value != nullptr ? oer::asn1_oer_decode_type(&decoder, type, value)
-                                  : oer::asn1_error(&decoder, "not enough memory");
+    int result =
+        value != nullptr ? oer::asn1_oer_decode_type(&decoder, type, value) : oer::report_no_memory(&decoder);
     if (result == 0) {
         *out = value;
         return static_cast<int64_t>(decoder.position);

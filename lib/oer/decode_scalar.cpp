@@ -93,19 +93,28 @@ static int asn1_oer_decode_large_integer1(asn1_oer_decoder* decoder, asn1_intege
     int32_t octets = fixed_octets != 0 ? static_cast<int32_t>(fixed_octets) : decode_len(decoder);
     if (octets < 1) return -1;
     if (!has_bytes(decoder, static_cast<uint64_t>(octets))) return -1;
-    asn1_integer_init(value);
     const uint8_t* contents = decoder->data + decoder->position;
-    if (read_integer_octets(value, contents, static_cast<uint32_t>(octets), is_unsigned) != 0) {
-        return asn1_error(decoder, "not enough memory");
+    if (read_integer_octets(&decoder->memory, value, contents, static_cast<uint32_t>(octets), is_unsigned) !=
+        0) {
+        return report_no_memory(decoder);
     }
     decoder->position += static_cast<uint64_t>(octets);
     return 0;
 }
 
+static int get_form(asn1_oer_decoder* decoder, const asn1_type_desc* type, integer_form* form) {
+    big_bounds bounds = big_bounds_of(type);
+    uint64_t limbs = bounds.lower && bounds.upper ? limbs_of_sum(bounds.lower->size, bounds.upper->size) : 0;
+    if (!count_limbs(&decoder->memory, limbs)) return -1;
+    int result = big_integer_form_of(type, form);
+    uncount_limbs(&decoder->memory, limbs);
+    return result;
+}
+
 int asn1_oer_decode_integer(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* value) {
     if (!is_big_integer(type)) return decode_int32(decoder, type, value);
     integer_form form;
-    if (big_integer_form_of(type, &form) != 0) return asn1_error(decoder, "not enough memory");
+    if (get_form(decoder, type, &form) != 0) return report_no_memory(decoder);
     return asn1_oer_decode_large_integer1(decoder, static_cast<asn1_integer*>(value), form.octets,
                                           form.is_unsigned);
 }

@@ -1,6 +1,4 @@
 // OER decoding of SEQUENCE, SET and their lists (X.696 clauses 16 to 19).
-#include <orlenta/memory.h>
-
 #include "core/extension.hpp"
 #include "core/growing_list.hpp"
 #include "oer/decoder.hpp"
@@ -42,9 +40,8 @@ static int decode_root_presence(asn1_oer_decoder* decoder, const asn1_type_desc*
         }
         present[i] = static_cast<uint8_t>(bit);
         if (option == ASN1_OPTION_OPTIONAL) set_presence_word(field, record, present[i]);
-        if (option == ASN1_OPTION_DEFAULT && bit == 0 &&
-            asn1_sequence_set_default_value(record, field) != 0) {
-            return asn1_error(decoder, "not enough memory");
+        if (option == ASN1_OPTION_DEFAULT && bit == 0 && fill_default(&decoder->memory, record, field) != 0) {
+            return report_no_memory(decoder);
         }
     }
     return 0;
@@ -77,11 +74,11 @@ static int decode_present(asn1_oer_decoder* decoder, const asn1_field* fields, u
 // ---- extension additions ----------------------------------------------------------------------------------
 
 static int decode_group_members(asn1_oer_decoder* decoder, const extension_unit& group, void* record) {
-    uint8_t* present = static_cast<uint8_t*>(asn1_malloc(group.count));
-    if (present == nullptr) return asn1_error(decoder, "not enough memory");
+    uint8_t* present = static_cast<uint8_t*>(allocate(&decoder->memory, group.count));
+    if (present == nullptr) return report_no_memory(decoder);
     int result = decode_group_presence(decoder, group, record, present);
     if (result == 0) result = decode_present(decoder, group.first, group.count, record, present);
-    asn1_free(present);
+    release(&decoder->memory, present, group.count);
     return result;
 }
 
@@ -130,7 +127,7 @@ static int decode_additions(asn1_oer_decoder* decoder, const asn1_type_desc* typ
     asn1_bit_string bitmap = {};
     int result = asn1_oer_decode_bit_string1(decoder, &bitmap, kVariable);
     if (result == 0) result = decode_mapped_additions(decoder, type, record, bitmap);
-    asn1_free(bitmap.data);
+    release(&decoder->memory, bitmap.data, (bitmap.length + 7) / 8);
     return result;
 }
 
@@ -139,11 +136,11 @@ static int decode_additions(asn1_oer_decoder* decoder, const asn1_type_desc* typ
 static int decode_root(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* record,
                        bit_cursor* bits) {
     uint32_t n = component_count(type);
-    uint8_t* present = static_cast<uint8_t*>(asn1_malloc(n));
-    if (present == nullptr) return asn1_error(decoder, "not enough memory");
+    uint8_t* present = static_cast<uint8_t*>(allocate(&decoder->memory, n));
+    if (present == nullptr) return report_no_memory(decoder);
     int result = decode_root_presence(decoder, type, record, bits, present);
     if (result == 0) result = decode_present(decoder, components(type), n, record, present);
-    asn1_free(present);
+    release(&decoder->memory, present, n);
     return result;
 }
 
@@ -166,10 +163,10 @@ int asn1_oer_decode_sequence_of(asn1_oer_decoder* decoder, const asn1_type_desc*
     if (result != 0) return result;
     list_layout list = list_of(type);
     growing_list growing = begin_list(&decoder->memory, value, list.stride);
-    if (!claim_elements(&growing, count)) return asn1_error(decoder, "not enough memory");
+    if (!claim_elements(&growing, count)) return report_no_memory(decoder);
     while (value->count < count) {
         void* element = add_element(&growing);
-        if (element == nullptr) return asn1_error(decoder, "not enough memory");
+        if (element == nullptr) return report_no_memory(decoder);
         result = asn1_oer_decode_type(decoder, list.element, element);
         if (result != 0) return result;
     }

@@ -1,6 +1,4 @@
 // OER decoding of strings (X.696 clauses 13, 14, 21, 22, 27).
-#include <orlenta/memory.h>
-
 #include "core/code_units.hpp"
 #include "oer/decoder.hpp"
 #include "oer/width.hpp"
@@ -10,9 +8,9 @@ namespace orlenta::oer {
 // The next `count` bytes in a block of their own, or null.
 static uint8_t* get_block(asn1_oer_decoder* decoder, uint64_t count) {
     if (!has_bytes(decoder, count)) return nullptr;
-    uint8_t* block = static_cast<uint8_t*>(asn1_malloc(count));
+    uint8_t* block = static_cast<uint8_t*>(allocate(&decoder->memory, count));
     if (block == nullptr) {
-        asn1_error(decoder, "not enough memory");
+        report_no_memory(decoder);
         return nullptr;
     }
     get_bytes(decoder, block, count);

@@ -27,6 +27,8 @@ struct asn1_oer_decoder {
 int asn1_error(asn1_oer_decoder* decoder, const char* format, ...)
     __attribute__((format(printf, 2, 3), cold));
 
+inline int report_no_memory(asn1_oer_decoder* decoder) { return asn1_error(decoder, "not enough memory"); }
+
 // Whether `count` bytes are left; if not, that is reported.
 inline bool has_bytes(asn1_oer_decoder* decoder, uint64_t count) {
     if (__builtin_expect(count <= decoder->size - decoder->position, 1)) return true;

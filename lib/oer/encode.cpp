@@ -116,8 +116,7 @@ int64_t asn1_oer_encode2(uint8_t** out, const asn1_type_desc* type, const void* 
     asn1_error_init(&encoder.error);
     encoder.stack = begin_stack();
     int result = oer::asn1_oer_encode_type(&encoder, type, value);
-    if (result == 0 && encoder.buffer.failed != 0)
-        result = oer::asn1_encode_error(&encoder, "not enough memory");
+    if (encoder.buffer.failed != 0) result = oer::asn1_encode_error(&encoder, "not enough memory");
     if (result == 0) {
         *out = encoder.buffer.data;
         return static_cast<int64_t>(encoder.buffer.length);

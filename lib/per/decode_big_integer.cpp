@@ -4,9 +4,6 @@
 
 namespace orlenta::per {
 
-// Limbs that a sum or difference of the two may take on the way, the growth of its record included.
-static uint64_t limbs_of_sum(uint32_t a, uint32_t b) { return 3 * (uint64_t{a > b ? a : b} + 1); }
-
 // Fills `limb_count` limbs, of which the top one has `top_width` bits, from the top down.
 static int get_limbs(asn1_per_decoder* decoder, asn1_integer* value, uint32_t limb_count,
                      uint32_t top_width) {
