@@ -1,22 +1,12 @@
 #include "core/text_reader.hpp"
 
+#include <orlenta/scalar.h>
 #include <stdarg.h>
-#include <stdlib.h>
 
 #include "core/error.hpp"
 #include "core/failed_value.hpp"
 
 namespace orlenta {
-
-void init_text_parser(text_parser* parser, const uint8_t* data, uint64_t length) {
-    parser->cursor = data;
-    parser->end = data + length;
-    parser->line = 1;
-    parser->frames = nullptr;
-    parser->stack = begin_stack();
-    parser->memory = begin_decode_memory(length);
-    asn1_error_init(&parser->error);
-}
 
 int parse_error(text_parser* parser, const char* format, ...) {
     va_list args;
@@ -43,84 +33,10 @@ int lex_identifier(text_parser* parser, text_identifier* identifier, uint8_t ext
     return 0;
 }
 
-// The bytes from `start` to `end` as a NUL-terminated text in `scratch`, or null.
-static const char* gather(asn1_byte_buffer* scratch, const uint8_t* start, const uint8_t* end) {
-    scratch->length = 0;
-    asn1_put_bytes(scratch, start, static_cast<uint64_t>(end - start));
-    asn1_put_bytes(scratch, "", 1);
-    return scratch->failed ? nullptr : reinterpret_cast<const char*>(scratch->data);
-}
-
-static int read_real(text_parser* parser, asn1_byte_buffer* scratch, const uint8_t* start,
-                     text_number* number) {
-    const char* text = gather(scratch, start, parser->cursor);
-    if (!text) return parse_error(parser, kNotEnoughMemory);
-    number->is_real = true;
-    number->real = strtod(text, nullptr);
-    return 0;
-}
-
-// More digits than any 64-bit number needs are left to the big integer.
-static constexpr ptrdiff_t kSmallDigits = 18;
-
-static void read_small_integer(const uint8_t* at, const uint8_t* end, bool negative, text_integer* integer) {
-    int64_t v = 0;
-    for (; at < end; ++at) v = v * 10 + (*at - '0');
-    integer->is_big = false;
-    integer->small = negative ? -v : v;
-}
-
-static int read_integer(text_parser* parser, asn1_byte_buffer* scratch, const uint8_t* start,
-                        text_number* number) {
-    number->is_real = false;
-    bool negative = *start == '-';
-    const uint8_t* digits = start + negative;
-    if (parser->cursor - digits <= kSmallDigits) {
-        read_small_integer(digits, parser->cursor, negative, &number->integer);
-        return 0;
-    }
-    number->integer.is_big = false;
-    const char* text = gather(scratch, start, parser->cursor);
-    asn1_integer* big = &number->integer.big;
-    asn1_integer_init(big);
-    if (!text || asn1_integer_from_str(big, &text) != 0) {
-        asn1_integer_clear(big);
-        return parse_error(parser, kNotEnoughMemory);
-    }
-    number->integer.is_big = true;
-    return 0;
-}
-
-static const uint8_t* skip_digits(const uint8_t* at, const uint8_t* end) {
-    while (at < end && is_digit(*at)) ++at;
-    return at;
-}
-
-int lex_number(text_parser* parser, asn1_byte_buffer* scratch, bool lower_e, text_number* number) {
-    const uint8_t* end = parser->end;
-    const uint8_t* start = parser->cursor;
-    const uint8_t* integer_end = skip_digits(start + (*start == '-'), end);
-    const uint8_t* at = integer_end;
-    if (at < end && *at == '.') at = skip_digits(at + 1, end);
-    if (at == end || !(*at == 'E' || (lower_e && *at == 'e'))) {
-        parser->cursor = integer_end;
-        return read_integer(parser, scratch, start, number);
-    }
-    ++at;
-    if (at < end && (*at == '+' || *at == '-')) ++at;
-    parser->cursor = skip_digits(at, end);
-    return read_real(parser, scratch, start, number);
-}
-
-int text_integer_to_si64(const text_integer* integer, int64_t* v) {
-    if (integer->is_big) return asn1_integer_get_si64_ov(&integer->big, v);
-    *v = integer->small;
-    return 0;
-}
-
-int text_integer_copy(const text_integer* integer, asn1_integer* dst) {
-    return integer->is_big ? asn1_integer_set(dst, &integer->big)
-                           : asn1_integer_set_si64(dst, integer->small);
+int32_t lex_code_point(text_parser* parser) {
+    const uint8_t* at = parser->cursor;
+    int32_t code = asn1_from_utf8(at, static_cast<uint64_t>(parser->end - at), &parser->cursor);
+    return code >= 0 ? code : parse_error(parser, "invalid UTF-8 code");
 }
 
 // ---- lookup by name ---------------------------------------------------------------------------------------
@@ -139,15 +55,26 @@ int32_t find_item(const enum_layout& items, const char* text, size_t length) {
     return -1;
 }
 
+int32_t select_alternative(text_parser* parser, const choice_layout& choice, void* value, const char* name,
+                           size_t length) {
+    int32_t index = find_alternative(choice, name, length);
+    if (index < 0) return parse_error(parser, "choice '%s' not found", name);
+    store32(at_offset(value, choice.selector_offset), static_cast<uint32_t>(index));
+    return index;
+}
+
+int store_item(text_parser* parser, void* value, int32_t index, const char* name) {
+    if (index < 0) return parse_error(parser, "enumerated '%s' not found", name);
+    store32(value, static_cast<uint32_t>(index));
+    return 0;
+}
+
 // ---- values -----------------------------------------------------------------------------------------------
 
-bool store_integer32(const asn1_type_desc* type, void* value, int64_t number) {
-    bool is_unsigned = is_unsigned_integer(type);
-    int64_t lowest = is_unsigned ? 0 : INT32_MIN;
-    int64_t highest = is_unsigned ? static_cast<int64_t>(UINT32_MAX) : INT32_MAX;
-    if (number < lowest || number > highest) return false;
-    store32(value, static_cast<uint32_t>(number));
-    return true;
+uint8_t* new_block(text_parser* parser, uint64_t size) {
+    void* block = asn1_malloc(size);
+    if (!block) parse_error(parser, kNotEnoughMemory);
+    return static_cast<uint8_t*>(block);
 }
 
 void* tagged_place(text_parser* parser, const asn1_type_desc* type, void* value) {
@@ -233,10 +160,35 @@ int close_sequence(text_parser* parser, text_sequence* sequence, int result) {
     return result;
 }
 
-// ---- the end of a decode ----------------------------------------------------------------------------------
+// ---- lists between brackets, separated by commas ----------------------------------------------------------
 
-int64_t finish_text_decode(const text_parser* parser, int result, const asn1_type_desc* type, void* value,
+int end_item(text_parser* parser, char closing, bool* is_last) {
+    *is_last = parser->token == static_cast<uint32_t>(closing);
+    if (*is_last || parser->token == ',') return 0;
+    return parse_error(parser, "expecting ',' or '%c'", closing);
+}
+
+// ---- beginning and end of a decode ------------------------------------------------------------------------
+
+void* begin_text_decode(text_parser* parser, uint32_t token, const asn1_type_desc* type, const uint8_t* data,
+                        uint64_t length) {
+    parser->cursor = data;
+    parser->end = data + length;
+    parser->line = 1;
+    parser->token = token;
+    asn1_byte_buffer_init(&parser->contents);
+    parser->frames = nullptr;
+    parser->stack = begin_stack();
+    parser->memory = begin_decode_memory(length);
+    asn1_error_init(&parser->error);
+    void* value = asn1_mallocz_value(type);
+    if (!value) parse_error(parser, kNotEnoughMemory);
+    return value;
+}
+
+int64_t finish_text_decode(text_parser* parser, int result, const asn1_type_desc* type, void* value,
                            void** out, uint64_t length, asn1_error* error) {
+    asn1_free(parser->contents.data);
     if (result == 0) {
         *out = value;
         return static_cast<int64_t>(length);

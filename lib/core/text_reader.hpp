@@ -1,14 +1,14 @@
-// What the decoders of text (GSER, JER, XER) read alike: the input with its line, numbers and identifiers,
+// What the decoders of text (GSER, JER, XER) read alike: the input with its line, white space and identifiers,
 // lookup by name, the frame of a SEQUENCE, and the beginning and end of a decode.
 #pragma once
 
 #include <ctype.h>
 #include <orlenta/error.h>
-#include <orlenta/integer.h>
 #include <orlenta/memory.h>
 #include <orlenta/type_info.h>
 #include <orlenta/value.h>
 
+#include "core/buffer.hpp"
 #include "core/decode_memory.hpp"
 #include "core/stack.hpp"
 
@@ -18,19 +18,19 @@ inline constexpr char kNotEnoughMemory[] = "not enough memory";
 
 // ---- input and errors -------------------------------------------------------------------------------------
 
-// The head of each parser: struct asn1_xxx_parser : text_parser { its token }.
+// The head of each parser: struct asn1_xxx_parser : text_parser { what its tokens hold besides }.
 struct text_parser {
     const uint8_t* cursor;
     const uint8_t* end;
-    uint32_t line;                    // from 1
+    uint32_t line;   // from 1
+    uint32_t token;  // kind of the current token, as the syntax numbers them
+    // Of a token whose text differs from the input's, by escapes or white space: what it says. Else scratch.
+    asn1_byte_buffer contents;
     const asn1_parent_frame* frames;  // innermost SEQUENCE or SET, null outside
     stack_guard stack;
     decode_memory memory;
     asn1_error error;
 };
-
-// At the beginning of `length` bytes, on line 1, without frames or error.
-void init_text_parser(text_parser* parser, const uint8_t* data, uint64_t length);
 
 // Puts the message and the current line into the parser's error; always -1.
 int parse_error(text_parser* parser, const char* format, ...) __attribute__((format(printf, 2, 3)));
@@ -68,34 +68,17 @@ struct text_identifier {
 // Takes letters, digits and `extra` at the cursor. "identifier too long" beyond kIdentifierMax.
 int lex_identifier(text_parser* parser, text_identifier* identifier, uint8_t extra);
 
-// An INTEGER as read. One of up to 18 digits needs no memory.
-struct text_integer {
-    bool is_big;
-    int64_t small;     // is_big false
-    asn1_integer big;  // is_big true; owned
-};
+// Takes the UTF-8 of one character at the cursor; -1 after "invalid UTF-8 code".
+int32_t lex_code_point(text_parser* parser);
 
-inline void clear_text_integer(text_integer* integer) {
-    if (integer->is_big) asn1_integer_clear(&integer->big);
-    integer->is_big = false;
+// Steps over blanks, tabs and line ends, as JSON has them, and over vertical tab and form feed.
+inline void skip_white_space(text_parser* parser) {
+    const uint8_t* at = parser->cursor;
+    for (; at < parser->end && (*at == ' ' || (*at >= '\t' && *at <= '\r')); ++at) {
+        if (*at == '\n') ++parser->line;
+    }
+    parser->cursor = at;
 }
-
-// Stores the number in `v`; -1 if 64 bits do not hold it.
-int text_integer_to_si64(const text_integer* integer, int64_t* v);
-
-// Sets `dst`, which must be initialised, to the number; -1 if memory was not to be had.
-int text_integer_copy(const text_integer* integer, asn1_integer* dst);
-
-struct text_number {
-    bool is_real;
-    double real;           // is_real true
-    text_integer integer;  // is_real false; owned
-};
-
-// Takes a number at the cursor, where an optional minus and a digit must stand. It is a real only if it has
-// an exponent (letter E, or e too if `lower_e`); else it is the integer before the full stop, and the cursor
-// is left there. `scratch` is emptied and may be filled.
-int lex_number(text_parser* parser, asn1_byte_buffer* scratch, bool lower_e, text_number* number);
 
 // ---- lookup by name ---------------------------------------------------------------------------------------
 
@@ -109,10 +92,18 @@ inline bool cstr_equal(const char* text, size_t length, const char* name) {
 int32_t find_alternative(const choice_layout& choice, const char* text, size_t length);
 int32_t find_item(const enum_layout& items, const char* text, size_t length);
 
+// Stores the selector of the alternative of this name, which ends in a NUL, and gives it; or -1 after "choice
+// '%s' not found".
+int32_t select_alternative(text_parser* parser, const choice_layout& choice, void* value, const char* name,
+                           size_t length);
+
+// Stores an item's index as the value; "enumerated '%s' not found" if it is -1.
+int store_item(text_parser* parser, void* value, int32_t index, const char* name);
+
 // ---- values -----------------------------------------------------------------------------------------------
 
-// Stores a 32-bit INTEGER; false if the word, signed or unsigned by the type, does not hold the number.
-bool store_integer32(const asn1_type_desc* type, void* value, int64_t number);
+// A block for a value's `size` bytes, not cleared; null after an error.
+uint8_t* new_block(text_parser* parser, uint64_t size);
 
 // The place of a TAGGED type's inner value: in place, or a new record if it is held through a pointer. Null
 // after an error.
@@ -154,11 +145,22 @@ inline void component_read(text_sequence* sequence, const asn1_field* field) {
 // applied.
 int close_sequence(text_parser* parser, text_sequence* sequence, int result);
 
-// ---- the end of a decode ----------------------------------------------------------------------------------
+// ---- lists between brackets, separated by commas ----------------------------------------------------------
+
+// Behind an item a comma or the closing bracket must be current, else "expecting ',' or '%c'". Tells whether it is
+// the bracket, so that the item was the last one; stepping over either is left to the caller.
+int end_item(text_parser* parser, char closing, bool* is_last);
+
+// ---- beginning and end of a decode ------------------------------------------------------------------------
+
+// Puts the parser at the first of `length` bytes, on line 1, with `token` current, without frames or error. The
+// new value, to be handed to finish_text_decode(); null after an error.
+void* begin_text_decode(text_parser* parser, uint32_t token, const asn1_type_desc* type, const uint8_t* data,
+                        uint64_t length);
 
 // The result of an entry point: hands out `value` and gives `length`, or releases it, copies the error (if
-// the caller wants it) and gives -1.
-int64_t finish_text_decode(const text_parser* parser, int result, const asn1_type_desc* type, void* value,
+// the caller wants it) and gives -1. The parser is finished.
+int64_t finish_text_decode(text_parser* parser, int result, const asn1_type_desc* type, void* value,
                            void** out, uint64_t length, asn1_error* error);
 
 }  // namespace orlenta

@@ -5,6 +5,31 @@
 
 namespace orlenta {
 
+// ---- the encoder ------------------------------------------------------------------------------------------
+
+void begin_text(text_encoder* encoder, int32_t depth, const text_hook& hook) {
+    asn1_byte_buffer_init(&encoder->buffer);
+    encoder->depth = depth;
+    encoder->hook = hook;
+    encoder->stack = begin_stack();
+}
+
+int64_t finish_text(text_encoder* encoder, int result, uint8_t** out) {
+    const asn1_byte_buffer* buf = &encoder->buffer;
+    if (result == 0 && !buf->failed) {
+        *out = buf->data;
+        return static_cast<int64_t>(buf->length);
+    }
+    asn1_free(buf->data);
+    *out = nullptr;
+    return result != 0 ? result : -1;
+}
+
+void put_hook_text(asn1_byte_buffer* buf, const hook_text& text) {
+    if (text.length > 0) asn1_put_bytes(buf, text.data, static_cast<uint64_t>(text.length));
+    asn1_free(text.data);
+}
+
 void put_spaces(asn1_byte_buffer* buf, int64_t n) {
     if (n < 1 || !reserve(buf, static_cast<uint64_t>(n))) return;
     memset(buf->data + buf->length, ' ', static_cast<size_t>(n));
@@ -65,9 +90,11 @@ static void put_finite_real(asn1_byte_buffer* buf, double value, char letter) {
     asn1_puts(buf, exponent + 2);
 }
 
-void put_real(asn1_byte_buffer* buf, double value, const real_forms& forms) {
+void put_real(asn1_byte_buffer* buf, const void* value, const real_forms& forms) {
+    double real;
     uint64_t bits;
-    memcpy(&bits, &value, sizeof bits);
+    memcpy(&real, value, sizeof real);
+    memcpy(&bits, value, sizeof bits);
     bool negative = bits >> 63 != 0;
     uint64_t magnitude = bits & ~(UINT64_C(1) << 63);
     constexpr uint64_t kInfinity = UINT64_C(0x7FF0000000000000);
@@ -78,7 +105,7 @@ void put_real(asn1_byte_buffer* buf, double value, const real_forms& forms) {
     } else if (magnitude == 0) {
         asn1_puts(buf, negative ? forms.minus_zero : forms.plus_zero);
     } else {
-        put_finite_real(buf, value, forms.exponent);
+        put_finite_real(buf, real, forms.exponent);
     }
 }
 
@@ -104,23 +131,6 @@ void put_binary_digits(asn1_byte_buffer* buf, const uint8_t* data, uint64_t bits
 void put_utf8(asn1_byte_buffer* buf, uint32_t code) {
     uint8_t utf8[4];
     asn1_put_bytes(buf, utf8, static_cast<uint64_t>(asn1_to_utf8(utf8, code)));
-}
-
-// ---- hook and end -----------------------------------------------------------------------------------------
-
-void put_hook_text(asn1_byte_buffer* buf, const hook_text& text) {
-    if (text.length > 0) asn1_put_bytes(buf, text.data, static_cast<uint64_t>(text.length));
-    asn1_free(text.data);
-}
-
-int64_t finish_text(asn1_byte_buffer* buf, int result, uint8_t** out) {
-    if (result == 0 && !buf->failed) {
-        *out = buf->data;
-        return static_cast<int64_t>(buf->length);
-    }
-    asn1_free(buf->data);
-    *out = nullptr;
-    return result != 0 ? result : -1;
 }
 
 }  // namespace orlenta

@@ -50,20 +50,14 @@ int asn1_gser_decode_type(asn1_gser_parser* parser, const asn1_type_desc* type, 
     }
 }
 
-static int decode_text(asn1_gser_parser* parser, const asn1_type_desc* type, void* value) {
-    if (!value) return parse_error(parser, kNotEnoughMemory);
-    return next_token(parser) == 0 ? asn1_gser_decode_type(parser, type, value) : -1;
-}
-
 }  // namespace orlenta::gser
 
 int64_t asn1_gser_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t length,
                          asn1_error* error) {
     using namespace orlenta;
     gser::asn1_gser_parser parser;
-    gser::init_parser(&parser, data, length);
-    void* value = asn1_mallocz_value(type);
-    int result = gser::decode_text(&parser, type, value);
-    gser::clear_parser(&parser);
+    void* value = begin_text_decode(&parser, gser::GSER_TOKEN_NONE, type, data, length);
+    int result =
+        value && gser::next_token(&parser) == 0 ? gser::asn1_gser_decode_type(&parser, type, value) : -1;
     return finish_text_decode(&parser, result, type, value, out, length, error);
 }

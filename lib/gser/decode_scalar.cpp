@@ -13,9 +13,9 @@ static int skip_minus(asn1_gser_parser* parser, bool* negative) {
 // ---- INTEGER ----------------------------------------------------------------------------------------------
 
 // A minus sign stays with a zero.
-static int decode_big_integer(asn1_gser_parser* parser, asn1_integer* value, bool negative) {
-    if (text_integer_copy(&parser->number.integer, value) != 0) return parse_error(parser, kNotEnoughMemory);
-    value->negative = negative;
+static int decode_big_integer(asn1_gser_parser* parser, void* value, bool negative) {
+    if (store_big_integer(parser, &parser->number.integer, value) != 0) return -1;
+    static_cast<asn1_integer*>(value)->negative = negative;
     return next_token(parser);
 }
 
@@ -26,15 +26,14 @@ static int decode_integer32(asn1_gser_parser* parser, const asn1_type_desc* type
         return parse_error(parser, "integer too large");
     }
     if (next_token(parser) != 0) return -1;
-    if (store_integer32(type, value, negative ? -number : number)) return 0;
-    return parse_error(parser, "integer too large");
+    return store_integer32(parser, type, value, negative ? -number : number);
 }
 
 int decode_integer(asn1_gser_parser* parser, const asn1_type_desc* type, void* value) {
     bool negative;
     if (skip_minus(parser, &negative) != 0) return -1;
     if (parser->token != GSER_TOKEN_INTEGER) return parse_error(parser, "expecting integer value");
-    return is_big_integer(type) ? decode_big_integer(parser, static_cast<asn1_integer*>(value), negative)
+    return is_big_integer(type) ? decode_big_integer(parser, value, negative)
                                 : decode_integer32(parser, type, value, negative);
 }
 
@@ -51,55 +50,33 @@ int decode_enumerated(asn1_gser_parser* parser, const asn1_type_desc* type, void
     if (parser->token != GSER_TOKEN_IDENTIFIER) return parse_error(parser, "expecting enumerated identifier");
     const text_identifier* name = &parser->identifier;
     int32_t index = find_item(enum_of(type), name->text, name->length);
-    if (index < 0) return parse_error(parser, "enumerated '%s' not found", name->text);
-    store32(value, static_cast<uint32_t>(index));
-    return next_token(parser);
+    return store_item(parser, value, index, name->text) == 0 ? next_token(parser) : -1;
 }
 
 // ---- REAL -------------------------------------------------------------------------------------------------
 
-// The bits of the numbers that are words.
-static bool special_real_bits(const asn1_gser_parser* parser, uint64_t* bits) {
-    static constexpr struct {
-        const char* text;
-        uint64_t bits;
-    } specials[] = {
-        {"PLUS-INFINITY", UINT64_C(0x7FF0000000000000)},
-        {"MINUS-INFINITY", UINT64_C(0xFFF0000000000000)},
-        {"NOT-A-NUMBER", UINT64_C(0x7FF8000000000000)},
-    };
-    for (const auto& special : specials) {
-        if (!is_identifier(parser, special.text)) continue;
-        *bits = special.bits;
-        return true;
-    }
-    return false;
+// The number that is the current token, which has no sign.
+static bool token_real(const asn1_gser_parser* parser, double* real) {
+    if (parser->token != GSER_TOKEN_REAL && parser->token != GSER_TOKEN_INTEGER) return false;
+    return text_number_to_real(&parser->number, real);
 }
 
-// The number that is the current token, which has no sign.
-static bool token_number(const asn1_gser_parser* parser, double* real) {
-    int64_t number;
-    switch (parser->token) {
-        case GSER_TOKEN_REAL: *real = parser->number.real; return true;
-        case GSER_TOKEN_INTEGER:
-            if (text_integer_to_si64(&parser->number.integer, &number) != 0) return false;
-            *real = static_cast<double>(number);
-            return true;
-        default: return false;
-    }
+// One of the numbers that are words, which have no sign in front.
+static bool token_named_real(const asn1_gser_parser* parser, double* real) {
+    static constexpr real_names names = {"PLUS-INFINITY", "MINUS-INFINITY", "NOT-A-NUMBER", nullptr};
+    const text_identifier* name = &parser->identifier;
+    return parser->token == GSER_TOKEN_IDENTIFIER && find_named_real(names, name->text, name->length, real);
 }
 
 int decode_real(asn1_gser_parser* parser, void* value) {
-    uint64_t bits;
-    if (!special_real_bits(parser, &bits)) {
+    double real;
+    if (!token_named_real(parser, &real)) {
         bool negative;
-        double real;
         if (skip_minus(parser, &negative) != 0) return -1;
-        if (!token_number(parser, &real)) return parse_error(parser, "expecting real number");
+        if (!token_real(parser, &real)) return parse_error(parser, "expecting real number");
         if (negative) real = -real;
-        memcpy(&bits, &real, sizeof bits);
     }
-    memcpy(value, &bits, sizeof bits);
+    memcpy(value, &real, sizeof real);
     return next_token(parser);
 }
 

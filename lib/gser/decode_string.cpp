@@ -11,12 +11,8 @@ static bool is_bits(const asn1_gser_parser* parser) {
 
 // A new block with the first `bytes` bytes of the token's contents, or null after an error.
 static uint8_t* copy_contents(asn1_gser_parser* parser, uint64_t bytes) {
-    uint8_t* data = static_cast<uint8_t*>(asn1_malloc(bytes));
-    if (data) {
-        memcpy(data, parser->contents.data, bytes);
-    } else {
-        parse_error(parser, kNotEnoughMemory);
-    }
+    uint8_t* data = new_block(parser, bytes);
+    if (data) memcpy(data, parser->contents.data, bytes);
     return data;
 }
 
@@ -76,8 +72,8 @@ static uint64_t utf8_length(const asn1_gser_parser* parser) {
 
 static int decode_utf8_string(asn1_gser_parser* parser, asn1_string* value) {
     uint64_t bytes = utf8_length(parser);
-    uint8_t* out = static_cast<uint8_t*>(asn1_malloc(bytes));
-    if (!out) return parse_error(parser, kNotEnoughMemory);
+    uint8_t* out = new_block(parser, bytes);
+    if (!out) return -1;
     *value = {out, bytes};
     for (uint64_t i = 0; i < parser->length; ++i) out += asn1_to_utf8(out, code_point(parser, i));
     return next_token(parser);
@@ -85,8 +81,8 @@ static int decode_utf8_string(asn1_gser_parser* parser, asn1_string* value) {
 
 // One unit of 1 << `shift` bytes for each code point; high bits that a unit has no room for are lost.
 static int decode_units(asn1_gser_parser* parser, asn1_string* value, uint32_t shift) {
-    value->data = static_cast<uint8_t*>(asn1_malloc(parser->length << shift));
-    if (!value->data) return parse_error(parser, kNotEnoughMemory);
+    value->data = new_block(parser, parser->length << shift);
+    if (!value->data) return -1;
     value->length = parser->length;
     for (uint64_t i = 0; i < parser->length; ++i) {
         store_code_unit(value->data, i, shift, code_point(parser, i));

@@ -13,10 +13,9 @@ static int encode_boolean(asn1_gser_encoder* encoder, const void* value) {
 }
 
 static int encode_enumerated(asn1_gser_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    enum_layout items = enum_of(type);
-    uint32_t index = load32(value);
-    if (index >= items.total) return -1;
-    asn1_puts(&encoder->buffer, items.names[index].text);
+    const char* name = item_name(type, value);
+    if (!name) return -1;
+    asn1_puts(&encoder->buffer, name);
     return 0;
 }
 
@@ -31,14 +30,12 @@ static int encode_object_identifier(asn1_gser_encoder* encoder, const void* valu
 
 static int encode_real(asn1_gser_encoder* encoder, const void* value) {
     static constexpr real_forms forms = {"0", "-0", "NOT-A-NUMBER", "PLUS-INFINITY", "MINUS-INFINITY", 'E'};
-    double real;
-    memcpy(&real, value, sizeof real);
-    put_real(&encoder->buffer, real, forms);
+    put_real(&encoder->buffer, value, forms);
     return 0;
 }
 
 static int encode_tagged(asn1_gser_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    const void* inner = is_indirect(type) ? load_pointer(value) : value;
+    const void* inner = tagged_value(type, value);
     return inner ? asn1_gser_encode_type(encoder, tagged_inner(type), inner) : -1;
 }
 
@@ -75,11 +72,7 @@ static int print_value(asn1_gser_encoder* encoder, const asn1_type_desc* type, c
 }
 
 int asn1_gser_encode_type(asn1_gser_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    hook_text text;
-    if (call_hook(encoder->hook, type, value, static_cast<int32_t>(encoder->level), &text)) {
-        put_hook_text(&encoder->buffer, text);
-        return 0;
-    }
+    if (put_by_hook(encoder, type, value)) return 0;
     return has_stack(&encoder->stack) ? print_value(encoder, type, value) : -1;
 }
 
@@ -89,14 +82,11 @@ int64_t asn1_gser_encode2(uint8_t** out, const asn1_type_desc* type, const void*
                           const asn1_gser_encode_options* options) {
     using namespace orlenta;
     gser::asn1_gser_encoder encoder;
-    asn1_byte_buffer_init(&encoder.buffer);
-    encoder.level = options->indent;
+    begin_text(&encoder, options->indent, {options->hook, options->hook_data});
     encoder.hex_bit_strings = options->binary_bit_strings == 0;
-    encoder.hook = {options->hook, options->hook_data};
-    encoder.stack = begin_stack();
     int result = gser::asn1_gser_encode_type(&encoder, type, value);
     put_char(&encoder.buffer, '\n');
-    return finish_text(&encoder.buffer, result, out);
+    return finish_text(&encoder, result, out);
 }
 
 int64_t asn1_gser_encode(uint8_t** out, const asn1_type_desc* type, const void* value) {

@@ -5,12 +5,8 @@
 
 namespace orlenta::gser {
 
-struct asn1_gser_encoder {
-    asn1_byte_buffer buffer;
-    int64_t level;         // of indentation; wide, so that no level given by the caller overflows
+struct asn1_gser_encoder : text_encoder {
     bool hex_bit_strings;  // BIT STRING in hexadecimal digits where its length allows it
-    text_hook hook;
-    stack_guard stack;
 };
 
 // encode.cpp

@@ -4,12 +4,12 @@
 
 namespace orlenta::gser {
 
-static void put_indentation(asn1_gser_encoder* encoder) { put_spaces(&encoder->buffer, 2 * encoder->level); }
+static void put_indentation(asn1_gser_encoder* encoder) { put_spaces(&encoder->buffer, 2 * encoder->depth); }
 
 // The first item of braces begins on a line of its own, and so do the others and the closing brace.
 static void open_braces(asn1_gser_encoder* encoder) {
     asn1_puts(&encoder->buffer, "{\n");
-    ++encoder->level;
+    ++encoder->depth;
 }
 static void begin_item(asn1_gser_encoder* encoder, bool is_first) {
     if (!is_first) asn1_puts(&encoder->buffer, ",\n");
@@ -17,7 +17,7 @@ static void begin_item(asn1_gser_encoder* encoder, bool is_first) {
 }
 static void close_braces(asn1_gser_encoder* encoder, bool is_empty) {
     if (!is_empty) put_char(&encoder->buffer, '\n');
-    --encoder->level;
+    --encoder->depth;
     put_indentation(encoder);
     put_char(&encoder->buffer, '}');
 }

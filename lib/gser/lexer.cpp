@@ -1,36 +1,8 @@
 #include "gser/lexer.hpp"
 
-#include <orlenta/scalar.h>
-
-#include "core/buffer.hpp"
-
 namespace orlenta::gser {
 
-void init_parser(asn1_gser_parser* parser, const uint8_t* data, uint64_t length) {
-    init_text_parser(parser, data, length);
-    parser->token = GSER_TOKEN_NONE;
-    asn1_byte_buffer_init(&parser->contents);
-}
-
-static void release_token(asn1_gser_parser* parser) {
-    if (parser->token == GSER_TOKEN_INTEGER) clear_text_integer(&parser->number.integer);
-    parser->token = GSER_TOKEN_NONE;
-}
-
-void clear_parser(asn1_gser_parser* parser) {
-    release_token(parser);
-    asn1_free(parser->contents.data);
-}
-
 // ---- white space and comments -----------------------------------------------------------------------------
-
-static void skip_white_space(asn1_gser_parser* parser) {
-    const uint8_t* at = parser->cursor;
-    for (; at < parser->end && (*at == ' ' || (*at >= '\t' && *at <= '\r')); ++at) {
-        if (*at == '\n') ++parser->line;
-    }
-    parser->cursor = at;
-}
 
 // Whether these two characters are next.
 static bool at_pair(const asn1_gser_parser* parser, char first, char second) {
@@ -95,10 +67,8 @@ static int lex_plain(asn1_gser_parser* parser) {
 }
 
 static int lex_multibyte(asn1_gser_parser* parser) {
-    const uint8_t* at = parser->cursor;
-    int32_t code = asn1_from_utf8(at, static_cast<uint64_t>(parser->end - at), &parser->cursor);
-    if (code < 0) return parse_error(parser, "invalid UTF-8 code");
-    return put_code_point(parser, static_cast<uint32_t>(code));
+    int32_t code = lex_code_point(parser);
+    return code >= 0 ? put_code_point(parser, static_cast<uint32_t>(code)) : -1;
 }
 
 // The cursor is on the opening quotation mark. Two of them inside stand for one.
@@ -188,7 +158,7 @@ static int lex_word(asn1_gser_parser* parser) {
 }
 
 static int lex_number_token(asn1_gser_parser* parser) {
-    if (lex_number(parser, &parser->contents, false, &parser->number) != 0) return -1;
+    if (lex_number(parser, false, &parser->number) != 0) return -1;
     parser->token = parser->number.is_real ? GSER_TOKEN_REAL : GSER_TOKEN_INTEGER;
     return 0;
 }
@@ -217,7 +187,7 @@ static int lex_token(asn1_gser_parser* parser) {
 }
 
 int next_token(asn1_gser_parser* parser) {
-    release_token(parser);
+    parser->token = GSER_TOKEN_NONE;
     if (skip_blanks(parser) == 0) {
         if (parser->cursor == parser->end || lex_token(parser) == 0) return 0;
     }

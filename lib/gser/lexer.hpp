@@ -1,7 +1,7 @@
 // GSER tokens, one of look-ahead.
 #pragma once
 
-#include "core/text_reader.hpp"
+#include "core/text_number.hpp"
 
 namespace orlenta::gser {
 
@@ -20,20 +20,13 @@ enum : uint32_t {
     GSER_TOKEN_NULL = 138,
 };
 
+// The contents of a STRING token are its code points, 32 bits each; those of a BIT or HEX STRING token its bits. There is
+// a block then even if there are none.
 struct asn1_gser_parser : text_parser {
-    uint32_t token;
     text_number number;          // of an INTEGER or REAL token
     text_identifier identifier;  // of an IDENTIFIER token
-    // Of a STRING token its code points, 32 bits each; of a BIT or HEX STRING token its bits. Never without a block
-    // then. Else scratch for the next one.
-    asn1_byte_buffer contents;
-    uint64_t length;  // of a STRING token in code points, of a BIT or HEX STRING token in bits
+    uint64_t length;             // of a STRING token in code points, of a BIT or HEX STRING token in bits
 };
-
-void init_parser(asn1_gser_parser* parser, const uint8_t* data, uint64_t length);
-
-// Releases what the parser owns. It is finished.
-void clear_parser(asn1_gser_parser* parser);
 
 // Makes the next token current. The end of input is a token too, and no error.
 int next_token(asn1_gser_parser* parser);

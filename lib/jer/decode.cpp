@@ -42,20 +42,14 @@ int asn1_jer_decode_type(asn1_jer_parser* parser, const asn1_type_desc* type, vo
     }
 }
 
-static int decode_text(asn1_jer_parser* parser, const asn1_type_desc* type, void* value) {
-    if (!value) return parse_error(parser, kNotEnoughMemory);
-    return next_token(parser) == 0 ? asn1_jer_decode_type(parser, type, value) : -1;
-}
-
 }  // namespace orlenta::jer
 
 int64_t asn1_jer_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t length,
                         asn1_error* error) {
     using namespace orlenta;
     jer::asn1_jer_parser parser;
-    jer::init_parser(&parser, data, length);
-    void* value = asn1_mallocz_value(type);
-    int result = jer::decode_text(&parser, type, value);
-    jer::clear_parser(&parser);
+    void* value = begin_text_decode(&parser, jer::JER_TOKEN_NONE, type, data, length);
+    int result =
+        value && jer::next_token(&parser) == 0 ? jer::asn1_jer_decode_type(&parser, type, value) : -1;
     return finish_text_decode(&parser, result, type, value, out, length, error);
 }

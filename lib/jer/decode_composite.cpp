@@ -10,7 +10,7 @@ namespace orlenta::jer {
 static int decode_member(asn1_jer_parser* parser, text_sequence* sequence) {
     if (parser->token != JER_TOKEN_STRING)
         return parse_error(parser, "expecting sequence/set component name");
-    const asn1_field* field = claim_component(parser, sequence, string_text(parser), parser->string.length);
+    const asn1_field* field = claim_component(parser, sequence, string_text(parser), parser->contents.length);
     if (!field || next_token(parser) != 0 || skip_token(parser, ':') != 0) return -1;
     int result = asn1_jer_decode_type(parser, field_type(field), field_value(field, sequence->record));
     component_read(sequence, field);
@@ -19,13 +19,12 @@ static int decode_member(asn1_jer_parser* parser, text_sequence* sequence) {
 
 // From the token behind the opening brace to the one behind the closing brace.
 static int decode_members(asn1_jer_parser* parser, text_sequence* sequence) {
-    if (parser->token == '}') return next_token(parser);
-    for (;;) {
-        if (decode_member(parser, sequence) != 0) return -1;
-        if (parser->token == '}') return next_token(parser);
-        if (parser->token != ',') return parse_error(parser, "expecting ',' or '}'");
-        if (next_token(parser) != 0) return -1;
+    bool is_last = parser->token == '}';
+    while (!is_last) {
+        if (decode_member(parser, sequence) != 0 || end_item(parser, '}', &is_last) != 0) return -1;
+        if (!is_last && next_token(parser) != 0) return -1;
     }
+    return next_token(parser);
 }
 
 int decode_sequence(asn1_jer_parser* parser, const asn1_type_desc* type, void* record) {
@@ -38,21 +37,22 @@ int decode_sequence(asn1_jer_parser* parser, const asn1_type_desc* type, void* r
 
 // Up to the closing bracket, which stays current.
 static int decode_elements(asn1_jer_parser* parser, const asn1_type_desc* element, growing_list* list) {
-    for (;;) {
+    bool is_last = parser->token == ']';
+    while (!is_last) {
         void* value = add_element(list);
         if (!value) return parse_error(parser, kNotEnoughMemory);
         if (asn1_jer_decode_type(parser, element, value) != 0) return -1;
-        if (parser->token == ']') return 0;
-        if (parser->token != ',') return parse_error(parser, "expecting ',' or ']'");
-        if (next_token(parser) != 0) return -1;
+        if (end_item(parser, ']', &is_last) != 0) return -1;
+        if (!is_last && next_token(parser) != 0) return -1;
     }
+    return 0;
 }
 
 int decode_list(asn1_jer_parser* parser, const asn1_type_desc* type, void* value) {
     list_layout layout = list_of(type);
     growing_list list = begin_list(&parser->memory, static_cast<asn1_array*>(value), layout.stride);
     if (check_depth(parser) != 0 || skip_token(parser, '[') != 0) return -1;
-    if (parser->token != ']' && decode_elements(parser, layout.element, &list) != 0) return -1;
+    if (decode_elements(parser, layout.element, &list) != 0) return -1;
     end_list(list);
     return next_token(parser);
 }
@@ -63,13 +63,12 @@ int decode_choice(asn1_jer_parser* parser, const asn1_type_desc* type, void* val
     if (skip_token(parser, '{') != 0) return -1;
     if (parser->token != JER_TOKEN_STRING) return parse_error(parser, "expecting choice identifier");
     choice_layout choice = choice_of(type);
-    int32_t index = find_alternative(choice, string_text(parser), parser->string.length);
-    if (index < 0) return parse_error(parser, "choice '%s' not found", string_text(parser));
-    uint32_t selector = static_cast<uint32_t>(index);
-    store32(at_offset(value, choice.selector_offset), selector);
+    int32_t index = select_alternative(parser, choice, value, string_text(parser), parser->contents.length);
+    if (index < 0) return -1;
     if (next_token(parser) != 0 || skip_token(parser, ':') != 0) return -1;
     void* payload = at_offset(value, choice.payload_offset);
-    if (asn1_jer_decode_type(parser, alternative_type(choice, selector), payload) != 0) return -1;
+    if (asn1_jer_decode_type(parser, alternative_type(choice, static_cast<uint32_t>(index)), payload) != 0)
+        return -1;
     return skip_token(parser, '}');
 }
 

@@ -55,21 +55,22 @@ static int decode_bit_string_member(asn1_jer_parser* parser, bit_string_members*
     return is_length ? decode_length_member(parser, members) : decode_value_member(parser, members);
 }
 
-// Up to the closing brace, which stays current.
+// Up to the closing brace, which stays current. There is one member at the least.
 static int decode_bit_string_members(asn1_jer_parser* parser, bit_string_members* members) {
-    for (;;) {
+    bool is_last = false;
+    while (!is_last) {
         if (next_token(parser) != 0 || decode_bit_string_member(parser, members) != 0) return -1;
-        if (parser->token == '}') return 0;
-        if (parser->token != ',') return parse_error(parser, "expecting ',' or '}'");
+        if (end_item(parser, '}', &is_last) != 0) return -1;
     }
+    return 0;
 }
 
 static int store_bit_string(asn1_jer_parser* parser, asn1_bit_string* value, const asn1_byte_buffer* text,
                             uint64_t bits) {
     uint64_t bytes = (bits + 7) / 8;
     if (text->length != 2 * bytes) return parse_error(parser, "invalid string length");
-    value->data = static_cast<uint8_t*>(asn1_malloc(bytes));
-    if (!value->data) return parse_error(parser, kNotEnoughMemory);
+    value->data = new_block(parser, bytes);
+    if (!value->data) return -1;
     value->length = bits;
     if (!read_hex(reinterpret_cast<const char*>(text->data), value->data, bytes)) {
         return parse_error(parser, "invalid hex digit");
@@ -96,17 +97,17 @@ int decode_bit_string(asn1_jer_parser* parser, const asn1_type_desc* type, void*
     if (size.lower != size.upper || is_extensible(type)) {
         return parse_error(parser, "variable length bit string must be encoded as a JSON object");
     }
-    return store_bit_string(parser, bits, &parser->string, size.lower);
+    return store_bit_string(parser, bits, &parser->contents, size.lower);
 }
 
 // ---- OCTET STRING -----------------------------------------------------------------------------------------
 
 // The current STRING token as pairs of hexadecimal digits.
 static int asn1_jer_decode_octet_string(asn1_jer_parser* parser, asn1_string* value) {
-    uint64_t digits = parser->string.length;
+    uint64_t digits = parser->contents.length;
     if (digits % 2 != 0) return parse_error(parser, "invalid octet string");
-    value->data = static_cast<uint8_t*>(asn1_malloc(digits / 2));
-    if (!value->data) return parse_error(parser, kNotEnoughMemory);
+    value->data = new_block(parser, digits / 2);
+    if (!value->data) return -1;
     value->length = digits / 2;
     if (!read_hex(string_text(parser), value->data, digits / 2))
         return parse_error(parser, "invalid octet string");
@@ -121,10 +122,10 @@ int decode_octet_string(asn1_jer_parser* parser, void* value) {
 // ---- character strings ------------------------------------------------------------------------------------
 
 static int copy_bytes(asn1_jer_parser* parser, asn1_string* value) {
-    value->data = static_cast<uint8_t*>(asn1_malloc(parser->string.length));
-    if (!value->data) return parse_error(parser, kNotEnoughMemory);
-    value->length = parser->string.length;
-    memcpy(value->data, parser->string.data, parser->string.length);
+    value->data = new_block(parser, parser->contents.length);
+    if (!value->data) return -1;
+    value->length = parser->contents.length;
+    memcpy(value->data, parser->contents.data, parser->contents.length);
     return next_token(parser);
 }
 
@@ -132,11 +133,11 @@ static int copy_bytes(asn1_jer_parser* parser, asn1_string* value) {
 static int copy_code_points(asn1_jer_parser* parser, asn1_string* value, uint32_t shift) {
     uint64_t count = parser->code_points;
     if (count > UINT64_MAX >> shift) return parse_error(parser, kNotEnoughMemory);
-    value->data = static_cast<uint8_t*>(asn1_malloc(count << shift));
-    if (!value->data) return parse_error(parser, kNotEnoughMemory);
+    value->data = new_block(parser, count << shift);
+    if (!value->data) return -1;
     value->length = count;
-    const uint8_t* at = parser->string.data;
-    const uint8_t* end = at + parser->string.length;
+    const uint8_t* at = parser->contents.data;
+    const uint8_t* end = at + parser->contents.length;
     for (uint64_t i = 0; i < count; ++i) {
         int32_t code = at < end ? asn1_from_utf8(at, static_cast<uint64_t>(end - at), &at) : -1;
         if (code < 0) return parse_error(parser, "internal UTF-8 error");
@@ -152,7 +153,7 @@ int decode_char_string(asn1_jer_parser* parser, const asn1_type_desc* type, void
     if (of > ASN1_STRING_UTF8) return asn1_jer_decode_octet_string(parser, string);
     uint32_t shift = code_unit_shift(of);
     // With as many bytes as code points the text is ASCII, whose code points are its bytes.
-    bool is_ascii = parser->string.length == parser->code_points;
+    bool is_ascii = parser->contents.length == parser->code_points;
     if (of == ASN1_STRING_UTF8 || (shift == 0 && is_ascii)) return copy_bytes(parser, string);
     return copy_code_points(parser, string, shift);
 }

@@ -13,11 +13,10 @@ static int encode_boolean(asn1_jer_encoder* encoder, const void* value) {
 }
 
 static int encode_enumerated(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    enum_layout items = enum_of(type);
-    uint32_t index = load32(value);
-    if (index >= items.total) return -1;
+    const char* name = item_name(type, value);
+    if (!name) return -1;
     put_char(&encoder->buffer, '"');
-    asn1_puts(&encoder->buffer, items.names[index].text);
+    asn1_puts(&encoder->buffer, name);
     put_char(&encoder->buffer, '"');
     return 0;
 }
@@ -37,14 +36,12 @@ static int encode_object_identifier(asn1_jer_encoder* encoder, const void* value
 
 static int encode_real(asn1_jer_encoder* encoder, const void* value) {
     static constexpr real_forms forms = {"0", "\"-0\"", "\"NaN\"", "\"INF\"", "\"-INF\"", 'e'};
-    double real;
-    memcpy(&real, value, sizeof real);
-    put_real(&encoder->buffer, real, forms);
+    put_real(&encoder->buffer, value, forms);
     return 0;
 }
 
 static int encode_tagged(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    const void* inner = is_indirect(type) ? load_pointer(value) : value;
+    const void* inner = tagged_value(type, value);
     return inner ? asn1_jer_encode_type(encoder, tagged_inner(type), inner) : -1;
 }
 
@@ -81,11 +78,7 @@ static int print_value(asn1_jer_encoder* encoder, const asn1_type_desc* type, co
 }
 
 int asn1_jer_encode_type(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    hook_text text;
-    if (call_hook(encoder->hook, type, value, static_cast<int32_t>(encoder->depth), &text)) {
-        put_hook_text(&encoder->buffer, text);
-        return 0;
-    }
+    if (put_by_hook(encoder, type, value)) return 0;
     return has_stack(&encoder->stack) ? print_value(encoder, type, value) : -1;
 }
 
@@ -95,14 +88,11 @@ int64_t asn1_jer_encode2(uint8_t** out, const asn1_type_desc* type, const void* 
                          const asn1_jer_encode_options* options) {
     using namespace orlenta;
     jer::asn1_jer_encoder encoder;
-    asn1_byte_buffer_init(&encoder.buffer);
-    encoder.depth = options->depth;
+    begin_text(&encoder, options->depth, {options->hook, options->hook_data});
     encoder.indent = options->indent;
-    encoder.hook = {options->hook, options->hook_data};
-    encoder.stack = begin_stack();
     int result = jer::asn1_jer_encode_type(&encoder, type, value);
     put_char(&encoder.buffer, '\n');
-    return finish_text(&encoder.buffer, result, out);
+    return finish_text(&encoder, result, out);
 }
 
 int64_t asn1_jer_encode(uint8_t** out, const asn1_type_desc* type, const void* value) {

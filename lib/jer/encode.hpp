@@ -5,12 +5,8 @@
 
 namespace orlenta::jer {
 
-struct asn1_jer_encoder {
-    asn1_byte_buffer buffer;
-    int64_t depth;   // nesting level; wide, so that no level given by the caller overflows
+struct asn1_jer_encoder : text_encoder {
     int64_t indent;  // spaces per level; 0: compact
-    text_hook hook;
-    stack_guard stack;
 };
 
 // Indented text only: a new line at the current level, and the space behind a colon.

@@ -43,7 +43,7 @@ int encode_list(asn1_jer_encoder* encoder, const asn1_type_desc* type, const voi
 
 int encode_choice(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value) {
     choice_layout choice = choice_of(type);
-    uint32_t selector = load32(at_offset(value, choice.selector_offset));
+    uint32_t selector = selector_of(choice, value);
     if (selector >= choice.total) return -1;
     put_char(&encoder->buffer, '{');
     ++encoder->depth;

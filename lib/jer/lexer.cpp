@@ -1,32 +1,13 @@
 #include "jer/lexer.hpp"
 
-#include <orlenta/scalar.h>
-
-#include "core/buffer.hpp"
+#include "core/text_writer.hpp"
 
 namespace orlenta::jer {
-
-void init_parser(asn1_jer_parser* parser, const uint8_t* data, uint64_t length) {
-    init_text_parser(parser, data, length);
-    parser->token = JER_TOKEN_NONE;
-    asn1_byte_buffer_init(&parser->string);
-}
-
-static void release_token(asn1_jer_parser* parser) {
-    if (parser->token == JER_TOKEN_INTEGER) clear_text_integer(&parser->number.integer);
-    parser->token = JER_TOKEN_NONE;
-}
-
-void clear_parser(asn1_jer_parser* parser) {
-    release_token(parser);
-    asn1_free(parser->string.data);
-}
 
 // ---- strings ----------------------------------------------------------------------------------------------
 
 static void put_code_point(asn1_jer_parser* parser, uint32_t code) {
-    uint8_t utf8[4];
-    asn1_put_bytes(&parser->string, utf8, static_cast<uint64_t>(asn1_to_utf8(utf8, code)));
+    put_utf8(&parser->contents, code);
     ++parser->code_points;
 }
 
@@ -88,9 +69,8 @@ static int lex_escape(asn1_jer_parser* parser) {
 }
 
 static int lex_multibyte(asn1_jer_parser* parser) {
-    const uint8_t* at = parser->cursor;
-    int32_t code = asn1_from_utf8(at, static_cast<uint64_t>(parser->end - at), &parser->cursor);
-    if (code < 0) return parse_error(parser, "invalid UTF-8 code");
+    int32_t code = lex_code_point(parser);
+    if (code < 0) return -1;
     put_code_point(parser, static_cast<uint32_t>(code));
     return 0;
 }
@@ -102,14 +82,14 @@ static void lex_plain(asn1_jer_parser* parser) {
     while (at < parser->end && *at < 0x80 && *at != '"' && *at != '\\') ++at;
     if (at == start) return;
     uint64_t length = static_cast<uint64_t>(at - start);
-    asn1_put_bytes(&parser->string, start, length);
+    asn1_put_bytes(&parser->contents, start, length);
     parser->code_points += length;
     parser->cursor = at;
 }
 
 // The cursor is on the opening quote.
 static int lex_string(asn1_jer_parser* parser) {
-    parser->string.length = 0;
+    parser->contents.length = 0;
     parser->code_points = 0;
     ++parser->cursor;
     for (;;) {
@@ -121,9 +101,9 @@ static int lex_string(asn1_jer_parser* parser) {
         if (result != 0) return -1;
     }
     ++parser->cursor;
-    put_byte(&parser->string, 0);
-    if (parser->string.failed) return parse_error(parser, kNotEnoughMemory);
-    --parser->string.length;
+    put_byte(&parser->contents, 0);
+    if (parser->contents.failed) return parse_error(parser, kNotEnoughMemory);
+    --parser->contents.length;
     parser->token = JER_TOKEN_STRING;
     return 0;
 }
@@ -135,7 +115,7 @@ static int lex_number_token(asn1_jer_parser* parser) {
     if (*at == '-' && (at + 1 == parser->end || !is_digit(at[1]))) {
         return parse_error(parser, "invalid number syntax");
     }
-    if (lex_number(parser, &parser->string, true, &parser->number) != 0) return -1;
+    if (lex_number(parser, true, &parser->number) != 0) return -1;
     parser->token = parser->number.is_real ? JER_TOKEN_REAL : JER_TOKEN_INTEGER;
     return 0;
 }
@@ -157,17 +137,8 @@ static int lex_token(asn1_jer_parser* parser) {
     return 0;
 }
 
-// JSON's white space, and vertical tab and form feed.
-static void skip_white_space(asn1_jer_parser* parser) {
-    const uint8_t* at = parser->cursor;
-    for (; at < parser->end && (*at == ' ' || (*at >= '\t' && *at <= '\r')); ++at) {
-        if (*at == '\n') ++parser->line;
-    }
-    parser->cursor = at;
-}
-
 int next_token(asn1_jer_parser* parser) {
-    release_token(parser);
+    parser->token = JER_TOKEN_NONE;
     skip_white_space(parser);
     if (parser->cursor == parser->end) return 0;
     if (lex_token(parser) == 0) return 0;

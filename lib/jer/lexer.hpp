@@ -1,7 +1,7 @@
 // JSON tokens, one of look-ahead.
 #pragma once
 
-#include "core/text_reader.hpp"
+#include "core/text_number.hpp"
 
 namespace orlenta::jer {
 
@@ -15,19 +15,12 @@ enum : uint32_t {
     JER_TOKEN_IDENTIFIER = 133,
 };
 
+// The contents of a STRING token are its UTF-8, with a NUL behind their length.
 struct asn1_jer_parser : text_parser {
-    uint32_t token;
     text_number number;          // of an INTEGER or REAL token
     text_identifier identifier;  // of an IDENTIFIER token
-    asn1_byte_buffer
-        string;  // of a STRING token: UTF-8, with a NUL behind `length`; else scratch for the next one
-    uint64_t code_points;  // characters in `string`
+    uint64_t code_points;        // of a STRING token: its characters
 };
-
-void init_parser(asn1_jer_parser* parser, const uint8_t* data, uint64_t length);
-
-// Releases what the current token owns, and the string block. The parser is finished.
-void clear_parser(asn1_jer_parser* parser);
 
 // Makes the next token current. The end of input is a token too, and no error.
 int next_token(asn1_jer_parser* parser);
@@ -36,12 +29,13 @@ int next_token(asn1_jer_parser* parser);
 int skip_token(asn1_jer_parser* parser, uint32_t kind);
 
 inline const char* string_text(const asn1_jer_parser* parser) {
-    return reinterpret_cast<const char*>(parser->string.data);
+    return reinterpret_cast<const char*>(parser->contents.data);
 }
 
 // Whether the current token is this string, or this identifier.
 inline bool is_string(const asn1_jer_parser* parser, const char* text) {
-    return parser->token == JER_TOKEN_STRING && cstr_equal(string_text(parser), parser->string.length, text);
+    return parser->token == JER_TOKEN_STRING &&
+           cstr_equal(string_text(parser), parser->contents.length, text);
 }
 inline bool is_identifier(const asn1_jer_parser* parser, const char* text) {
     return parser->token == JER_TOKEN_IDENTIFIER &&
@@ -50,8 +44,8 @@ inline bool is_identifier(const asn1_jer_parser* parser, const char* text) {
 
 // Takes the text of the current STRING token over; the caller releases `data`.
 inline asn1_byte_buffer take_string(asn1_jer_parser* parser) {
-    asn1_byte_buffer text = parser->string;
-    asn1_byte_buffer_init(&parser->string);
+    asn1_byte_buffer text = parser->contents;
+    asn1_byte_buffer_init(&parser->contents);
     return text;
 }
 

@@ -50,20 +50,15 @@ int asn1_xer_decode_typed_value(asn1_xer_parser* parser, const asn1_type_desc* t
     return decode_element(parser, name, type, value);
 }
 
-static int decode_text(asn1_xer_parser* parser, const asn1_type_desc* type, void* value) {
-    if (!value) return parse_error(parser, kNotEnoughMemory);
-    return next_token(parser) == 0 ? asn1_xer_decode_typed_value(parser, type, value) : -1;
-}
-
 }  // namespace orlenta::xer
 
 int64_t asn1_xer_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t length,
                         asn1_error* error) {
     using namespace orlenta;
     xer::asn1_xer_parser parser;
-    xer::init_parser(&parser, data, length);
-    void* value = asn1_mallocz_value(type);
-    int result = xer::decode_text(&parser, type, value);
-    xer::clear_parser(&parser);
+    void* value = begin_text_decode(&parser, xer::XER_TOKEN_EOF, type, data, length);
+    parser.is_empty_tag = false;
+    int result =
+        value && xer::next_token(&parser) == 0 ? xer::asn1_xer_decode_typed_value(&parser, type, value) : -1;
     return finish_text_decode(&parser, result, type, value, out, length, error);
 }

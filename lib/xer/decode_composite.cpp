@@ -80,10 +80,9 @@ int decode_choice(asn1_xer_parser* parser, const asn1_type_desc* type, void* val
     if (skip_spaces(parser) != 0) return -1;
     if (parser->token != XER_TOKEN_START) return parse_error(parser, "choice: expecting open tag");
     choice_layout choice = choice_of(type);
-    int32_t index = find_alternative(choice, parser->name, parser->name_length);
-    if (index < 0) return parse_error(parser, "choice '%s' not found", parser->name);
+    int32_t index = select_alternative(parser, choice, value, parser->name, parser->name_length);
+    if (index < 0) return -1;
     uint32_t selector = static_cast<uint32_t>(index);
-    store32(at_offset(value, choice.selector_offset), selector);
     return decode_element(parser, alternative_name(choice, selector), alternative_type(choice, selector),
                           at_offset(value, choice.payload_offset));
 }

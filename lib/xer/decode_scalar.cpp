@@ -2,6 +2,7 @@
 #include <orlenta/scalar.h>
 #include <stdlib.h>
 
+#include "core/text_number.hpp"
 #include "xer/decode.hpp"
 
 namespace orlenta::xer {
@@ -39,7 +40,7 @@ int decode_integer(asn1_xer_parser* parser, const asn1_type_desc* type, void* va
         number = read_decimal(&cursor);
     }
     if (skip_text_spaces(cursor) != text_end(parser)) return parse_error(parser, "expecting integer value");
-    if (!is_big && !store_integer32(type, value, number)) return parse_error(parser, "integer too large");
+    if (!is_big && store_integer32(parser, type, value, number) != 0) return -1;
     return next_token(parser);
 }
 
@@ -73,11 +74,9 @@ static int32_t find_item_by_number(const asn1_xer_parser* parser, const asn1_typ
 
 static int decode_item_text(asn1_xer_parser* parser, const asn1_type_desc* type, void* value) {
     enum_layout items = enum_of(type);
-    int32_t index = find_item(items, text_of(parser), parser->text.length);
+    int32_t index = find_item(items, text_of(parser), parser->contents.length);
     if (index < 0) index = find_item_by_number(parser, type, items);
-    if (index < 0) return parse_error(parser, "enumerated '%s' not found", text_of(parser));
-    store32(value, static_cast<uint32_t>(index));
-    return next_token(parser);
+    return store_item(parser, value, index, text_of(parser)) == 0 ? next_token(parser) : -1;
 }
 
 static int decode_item_tag(asn1_xer_parser* parser, const asn1_type_desc* type, void* value) {
@@ -86,8 +85,7 @@ static int decode_item_tag(asn1_xer_parser* parser, const asn1_type_desc* type, 
     }
     enum_layout items = enum_of(type);
     int32_t index = find_item(items, parser->name, parser->name_length);
-    if (index < 0) return parse_error(parser, "enumerated '%s' not found", parser->name);
-    store32(value, static_cast<uint32_t>(index));
+    if (store_item(parser, value, index, parser->name) != 0) return -1;
     return next_token(parser) == 0 ? skip_closing_tag(parser, items.names[index].text) : -1;
 }
 
@@ -99,34 +97,16 @@ int decode_enumerated(asn1_xer_parser* parser, const asn1_type_desc* type, void*
 
 // ---- REAL -------------------------------------------------------------------------------------------------
 
-// The bits of the numbers that have no digits.
-static bool special_real_bits(const char* text, size_t length, uint64_t* bits) {
-    static constexpr struct {
-        const char* text;
-        uint64_t bits;
-    } specials[] = {
-        {"INF", UINT64_C(0x7FF0000000000000)},
-        {"-INF", UINT64_C(0xFFF0000000000000)},
-        {"NaN", UINT64_C(0x7FF8000000000000)},
-    };
-    for (const auto& special : specials) {
-        if (!cstr_equal(text, length, special.text)) continue;
-        *bits = special.bits;
-        return true;
-    }
-    return false;
-}
-
 // Text that is no number at all is 0, and what stands behind a number is not looked at.
 int decode_real(asn1_xer_parser* parser, void* value) {
+    static constexpr real_names names = {"INF", "-INF", "NaN", nullptr};
     if (parser->token != XER_TOKEN_TEXT) return parse_error(parser, "expecting real number");
     const char* text = skip_text_spaces(text_of(parser));
-    uint64_t bits;
-    if (!special_real_bits(text, static_cast<size_t>(text_end(parser) - text), &bits)) {
-        double real = strtod(text, nullptr);
-        memcpy(&bits, &real, sizeof bits);
+    double real;
+    if (!find_named_real(names, text, static_cast<size_t>(text_end(parser) - text), &real)) {
+        real = strtod(text, nullptr);
     }
-    memcpy(value, &bits, sizeof bits);
+    memcpy(value, &real, sizeof real);
     return next_token(parser);
 }
 
@@ -137,8 +117,8 @@ int decode_object_identifier(asn1_xer_parser* parser, const asn1_type_desc* type
     if (parser->token != XER_TOKEN_TEXT) {
         return parse_error(parser, "expecting %sobject identifier", relative ? "relative " : "");
     }
-    if (asn1_parse_object_identifier(static_cast<asn1_string*>(value), text_of(parser), parser->text.length,
-                                     relative) != 0) {
+    if (asn1_parse_object_identifier(static_cast<asn1_string*>(value), text_of(parser),
+                                     parser->contents.length, relative) != 0) {
         return parse_error(parser, "invalid object identifier");
     }
     return next_token(parser);

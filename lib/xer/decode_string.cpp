@@ -12,11 +12,11 @@ static void* shrink(void* block, uint64_t size) {
     return shrunk ? shrunk : block;
 }
 
-// The block for a value of up to `size` bytes; null after an error.
-static uint8_t* make_block(asn1_xer_parser* parser, uint64_t size) {
-    void* block = asn1_mallocz(size);
-    if (!block) parse_error(parser, kNotEnoughMemory);
-    return static_cast<uint8_t*>(block);
+// A zero-filled block for a value of up to `size` bytes; null after an error.
+static uint8_t* new_zero_block(asn1_xer_parser* parser, uint64_t size) {
+    uint8_t* block = new_block(parser, size);
+    if (block) memset(block, 0, size);
+    return block;
 }
 
 // ---- BIT STRING -------------------------------------------------------------------------------------------
@@ -39,8 +39,8 @@ int decode_bit_string(asn1_xer_parser* parser, void* value) {
     bool is_empty = parser->token == XER_TOKEN_END;
     if (!is_empty && parser->token != XER_TOKEN_TEXT)
         return parse_error(parser, "expecting bit string value");
-    uint64_t bytes = is_empty ? 0 : (parser->text.length + 7) / 8;
-    bits->data = make_block(parser, bytes);
+    uint64_t bytes = is_empty ? 0 : (parser->contents.length + 7) / 8;
+    bits->data = new_zero_block(parser, bytes);
     if (!bits->data) return -1;
     if (is_empty) return 0;
     if (read_bits(parser, bits) != 0) return -1;
@@ -72,8 +72,8 @@ int asn1_xer_decode_octet_string(asn1_xer_parser* parser, asn1_string* value) {
     if (!is_empty && parser->token != XER_TOKEN_TEXT) {
         return parse_error(parser, "expecting octet string value");
     }
-    uint64_t bytes = is_empty ? 0 : (parser->text.length + 1) / 2;
-    value->data = make_block(parser, bytes);
+    uint64_t bytes = is_empty ? 0 : (parser->contents.length + 1) / 2;
+    value->data = new_zero_block(parser, bytes);
     if (!value->data) return -1;
     if (is_empty) return 0;
     if (read_nibbles(parser, value) != 0) return -1;
@@ -117,8 +117,8 @@ static int reserve_units(asn1_xer_parser* parser, growing_string* string, uint64
 
 // One unit for each code point; high bits that a unit has no room for are lost.
 static int append_code_points(asn1_xer_parser* parser, growing_string* string) {
-    const uint8_t* at = parser->text.data;
-    const uint8_t* end = at + parser->text.length;
+    const uint8_t* at = parser->contents.data;
+    const uint8_t* end = at + parser->contents.length;
     while (at < end) {
         int32_t code = *at < 0x80 ? *at++ : asn1_from_utf8(at, static_cast<uint64_t>(end - at), &at);
         if (code < 0) return parse_error(parser, "invalid UTF-8 code");
@@ -128,10 +128,10 @@ static int append_code_points(asn1_xer_parser* parser, growing_string* string) {
 }
 
 static int append_text(asn1_xer_parser* parser, growing_string* string) {
-    uint64_t length = parser->text.length;
+    uint64_t length = parser->contents.length;
     if (reserve_units(parser, string, length) != 0) return -1;
     if (string->is_utf8) {
-        memcpy(string->value->data + string->count, parser->text.data, length);
+        memcpy(string->value->data + string->count, parser->contents.data, length);
         string->count += length;
     } else if (append_code_points(parser, string) != 0) {
         return -1;

@@ -10,7 +10,7 @@ namespace orlenta::xer {
 static int encode_null() { return 0; }
 
 static int encode_tagged(asn1_xer_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    const void* inner = is_indirect(type) ? load_pointer(value) : value;
+    const void* inner = tagged_value(type, value);
     return inner ? asn1_xer_encode_type(encoder, tagged_inner(type), inner) : -1;
 }
 
@@ -47,7 +47,7 @@ static int print_hook_text(asn1_xer_encoder* encoder, const hook_text& text) {
 
 int asn1_xer_encode_type(asn1_xer_encoder* encoder, const asn1_type_desc* type, const void* value) {
     hook_text text;
-    if (call_hook(encoder->hook, type, value, static_cast<int32_t>(encoder->depth), &text)) {
+    if (call_hook(encoder, type, value, &text)) {
         return print_hook_text(encoder, text);
     }
     return has_stack(&encoder->stack) ? print_value(encoder, type, value) : -1;
@@ -70,16 +70,15 @@ int asn1_xer_encode_typed_value(asn1_xer_encoder* encoder, const asn1_type_desc*
 int64_t asn1_xer_encode2(uint8_t** out, const asn1_type_desc* type, const void* value,
                          const asn1_xer_encode_options* options) {
     using namespace orlenta;
-    xer::asn1_xer_encoder encoder = {};
+    xer::asn1_xer_encoder encoder;
+    begin_text(&encoder, options->depth, {options->hook, options->hook_data});
     encoder.indent = options->indent != 0;
     encoder.empty_tags = options->empty_tags != 0;
     encoder.boolean_text = options->boolean_text != 0;
     encoder.enumerated_text = options->enumerated_text != 0;
-    encoder.hook = {options->hook, options->hook_data};
-    encoder.depth = options->depth;
-    encoder.stack = begin_stack();
+    encoder.tag_open = encoder.has_text = false;
     int result = xer::asn1_xer_encode_typed_value(&encoder, type, value);
-    return finish_text(&encoder.buffer, result, out);
+    return finish_text(&encoder, result, out);
 }
 
 int64_t asn1_xer_encode(uint8_t** out, const asn1_type_desc* type, const void* value) {

@@ -5,14 +5,10 @@
 
 namespace orlenta::xer {
 
-struct asn1_xer_encoder {
-    asn1_byte_buffer buffer;
+struct asn1_xer_encoder : text_encoder {
     bool indent, empty_tags, boolean_text, enumerated_text;
-    text_hook hook;
-    int64_t depth;  // nesting level; wide, so that no level given by the caller overflows
     bool tag_open;  // a start tag still lacks its >
     bool has_text;  // the current element has character data
-    stack_guard stack;
 };
 
 // layout.cpp: tags with their line breaks and indentation. start_text() comes before character data.

@@ -26,19 +26,16 @@ int encode_boolean(asn1_xer_encoder* encoder, const void* value) {
 }
 
 int encode_enumerated(asn1_xer_encoder* encoder, const asn1_type_desc* type, const void* value) {
-    enum_layout items = enum_of(type);
-    uint32_t index = load32(value);
-    if (index >= items.total) return -1;
-    put_word(encoder, items.names[index].text, encoder->enumerated_text);
+    const char* name = item_name(type, value);
+    if (!name) return -1;
+    put_word(encoder, name, encoder->enumerated_text);
     return 0;
 }
 
 int encode_real(asn1_xer_encoder* encoder, const void* value) {
     static constexpr real_forms forms = {"0", "-0", "NaN", "INF", "-INF", 'E'};
-    double real;
-    memcpy(&real, value, sizeof real);
     start_text(encoder);
-    put_real(&encoder->buffer, real, forms);
+    put_real(&encoder->buffer, value, forms);
     return 0;
 }
 

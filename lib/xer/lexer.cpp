@@ -2,19 +2,9 @@
 
 #include <stdlib.h>
 
-#include "core/buffer.hpp"
 #include "core/text_writer.hpp"
 
 namespace orlenta::xer {
-
-void init_parser(asn1_xer_parser* parser, const uint8_t* data, uint64_t length) {
-    init_text_parser(parser, data, length);
-    parser->token = XER_TOKEN_EOF;
-    parser->is_empty_tag = false;
-    asn1_byte_buffer_init(&parser->text);
-}
-
-void clear_parser(asn1_xer_parser* parser) { asn1_free(parser->text.data); }
 
 // ---- comments and processing instructions -----------------------------------------------------------------
 
@@ -143,7 +133,7 @@ static int lex_entity(asn1_xer_parser* parser) {
     if (!lex_entity_name(parser, name) || !entity_code(name, &code)) {
         return parse_error(parser, "invalid XML entity syntax");
     }
-    put_utf8(&parser->text, code);
+    put_utf8(&parser->contents, code);
     return 0;
 }
 
@@ -152,7 +142,7 @@ static void lex_carriage_return(asn1_xer_parser* parser) {
     ++parser->cursor;
     if (parser->cursor < parser->end && *parser->cursor == '\n') ++parser->cursor;
     ++parser->line;
-    put_char(&parser->text, '\n');
+    put_char(&parser->contents, '\n');
 }
 
 // Takes the characters that stand for themselves.
@@ -163,7 +153,7 @@ static void lex_plain(asn1_xer_parser* parser) {
         if (*at == '\n') ++parser->line;
     }
     if (at == start) return;
-    asn1_put_bytes(&parser->text, start, static_cast<uint64_t>(at - start));
+    asn1_put_bytes(&parser->contents, start, static_cast<uint64_t>(at - start));
     parser->cursor = at;
 }
 
@@ -185,11 +175,11 @@ static int lex_characters(asn1_xer_parser* parser) {
 }
 
 static int lex_text(asn1_xer_parser* parser) {
-    parser->text.length = 0;
+    parser->contents.length = 0;
     if (lex_characters(parser) != 0) return -1;
-    put_byte(&parser->text, 0);
-    if (parser->text.failed) return parse_error(parser, kNotEnoughMemory);
-    --parser->text.length;
+    put_byte(&parser->contents, 0);
+    if (parser->contents.failed) return parse_error(parser, kNotEnoughMemory);
+    --parser->contents.length;
     parser->token = XER_TOKEN_TEXT;
     return 0;
 }

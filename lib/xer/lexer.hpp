@@ -15,18 +15,12 @@ enum : uint32_t {
 
 inline constexpr ptrdiff_t kTagNameMax = 1023;
 
+// The contents of a TEXT token are its characters, with a NUL behind their length.
 struct asn1_xer_parser : text_parser {
-    uint32_t token;
     bool is_empty_tag;           // the current start tag is an empty element's
     uint32_t name_length;        // of a START or END token
     char name[kTagNameMax + 1];  // the same, NUL-terminated
-    asn1_byte_buffer text;       // of a TEXT token, with a NUL behind `length`; else scratch for the next one
 };
-
-void init_parser(asn1_xer_parser* parser, const uint8_t* data, uint64_t length);
-
-// Releases what the parser owns. It is finished.
-void clear_parser(asn1_xer_parser* parser);
 
 // Makes the next token current. The end of input is a token too, and no error.
 int next_token(asn1_xer_parser* parser);
@@ -39,16 +33,18 @@ int skip_spaces(asn1_xer_parser* parser);
 int skip_closing_tag(asn1_xer_parser* parser, const char* name);
 
 inline const char* text_of(const asn1_xer_parser* parser) {
-    return reinterpret_cast<const char*>(parser->text.data);
+    return reinterpret_cast<const char*>(parser->contents.data);
 }
-inline const char* text_end(const asn1_xer_parser* parser) { return text_of(parser) + parser->text.length; }
+inline const char* text_end(const asn1_xer_parser* parser) {
+    return text_of(parser) + parser->contents.length;
+}
 
 // Whether the current token is white space and nothing else.
 bool is_blank(const asn1_xer_parser* parser);
 
 // Whether the current token is exactly this text, or has exactly this tag name.
 inline bool is_text(const asn1_xer_parser* parser, const char* text) {
-    return parser->token == XER_TOKEN_TEXT && cstr_equal(text_of(parser), parser->text.length, text);
+    return parser->token == XER_TOKEN_TEXT && cstr_equal(text_of(parser), parser->contents.length, text);
 }
 inline bool is_tag(const asn1_xer_parser* parser, uint32_t token, const char* name) {
     return parser->token == token && cstr_equal(parser->name, parser->name_length, name);
