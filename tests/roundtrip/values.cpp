@@ -139,21 +139,7 @@ static bool meets_itself(const asn1_type_desc* type, std::map<const asn1_type_de
     if (mine != kUnseen) return mine != kPlain;
     mine = kOpen;
     bool found = false;
-    switch (kind_of(type)) {
-        case ASN1_KIND_TAGGED: found = meets_itself(tagged_inner(type), state); break;
-        case ASN1_KIND_SEQUENCE_OF:
-        case ASN1_KIND_SET_OF: found = meets_itself(list_of(type).element, state); break;
-        case ASN1_KIND_SEQUENCE:
-        case ASN1_KIND_SET:
-            for (uint32_t i = 0; i < component_count(type); ++i)
-                found |= meets_itself(field_type(components(type) + i), state);
-            break;
-        case ASN1_KIND_CHOICE:
-            for (uint32_t i = 0; i < choice_of(type).total; ++i)
-                found |= meets_itself(alternative_type(choice_of(type), i), state);
-            break;
-        default: break;
-    }
+    for (const asn1_type_desc* part : cli::referred_types(type)) found |= meets_itself(part, state);
     mine = found ? kRecursive : kPlain;
     return found;
 }
