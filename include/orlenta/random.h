@@ -16,11 +16,14 @@ extern "C" {
  *
  * Lists have up to 10 elements above their lower bound, strings up to 200 octets or characters (BIT STRING:
  * 100 bits), big integers without an upper limit up to 512 bits. A type that can contain itself gives very
- * large values for some seeds; the generator stops at 2048 levels of nesting, with the value partly filled.
+ * large values for some seeds. The first time that a value reaches 2048 levels of nesting, all that is still
+ * missing of it takes its smallest legal content: optional parts absent, least counts, lower bounds, the
+ * alternative that ends soonest. Such a value takes some 300 KiB of stack.
  *
- * Returns null if the value's record could not be allocated. If memory ran out later, the value is filled as
- * far as it went, and is released in the same way. A descriptor whose alphabet is empty ends the process by
- * abort(). */
+ * Returns null if the value's record could not be allocated, if the calling thread's stack does not bear the
+ * value, or if the type contains itself without a way to end. If memory ran out later, the value is filled as
+ * far as it went, and is released in the same way: an indirect component may be a null pointer then. A
+ * descriptor whose alphabet is empty ends the process by abort(). */
 ORLENTA_API void* asn1_random(const asn1_type_desc* type, uint32_t seed);
 
 #ifdef __cplusplus

@@ -82,6 +82,7 @@ static uint64_t random_finite_real(asn1_random_params* params, bool normal) {
 }
 
 int asn1_random_real(asn1_random_params* params, void* value) {
+    if (is_worn_out(params)) return 0;  // the number 0; a draw of 0 means NaN
     uint32_t sort = draw(params) % 20;
     uint64_t bits = UINT64_C(0x7FF8000000000000);
     if (sort > 0) {

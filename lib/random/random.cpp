@@ -7,10 +7,17 @@
 
 namespace orlenta::random {
 
+// -1: the value can't end.
+static int refuse(asn1_random_params* params) {
+    params->is_refused = true;
+    return -1;
+}
+
 int asn1_random_choice(asn1_random_params* params, const asn1_type_desc* type, void* record) {
     choice_layout choice = choice_of(type);
     if (choice.total == 0) return -1;
-    uint32_t selector = draw(params) % choice.total;
+    uint32_t selector = is_worn_out(params) ? soonest_alternative(choice) : draw(params) % choice.total;
+    if (selector == choice.total) return refuse(params);
     store32(at_offset(record, choice.selector_offset), selector);
     return asn1_random_type(params, alternative_type(choice, selector),
                             at_offset(record, choice.payload_offset));
@@ -81,10 +88,10 @@ static int random_by_kind(asn1_random_params* params, const asn1_type_desc* type
     }
 }
 
-// What an indirect tag points at is there before the walk may give up, so that a value cut short has no null pointers.
 int asn1_random_type(asn1_random_params* params, const asn1_type_desc* type, void* value) {
     if (enter_tags(&type, &value) < 0) return -1;
-    if (params->depth >= kDepthLimit || !has_stack(&params->stack)) return -1;
+    if (params->depth >= kDepthLimit) wear_out(params);
+    if (params->depth >= kDepthLimit + kEndingLevels || !has_stack(&params->stack)) return refuse(params);
     ++params->depth;
     int result = random_by_kind(params, type, value);
     --params->depth;
@@ -113,9 +120,12 @@ void* asn1_random(const asn1_type_desc* type, uint32_t seed) {
                                  .integer_bits = 512,
                                  .extensions = 1,
                                  .depth = 0,
+                                 .is_refused = false,
                                  .stack = orlenta::begin_stack()};
-    // A failure leaves a value that is partly filled and fit for release, which is the result all the same.
+    // Without memory the value is partly filled and fit for release, which is the result all the same.
     asn1_random_type(&params, type, value);
     asn1_free(state);
-    return value;
+    if (!params.is_refused) return value;
+    asn1_free_value(type, value);
+    return nullptr;
 }

@@ -15,19 +15,25 @@ struct asn1_random_state {
 };
 
 struct asn1_random_params {
-    asn1_random_state* state;
+    asn1_random_state* state;    // both words 0: worn out
     uint32_t list_spread;        // elements above the minimum
     uint32_t string_spread;      // octets or characters above the minimum
     uint32_t bit_string_spread;  // bits above the minimum
     uint32_t integer_bits;       // of a big integer without an upper limit
     uint32_t extensions;         // flag: extension additions may be produced
     uint32_t depth;              // descriptors entered and not left
+    bool is_refused;             // the stack or the type does not let the value end
     stack_guard stack;
 };
 
-// Levels of descriptors that a value may have. The draws alone end nearly every value of a recursive type far above
+// Levels of descriptors at which drawing ends. The draws alone end nearly every value of a recursive type far above
 // this; but where lists make more of a type than its optional components take away, some seeds would go on for ever.
+// To cut only what lies deeper would not help: what is left and right of it grows with each level as well. So the
+// first time that the limit is met, all that is still to be filled gets its smallest content.
 constexpr uint32_t kDepthLimit = 2048;
+
+// Levels behind the limit in which the smallest content must end.
+constexpr uint32_t kEndingLevels = 64;
 
 // ---- draws (generator.cpp) --------------------------------------------------------------------------------
 
@@ -35,6 +41,14 @@ inline void step(asn1_random_state* state) {
     state->z = 36969 * (state->z & 0xFFFF) + (state->z >> 16);
     state->w = 18000 * (state->w & 0xFFFF) + (state->w >> 16);
 }
+
+// From now on every draw, coin and byte is 0, which the generator never leaves. That gives all kinds their smallest
+// content, but for CHOICE and REAL: optional parts absent, defaults, least counts, lower bounds, first items and
+// characters.
+inline void wear_out(asn1_random_params* params) { *params->state = {0, 0}; }
+
+// No seed gets there: `z` is 0 only after a 0.
+inline bool is_worn_out(const asn1_random_params* params) { return params->state->z == 0; }
 
 inline uint32_t draw(asn1_random_params* params) {
     step(params->state);
@@ -73,6 +87,11 @@ uint32_t choose_length(asn1_random_params* params, size_range range, uint32_t sp
 // random.cpp
 int asn1_random_type(asn1_random_params* params, const asn1_type_desc* type, void* value);
 int asn1_random_choice(asn1_random_params* params, const asn1_type_desc* type, void* record);
+
+// smallest.cpp
+// The alternative whose smallest value has the fewest levels, the first of several such; the number of alternatives
+// if none ends within kEndingLevels.
+uint32_t soonest_alternative(const choice_layout& choice);
 
 // sequence.cpp
 int asn1_random_sequence(asn1_random_params* params, const asn1_type_desc* type, void* record);

@@ -175,6 +175,18 @@ const asn1_word kFixedFirst[] = {
 // clang-format on
 const asn1_word kEmpty[] = {head(ASN1_KIND_SEQUENCE), num(0), num(1)};
 
+// SEQUENCE of the types given, one after the other.
+std::vector<asn1_word> record_of(std::initializer_list<const asn1_type_desc*> types) {
+    std::vector<asn1_word> words = {head(ASN1_KIND_SEQUENCE), num(types.size()), num(0)};
+    uint32_t offset = 0;
+    for (const asn1_type_desc* type : types) {
+        for (asn1_word word : {field(offset), ref(type), num(0), txt("x")}) words.push_back(word);
+        offset += (static_cast<uint32_t>(asn1_get_size(type)) + 7) / 8 * 8;
+    }
+    words[2] = num(offset);
+    return words;
+}
+
 struct Release {
     const asn1_type_desc* type;
     void operator()(void* value) const { asn1_free_value(type, value); }
@@ -263,15 +275,8 @@ TEST(Random, MemoryRunsOut) {
     const asn1_word indirect[] = {head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(2)), ref(kBigRange)};
     const asn1_word row[] = {head(ASN1_KIND_SEQUENCE_OF, kLower), num(2), num(24), ref(kBigRange), num(0)};
     const asn1_word rows[] = {head(ASN1_KIND_SEQUENCE_OF, kLower), num(1), num(16), ref(row), num(0)};
-    std::vector<asn1_word> words = {head(ASN1_KIND_SEQUENCE), num(0), num(0)};
-    uint32_t offset = 0;
-    for (const asn1_type_desc* type : {k3To20Bits, kThousand, kIa5Ext, kUtf8, kGeneral, kOid, kRelativeOid,
-                                       kAny, kBig, kBigLower, indirect, rows}) {
-        for (asn1_word word : {field(offset), ref(type), num(0), txt("x")}) words.push_back(word);
-        offset += 24;
-        ++words[1].number;
-    }
-    words[2] = num(offset);
+    const std::vector<asn1_word> words = record_of({k3To20Bits, kThousand, kIa5Ext, kUtf8, kGeneral, kOid,
+                                                    kRelativeOid, kAny, kBig, kBigLower, indirect, rows});
     uint64_t calls = for_each_failed_allocation([&] {
         void* value = asn1_random(words.data(), 3);
         EXPECT_TRUE(value != nullptr || (allocator_has_failed() && allocator_calls() == 1));
@@ -305,17 +310,55 @@ TEST(RandomDeathTest, CharacterWithoutAlphabetAborts) {
     EXPECT_DEATH(asn1_random(none, 1), "");
 }
 
-// A type that holds itself without end: the walk stops of its own, at the same place everywhere.
-TEST(Random, EndlessTypeStops) {
-    asn1_word endless[2] = {};
-    asn1_word record[3 + 4] = {
-        head(ASN1_KIND_SEQUENCE), num(1), num(8), field(0), ref(endless), num(0), txt("more")};
-    endless[0] = head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(0));
-    endless[1] = ref(record);
-    Value value = random_value(record, 1);
-    int depth = 0;
-    for (const void* v = value.get(); v; v = load_pointer(v)) ++depth;
-    EXPECT_EQ(depth, 2049);
+// ---- types that hold themselves ---------------------------------------------------------------------------
+
+// Tree ::= SEQUENCE (SIZE (2..MAX)) OF CHOICE { tree Tree, far SEQUENCE { b BOOLEAN }, near SEQUENCE {} }
+extern const asn1_word kEndlessTree[5];
+const asn1_word kFar[] = {
+    head(ASN1_KIND_SEQUENCE), num(1), num(4), field(0), ref(kBoolean), num(0), txt("b")};
+// clang-format off
+const asn1_word kBranch[] = {
+    head(ASN1_KIND_CHOICE), num(3), num(24), num(0), num(8),
+    ref(kEndlessTree), txt("tree"), ref(kFar), txt("far"), ref(kEmpty), txt("near")};
+// clang-format on
+const asn1_word kEndlessTree[5] = {head(ASN1_KIND_SEQUENCE_OF, kLower), num(2), num(24), ref(kBranch),
+                                   num(0)};
+
+// Once the limit of levels is met, what is still to come gets its smallest content.
+TEST(Random, SmallestContentBehindTheLimit) {
+    static const struct {
+        const asn1_type_desc* type;
+        const char* text;
+    } rows[] = {
+        // clang-format off
+        {kFree, "0"}, {kUpper5, "5"}, {kFromMinus5, "4294967291"}, {kMinus8To1000, "4294967288"}, {k0To7Ext, "0"},
+        {kBig, "0"}, {kBigRange, "-100000000"}, {kBigExt, "-100000000"}, {kBigUpper, "10000000000000000"},
+        {kBoolean, "0"}, {kFiveItems, "0"}, {kNull, "null"}, {kReal, "0000000000000000"}, {k3To20Bits, "3:00"},
+        {kOctets5, "5:0000000000"}, {kOctetsExt, "2:0000"}, {kNumeric, "1:20"}, {kTwoRanges, "2:00010001"},
+        {kUtf8, "0:"}, {kGeneral, "0:"}, {kOid, "1:00"}, {kRelativeOid, "1:00"}, {kAny, "2:0400"}, {kList, "[0]"},
+        {kListExt, "[0]"}, {kThreeWays, "0:(0)"}, {kBranch, "2:({})"}, {kEndlessTree, "[2:({}),2:({})]"},
+        {kSequence, "{0,-,9,-,-,-,9,-}"}, {kEmpty, "{}"},
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        std::vector<asn1_word> both = record_of({kEndlessTree, row.type});
+        Value value = random_value(both.data(), 1);
+        ASSERT_NE(value, nullptr) << row.text;
+        EXPECT_EQ(show(row.type, field_value(components(both.data()) + 1, value.get())), row.text);
+    }
+}
+
+// A type without a finite value has none, on any stack.
+TEST(Random, NoValueWithoutEnd) {
+    asn1_word link[2] = {head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(0)), {}};
+    std::vector<asn1_word> chain = record_of({link});
+    link[1] = ref(chain.data());
+    asn1_word choice[9] = {
+        head(ASN1_KIND_CHOICE), num(2), num(24), num(0), num(8), {}, txt("a"), {}, txt("b")};
+    const asn1_word list[] = {head(ASN1_KIND_SEQUENCE_OF, kLower), num(1), num(24), ref(choice), num(0)};
+    choice[5] = choice[7] = ref(list);
+    EXPECT_EQ(random_value(chain.data(), 1), nullptr);
+    EXPECT_EQ(random_value(list, 1), nullptr);
 }
 
 }  // namespace

@@ -7,7 +7,9 @@
 
 #include <map>
 #include <string>
+#include <unordered_set>
 
+#include "cli/references.hpp"
 #include "core/descriptor.hpp"
 #include "tests/support/universal_types.hpp"
 
@@ -41,6 +43,18 @@ std::span<const Region> all_regions() {
     static const Region regions[] = {{"Kinds", kKinds}, ORLENTA_REGION_ROWS};
 #undef row
     return regions;
+}
+
+std::vector<const orlenta_catalogue_entry*> roots_of(const Region& region) {
+    std::unordered_set<const asn1_type_desc*> referred;
+    for (const orlenta_catalogue_entry& entry : region.entries)
+        for (const asn1_type_desc* type : cli::referred_types(entry.type))
+            if (type != entry.type) referred.insert(type);
+    std::vector<const orlenta_catalogue_entry*> roots;
+    for (const orlenta_catalogue_entry& entry : region.entries)
+        if (kind_of(entry.type) != ASN1_KIND_OBJECT_CLASS && !referred.contains(entry.type))
+            roots.push_back(&entry);
+    return roots;
 }
 
 uint32_t seed_of(const orlenta_catalogue_entry& entry, uint32_t round) {

@@ -6,6 +6,7 @@
 #include <memory>
 #include <ostream>
 #include <span>
+#include <vector>
 
 #include "compiler/emit/catalogue_entry.hpp"
 
@@ -17,6 +18,9 @@ struct Region {
 };
 inline void PrintTo(const Region& region, std::ostream* out) { *out << region.name; }
 std::span<const Region> all_regions();
+
+// The types to which no other one of the region refers: its messages, and what only stands in a module.
+std::vector<const orlenta_catalogue_entry*> roots_of(const Region& region);
 
 struct Release {
     const asn1_type_desc* type;
