@@ -1,14 +1,14 @@
-// Encoding and decoding of whole messages by each set of rules: time, throughput of encoded bytes, and allocations.
+// Encoding and decoding of whole messages by each set of rules: time and allocations.
 #include <benchmark/benchmark.h>
-#include <orlenta/cn.h>
 #include <orlenta/memory.h>
-#include <orlenta/value.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
-#include "bench/messages.hpp"
-#include "cli/rules.hpp"
+#include "bench/engines.hpp"
+#include "bench/report.hpp"
+#include "bench/subjects.hpp"
 
 // ---- the counting allocator, in place of the library's own ------------------------------------------------
 
@@ -26,77 +26,77 @@ extern "C" void asn1_free(void* ptr) { std::free(ptr); }
 
 // ---- measurements -----------------------------------------------------------------------------------------
 
-namespace {
+using bench::Engine;
+using bench::Subject;
 
-const asn1_type_desc* const kType = asn1_type_CN_MessageFrame;
-
-struct Subject {
-    const cli::Rules* rules;
-    void* value;          // kept to the end of the program
-    std::string encoded;  // by the rules
-};
-
-}  // namespace
-
-static void set_counters(benchmark::State& state, const Subject& subject, uint64_t allocated) {
+static void set_counters(benchmark::State& state, const Subject& subject, size_t bytes, uint64_t allocated) {
     double messages = static_cast<double>(state.iterations());
-    state.counters["bytes"] = static_cast<double>(subject.encoded.size());
-    state.counters["MB"] = benchmark::Counter(static_cast<double>(subject.encoded.size()) * messages / 1e6,
-                                              benchmark::Counter::kIsRate);
+    state.counters["bytes"] = static_cast<double>(bytes);
+    state.counters["leaves"] = static_cast<double>(subject.leaves);
     state.counters["allocs"] = static_cast<double>(allocated) / messages;
 }
 
-static void decode(benchmark::State& state, const Subject& subject) {
+static void decode(benchmark::State& state, const Engine& engine, const Subject& subject) {
+    std::string encoded = bench::encode_by(engine, subject.type, subject.value);
+    const uint8_t* data = reinterpret_cast<const uint8_t*>(encoded.data());
     uint64_t before = allocations;
     for (auto _ : state) {
         void* value = nullptr;
-        int64_t used =
-            subject.rules->decode(&value, kType, reinterpret_cast<const uint8_t*>(subject.encoded.data()),
-                                  subject.encoded.size(), nullptr);
-        if (used < 0) return state.SkipWithError("not decodable");
-        asn1_free_value(kType, value);
+        if (engine.decode(&value, subject.type, data, encoded.size(), nullptr) < 0)
+            return state.SkipWithError("not decodable");
+        engine.release(subject.type, value);
     }
-    set_counters(state, subject, allocations - before);
+    set_counters(state, subject, encoded.size(), allocations - before);
 }
 
-static void encode(benchmark::State& state, const Subject& subject) {
+static void encode(benchmark::State& state, const Engine& engine, const Subject& subject) {
     uint64_t before = allocations;
+    int64_t size = 0;
     for (auto _ : state) {
         uint8_t* data = nullptr;
-        int64_t size = subject.rules->encode(&data, kType, subject.value, {.indent = 0}, nullptr);
+        size = engine.encode(&data, subject.type, subject.value, {.indent = 0}, nullptr);
         if (size < 0) return state.SkipWithError("not encodable");
         asn1_free(data);
     }
-    set_counters(state, subject, allocations - before);
+    set_counters(state, subject, static_cast<size_t>(size), allocations - before);
 }
 
-static Subject make_subject(const cli::Rules& rules, const bench::Message& message) {
-    Subject subject{&rules, nullptr, {}};
-    uint8_t* data = nullptr;
-    int64_t size = -1;
-    if (cli::find_rules("uper")->decode(&subject.value, kType,
-                                        reinterpret_cast<const uint8_t*>(message.uper.data()),
-                                        message.uper.size(), nullptr) > 0)
-        size = rules.encode(&data, kType, subject.value, {.indent = 0}, nullptr);
-    if (size < 0) {
-        std::fprintf(stderr, "%s: no value for %s\n", message.name.c_str(), rules.name);
-        std::exit(1);
-    }
-    subject.encoded.assign(reinterpret_cast<const char*>(data), static_cast<size_t>(size));
-    asn1_free(data);
-    return subject;
-}
-
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
-    std::vector<bench::Message> messages = bench::load_messages(ORLENTA_BENCH_DATA);
-    for (const cli::Rules& rules : cli::all_rules())
-        for (const bench::Message& message : messages) {
-            Subject subject = make_subject(rules, message);
-            std::string name = std::string(rules.name) + "/" + message.name;
-            benchmark::RegisterBenchmark((name + "/decode").c_str(), decode, subject);
-            benchmark::RegisterBenchmark((name + "/encode").c_str(), encode, subject);
+static void register_all() {
+    static const std::vector<Engine> engines = bench::all_engines();
+    static const std::vector<Subject> subjects = bench::load_subjects();
+    for (const Engine& engine : engines)
+        for (const Subject& subject : subjects) {
+            std::string name =
+                std::string(engine.rules->name) + "/" + engine.name + "/" + subject.message.name;
+            benchmark::RegisterBenchmark((name + "/decode").c_str(), [&engine, &subject](auto& state) {
+                decode(state, engine, subject);
+            });
+            benchmark::RegisterBenchmark((name + "/encode").c_str(), [&engine, &subject](auto& state) {
+                encode(state, engine, subject);
+            });
         }
-    benchmark::RunSpecifiedBenchmarks();
+}
+
+// --tsv prints a table for programs; an explicit --benchmark_format leaves the printing to Google Benchmark.
+int main(int argc, char** argv) {
+    char min_time[] = "--benchmark_min_time=0.1";  // before the user's own, so that it can be overridden
+    std::vector<char*> arguments = {argv[0], min_time};
+    bool tsv = false, own_report = true;
+    for (int i = 1; i < argc; ++i) {
+        own_report = own_report && !std::strstr(argv[i], "--benchmark_format");
+        if (std::strcmp(argv[i], "--tsv") == 0)
+            tsv = true;
+        else
+            arguments.push_back(argv[i]);
+    }
+    int count = static_cast<int>(arguments.size());
+    arguments.push_back(nullptr);
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+    register_all();
+    bench::Report report(tsv);
+    if (own_report)
+        benchmark::RunSpecifiedBenchmarks(&report);
+    else
+        benchmark::RunSpecifiedBenchmarks();
 }

@@ -1,4 +1,4 @@
-// The messages that are measured.
+// The messages that are measured: rows of messages.tsv.
 #pragma once
 
 #include <string>
@@ -7,11 +7,14 @@
 namespace bench {
 
 struct Message {
-    std::string name;  // the alternative of CN.MessageFrame: "bsmFrame"
-    std::string uper;  // bytes
+    std::string name;    // "cn-bsm"
+    std::string region;  // "CN"
+    std::string type;    // "MessageFrame"
+    size_t octets;       // of its unaligned PER
+    std::string json;
 };
 
-// The largest vector of each alternative, in the order of the file. Ends the program if the file is of no use.
+// All rows, in the order of the file. Ends the program if the file is of no use.
 std::vector<Message> load_messages(const char* path);
 
 }  // namespace bench

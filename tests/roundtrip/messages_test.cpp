@@ -1,9 +1,15 @@
-// A long run of whole messages through both forms of PER, as a roadside unit would see them.
+// Whole messages: a long run through both forms of PER, as a roadside unit would see them, and those of the benchmark.
+#include "bench/messages.hpp"
+
 #include <gtest/gtest.h>
+#include <orlenta/check.h>
+#include <orlenta/jer.h>
 #include <orlenta/memory.h>
+#include <orlenta/per.h>
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tests/roundtrip/rules.hpp"
 #include "tests/roundtrip/values.hpp"
@@ -47,6 +53,31 @@ TEST(CnMessages, ThroughBothFormsOfPer) {
             if (!std::string_view(rule.name).ends_with("PER")) continue;
             SCOPED_TRACE(std::string(rule.name) + ", message " + std::to_string(i));
             send(rule, type, sample.value.get());
+        }
+    }
+}
+
+// The figures of years compare only if the messages stay what they are: valid, of their size, and none lost.
+TEST(BenchMessages, AreValidAndGoThroughAllRules) {
+    std::vector<bench::Message> messages = bench::load_messages(ORLENTA_BENCH_MESSAGES);
+    EXPECT_EQ(messages.size(), 12u);
+    for (const bench::Message& message : messages) {
+        SCOPED_TRACE(message.name);
+        const asn1_type_desc* type = find_type(message.region, message.type);
+        if (!type) continue;  // its message set is not built
+        asn1_error error = {};
+        void* read = nullptr;
+        int64_t used = asn1_jer_decode(&read, type, reinterpret_cast<const uint8_t*>(message.json.data()),
+                                       message.json.size(), &error);
+        Value value(read, {type});
+        ASSERT_GT(used, 0) << error.path << ": " << error.message;
+        EXPECT_EQ(asn1_check_constraints(type, read, &error), 1) << error.path << ": " << error.message;
+        uint8_t* bytes = nullptr;
+        EXPECT_EQ(asn1_uper_encode(&bytes, type, read), static_cast<int64_t>(message.octets));
+        asn1_free(bytes);
+        for (const Rule& rule : all_rules()) {
+            SCOPED_TRACE(rule.name);
+            send(rule, type, read);
         }
     }
 }
