@@ -2,10 +2,9 @@
 // elements that take no bits; so every decoder takes the blocks of a value here, and none elsewhere.
 //
 // What counts: every block that is alive, by the bytes asked for and one at the least, but for the record of the
-// outermost value. Blocks that serve the decode alone count while they live. Two kinds of them are not worth a count
-// each, since the input bounds them, and are paid for at the start (set_aside()): the token buffers of text, and what
-// big-integer arithmetic holds besides its result. Together that is the peak of all that a decode holds: 1 MiB and
-// 4,096 bytes for each octet of input. Real messages take some 2,000 bytes an octet at the most.
+// outermost value. Blocks that serve the decode alone count while they live; a decoder of text, whose buffers are as
+// long as its input bears and no longer, pays for these at the start (set_aside()). So the peak of all that a decode
+// holds is 1 MiB and 4,096 bytes for each octet of input. Real messages take some 2,000 bytes an octet at the most.
 //
 // Null, or false, means that memory is not to be had or would pass that bound: "not enough memory" either way.
 #pragma once

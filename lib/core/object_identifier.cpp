@@ -79,13 +79,17 @@ static const char* parse_arcs(asn1_byte_buffer* buf, const char* text, bool rela
     }
 }
 
+int parse_object_identifier(asn1_byte_buffer* buf, const char* text, uint64_t length, bool relative) {
+    const char* end = parse_arcs(buf, text, relative);
+    return end == nullptr || end != text + length || buf->failed != 0 ? -1 : 0;
+}
+
 }  // namespace orlenta
 
 int asn1_parse_object_identifier(asn1_string* out, const char* text, uint64_t length, int relative) {
     asn1_byte_buffer buf;
     asn1_byte_buffer_init(&buf);
-    const char* end = orlenta::parse_arcs(&buf, text, relative != 0);
-    if (end == nullptr || end != text + length || buf.failed != 0) {
+    if (orlenta::parse_object_identifier(&buf, text, length, relative != 0) != 0) {
         asn1_free(buf.data);
         return -1;
     }

@@ -85,15 +85,20 @@ int text_integer_to_si64(const text_integer* integer, int64_t* v) {
     return 0;
 }
 
+int count_big_integer(text_parser* parser, const asn1_integer* value, int result) {
+    if (result == 0 && count_limbs(&parser->memory, value->capacity)) return 0;
+    return parse_error(parser, kNotEnoughMemory);
+}
+
 int store_big_integer(text_parser* parser, const text_integer* integer, void* value) {
     asn1_integer* big = static_cast<asn1_integer*>(value);
     if (!integer->is_long) {
-        if (asn1_integer_set_si64(big, integer->number) == 0) return 0;
-        return parse_error(parser, kNotEnoughMemory);
+        int result = asn1_integer_set_si64(big, integer->number);
+        return count_big_integer(parser, big, result);
     }
     const char* text = gather(parser, integer->digits, integer->digits + integer->length);
     if (!text) return -1;
-    return asn1_integer_from_str(big, &text) == 0 ? 0 : parse_error(parser, kNotEnoughMemory);
+    return count_big_integer(parser, big, asn1_integer_from_str(big, &text));
 }
 
 int store_integer32(text_parser* parser, const asn1_type_desc* type, void* value, int64_t number) {

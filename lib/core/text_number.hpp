@@ -19,6 +19,9 @@ struct text_integer {
 // Stores the number in `v`; -1 if 64 bits do not hold it.
 int text_integer_to_si64(const text_integer* integer, int64_t* v);
 
+// Counts the memory of a big INTEGER that was set with this result; -1 after an error.
+int count_big_integer(text_parser* parser, const asn1_integer* value, int result);
+
 // Sets a big INTEGER, which must be initialised, to the number.
 int store_big_integer(text_parser* parser, const text_integer* integer, void* value);
 

@@ -5,6 +5,7 @@
 
 #include "core/error.hpp"
 #include "core/failed_value.hpp"
+#include "core/object_identifier.hpp"
 
 namespace orlenta {
 
@@ -72,7 +73,7 @@ int store_item(text_parser* parser, void* value, int32_t index, const char* name
 // ---- values -----------------------------------------------------------------------------------------------
 
 uint8_t* new_block(text_parser* parser, uint64_t size) {
-    void* block = asn1_malloc(size);
+    void* block = allocate(&parser->memory, size);
     if (!block) parse_error(parser, kNotEnoughMemory);
     return static_cast<uint8_t*>(block);
 }
@@ -80,16 +81,31 @@ uint8_t* new_block(text_parser* parser, uint64_t size) {
 void* tagged_place(text_parser* parser, const asn1_type_desc* type, void* value) {
     if (!is_indirect(type)) return value;
     if (check_depth(parser) != 0) return nullptr;
-    void* inner = asn1_mallocz_value(tagged_inner(type));
+    void* inner = allocate_value(&parser->memory, tagged_inner(type));
     if (!inner) parse_error(parser, kNotEnoughMemory);
     store_pointer(value, inner);
     return inner;
 }
 
+int store_object_identifier(text_parser* parser, asn1_string* value, const char* text, uint64_t length,
+                            bool relative, const char* invalid) {
+    asn1_byte_buffer contents;
+    asn1_byte_buffer_init(&contents);
+    if (parse_object_identifier(&contents, text, length, relative) == 0)
+        return take_contents(parser, value, &contents);
+    asn1_free(contents.data);
+    return parse_error(parser, "%s", contents.failed ? kNotEnoughMemory : invalid);
+}
+
+int take_contents(text_parser* parser, asn1_string* value, asn1_byte_buffer* contents) {
+    *value = {contents->data, contents->length};
+    return count_bytes(&parser->memory, contents->capacity) ? 0 : parse_error(parser, kNotEnoughMemory);
+}
+
 int make_open_value(text_parser* parser, asn1_open_value* open, const asn1_type_desc* type) {
     if (check_depth(parser) != 0) return -1;
     open->type = type;
-    open->data = asn1_mallocz_value(type);
+    open->data = allocate_value(&parser->memory, type);
     return open->data ? 0 : parse_error(parser, kNotEnoughMemory);
 }
 
@@ -97,8 +113,9 @@ int make_open_value(text_parser* parser, asn1_open_value* open, const asn1_type_
 
 int open_sequence(text_parser* parser, text_sequence* sequence, const asn1_type_desc* type, void* record) {
     sequence->count = component_count(type);
-    sequence->seen = sequence->count <= kSeenInline ? sequence->seen_inline
-                                                    : static_cast<uint8_t*>(asn1_malloc(sequence->count));
+    sequence->seen = sequence->count <= kSeenInline
+                         ? sequence->seen_inline
+                         : static_cast<uint8_t*>(allocate(&parser->memory, sequence->count));
     if (!sequence->seen) return parse_error(parser, kNotEnoughMemory);
     memset(sequence->seen, 0, sequence->count);
     sequence->fields = components(type);
@@ -140,10 +157,11 @@ const asn1_field* claim_component(text_parser* parser, text_sequence* sequence, 
 
 // DEFAULT components that the text left out, then the rules of presence.
 static int complete_sequence(text_parser* parser, const text_sequence* sequence) {
-    int32_t count = static_cast<int32_t>(sequence->count);
-    if (asn1_sequence_set_default_fields(sequence->fields, count, sequence->record, sequence->seen) != 0) {
+    if (fill_defaults(&parser->memory, sequence->fields, sequence->count, sequence->record, sequence->seen) !=
+        0) {
         return parse_error(parser, kNotEnoughMemory);
     }
+    int32_t count = static_cast<int32_t>(sequence->count);
     asn1_error* error = &parser->error;
     if (asn1_sequence_check_fields(sequence->fields, count, sequence->seen, error->message,
                                    sizeof error->message) != 0) {
@@ -155,7 +173,7 @@ static int complete_sequence(text_parser* parser, const text_sequence* sequence)
 
 int close_sequence(text_parser* parser, text_sequence* sequence, int result) {
     if (result == 0) result = complete_sequence(parser, sequence);
-    if (sequence->seen != sequence->seen_inline) asn1_free(sequence->seen);
+    if (sequence->seen != sequence->seen_inline) release(&parser->memory, sequence->seen, sequence->count);
     parser->frames = sequence->frame.parent;
     return result;
 }
@@ -170,6 +188,11 @@ int end_item(text_parser* parser, char closing, bool* is_last) {
 
 // ---- beginning and end of a decode ------------------------------------------------------------------------
 
+// What is held besides the value and not counted: the text of a token or two, four bytes a character and half as much
+// again for growth, and what big integers and object identifiers hold until they are finished.
+constexpr uint64_t kWorkingBytes = 4096;
+constexpr uint64_t kWorkingBytesPerOctet = 16;
+
 void* begin_text_decode(text_parser* parser, uint32_t token, const asn1_type_desc* type, const uint8_t* data,
                         uint64_t length) {
     parser->cursor = data;
@@ -180,6 +203,7 @@ void* begin_text_decode(text_parser* parser, uint32_t token, const asn1_type_des
     parser->frames = nullptr;
     parser->stack = begin_stack();
     parser->memory = begin_decode_memory(length);
+    set_aside(&parser->memory, kWorkingBytes + kWorkingBytesPerOctet * length);
     asn1_error_init(&parser->error);
     void* value = asn1_mallocz_value(type);
     if (!value) parse_error(parser, kNotEnoughMemory);

@@ -105,6 +105,13 @@ int store_item(text_parser* parser, void* value, int32_t index, const char* name
 // A block for a value's `size` bytes, not cleared; null after an error.
 uint8_t* new_block(text_parser* parser, uint64_t size);
 
+// Makes a buffer's block that of the value.
+int take_contents(text_parser* parser, asn1_string* value, asn1_byte_buffer* contents);
+
+// Stores the contents octets of dotted text, which ends in a NUL; `invalid` is the report if it is no identifier.
+int store_object_identifier(text_parser* parser, asn1_string* value, const char* text, uint64_t length,
+                            bool relative, const char* invalid);
+
 // The place of a TAGGED type's inner value: in place, or a new record if it is held through a pointer. Null
 // after an error.
 void* tagged_place(text_parser* parser, const asn1_type_desc* type, void* value);

@@ -120,8 +120,7 @@ int decode_object_identifier(asn1_gser_parser* parser, const asn1_type_desc* typ
         asn1_free(contents.data);
         return -1;
     }
-    *static_cast<asn1_string*>(value) = {contents.data, contents.length};
-    return 0;
+    return take_contents(parser, static_cast<asn1_string*>(value), &contents);
 }
 
 }  // namespace orlenta::gser

@@ -60,15 +60,13 @@ int decode_real(asn1_jer_parser* parser, void* value) {
 
 int decode_object_identifier(asn1_jer_parser* parser, const asn1_type_desc* type, void* value) {
     bool relative = kind_of(type) == ASN1_KIND_RELATIVE_OID;
-    const char* word = relative ? "relative " : "";
     if (parser->token != JER_TOKEN_STRING) {
-        return parse_error(parser, "expecting %sobject identifier string", word);
+        return parse_error(parser, "expecting %sobject identifier string", relative ? "relative " : "");
     }
-    if (asn1_parse_object_identifier(static_cast<asn1_string*>(value), string_text(parser),
-                                     parser->contents.length, relative) != 0) {
-        return parse_error(parser, "invalid %sobject identifier", word);
-    }
-    return next_token(parser);
+    const char* invalid = relative ? "invalid relative object identifier" : "invalid object identifier";
+    int result = store_object_identifier(parser, static_cast<asn1_string*>(value), string_text(parser),
+                                         parser->contents.length, relative, invalid);
+    return result == 0 ? next_token(parser) : -1;
 }
 
 }  // namespace orlenta::jer

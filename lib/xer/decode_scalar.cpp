@@ -25,8 +25,8 @@ static int64_t read_decimal(const char** cursor) {
 }
 
 static int decode_big_integer(asn1_xer_parser* parser, const char** cursor, void* value) {
-    if (asn1_integer_from_str(static_cast<asn1_integer*>(value), cursor) == 0) return 0;
-    return parse_error(parser, kNotEnoughMemory);
+    asn1_integer* big = static_cast<asn1_integer*>(value);
+    return count_big_integer(parser, big, asn1_integer_from_str(big, cursor));
 }
 
 int decode_integer(asn1_xer_parser* parser, const asn1_type_desc* type, void* value) {
@@ -117,11 +117,9 @@ int decode_object_identifier(asn1_xer_parser* parser, const asn1_type_desc* type
     if (parser->token != XER_TOKEN_TEXT) {
         return parse_error(parser, "expecting %sobject identifier", relative ? "relative " : "");
     }
-    if (asn1_parse_object_identifier(static_cast<asn1_string*>(value), text_of(parser),
-                                     parser->contents.length, relative) != 0) {
-        return parse_error(parser, "invalid object identifier");
-    }
-    return next_token(parser);
+    int result = store_object_identifier(parser, static_cast<asn1_string*>(value), text_of(parser),
+                                         parser->contents.length, relative, "invalid object identifier");
+    return result == 0 ? next_token(parser) : -1;
 }
 
 }  // namespace orlenta::xer

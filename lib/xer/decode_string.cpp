@@ -5,11 +5,11 @@
 
 namespace orlenta::xer {
 
-// Gives back what the block has beyond `size` bytes. If that fails the block stays as it is, which is no
+// Gives back what the block of `old_size` bytes has beyond `size`. If that fails the block stays as it is, which is no
 // harm.
-static void* shrink(void* block, uint64_t size) {
-    void* shrunk = asn1_realloc(block, size);
-    return shrunk ? shrunk : block;
+static uint8_t* shrink(asn1_xer_parser* parser, uint8_t* block, uint64_t old_size, uint64_t size) {
+    void* shrunk = reallocate(&parser->memory, block, old_size, size);
+    return shrunk ? static_cast<uint8_t*>(shrunk) : block;
 }
 
 // A zero-filled block for a value of up to `size` bytes; null after an error.
@@ -45,7 +45,7 @@ int decode_bit_string(asn1_xer_parser* parser, void* value) {
     if (is_empty) return 0;
     if (read_bits(parser, bits) != 0) return -1;
     uint64_t used = (bits->length + 7) / 8;
-    if (used < bytes) bits->data = static_cast<uint8_t*>(shrink(bits->data, used));
+    if (used < bytes) bits->data = shrink(parser, bits->data, bytes, used);
     return next_token(parser);
 }
 
@@ -77,7 +77,7 @@ int asn1_xer_decode_octet_string(asn1_xer_parser* parser, asn1_string* value) {
     if (!value->data) return -1;
     if (is_empty) return 0;
     if (read_nibbles(parser, value) != 0) return -1;
-    if (value->length < bytes) value->data = static_cast<uint8_t*>(shrink(value->data, value->length));
+    if (value->length < bytes) value->data = shrink(parser, value->data, bytes, value->length);
     return next_token(parser);
 }
 
@@ -107,8 +107,8 @@ struct growing_string {
 static int reserve_units(asn1_xer_parser* parser, growing_string* string, uint64_t more) {
     if (more <= string->capacity - string->count) return 0;
     void* block = string->value->data;
-    if (__asn1_realloc_buf(&block, UINT64_C(1) << string->shift, &string->capacity, string->count + more,
-                           0) != 0) {
+    uint64_t unit = UINT64_C(1) << string->shift;
+    if (!grow_buffer(&parser->memory, &block, unit, &string->capacity, string->count + more)) {
         return parse_error(parser, kNotEnoughMemory);
     }
     string->value->data = static_cast<uint8_t*>(block);
@@ -168,7 +168,8 @@ int decode_char_string(asn1_xer_parser* parser, const asn1_type_desc* type, void
                              of == ASN1_STRING_UTF8};
     if (append_pieces(parser, &string) != 0) return -1;
     if (string.count < string.capacity) {
-        string.value->data = static_cast<uint8_t*>(shrink(string.value->data, string.count << string.shift));
+        string.value->data =
+            shrink(parser, string.value->data, string.capacity << string.shift, string.count << string.shift);
     }
     string.value->length = string.count;
     return 0;

@@ -28,8 +28,7 @@ const std::vector<MemoryRow>& rows() {
 
 // What was being allocated decides between two messages. An object identifier of the one arc 1, which damage can
 // make, has no text that reads back.
-const std::vector<MemoryRow> kIdentifiers = {
-    {kOid, "\"1.2.840.113549\"", false, "invalid object identifier"}};
+const std::vector<MemoryRow> kIdentifiers = {{kOid, "\"1.2.840.113549\""}};
 
 TEST(JerMemory, Decode) {
     expect_failed_decodes_reported(kJer, rows());
