@@ -3,7 +3,8 @@
 #include <orlenta/memory.h>
 #include <stdlib.h>
 
-#include <unordered_set>
+#include <algorithm>
+#include <unordered_map>
 
 namespace {
 
@@ -14,10 +15,20 @@ struct allocator_state {
 };
 
 allocator_state state;
+size_t bytes = 0, peak = 0;
 
-std::unordered_set<void*>& live() {
-    static std::unordered_set<void*> blocks;
+// The live blocks and their sizes.
+std::unordered_map<void*, size_t>& live() {
+    static std::unordered_map<void*, size_t> blocks;
     return blocks;
+}
+
+bool forget(void* block) {
+    auto found = live().find(block);
+    if (found == live().end()) return false;
+    bytes -= found->second;
+    live().erase(found);
+    return true;
 }
 
 void plan(uint64_t first_failure, uint64_t last_failure) {
@@ -39,16 +50,19 @@ void* asn1_realloc(void* ptr, size_t size) {
     // A block that is not alive was freed before, or came from elsewhere.
     if (ptr != nullptr && !live().contains(ptr)) abort();
     if (fails()) return nullptr;
-    if (ptr != nullptr) live().erase(ptr);
-    void* block = realloc(ptr, size != 0 ? size : 1);
+    if (ptr != nullptr) forget(ptr);
+    if (size == 0) size = 1;
+    void* block = realloc(ptr, size);
     if (block == nullptr) abort();
-    live().insert(block);
+    live()[block] = size;
+    bytes += size;
+    peak = std::max(peak, bytes);
     return block;
 }
 
 void asn1_free(void* ptr) {
     if (ptr == nullptr) return;
-    if (live().erase(ptr) == 0) abort();
+    if (!forget(ptr)) abort();
     free(ptr);
 }
 
@@ -60,10 +74,14 @@ void allocator_fails_from(uint64_t call) { plan(call, UINT64_MAX); }
 uint64_t allocator_calls() { return state.calls; }
 bool allocator_has_failed() { return state.has_failed; }
 size_t live_blocks() { return live().size(); }
+size_t live_bytes() { return bytes; }
+void restart_peak() { peak = bytes; }
+size_t peak_bytes() { return peak; }
 
 void free_live_blocks() {
-    for (void* block : live()) free(block);
+    for (const auto& block : live()) free(block.first);
     live().clear();
+    bytes = 0;
 }
 
 }  // namespace orlenta::test

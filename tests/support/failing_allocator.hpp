@@ -16,8 +16,13 @@ void allocator_fails_from(uint64_t call);
 uint64_t allocator_calls();
 bool allocator_has_failed();
 
-// Blocks handed out and not freed yet.
+// Blocks handed out and not freed yet, and their bytes as asked for, none counting as one.
 size_t live_blocks();
+size_t live_bytes();
+
+// The most bytes that were alive at once since the peak was restarted.
+void restart_peak();
+size_t peak_bytes();
 
 // Frees them all: for what a function is to leave behind, so that a leak checker stays quiet.
 void free_live_blocks();
