@@ -1,9 +1,14 @@
+// The order of two values. It can't be refused: where the stack runs low, the levels of the walk wait in a list.
+#include <orlenta/memory.h>
 #include <orlenta/value.h>
 #include <stdlib.h>
 
 #include "core/descriptor.hpp"
+#include "core/stack.hpp"
 
 using namespace orlenta;
+
+// ---- values without others in them ------------------------------------------------------------------------
 
 template <typename T>
 static int order(T a, T b) {
@@ -17,32 +22,6 @@ static int compare_bytes(const void* a, const void* b, uint64_t size) {
 // The low halves of two lengths or counts.
 static int order_low32(uint64_t a, uint64_t b) {
     return order(static_cast<uint32_t>(a), static_cast<uint32_t>(b));
-}
-
-static int compare_components(const asn1_type_desc* desc, const void* a, const void* b) {
-    const asn1_field* field = components(desc);
-    for (const asn1_field* end = field + component_count(desc); field < end; ++field) {
-        if (is_presence_flagged(field)) {
-            int32_t in_a = static_cast<int32_t>(presence_word(field, a));
-            int32_t in_b = static_cast<int32_t>(presence_word(field, b));
-            if (in_a != in_b) return order(in_a, in_b);
-            if (in_a == 0) continue;
-        }
-        int result = asn1_cmp_value(field_type(field), field_value(field, a), field_value(field, b));
-        if (result != 0) return result;
-    }
-    return 0;
-}
-
-static int compare_lists(const asn1_type_desc* desc, const asn1_array* a, const asn1_array* b) {
-    if (int result = order_low32(a->count, b->count); result != 0) return result;
-    list_layout list = list_of(desc);
-    for (uint64_t i = 0, n = static_cast<uint32_t>(a->count); i < n; ++i) {
-        int result = asn1_cmp_value(list.element, at_offset(a->data, i * list.stride),
-                                    at_offset(b->data, i * list.stride));
-        if (result != 0) return result;
-    }
-    return 0;
 }
 
 static int compare_integers(const asn1_type_desc* desc, const void* a, const void* b) {
@@ -85,6 +64,153 @@ static int compare_reals(const void* a, const void* b) {
     return asn1_cmp_real(x, y);
 }
 
+// ---- SEQUENCE, SET and their lists ------------------------------------------------------------------------
+
+namespace {
+
+// What is left to compare of two SEQUENCEs or SETs, or, if `field` is null, of two lists.
+struct pair_level {
+    const void* a;
+    const void* b;
+    const asn1_field* field;
+    const asn1_field* end;
+    const asn1_type_desc* element;
+    uint64_t stride, count;
+};
+
+struct compare_walk {
+    stack_guard stack;
+    pair_level* waiting;
+    uint64_t count, capacity;
+    bool is_waiting;     // the list is being worked off
+    bool has_no_memory;  // for the list
+};
+
+}  // namespace
+
+static int compare_values(compare_walk* walk, const asn1_type_desc* desc, const void* a, const void* b);
+
+// The order of the presence of a component; `is_there` if it is there in both records.
+static int compare_presence(const asn1_field* field, const void* a, const void* b, bool* is_there) {
+    *is_there = true;
+    if (!is_presence_flagged(field)) return 0;
+    int32_t in_a = static_cast<int32_t>(presence_word(field, a));
+    int32_t in_b = static_cast<int32_t>(presence_word(field, b));
+    if (in_a != in_b) return order(in_a, in_b);
+    *is_there = in_a != 0;
+    return 0;
+}
+
+// ---- without recursion ------------------------------------------------------------------------------------
+
+static bool add_waiting(compare_walk* walk, const pair_level& level) {
+    void* list = walk->waiting;
+    if (walk->count == walk->capacity &&
+        __asn1_realloc_buf(&list, sizeof level, &walk->capacity, walk->count + 1, 0) != 0) {
+        return false;
+    }
+    walk->waiting = static_cast<pair_level*>(list);
+    walk->waiting[walk->count++] = level;
+    return true;
+}
+
+// Compares the next pair of records of the level at the list's end, or takes the level off if there is none.
+static int compare_next_pair(compare_walk* walk) {
+    pair_level* level = &walk->waiting[walk->count - 1];
+    const void *a = level->a, *b = level->b;
+    if (level->field < level->end) {
+        const asn1_field* field = level->field++;
+        bool is_there;
+        int result = compare_presence(field, a, b, &is_there);
+        if (result != 0 || !is_there) return result;
+        return compare_values(walk, field_type(field), field_value(field, a), field_value(field, b));
+    }
+    if (level->count > 0) {
+        --level->count;
+        level->a = at_offset(a, level->stride);
+        level->b = at_offset(b, level->stride);
+        return compare_values(walk, level->element, a, b);
+    }
+    --walk->count;
+    return 0;
+}
+
+// What a pair adds to the list's end comes before the pair's next neighbour, so that the first difference decides,
+// as in recursion.
+static int compare_waiting(compare_walk* walk) {
+    int result = 0;
+    walk->is_waiting = true;
+    while (walk->count > 0 && result == 0) result = compare_next_pair(walk);
+    asn1_free(walk->waiting);
+    walk->waiting = nullptr;
+    walk->count = walk->capacity = 0;
+    walk->is_waiting = false;
+    return result;
+}
+
+// Takes over a level where the stack runs low; `result` is then the order as far as it is known. False if there is no
+// memory for the list: the caller goes on by recursion, which may still do.
+__attribute__((noinline)) static bool compare_without_stack(compare_walk* walk, const pair_level& level,
+                                                            int* result) {
+    if (walk->has_no_memory || !add_waiting(walk, level)) {
+        walk->has_no_memory = true;  // from here on: within a recursion nothing may be put off
+        return false;
+    }
+    *result = walk->is_waiting ? 0 : compare_waiting(walk);
+    return true;
+}
+
+__attribute__((noinline)) static bool compare_components_without_stack(compare_walk* walk,
+                                                                       const asn1_type_desc* desc,
+                                                                       const void* a, const void* b,
+                                                                       int* result) {
+    const asn1_field* fields = components(desc);
+    return compare_without_stack(walk, {a, b, fields, fields + component_count(desc), nullptr, 0, 0}, result);
+}
+
+__attribute__((noinline)) static bool compare_lists_without_stack(compare_walk* walk,
+                                                                  const asn1_type_desc* desc,
+                                                                  const asn1_array* a, const asn1_array* b,
+                                                                  int* result) {
+    list_layout list = list_of(desc);
+    uint64_t count = static_cast<uint32_t>(a->count);
+    return compare_without_stack(walk, {a->data, b->data, nullptr, nullptr, list.element, list.stride, count},
+                                 result);
+}
+
+// ---- the walk ---------------------------------------------------------------------------------------------
+
+__attribute__((noinline)) static int compare_components(compare_walk* walk, const asn1_type_desc* desc,
+                                                        const void* a, const void* b) {
+    int result;
+    if (!has_stack(&walk->stack) && compare_components_without_stack(walk, desc, a, b, &result))
+        return result;
+    const asn1_field* field = components(desc);
+    for (const asn1_field* end = field + component_count(desc); field < end; ++field) {
+        bool is_there;
+        result = compare_presence(field, a, b, &is_there);
+        if (result != 0) return result;
+        if (!is_there) continue;
+        result = compare_values(walk, field_type(field), field_value(field, a), field_value(field, b));
+        if (result != 0) return result;
+    }
+    return 0;
+}
+
+__attribute__((noinline)) static int compare_lists(compare_walk* walk, const asn1_type_desc* desc,
+                                                   const asn1_array* a, const asn1_array* b) {
+    int result = order_low32(a->count, b->count);
+    if (result != 0) return result;
+    if (!has_stack(&walk->stack) && compare_lists_without_stack(walk, desc, a, b, &result)) return result;
+    list_layout list = list_of(desc);
+    for (uint64_t i = 0, n = static_cast<uint32_t>(a->count); i < n; ++i) {
+        result = compare_values(walk, list.element, at_offset(a->data, i * list.stride),
+                                at_offset(b->data, i * list.stride));
+        if (result != 0) return result;
+    }
+    return 0;
+}
+
 // Steps from two CHOICE values to the alternative of both; false if there is nothing to step to, and then `result`
 // is the order.
 static bool enter_alternatives(const asn1_type_desc*& desc, const void*& a, const void*& b, int& result) {
@@ -123,17 +249,17 @@ static void enter_tagged(const asn1_type_desc*& desc, const void*& a, const void
     desc = tagged_inner(desc);
 }
 
-int asn1_cmp_value(const asn1_type_desc* desc, const void* a, const void* b) {
+static int compare_values(compare_walk* walk, const asn1_type_desc* desc, const void* a, const void* b) {
     int result;
     for (;;) {
         if (a == nullptr || b == nullptr)
             return order(a != nullptr, b != nullptr);  // a copy that lacked memory
         switch (kind_of(desc)) {
             case ASN1_KIND_SEQUENCE:
-            case ASN1_KIND_SET: return compare_components(desc, a, b);
+            case ASN1_KIND_SET: return compare_components(walk, desc, a, b);
             case ASN1_KIND_SEQUENCE_OF:
             case ASN1_KIND_SET_OF:
-                return compare_lists(desc, static_cast<const asn1_array*>(a),
+                return compare_lists(walk, desc, static_cast<const asn1_array*>(a),
                                      static_cast<const asn1_array*>(b));
             case ASN1_KIND_CHOICE:
                 if (!enter_alternatives(desc, a, b, result)) return result;
@@ -161,6 +287,11 @@ int asn1_cmp_value(const asn1_type_desc* desc, const void* a, const void* b) {
             default: abort();
         }
     }
+}
+
+int asn1_cmp_value(const asn1_type_desc* desc, const void* a, const void* b) {
+    compare_walk walk = {begin_stack(), nullptr, 0, 0, false, false};
+    return compare_values(&walk, desc, a, b);
 }
 
 // Unsigned keys that sort as the numbers do (IEEE 754): below zero all bits turned over, above it the top bit set.
