@@ -4,7 +4,10 @@
 #include <string.h>
 
 #include <boost/multiprecision/cpp_int.hpp>
+#include <ctime>
+#include <iterator>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -227,10 +230,51 @@ TEST(BigInteger, FromText) {
     number minus{"-"};
     EXPECT_EQ(minus.size, 0u);
     EXPECT_EQ(minus.negative, 1);
-    for (size_t digits : {9, 10, 18, 500}) {
-        std::string text = "-1";
-        for (size_t i = 1; i < digits; ++i) text += static_cast<char>('0' + i * 7 % 10);
-        EXPECT_EQ(text_of(number{text}), text);
+}
+
+// All lengths at which the way of conversion changes, with digits that carry far in either base.
+TEST(BigInteger, TextOfAnyLengthAgreesWithBoost) {
+    std::mt19937 random(2);
+    std::vector<size_t> sizes(70);
+    std::iota(sizes.begin(), sizes.end(), 1);
+    for (size_t size : {95, 96, 97, 128, 129, 257, 640, 1025}) sizes.push_back(size);
+    auto expect_both_ways = [](const cpp_int& value) {
+        std::string text = value.str();
+        std::vector<uint32_t> limbs;
+        export_bits(value, std::back_inserter(limbs), 32, false);
+        EXPECT_EQ(text_of(number{limbs}), text) << limbs.size() << " limbs";
+        EXPECT_EQ(limbs_of(number{text}), limbs) << text.size() << " digits";
+    };
+    for (size_t size : sizes) {
+        cpp_int drawn = 1;
+        for (size_t i = 1; i < size; ++i) drawn = drawn << 32 | random();
+        cpp_int power = cpp_int(1) << 32 * size;
+        cpp_int decimal = pow(cpp_int(10), static_cast<unsigned>(9 * size));
+        for (const cpp_int& value : {drawn, power, cpp_int(power - 1), decimal, cpp_int(decimal - 1)}) {
+            expect_both_ways(value);
+        }
+    }
+}
+
+uint64_t remainder_of(const std::string& text, uint64_t divisor) {
+    uint64_t remainder = 0;
+    for (char digit : text) remainder = (remainder * 10 + static_cast<uint64_t>(digit - '0')) % divisor;
+    return remainder;
+}
+
+// 200 KiB of a number, in far less than the square of its digits would take.
+TEST(BigInteger, TextOfALongNumberTakesLittleTime) {
+    std::mt19937 random(3);
+    std::vector<uint32_t> limbs(51200);
+    for (uint32_t& limb : limbs) limb = random() | 1;
+    std::clock_t start = std::clock();
+    std::string text = text_of(number{limbs});
+    EXPECT_EQ(limbs_of(number{text}), limbs);
+    EXPECT_LT(std::clock() - start, 4 * CLOCKS_PER_SEC);
+    number rest{limbs};
+    for (uint32_t divisor : {4294967291u, 2147483647u}) {
+        asn1_integer_set(&rest, &static_cast<const asn1_integer&>(number{limbs}));
+        EXPECT_EQ(asn1_integer_div_ui(&rest, divisor), remainder_of(text, divisor));
     }
 }
 
@@ -264,19 +308,23 @@ TEST(BigInteger, WithoutMemory) {
         bool failed = asn1_integer_get_bit_size_2comp(&bits, &large) != 0;
         EXPECT_EQ(failed, allocator_has_failed());
     });
-    for_each_failed_allocation([&] {
-        char* block = nullptr;
-        bool failed = asn1_integer_to_str(&large, &block, nullptr) == nullptr;
-        EXPECT_EQ(failed, allocator_has_failed());
-        EXPECT_EQ(block == nullptr, failed);
-        asn1_free(block);
-    });
-    for_each_failed_allocation([&] {
-        number a;
-        const char* cursor = "123456789012345678901234567890";
-        bool failed = asn1_integer_from_str(&a, &cursor) != 0;
-        EXPECT_EQ(failed, allocator_has_failed());
-    });
+    for (size_t digits : {18, 30, 600}) {
+        const std::string text(digits, '7');
+        const number written{text};
+        for_each_failed_allocation([&] {
+            char* block = nullptr;
+            bool failed = asn1_integer_to_str(&written, &block, nullptr) == nullptr;
+            EXPECT_EQ(failed, allocator_has_failed());
+            EXPECT_EQ(block == nullptr, failed);
+            asn1_free(block);
+        });
+        for_each_failed_allocation([&] {
+            number a;
+            const char* cursor = text.c_str();
+            bool failed = asn1_integer_from_str(&a, &cursor) != 0;
+            EXPECT_EQ(failed, allocator_has_failed());
+        });
+    }
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ TEST(GserDecode, Numbers) {
         {kReal, "-15E-1", "-1.500000000000000000E00"},
         {kReal, "1.E+1", "1.000000000000000000E01"},
         {kReal, "1E", "1.000000000000000000E00"},
+        {kReal, "1E+", "1.000000000000000000E00"},
         {kReal, "9223372036854775807", "9.223372036854775808E18"},
         {kReal, "1E150", "9.999999999999999808E149"},
         {kReal, "1E999", "PLUS-INFINITY"},
@@ -75,6 +76,7 @@ TEST(GserDecode, Composites) {
     expect_printed<kGser>({
         {kBoolean, " \t\v\f\r\nFALSE", "FALSE"},
         {kNull, "NULL NULL", "NULL"},
+        {kNull, "NULL -- the end", "NULL"},
         {kEnum, "a"},
         {kEnum, "d"},
         {kAb, "{b TRUE,a 1}", ab},

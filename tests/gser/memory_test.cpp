@@ -28,6 +28,13 @@ const std::vector<MemoryRow>& rows() {
 }
 
 TEST(GserMemory, Decode) { expect_failed_decodes_reported(kGser, rows()); }
+TEST(GserMemory, UnreadDigits) {
+    expect_unread_digits(kGser, {{kAb, "", "expecting '{'"},
+                                 {kUint32, "-", "integer too large"},
+                                 {kReal, "", "expecting real number"},
+                                 {kOid, "", "object identifier: integer too large"},
+                                 {kNull, "NULL ", ""}});
+}
 TEST(GserMemory, Encode) { expect_failed_encodes_reported(kGser, rows()); }
 TEST(GserMemory, DamagedTexts) { expect_damage_survived(kGser, rows()); }
 

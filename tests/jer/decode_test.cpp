@@ -17,11 +17,14 @@ TEST(JerDecode, Numbers) {
         {kUintExt, "-1"},
         {kBig, "-999999999999999999"},
         {kBig, "-9223372036854775809"},
+        {kBig, "-0000000000000000000", "0"},
         {kBig, "123456789012345678901234567890123456789012345678901234567890"},
         {kReal, "1.5", "1.000000000000000000e00"},  // the integer 1; what follows is not looked at
         {kReal, "15E-1", "1.500000000000000000e00"},
         {kReal, "1.e+1", "1.000000000000000000e01"},
+        {kReal, "1e", "1.000000000000000000e00"},
         {kReal, "1e+", "1.000000000000000000e00"},
+        {kReal, "2E-,", "2.000000000000000000e00"},
         {kReal, "-9223372036854775808", "-9.223372036854775808e18"},
         {kReal, "1e999", "\"INF\""},
         {kReal, "0"},
@@ -46,6 +49,10 @@ TEST(JerDecode, Strings) {
         {kBmp, "\"\U0001F600\"", "\"\uF600\""},
         {kUniversal, R"("\ud83d\uDE00")", "\"\U0001F600\""},
         {kUniversal, R"("\ud83dx\ude00")", "\"\xED\xA0\xBDx\xED\xB8\x80\""},
+        {kUniversal, R"("\ud800\udc00\udbff\udfff")", "\"\U00010000\U0010FFFF\""},
+        {kUniversal, R"("\ud7ff\udc00\ue000")", "\"\uD7FF\xED\xB0\x80\uE000\""},
+        {kBmp, "\"ab\""},
+        {kUniversal, "\"ab\""},
         {kUtf8, R"("\ud83d\ude00é")", "\"\U0001F600é\""},
         {kUtf8, "\"\xC3\xC0\"", "\"\u00c0\""},  // one stray value is let in, and comes out well formed
         {kGraphic, "\"c0FFee\"", "\"c0ffee\""},
@@ -127,6 +134,9 @@ TEST(JerDecode, RefusedTokens) {
         {kIa5, R"("\u12)", "invalid escape code"},
         {kIa5, R"("\ud83d\u00)", "invalid escape code"},
         {kIa5, R"("\ud83d\u0041")", "invalid surrogate pair"},
+        {kIa5, R"("\ud800\udbff")", "invalid surrogate pair"},
+        {kIa5, R"("\udbff\ue000")", "invalid surrogate pair"},
+        {kIa5, "\r\n\r\n\r\"\x80\"", "invalid UTF-8 code", 3},  // CR LF is one line's end, and CR none
         {kIa5, "\"\xE2\x82", "invalid UTF-8 code"},
         {kIa5, "\n\"a\n\x80\"", "invalid UTF-8 code", 2},  // lines inside a string do not count
     });
@@ -147,6 +157,8 @@ TEST(JerDecode, RefusedScalars) {
         {kUint32, "4294967296\n\nx", "integer too large", 3},  // seen behind the next token
         {kUint32, "9223372036854775808\n\nx", "integer too large"},
         {kReal, "9223372036854775808", "expecting real number"},
+        {kReal, "-009223372036854775809", "expecting real number"},
+        {kReal, "18446744073709551617", "expecting real number"},
         {kReal, "\"inf\"", "expecting real number"},
         {kReal, "\"INF\\u0000\"", "expecting real number"},
         {kReal, "null", "expecting real number"},
@@ -176,6 +188,7 @@ TEST(JerDecode, RefusedStrings) {
         {kBits12, "\"abc\"", "invalid string length"},
         {kBits12, "\"abc000\"", "invalid string length"},
         {kBits12, "\"abc1\"", "trailing bits must be zero"},
+        {kBits12, "\"abc8\"", "trailing bits must be zero"},
         {kBits12, "\"ab\u00e9\"", "invalid hex digit"},
         {kBits, "{}", "expecting property name"},
         {kBits, R"({"length":1,})", "expecting property name"},

@@ -34,6 +34,13 @@ TEST(JerMemory, Decode) {
     expect_failed_decodes_reported(kJer, rows());
     expect_failed_decodes_reported(kJer, kIdentifiers);
 }
+TEST(JerMemory, UnreadDigits) {
+    expect_unread_digits(kJer, {{kAb, "", "expecting '{'"},
+                                {kInts, "-", "expecting '['"},
+                                {kInt32, "", "integer too large"},
+                                {kReal, "-", "expecting real number"},
+                                {kNull, "null ", ""}});
+}
 TEST(JerMemory, Encode) {
     expect_failed_encodes_reported(kJer, rows());
     expect_failed_encodes_reported(kJer, kIdentifiers);

@@ -33,6 +33,17 @@ inline void expect_failed_decodes_reported(const TextCodec& codec, const std::ve
     }
 }
 
+// A long run of digits where no such number belongs: what is wrong is told, and no memory beyond the record is taken
+// to find it out.
+inline void expect_unread_digits(const TextCodec& codec, const std::vector<Refused>& rows) {
+    for (const Refused& row : rows) {
+        allocator_fails_from(2);
+        decoded result = decode_text(codec, row.type, row.text + std::string(100000, '7'));
+        allocator_never_fails();
+        EXPECT_EQ(result.error.message, row.message);
+    }
+}
+
 inline void expect_failed_encodes_reported(const TextCodec& codec, const std::vector<MemoryRow>& rows) {
     for (const MemoryRow& row : rows) {
         SCOPED_TRACE(row.content);

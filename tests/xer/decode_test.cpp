@@ -59,6 +59,11 @@ TEST(XerDecode, Strings) {
         {kIa5, "&#" + std::string(124, '0') + "65;", "A"},
         {kIa5, "a\r\nb\rc\n&#13;", "a&#10;b&#10;c&#10;&#13;"},
         {kIa5, "a<bel/>b<nul> </nul><is1/>", "a&#7;b&#0;&#31;"},
+        {kIa5,
+         "<nul/><soh/><stx/><etx/><eot/><enq/><ack/><bel/><bs/><vt/><ff/><so/><si/><dle/><dc1/><dc2/><dc3/>"
+         "<dc4/><nak/><syn/><etb/><can/><em/><sub/><esc/><is4/><is3/><is2/><is1/>",
+         "&#0;&#1;&#2;&#3;&#4;&#5;&#6;&#7;&#8;&#11;&#12;&#14;&#15;&#16;&#17;&#18;&#19;&#20;&#21;&#22;&#23;"
+         "&#24;&#25;&#26;&#27;&#28;&#29;&#30;&#31;"},
         {kIa5, "ab<!-- x -->cd<?pi?>e<![CDATA[f>g]]>", "abcdeg]]&#62;"},
         {kIa5, "\u20ac", "\u00ac"},  // a unit keeps the low bits
         {kBmp, "\u20ac\U0001F600x", "\u20ac\uF600x"},
@@ -207,6 +212,7 @@ TEST(XerDecode, RefusedContents) {
         {kEnum, "<z/>", "enumerated 'z' not found"},
         {kEnum, "300 ", "enumerated '300 ' not found"},
         {kEnum, "301", "enumerated '301' not found"},
+        {kEnum, "300&#0;", "enumerated '300' not found"},
         {kEnum, "4294967295", "enumerated '4294967295' not found"},
         {kEnum, "<a>1</a>", "unexpected XML content"},
         {kReal, "", "expecting real number"},

@@ -107,6 +107,12 @@ TEST(XerEncode, Hook) {
     EXPECT_EQ(print_xer(kT, value.get(), {0, 1, 0, 0, &data, hook, 7}), "<T>\n</T>");
     EXPECT_EQ(data.calls, (std::vector<HookCall>{{kT, 8}}));
 
+    // a line feed comes before the hook's text also where no start tag is open
+    value_pointer list = value_of(kXer, kChoices, "<n/><n/>");
+    data = {kExplicitChoice, "!"};
+    EXPECT_EQ(print_xer(kChoices, list.get(), {0, 1, 0, 0, &data, hook, 0}),
+              "<SEQUENCE_OF>\n!\n!</SEQUENCE_OF>");
+
     value_pointer tagged = value_of(kXer, kExplicitChoice, "<n/>");
     data = {kChoice, "!"};
     EXPECT_EQ(print_xer(kExplicitChoice, tagged.get(), {0, 1, 0, 0, &data, hook, 0}), "<CHOICE>\n!</CHOICE>");
