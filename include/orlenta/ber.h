@@ -2,6 +2,10 @@
  *
  * The decoder takes every form of BER, so DER as well. Constraints are not looked at: asn1_check_constraints() is a
  * separate call. All functions may run in any number of threads at once, on distinct values and buffers.
+ *
+ * A type that the tables hold under the tag which it has as a component stands under that tag on its own as well: 1,828
+ * of the 3,101 named types of the shipped sets begin with a context tag, not with that of their kind, when they are
+ * encoded alone, and are decoded alone only from there. UTF8String octets are passed as they are, both ways.
  */
 #ifndef ORLENTA_BER_H
 #define ORLENTA_BER_H
@@ -18,7 +22,9 @@ extern "C" {
 
 /* Decodes the value of `type` at the start of `data`, which holds `length` bytes. Returns the bytes consumed, with
  * the new value in `*out`, to be released by asn1_free_value(); or -1 with `*out` null and, if `error` is not null,
- * the message and the bit position where reading stopped. Bytes behind the value are no error.
+ * the message and the bit position where reading stopped. Bytes behind the value are no error. The most frequent
+ * failure, a length beyond what is left, has no message of its own, nor has the length octet 0xFF: the text is empty
+ * then, or tells of the end of an earlier part that had passed.
  *
  * Looser than X.690: an INTEGER of no octets is 0, lengths and long-form tags need not be minimal, stray bits behind
  * a BIT STRING are cleared, the optional components between two mandatory ones may come in any order, unknown

@@ -3,9 +3,11 @@
  * Codecs do not enforce constraints by themselves to this degree: an application runs the check on a value
  * before it encodes it, or after it decoded it. Tested are size bounds, integer ranges, CHOICE selectors,
  * permitted alphabets and UTF-8 form. An extension marker switches a range or size test off, but never an
- * alphabet. Not looked at are open types, the contents of CONTAINING strings, and whether a mandatory
- * component is there, which memory cannot tell; an ENUMERATED index is tested only roughly, and one past the
- * last item passes.
+ * alphabet. A set of values or sizes counts by its ends: INTEGER (1|5|9) takes 3. EXCEPT, PATTERN, WITH
+ * COMPONENTS and the ranges of a REAL are not in the tables, and so not tested. Not looked at are open types,
+ * but for whether a value is there, the contents of CONTAINING strings, and whether a mandatory component is
+ * there, which memory cannot tell; an ENUMERATED index is tested only roughly, and one past the last item
+ * passes, though most encoders refuse it.
  */
 #ifndef ORLENTA_CHECK_H
 #define ORLENTA_CHECK_H

@@ -17,6 +17,8 @@
  * Tags leave no trace. Contained types (CONTAINING) stay digits.
  *
  * Neither direction checks constraints; asn1_check_constraints (check.h) does.
+ * UTF8String octets are printed as they are: the text is UTF-8 only if they are, which the checker tells. The decoder
+ * refuses a string that is not UTF-8.
  *
  * Locale: real numbers are read by strtod and printed by snprintf, which take the decimal point from the thread's
  * locale. A host must keep a locale in which it is the full stop, such as "C", or numbers with a fraction go wrong.

@@ -5,8 +5,10 @@
  *
  * Where these codecs differ from X.696: the tag of a CHOICE alternative has 5 bits of number and more octets from
  * number 31 on, as in BER; an untagged CHOICE inside a CHOICE is preceded by the tag of its first alternative; a REAL
- * always has the contents octets of BER behind a length; and the octets of an open type that its value does not
- * consume are not passed over.
+ * always has the contents octets of BER behind a length; an INTEGER with a lower bound of -2^63 or one above has a
+ * length in front, not 8 octets; a character string whose two size bounds are equal has no length even if it is
+ * extensible, so that one of another size is not read back; and the octets of an open type that its value does not
+ * consume are not passed over. UTF8String octets are passed as they are, both ways.
  */
 #ifndef ORLENTA_OER_H
 #define ORLENTA_OER_H

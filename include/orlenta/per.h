@@ -6,10 +6,19 @@
  *
  * Errors: where a function takes an `error`, it may be null. The record is written on failure only: `message`, the
  * component path, and `bit_position`, counted from the start of the encoding or, inside an open type or extension
- * addition, from the start of that open type. A failure without a text of its own leaves `message` empty.
+ * addition, from the start of that open type. A failure without a text of its own leaves `message` empty, as an item
+ * index or a character that the type does not have.
+ *
+ * A character outside the permitted alphabet makes encoding fail only where characters are sent as positions in the
+ * alphabet. Where they go as themselves, as in an IA5String, its surplus bits fall into those in front of it: what
+ * is decoded then differs there too. Check before encoding. UTF8String octets are passed as they are, both ways.
+ *
+ * An ENUMERATED goes by its items' positions in the schema. Where the items of a type do not ascend, as in
+ * US.GenericLocations and US.IncidentResponseEquipment, X.691 clause 14.1 sorts them first, and a peer that does so
+ * reads other items.
  *
  * What stands behind an extension marker and is unknown to the descriptor is skipped in decoding and is not kept,
- * apart from the index of an unknown alternative or item.
+ * apart from the index of an unknown alternative or item. These rules can't encode such a value again.
  */
 #ifndef ORLENTA_PER_H
 #define ORLENTA_PER_H

@@ -20,6 +20,11 @@
  * Tags leave no trace. Contained types (CONTAINING) stay digits.
  *
  * Neither direction checks constraints; asn1_check_constraints (check.h) does.
+ * UTF8String octets are printed as they are: the text is UTF-8 only if they are, which the checker tells. The decoder
+ * takes a UTF8String as it is.
+ *
+ * A control character other than tab, line feed and carriage return is printed as a reference, &#1;, which XML 1.0 does
+ * not know: an XML parser refuses such a text, and this decoder reads it.
  *
  * Locale: real numbers are read by strtod and printed by snprintf, which take the decimal point from the thread's
  * locale. A host must keep a locale in which it is the full stop, such as "C", or numbers with a fraction go wrong.

@@ -16,7 +16,8 @@ static int encode_boolean(asn1_per_encoder* encoder, const void* value) {
     return 0;
 }
 
-// The index is what goes out; the schema's numbers play no part (X.691 clause 14.1).
+// The position in the schema's list is what goes out. X.691 clause 14.1 would sort the items by number first, which
+// gives the same but where they do not ascend.
 static int encode_enumerated(asn1_per_encoder* encoder, const asn1_type_desc* type, uint32_t index) {
     enum_layout items = enum_of(type);
     if (index >= items.total) return -1;
