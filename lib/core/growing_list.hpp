@@ -26,12 +26,25 @@ inline growing_list begin_list(decode_memory* memory, asn1_array* list, uint64_t
     return {list, memory, stride, 0, kUnclaimed};
 }
 
-// The encoding announces `count` elements, or as many more. The list has a block from here on, and one of exactly the
-// claimed size when all elements have been added. False without memory.
-bool claim_elements(growing_list* growing, uint64_t count);
-
 // Room for one more element, or false.
 bool grow_list(growing_list* growing);
+
+// A first block for a claim that may be too large to be trusted.
+bool start_list(growing_list* growing);
+
+// The encoding announces `count` elements, or as many more. The list has a block from here on, and one of exactly the
+// claimed size when all elements have been added. False without memory.
+inline bool claim_elements(growing_list* growing, uint32_t count) {
+    asn1_array* list = growing->list;
+    growing->claimed = list->count + count;
+    if (list->data) return true;
+    if (growing->stride - 1 >= kTrustedListBytes || count * growing->stride > kTrustedListBytes) {
+        return start_list(growing);
+    }
+    list->data = allocate_zeroed(growing->memory, count * growing->stride);
+    growing->capacity = count;
+    return list->data != nullptr;
+}
 
 // A zero-filled element at the list's end, already counted; null if memory was not to be had.
 inline void* add_element(growing_list* growing) {

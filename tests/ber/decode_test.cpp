@@ -252,6 +252,7 @@ TEST(BerDecode, SurvivesFailingAllocations) {
             decoded result = decode(asn1_ber_decode, f.type, input);
             if (result.consumed < 0) {
                 EXPECT_TRUE(allocator_has_failed());
+                EXPECT_STREQ(result.error.message, "not enough memory");
                 return;
             }
             std::string digits = encode(asn1_der_encode, f.type, result.value.get());

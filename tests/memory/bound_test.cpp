@@ -24,8 +24,7 @@ octets operator+(octets a, const octets& b) {
     return a;
 }
 
-constexpr char kNoMemory[] = "not enough memory", kPerEnd[] = "reading after end of stream",
-               kOerEnd[] = "unexpected end of stream";
+constexpr char kNoMemory[] = "not enough memory", kPerEnd[] = "reading after end of stream";
 
 // ---- elements that cost nothing ---------------------------------------------------------------------------
 
@@ -109,6 +108,21 @@ TEST(MemoryBound, IsExact) {
         Held held = decode_counted(row.decode, row.type, row.input);
         EXPECT_EQ(held.message, row.message);
         EXPECT_EQ(held.succeeded, *row.message == '\0');
+    }
+}
+
+// An array that could not be had keeps silent, but not about the buffer that failed before it.
+TEST(ScarceMemory, FailedBufferOfOer) {
+    const Type type = sequence({{kOctets, "a"}, {sequence({{kBoolean, "b"}}), "c"}});
+    value_pointer value = value_of(type, "{a '00112233445566778899AABBCCDDEEFF'H, c {b TRUE}}");
+    for (uint64_t call : {1, 2, 3, 4}) {  // the arrays are the first and the last, the buffer grows in between
+        uint8_t* out = nullptr;
+        asn1_error error = {};
+        allocator_fails_from(call);
+        int64_t size = asn1_oer_encode2(&out, type, value.get(), &error);
+        allocator_never_fails();
+        EXPECT_EQ(size, -1);
+        EXPECT_STREQ(error.message, call == 1 || call == 4 ? "" : kNoMemory) << call;
     }
 }
 
