@@ -33,8 +33,12 @@ ORLENTA_API int asn1_copy_value(const asn1_type_desc* desc, void* dst, const voi
 /* A new record with a deep copy of `src`; null on failure, with nothing left behind. */
 ORLENTA_API void* asn1_clone_value(const asn1_type_desc* desc, const void* src);
 
-/* Appends a deep copy of `elem` to a list given by the addresses of its count and element block. All elements are
- * copied to a new block on each call. Returns 0 or -1; after -1 the list must be thrown away. */
+/* Appends a deep copy of `elem` to a list given by the addresses of its count and element block. Returns 0 or -1; after
+ * -1 the list must be thrown away.
+ *
+ * Each call copies all elements to a new block, so that building a list of n elements this way copies some n * n / 2
+ * of them. For more than a handful, take a block of n zero-filled elements by asn1_mallocz, fill it, and set the count
+ * once. */
 ORLENTA_API int asn1_seq_add(const asn1_type_desc* elem_desc, uint64_t* count, void** elements,
                              const void* elem);
 

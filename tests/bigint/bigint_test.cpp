@@ -227,6 +227,7 @@ TEST(BigInteger, FromText) {
         EXPECT_EQ(text_of(a), c.value) << c.text;
         EXPECT_STREQ(cursor, c.rest);
     }
+    EXPECT_TRUE(is_normalised(number{"-000"}));
     number minus{"-"};
     EXPECT_EQ(minus.size, 0u);
     EXPECT_EQ(minus.negative, 1);
