@@ -71,6 +71,7 @@ namespace orlenta::test {
 void allocator_never_fails() { plan(UINT64_MAX, UINT64_MAX); }
 void allocator_fails_at(uint64_t call) { plan(call, call); }
 void allocator_fails_from(uint64_t call) { plan(call, UINT64_MAX); }
+void allocator_recovers() { state.first_failure = state.last_failure = UINT64_MAX; }
 uint64_t allocator_calls() { return state.calls; }
 bool allocator_has_failed() { return state.has_failed; }
 size_t live_blocks() { return live().size(); }

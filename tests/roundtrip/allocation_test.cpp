@@ -1,0 +1,170 @@
+// Memory runs out, over every table of every message set: each function tells so or does without, nothing is left
+// behind, and a value that came out with holes can be handed to every other function.
+#include <gtest/gtest.h>
+#include <orlenta/check.h>
+#include <orlenta/memory.h>
+#include <orlenta/random.h>
+
+#include <cstdio>
+#include <functional>
+#include <optional>
+#include <string>
+#include <tuple>
+
+#include "core/descriptor.hpp"
+#include "tests/roundtrip/rules.hpp"
+#include "tests/roundtrip/values.hpp"
+#include "tests/support/failing_allocator.hpp"
+
+namespace orlenta::test {
+namespace {
+
+constexpr uint64_t kMostBlocks = 1000;  // of a value: a larger one costs more time than it tells
+constexpr uint64_t kFailures = 64;     // allocations that fail in turn, spread over those of a call
+
+std::optional<std::string> encode(const Rule& rule, const asn1_type_desc* type, const void* value) {
+    uint8_t* data = nullptr;
+    int64_t size = rule.encode(&data, type, value);
+    std::optional<std::string> bytes;
+    if (size > 0) bytes.emplace(reinterpret_cast<char*>(data), static_cast<size_t>(size));
+    if (size == 0) bytes.emplace();
+    EXPECT_EQ(data != nullptr, size > 0);
+    asn1_free(data);
+    return bytes;
+}
+
+bool is_small(const asn1_type_desc* type, uint32_t seed) {
+    allocator_fails_from(kMostBlocks);
+    asn1_free_value(type, asn1_random(type, seed));
+    bool has_failed = allocator_has_failed();
+    allocator_never_fails();
+    return !has_failed;
+}
+
+// One value of each table, the first random one that is small.
+void for_each_sample(const Region& region,
+                     const std::function<void(const asn1_type_desc*, const Sample&, uint32_t seed)>& use) {
+    for (const orlenta_catalogue_entry& entry : region.entries) {
+        if (kind_of(entry.type) == ASN1_KIND_OBJECT_CLASS) continue;
+        SCOPED_TRACE(entry.table);
+        uint32_t round = 0;
+        while (round < 1000 && !is_small(entry.type, seed_of(entry, round))) ++round;
+        ASSERT_LT(round, 1000u) << "no small value found";
+        uint32_t seed = seed_of(entry, round);
+        use(entry.type, make_sample(entry.type, seed), seed);
+        if (testing::Test::HasFailure()) return;
+    }
+}
+
+// ---- codecs -----------------------------------------------------------------------------------------------
+
+class Codecs : public testing::TestWithParam<std::tuple<Rule, Region>> {};
+
+// The text of a decoder's failure without memory; empty for a value, which must be the one given.
+std::string decode(const Rule& rule, const asn1_type_desc* type, const std::string& bytes,
+                   const void* wanted) {
+    asn1_error error = {};
+    void* decoded = &error;
+    int64_t used =
+        rule.decode(&decoded, type, reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), &error);
+    if (used < 0) {
+        EXPECT_EQ(decoded, nullptr);
+        return error.message;
+    }
+    EXPECT_EQ(asn1_cmp_value(type, decoded, wanted), 0);
+    asn1_free_value(type, decoded);
+    return "";
+}
+
+TEST_P(Codecs, TellThatMemoryRanOut) {
+    const auto& [rule, region] = GetParam();
+    uint64_t in_encoding = 0, in_decoding = 0;
+    for_each_sample(region, [&, rule = rule](const asn1_type_desc* type, const Sample& sample, uint32_t) {
+        const std::optional<std::string> whole = encode(rule, type, sample.value.get());
+        ASSERT_TRUE(whole);
+        in_encoding += for_some_failed_allocations(kFailures, [&] {
+            std::optional<std::string> bytes = encode(rule, type, sample.value.get());
+            EXPECT_TRUE(allocator_has_failed() ? !bytes : bytes == whole);
+        });
+        if (sample.has_raw && !rule.takes_raw_back) return;
+        in_decoding += for_some_failed_allocations(kFailures, [&] {
+            // Where a block only shrinks, the decoder does without.
+            std::string message = decode(rule, type, *whole, sample.value.get());
+            EXPECT_TRUE(message.empty() || (allocator_has_failed() && message == "not enough memory"))
+                << message;
+        });
+    });
+    std::printf("%llu failures in encoding, %llu in decoding\n", static_cast<unsigned long long>(in_encoding),
+                static_cast<unsigned long long>(in_decoding));
+    EXPECT_GT(in_encoding, 5u);
+    EXPECT_GT(in_decoding, 5u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rules, Codecs,
+                         testing::Combine(testing::ValuesIn(all_rules().begin(), all_rules().end()),
+                                          testing::ValuesIn(all_regions().begin(), all_regions().end())),
+                         [](const auto& info) {
+                             return std::string(std::get<0>(info.param).name) + "_" +
+                                    std::get<1>(info.param).name;
+                         });
+
+// ---- values with holes ------------------------------------------------------------------------------------
+
+class Values : public testing::TestWithParam<Region> {};
+
+// All that can be done with a value; how many encoders take it.
+int use(const asn1_type_desc* type, const void* value) {
+    int taken = 0;
+    for (const Rule& rule : all_rules()) taken += encode(rule, type, value).has_value();
+    EXPECT_EQ(asn1_cmp_value(type, value, value), 0);
+    Value copy(asn1_clone_value(type, value), {type});
+    EXPECT_NE(copy, nullptr);
+    EXPECT_EQ(asn1_cmp_value(type, value, copy.get()), 0);
+    return taken;
+}
+
+// A copy has holes only where memory was missing, and then no encoder takes it; nor does the checker, unless the hole
+// is inside an open type.
+TEST_P(Values, OfFailedClonesAreRefused) {
+    int with_holes = 0, refused = 0;
+    for_each_sample(GetParam(), [&](const asn1_type_desc* type, const Sample& sample, uint32_t) {
+        for_some_failed_allocations(kFailures, [&] {
+            Value copy(asn1_clone_value(type, sample.value.get()), {type});
+            EXPECT_TRUE(copy || allocator_has_failed());
+            if (!copy) return;
+            bool is_whole = !allocator_has_failed();
+            allocator_recovers();
+            EXPECT_EQ(asn1_cmp_value(type, copy.get(), sample.value.get()) == 0, is_whole);
+            if (is_whole) return;
+            EXPECT_EQ(use(type, copy.get()), 0);
+            refused += asn1_check_constraints(type, copy.get(), nullptr) == 0;
+            ++with_holes;
+        });
+    });
+    std::printf("%d copies with holes, of which the checker refused %d\n", with_holes, refused);
+    EXPECT_GE(refused, with_holes / 2);
+}
+
+// What the generator had filled when memory ran out may be legal or not.
+TEST_P(Values, OfFailedGenerationsCanBeUsed) {
+    int in_part = 0;
+    for_each_sample(GetParam(), [&](const asn1_type_desc* type, const Sample&, uint32_t seed) {
+        for_some_failed_allocations(kFailures, [&] {
+            Value value(asn1_random(type, seed), {type});
+            bool has_failed = allocator_has_failed();
+            EXPECT_TRUE(value || has_failed);
+            allocator_recovers();
+            if (!value || !has_failed) return;
+            use(type, value.get());
+            asn1_check_constraints(type, value.get(), nullptr);
+            ++in_part;
+        });
+    });
+    std::printf("%d values filled in part\n", in_part);
+}
+
+INSTANTIATE_TEST_SUITE_P(Regions, Values, testing::ValuesIn(all_regions().begin(), all_regions().end()),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace orlenta::test
