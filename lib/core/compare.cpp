@@ -4,7 +4,7 @@
 #include <stdlib.h>
 
 #include "core/descriptor.hpp"
-#include "core/stack.hpp"
+#include "core/stackless.hpp"
 
 using namespace orlenta;
 
@@ -88,7 +88,7 @@ struct compare_walk {
 
 }  // namespace
 
-static int compare_values(compare_walk* walk, const asn1_type_desc* desc, const void* a, const void* b);
+static int compare_pair(compare_walk* walk, const asn1_type_desc* desc, const void* a, const void* b);
 
 // The order of the presence of a component; `is_there` if it is there in both records.
 static int compare_presence(const asn1_field* field, const void* a, const void* b, bool* is_there) {
@@ -123,13 +123,13 @@ static int compare_next_pair(compare_walk* walk) {
         bool is_there;
         int result = compare_presence(field, a, b, &is_there);
         if (result != 0 || !is_there) return result;
-        return compare_values(walk, field_type(field), field_value(field, a), field_value(field, b));
+        return compare_pair(walk, field_type(field), field_value(field, a), field_value(field, b));
     }
     if (level->count > 0) {
         --level->count;
         level->a = at_offset(a, level->stride);
         level->b = at_offset(b, level->stride);
-        return compare_values(walk, level->element, a, b);
+        return compare_pair(walk, level->element, a, b);
     }
     --walk->count;
     return 0;
@@ -191,7 +191,7 @@ __attribute__((noinline)) static int compare_components(compare_walk* walk, cons
         result = compare_presence(field, a, b, &is_there);
         if (result != 0) return result;
         if (!is_there) continue;
-        result = compare_values(walk, field_type(field), field_value(field, a), field_value(field, b));
+        result = compare_pair(walk, field_type(field), field_value(field, a), field_value(field, b));
         if (result != 0) return result;
     }
     return 0;
@@ -204,8 +204,8 @@ __attribute__((noinline)) static int compare_lists(compare_walk* walk, const asn
     if (!has_stack(&walk->stack) && compare_lists_without_stack(walk, desc, a, b, &result)) return result;
     list_layout list = list_of(desc);
     for (uint64_t i = 0, n = static_cast<uint32_t>(a->count); i < n; ++i) {
-        result = compare_values(walk, list.element, at_offset(a->data, i * list.stride),
-                                at_offset(b->data, i * list.stride));
+        result = compare_pair(walk, list.element, at_offset(a->data, i * list.stride),
+                              at_offset(b->data, i * list.stride));
         if (result != 0) return result;
     }
     return 0;
@@ -249,7 +249,7 @@ static void enter_tagged(const asn1_type_desc*& desc, const void*& a, const void
     desc = tagged_inner(desc);
 }
 
-static int compare_values(compare_walk* walk, const asn1_type_desc* desc, const void* a, const void* b) {
+static int compare_pair(compare_walk* walk, const asn1_type_desc* desc, const void* a, const void* b) {
     int result;
     for (;;) {
         if (a == nullptr || b == nullptr)
@@ -289,9 +289,14 @@ static int compare_values(compare_walk* walk, const asn1_type_desc* desc, const 
     }
 }
 
+int orlenta::compare_values(const stack_guard& stack, const asn1_type_desc* desc, const void* a,
+                            const void* b) {
+    compare_walk walk = {stack, nullptr, 0, 0, false, false};
+    return compare_pair(&walk, desc, a, b);
+}
+
 int asn1_cmp_value(const asn1_type_desc* desc, const void* a, const void* b) {
-    compare_walk walk = {begin_stack(), nullptr, 0, 0, false, false};
-    return compare_values(&walk, desc, a, b);
+    return compare_values(begin_stack(), desc, a, b);
 }
 
 // Unsigned keys that sort as the numbers do (IEEE 754): below zero all bits turned over, above it the top bit set.

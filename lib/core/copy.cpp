@@ -4,8 +4,7 @@
 #include <stdlib.h>
 
 #include "core/descriptor.hpp"
-#include "core/release.hpp"
-#include "core/stack.hpp"
+#include "core/stackless.hpp"
 
 using namespace orlenta;
 

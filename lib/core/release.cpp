@@ -1,11 +1,10 @@
 // The release of a value. It cannot be refused: where the stack runs low, blocks wait in a list for their turn.
-#include "core/release.hpp"
-
 #include <orlenta/memory.h>
 #include <orlenta/value.h>
 #include <stdlib.h>
 
 #include "core/descriptor.hpp"
+#include "core/stackless.hpp"
 
 namespace orlenta {
 

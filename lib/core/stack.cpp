@@ -3,31 +3,7 @@
 #include <pthread.h>
 #include <stddef.h>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define ORLENTA_WITH_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ORLENTA_WITH_ASAN 1
-#endif
-#endif
-
 namespace orlenta {
-
-// Left free below the deepest level, for what a level calls that does not come back here: formatting, the allocator,
-// qsort. The releasing of a value takes less stack than its decode did, and needs nothing of its own. Under a sanitizer
-// neither holds: its allocator and formatter take more, and the guards around variables weigh on small frames.
-static uintptr_t stack_reserve(uintptr_t free_bytes) {
-#if defined(ORLENTA_WITH_ASAN)
-    return 64 * 1024 + free_bytes / 2;
-#else
-    static_cast<void>(free_bytes);
-    return 32 * 1024;
-#endif
-}
-
-// How far a walk may go down where the system can't tell: on a stack that is not the thread's own, as a coroutine's,
-// or without /proc.
-static constexpr uintptr_t kStackUnknown = 64 * 1024;
 
 // The lowest byte of the current thread's stack, 0 if it can't be found or `address` lies on another stack. For the
 // main thread the C library takes the resource limit and the nearest mapping below into account.
@@ -60,8 +36,9 @@ __attribute__((noinline)) bool look_up_stack(stack_guard* guard) {
     uintptr_t address = stack_address();
     if (!guard->is_known) {
         uintptr_t lowest = lowest_stack_byte(address);
-        guard->lowest = lowest != 0 ? lowest + stack_reserve(address - lowest)
-                                    : guard->lowest + kStackAllowance - kStackUnknown;
+        // A stack that is not the thread's own, as a coroutine's, and that of a process without /proc are taken to bear
+        // the allowance and no more.
+        if (lowest != 0) guard->lowest = lowest + kStackReserve;
         guard->is_known = true;
     }
     return address >= guard->lowest;

@@ -96,11 +96,6 @@ TEST(GserDecode, Composites) {
     });
 }
 
-TEST(GserDecode, DeepNesting) {
-    expect_bounded_nesting(kGser, kChain, "{next", "{}", "}");
-    expect_bounded_nesting(kGser, kTree, "{", "{}", "}");
-}
-
 // ---- texts that are refused -------------------------------------------------------------------------------
 
 TEST(GserDecode, RefusedTokens) {

@@ -111,11 +111,6 @@ TEST(JerDecode, WideSequence) {
     });
 }
 
-TEST(JerDecode, DeepNesting) {
-    expect_bounded_nesting(kJer, kChain, "{\"next\":", "{}", "}");
-    expect_bounded_nesting(kJer, kTree, "[", "[]", "]");
-}
-
 // ---- texts that are refused -------------------------------------------------------------------------------
 
 TEST(JerDecode, RefusedTokens) {

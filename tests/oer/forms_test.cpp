@@ -4,6 +4,7 @@
 #include "tests/oer/oer_types.hpp"
 #include "tests/support/failing_allocator.hpp"
 #include "tests/support/octet_codec.hpp"
+#include "tests/support/recursive_types.hpp"
 
 namespace orlenta::test {
 namespace {
@@ -252,6 +253,15 @@ TEST(Oer, SurvivesFailingAllocations) {
             EXPECT_TRUE(digits == expected || (digits == "failed" && allocator_has_failed())) << digits;
         });
     }
+}
+
+// Each of a thousand nested lists claims four billion elements, 64 GiB.
+TEST(Oer, RefusesListsThatClaimTooMuch) {
+    octets bytes;
+    for (int i = 0; i < 1000; ++i) bytes.insert(bytes.end(), {0x04, 0xFF, 0xFF, 0xFF, 0xFF});
+    decoded result = decode(asn1_oer_decode, kTree, bytes);
+    EXPECT_EQ(result.consumed, -1);
+    EXPECT_EQ(result.error.bit_position, static_cast<int32_t>(bytes.size() * 8));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What the tests of the text syntaxes do alike: tables of texts and values, deep nesting, and the encoder's hook.
+// What the tests of the text syntaxes do alike: tables of texts and values, and the encoder's hook.
 #pragma once
 
 #include <orlenta/text.h>
@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/nesting.hpp"
 #include "tests/support/octet_codec.hpp"
+#include "tests/support/recursive_types.hpp"
 #include "tests/support/text_types.hpp"
 
 namespace orlenta::test {
@@ -137,28 +137,6 @@ inline void expect_quiet_nan(const TextCodec& codec, const char* content) {
     uint64_t bits;
     std::memcpy(&bits, value_of(codec, kReal, content).get(), sizeof bits);
     EXPECT_EQ(bits, 0x7FF8000000000000u);
-}
-
-// Text that nests without end is refused before the stack is used up; what is taken can be printed.
-inline void expect_bounded_nesting(const TextCodec& codec, const asn1_type_desc* type,
-                                   const std::string& opening, const std::string& inside,
-                                   const std::string& closing) {
-    auto nested = [&](size_t depth) {
-        std::string text;
-        for (size_t i = 0; i < depth; ++i) text += opening;
-        text += inside;
-        for (size_t i = 0; i < depth; ++i) text += closing;
-        return input_of(codec, type, text);
-    };
-    run_on_all_stacks([&](size_t stack_size) {
-        decoded deepest = decode_text(codec, type, nested(kTooDeep));
-        EXPECT_EQ(deepest.consumed, -1);
-        EXPECT_STREQ(deepest.error.message, "value nested too deeply");
-        // A kilobyte a level would be much, even of the part that a sanitizer leaves.
-        decoded value = decode_text(codec, type, nested(stack_size / 8 / 1024));
-        ASSERT_TRUE(value.value) << value.error.message;
-        EXPECT_NE(codec.print(type, value.value.get()), "-1");
-    });
 }
 
 // ---- hook -------------------------------------------------------------------------------------------------

@@ -117,11 +117,6 @@ TEST(XerDecode, AroundTheElement) {
     }
 }
 
-TEST(XerDecode, DeepNesting) {
-    expect_bounded_nesting(kXer, kChain, "<next>", "", "</next>");
-    expect_bounded_nesting(kXer, kTree, "<SEQUENCE_OF>", "", "</SEQUENCE_OF>");
-}
-
 // ---- texts that are refused -------------------------------------------------------------------------------
 
 TEST(XerDecode, RefusedTokens) {
