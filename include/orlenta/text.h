@@ -16,7 +16,7 @@ extern "C" {
  *
  * A result of 0 or more is the number of bytes of a text that the hook left in a new block at `*text`, taken from
  * asn1_malloc; they go to the output as they stand, and the encoder frees the block. A negative result leaves the
- * value to the encoder. */
+ * value to the encoder. Some 16 KiB of stack are left for it (docs/limits.md). */
 typedef int64_t asn1_text_hook(void* hook_data, char** text, const asn1_type_desc* type, const void* value,
                                int32_t depth);
 

@@ -19,18 +19,26 @@ ORLENTA_API int64_t asn1_get_size(const asn1_type_desc* desc);
 /* A zero-filled value record, to be released by asn1_free_value; null for an unknown kind or without memory. */
 ORLENTA_API void* asn1_mallocz_value(const asn1_type_desc* desc);
 
-/* Releases all that the value owns, but not the record itself. The record is not zeroed. Null is allowed. */
+/* Releases all that the value owns, but not the record itself. The record is not zeroed. Null is allowed. A value of
+ * any depth can be released on any thread: where the stack runs low, by a list from asn1_malloc. */
 ORLENTA_API void asn1_free_value_struct(const asn1_type_desc* desc, void* value);
 
 /* Releases a value and its record. Null is allowed. */
 ORLENTA_API void asn1_free_value(const asn1_type_desc* desc, void* value);
 
-/* Deep copy of `src` into the zero-filled record `dst`. Returns 0, or -1 without memory; `dst` is then partial, and
- * fit for asn1_free_value_struct. Inside an open type or an indirect component memory that is not to be had shows as
- * a null pointer, not as -1. */
+/* Deep copy of `src` into the zero-filled record `dst`. Returns 0, or -1 without memory or if the value nests deeper
+ * than the thread's stack bears; `dst` is then partial, and fit for asn1_free_value_struct.
+ *
+ * Memory that is not to be had for an indirect component (a TAGGED with ASN1_WORD0_INDIRECT) or for the value of an
+ * open type whose type is known shows as a null pointer there, in a copy that succeeded. Such a copy compares as less
+ * than `src`, can be copied and released, and is refused by the encoders and, unless the null is within an open type,
+ * by the checker. */
 ORLENTA_API int asn1_copy_value(const asn1_type_desc* desc, void* dst, const void* src);
 
-/* A new record with a deep copy of `src`; null on failure, with nothing left behind. */
+/* A new record with a deep copy of `src`, to be released by asn1_free_value. Null if `src` is null, if the record
+ * itself or anything outside indirect components and open types could not be allocated, or if the value nests deeper
+ * than the thread's stack bears; nothing is left behind then. Nulls may stand in a copy that succeeded, as above: who
+ * must not have them compares it with `src`. */
 ORLENTA_API void* asn1_clone_value(const asn1_type_desc* desc, const void* src);
 
 /* Appends a deep copy of `elem` to a list given by the addresses of its count and element block. Returns 0 or -1; after
@@ -46,7 +54,8 @@ ORLENTA_API int asn1_seq_add(const asn1_type_desc* elem_desc, uint64_t* count, v
 ORLENTA_API int asn1_seq_del(const asn1_type_desc* elem_desc, uint64_t* count, void** elements,
                              int64_t index);
 
-/* Orders two values: negative, 0 or positive. The order is total, with lengths before contents. */
+/* Orders two values: negative, 0 or positive. The order is total, with lengths before contents. A null where a value
+ * belongs is less than any value. Depth is no limit, as for asn1_free_value_struct. */
 ORLENTA_API int asn1_cmp_value(const asn1_type_desc* desc, const void* a, const void* b);
 
 /* Orders two doubles: -1, 0 or 1. -0.0 is below +0.0; all NaNs are equal, and above everything else. */

@@ -180,13 +180,15 @@ TEST_P(Nesting, DecodedHereUsedThere) {
     ASSERT_GT(shallow.consumed, 0) << shallow.error.message;
     for (const Consumer& consumer : consumers()) {
         SCOPED_TRACE(consumer.name);
-        run_on_stack(kTightStack, [&] {
-            EXPECT_EQ(consumer.run(nest.type, shallow.value.get()), kDone);
-            consumer.run(nest.type, deep.value.get());
-        });
+        for (size_t size : {kLeastStack, kTightStack}) {
+            run_on_stack(size, [&] {
+                EXPECT_EQ(consumer.run(nest.type, shallow.value.get()), kDone);
+                consumer.run(nest.type, deep.value.get());
+            });
+        }
         if (!consumer.indents) run_on_stack(kLargeStack, [&] { consumer.run(nest.type, deep.value.get()); });
     }
-    run_on_stack(kTightStack, [&] { deep.value.reset(); });
+    run_on_stack(kLeastStack, [&] { deep.value.reset(); });
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Nesting, testing::ValuesIn(kNests), [](const auto& info) {
