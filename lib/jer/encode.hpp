@@ -9,22 +9,26 @@ struct asn1_jer_encoder : text_encoder {
     int64_t indent;  // spaces per level; 0: compact
 };
 
-// Indented text only: a new line at the current level, and the space behind a colon.
+// Indented text only: a new line at the current level.
 inline void put_break(asn1_jer_encoder* encoder) {
     if (encoder->indent == 0) return;
     put_char(&encoder->buffer, '\n');
     put_spaces(&encoder->buffer, encoder->depth * encoder->indent);
 }
-inline void put_gap(asn1_jer_encoder* encoder) {
-    if (encoder->indent != 0) put_char(&encoder->buffer, ' ');
-}
 
 // "name": with the name as it stands.
 inline void put_name(asn1_jer_encoder* encoder, const char* name) {
-    put_char(&encoder->buffer, '"');
-    asn1_puts(&encoder->buffer, name);
-    asn1_puts(&encoder->buffer, "\":");
-    put_gap(encoder);
+    asn1_byte_buffer* buf = &encoder->buffer;
+    size_t length = strlen(name);
+    if (!reserve(buf, length + 4)) return;
+    uint8_t* at = buf->data + buf->length;
+    *at++ = '"';
+    memcpy(at, name, length);
+    at += length;
+    *at++ = '"';
+    *at++ = ':';
+    if (encoder->indent != 0) *at++ = ' ';
+    buf->length = static_cast<uint64_t>(at - buf->data);
 }
 
 // encode.cpp

@@ -75,14 +75,39 @@ static int lex_multibyte(asn1_jer_parser* parser) {
     return 0;
 }
 
+static bool is_plain(uint8_t c) { return c < 0x80 && c != '"' && c != '\\'; }
+
+// The first byte from `at` on that is not plain, eight at a time while there are as many.
+static const uint8_t* skip_plain(const uint8_t* at, const uint8_t* end) {
+    constexpr uint64_t kOnes = UINT64_C(0x0101010101010101), kTops = kOnes << 7;
+    for (; end - at >= 8; at += 8) {
+        uint64_t word;
+        memcpy(&word, at, sizeof word);
+        uint64_t quote = word ^ kOnes * '"', backslash = word ^ kOnes * '\\';
+        // A byte that is not plain sets its top bit here, and none below it does.
+        uint64_t marks = (word | ((quote - kOnes) & ~quote) | ((backslash - kOnes) & ~backslash)) & kTops;
+        if (marks == 0) continue;
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+        return at + __builtin_ctzll(marks) / 8;
+#else
+        break;
+#endif
+    }
+    while (at < end && is_plain(*at)) ++at;
+    return at;
+}
+
 // Takes the characters that stand for themselves, control characters among them.
 static void lex_plain(asn1_jer_parser* parser) {
     const uint8_t* start = parser->cursor;
-    const uint8_t* at = start;
-    while (at < parser->end && *at < 0x80 && *at != '"' && *at != '\\') ++at;
+    const uint8_t* at = skip_plain(start, parser->end);
     if (at == start) return;
     uint64_t length = static_cast<uint64_t>(at - start);
-    asn1_put_bytes(&parser->contents, start, length);
+    asn1_byte_buffer* contents = &parser->contents;
+    if (reserve(contents, length + 1)) {
+        memcpy(contents->data + contents->length, start, length);
+        contents->length += length;
+    }
     parser->code_points += length;
     parser->cursor = at;
 }
