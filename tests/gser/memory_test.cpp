@@ -35,7 +35,6 @@ TEST(GserMemory, UnreadDigits) {
                                  {kOid, "", "object identifier: integer too large"},
                                  {kNull, "NULL ", ""}});
 }
-TEST(GserMemory, Encode) { expect_failed_encodes_reported(kGser, rows()); }
 TEST(GserMemory, DamagedTexts) { expect_damage_survived(kGser, rows()); }
 
 }  // namespace

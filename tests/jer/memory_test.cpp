@@ -26,13 +26,10 @@ const std::vector<MemoryRow>& rows() {
     return all;
 }
 
-// What was being allocated decides between two messages. An object identifier of the one arc 1, which damage can
-// make, has no text that reads back.
-const std::vector<MemoryRow> kIdentifiers = {{kOid, "\"1.2.840.113549\""}};
-
 TEST(JerMemory, Decode) {
     expect_failed_decodes_reported(kJer, rows());
-    expect_failed_decodes_reported(kJer, kIdentifiers);
+    // Not to be damaged: an object identifier of the one arc 1 has no text that reads back.
+    expect_failed_decodes_reported(kJer, {{kOid, "\"1.2.840.113549\""}});
 }
 TEST(JerMemory, UnreadDigits) {
     expect_unread_digits(kJer, {{kAb, "", "expecting '{'"},
@@ -40,10 +37,6 @@ TEST(JerMemory, UnreadDigits) {
                                 {kInt32, "", "integer too large"},
                                 {kReal, "-", "expecting real number"},
                                 {kNull, "null ", ""}});
-}
-TEST(JerMemory, Encode) {
-    expect_failed_encodes_reported(kJer, rows());
-    expect_failed_encodes_reported(kJer, kIdentifiers);
 }
 TEST(JerMemory, DamagedTexts) { expect_damage_survived(kJer, rows()); }
 

@@ -9,7 +9,6 @@
 #include <bit>
 #include <cstdio>
 #include <map>
-#include <unordered_set>
 
 #include "cli/references.hpp"
 #include "core/descriptor.hpp"
@@ -21,20 +20,6 @@ namespace orlenta::test {
 namespace {
 
 using Type = const asn1_type_desc*;
-
-std::vector<orlenta_catalogue_entry> roots(const Region& region) {
-    std::unordered_set<Type> referred;
-    for (const orlenta_catalogue_entry& entry : region.entries) {
-        std::vector<Type> types = cli::referred_types(entry.type);
-        std::erase(types, entry.type);
-        referred.insert(types.begin(), types.end());
-    }
-    std::vector<orlenta_catalogue_entry> found;
-    for (const orlenta_catalogue_entry& entry : region.entries)
-        if (!referred.contains(entry.type) && kind_of(entry.type) != ASN1_KIND_OBJECT_CLASS)
-            found.push_back(entry);
-    return found;
-}
 
 // ---- inputs -----------------------------------------------------------------------------------------------
 
@@ -211,7 +196,7 @@ class Roots : public testing::TestWithParam<std::tuple<Rule, Region>> {};
 
 TEST_P(Roots, StayWithinTheBound) {
     const auto& [rule, region] = GetParam();
-    std::vector<orlenta_catalogue_entry> types = roots(region);
+    std::vector<orlenta_catalogue_entry> types = roots_of(region);
     ASSERT_FALSE(types.empty());
     size_t most = 0;
     std::string dearest;

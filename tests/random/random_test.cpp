@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "core/descriptor.hpp"
-#include "tests/support/failing_allocator.hpp"
 #include "tests/support/universal_types.hpp"
 
 namespace orlenta::test {
@@ -268,21 +267,6 @@ TEST(Random, Tags) {
           pointed = random_value(indirect, 77);
     EXPECT_EQ(load32(placed.get()), load32(direct.get()));
     EXPECT_EQ(load32(load_pointer(pointed.get())), load32(direct.get()));
-}
-
-// Whichever allocation fails, the value comes back and can be released; only the first one's failure shows.
-TEST(Random, MemoryRunsOut) {
-    const asn1_word indirect[] = {head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(2)), ref(kBigRange)};
-    const asn1_word row[] = {head(ASN1_KIND_SEQUENCE_OF, kLower), num(2), num(24), ref(kBigRange), num(0)};
-    const asn1_word rows[] = {head(ASN1_KIND_SEQUENCE_OF, kLower), num(1), num(16), ref(row), num(0)};
-    const std::vector<asn1_word> words = record_of({k3To20Bits, kThousand, kIa5Ext, kUtf8, kGeneral, kOid,
-                                                    kRelativeOid, kAny, kBig, kBigLower, indirect, rows});
-    uint64_t calls = for_each_failed_allocation([&] {
-        void* value = asn1_random(words.data(), 3);
-        EXPECT_TRUE(value != nullptr || (allocator_has_failed() && allocator_calls() == 1));
-        asn1_free_value(words.data(), value);
-    });
-    EXPECT_GT(calls, 20);
 }
 
 // Tables that no compiler writes leave the value as it is.

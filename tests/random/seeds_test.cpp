@@ -29,15 +29,15 @@ bool is_endless(std::string_view table, uint32_t seed) {
 // FNV-1a over the DER encodings of the values of all roots, which must pass the checker as well.
 uint64_t hash_values(const Region& region) {
     uint64_t hash = UINT64_C(0xCBF29CE484222325);
-    for (const orlenta_catalogue_entry* root : roots_of(region)) {
+    for (const orlenta_catalogue_entry& root : roots_of(region)) {
         for (uint32_t seed = 0; seed < kSeeds; ++seed) {
-            if (is_endless(root->table, seed)) continue;
-            Value value(asn1_random(root->type, seed), {root->type});
-            EXPECT_EQ(asn1_check_constraints(root->type, value.get(), nullptr), 1)
-                << root->table << ", seed " << seed;
+            if (is_endless(root.table, seed)) continue;
+            Value value(asn1_random(root.type, seed), {root.type});
+            EXPECT_EQ(asn1_check_constraints(root.type, value.get(), nullptr), 1)
+                << root.table << ", seed " << seed;
             uint8_t* der = nullptr;
-            int64_t size = asn1_der_encode(&der, root->type, value.get());
-            EXPECT_GT(size, 0) << root->table << ", seed " << seed;
+            int64_t size = asn1_der_encode(&der, root.type, value.get());
+            EXPECT_GT(size, 0) << root.table << ", seed " << seed;
             for (int64_t i = 0; i < size; ++i) hash = (hash ^ der[i]) * UINT64_C(0x100000001B3);
             asn1_free(der);
         }

@@ -21,7 +21,19 @@ static const asn1_word kSomeBmp[] = {chars(30), num(ASN1_STRING_BMP), num(0), nu
 static const asn1_word kSomeUniversal[] = {
     chars(28), num(ASN1_STRING_UNIVERSAL), num(0), num(2), num(0x20), num(0x7E), num(0x1F300), num(0x1F5FF)};
 static const asn1_word kGeneral[] = {head(ASN1_KIND_CHAR_STRING, 0, 27), num(ASN1_STRING_GENERAL)};
+static uint32_t limbs_of_2_32_and_5[] = {5, 1};
+static const asn1_integer kZero = {}, k2To32And5 = {limbs_of_2_32_and_5, 2, 2, 0};
+static const asn1_word kBigRange[] = {head(ASN1_KIND_INTEGER, kBounds | ASN1_WORD0_BIG, 2), big(&kZero),
+                                      big(&k2To32And5)};
+static const asn1_word kBigLower[] = {head(ASN1_KIND_INTEGER, kLower | ASN1_WORD0_BIG, 2), big(&k2To32And5)};
 // clang-format off
+static const asn1_word kDigits[] = {
+    head(ASN1_KIND_CHAR_STRING, kBounds, 18), num(ASN1_STRING_NUMERIC), num(0), num(9), num(1), num('0'), num('9')};
+static const asn1_word kDefaults[] = {
+    head(ASN1_KIND_SEQUENCE, kExt, 16), num(2), num(40),
+    field(0, ASN1_OPTION_DEFAULT), ref(kBig), big(&k2To32And5), txt("a"),
+    field(32, ASN1_OPTION_OPTIONAL), ref(kTagged<0, kBooleans, ASN1_WORD0_INDIRECT>), num(24), txt("b"),
+};
 static const asn1_word kPlainSet[] = {
     head(ASN1_KIND_SET, 0, 17), num(3), num(64),
     field(8, ASN1_OPTION_OPTIONAL), ref(kReal), num(0), txt("a"),
@@ -30,7 +42,7 @@ static const asn1_word kPlainSet[] = {
 };
 #define kind(type) {#type, "", type}
 static const orlenta_catalogue_entry kKinds[] = {
-    kind(kBig), kind(kReal), kind(kRelativeOid), kind(kAny), kind(kSomeBmp), kind(kSomeUniversal), kind(kGeneral),
+    kind(kBig), kind(kBigRange), kind(kBigLower), kind(kDigits), kind(kDefaults), kind(kReal), kind(kRelativeOid), kind(kAny), kind(kSomeBmp), kind(kSomeUniversal), kind(kGeneral),
     kind(kPlainSet), kind(kRecord), kind(kChoice), kind(kOuterChoice), kind(kTaggedChoice),
     kind(kOpenRecord<kOpen>), kind(kOpenRecord<kTaggedOpen>),
 };
@@ -45,15 +57,15 @@ std::span<const Region> all_regions() {
     return regions;
 }
 
-std::vector<const orlenta_catalogue_entry*> roots_of(const Region& region) {
+std::vector<orlenta_catalogue_entry> roots_of(const Region& region) {
     std::unordered_set<const asn1_type_desc*> referred;
     for (const orlenta_catalogue_entry& entry : region.entries)
         for (const asn1_type_desc* type : cli::referred_types(entry.type))
             if (type != entry.type) referred.insert(type);
-    std::vector<const orlenta_catalogue_entry*> roots;
+    std::vector<orlenta_catalogue_entry> roots;
     for (const orlenta_catalogue_entry& entry : region.entries)
         if (kind_of(entry.type) != ASN1_KIND_OBJECT_CLASS && !referred.contains(entry.type))
-            roots.push_back(&entry);
+            roots.push_back(entry);
     return roots;
 }
 

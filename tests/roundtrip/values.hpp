@@ -20,7 +20,7 @@ inline void PrintTo(const Region& region, std::ostream* out) { *out << region.na
 std::span<const Region> all_regions();
 
 // The types to which no other one of the region refers: its messages, and what only stands in a module.
-std::vector<const orlenta_catalogue_entry*> roots_of(const Region& region);
+std::vector<orlenta_catalogue_entry> roots_of(const Region& region);
 
 struct Release {
     const asn1_type_desc* type;

@@ -44,19 +44,6 @@ inline void expect_unread_digits(const TextCodec& codec, const std::vector<Refus
     }
 }
 
-inline void expect_failed_encodes_reported(const TextCodec& codec, const std::vector<MemoryRow>& rows) {
-    for (const MemoryRow& row : rows) {
-        SCOPED_TRACE(row.content);
-        value_pointer value = value_of(codec, row.type, row.content);
-        const std::string printed = print_with(codec.encode, row.type, value.get());
-        uint64_t calls = for_each_failed_allocation([&] {
-            std::string text = print_with(codec.encode, row.type, value.get());
-            EXPECT_EQ(text, allocator_has_failed() ? "-1" : printed);
-        });
-        EXPECT_GT(calls, 0u);
-    }
-}
-
 // ---- damaged texts ----------------------------------------------------------------------------------------
 
 // Changes a byte, takes some out, puts some in, repeats a piece elsewhere, or cuts the end off. What is put
