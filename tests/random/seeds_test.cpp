@@ -60,13 +60,6 @@ TEST(RandomSeeds, ValuesNeverChange) {
     }
 }
 
-const asn1_type_desc* find_type(std::string_view region_name, std::string_view table) {
-    for (const Region& region : all_regions())
-        for (const orlenta_catalogue_entry& entry : region.entries)
-            if (region.name == region_name && entry.table == table) return entry.type;
-    return nullptr;
-}
-
 // What is cut at the limit of levels is legal all the same.
 TEST(RandomSeeds, EndlessValuesPassTheChecker) {
     const asn1_type_desc* type = find_type("EU", "IVIM");

@@ -22,15 +22,6 @@ namespace {
 
 constexpr uint32_t kMessages = 100000;
 
-const asn1_type_desc* find_type(std::string_view region_name, std::string_view name) {
-    for (const Region& region : all_regions()) {
-        for (const orlenta_catalogue_entry& entry : region.entries) {
-            if (region.name == region_name && entry.name == name) return entry.type;
-        }
-    }
-    return nullptr;
-}
-
 void send(const Rule& rule, const asn1_type_desc* type, const void* message) {
     uint8_t* bytes = nullptr;
     int64_t size = rule.encode(&bytes, type, message);

@@ -57,6 +57,15 @@ std::span<const Region> all_regions() {
     return regions;
 }
 
+const asn1_type_desc* find_type(std::string_view region_name, std::string_view name) {
+    for (const Region& region : all_regions()) {
+        for (const orlenta_catalogue_entry& entry : region.entries) {
+            if (region.name == region_name && entry.name == name) return entry.type;
+        }
+    }
+    return nullptr;
+}
+
 std::vector<orlenta_catalogue_entry> roots_of(const Region& region) {
     std::unordered_set<const asn1_type_desc*> referred;
     for (const orlenta_catalogue_entry& entry : region.entries)

@@ -6,6 +6,7 @@
 #include <memory>
 #include <ostream>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "compiler/emit/catalogue_entry.hpp"
@@ -18,6 +19,9 @@ struct Region {
 };
 inline void PrintTo(const Region& region, std::ostream* out) { *out << region.name; }
 std::span<const Region> all_regions();
+
+// The type of that name in the schema; null if there is none, or no such region is built.
+const asn1_type_desc* find_type(std::string_view region_name, std::string_view name);
 
 // The types to which no other one of the region refers: its messages, and what only stands in a module.
 std::vector<orlenta_catalogue_entry> roots_of(const Region& region);
