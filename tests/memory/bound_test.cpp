@@ -115,7 +115,8 @@ TEST(MemoryBound, IsExact) {
 TEST(ScarceMemory, FailedBufferOfOer) {
     const Type type = sequence({{kOctets, "a"}, {sequence({{kBoolean, "b"}}), "c"}});
     value_pointer value = value_of(type, "{a '00112233445566778899AABBCCDDEEFF'H, c {b TRUE}}");
-    for (uint64_t call : {1, 2, 3, 4}) {  // the arrays are the first and the last, the buffer grows in between
+    for (uint64_t call :
+         {1, 2, 3, 4}) {  // the arrays are the first and the last, the buffer grows in between
         uint8_t* out = nullptr;
         asn1_error error = {};
         allocator_fails_from(call);

@@ -20,7 +20,7 @@ extern "C" const char* __asan_default_options() { return "malloc_context_size=2"
 namespace orlenta::test {
 namespace {
 
-constexpr uint32_t kMessages = 100000;
+constexpr uint32_t kMessages = 100000, kParts = 4;
 
 void send(const Rule& rule, const asn1_type_desc* type, const void* message) {
     uint8_t* bytes = nullptr;
@@ -35,10 +35,13 @@ void send(const Rule& rule, const asn1_type_desc* type, const void* message) {
     ASSERT_EQ(asn1_cmp_value(type, message, received), 0);
 }
 
-TEST(CnMessages, ThroughBothFormsOfPer) {
+class CnMessages : public testing::TestWithParam<uint32_t> {};
+INSTANTIATE_TEST_SUITE_P(Parts, CnMessages, testing::Range(0u, kParts));
+
+TEST_P(CnMessages, ThroughBothFormsOfPer) {
     const asn1_type_desc* type = find_type("CN", "MessageFrame");
     if (!type) GTEST_SKIP() << "the CN message set is not built";
-    for (uint32_t i = 0; i < kMessages && !HasFatalFailure(); ++i) {
+    for (uint32_t i = GetParam(); i < kMessages && !HasFatalFailure(); i += kParts) {
         Sample sample = make_sample(type, i * 0x9E3779B9);
         for (const Rule& rule : all_rules()) {
             if (!std::string_view(rule.name).ends_with("PER")) continue;
