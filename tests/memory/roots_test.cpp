@@ -1,7 +1,5 @@
 // Every type that no other refers to, in every binary rule, cut at the lengths that a radio carries: lists that claim as
 // many elements as they can, and good beginnings with ends that go on for ever.
-#include <orlenta/ber.h>
-#include <orlenta/oer.h>
 #include <orlenta/per.h>
 #include <orlenta/random.h>
 
@@ -39,18 +37,14 @@ uint64_t claimable(Type type, int depth = 0) {
     return known[{type, depth}] = bytes;
 }
 
-// A message in UNALIGNED PER or OER, up to a limit. Each list claims as many elements as it can; the components and
+// A message in UNALIGNED PER, up to a limit. Each list claims as many elements as it can; the components and
 // alternatives that lead to lists are there; all else is as short as may be.
 struct Claims {
-    bool is_oer;
     size_t limit;  // bits
     std::vector<bool> bits{};
 
     void put(uint64_t number, uint32_t width) {
         while (width-- > 0) bits.push_back(number >> width & 1);
-    }
-    void put_bits(const uint8_t* data, uint64_t count) {
-        for (uint64_t i = 0; i < count; ++i) bits.push_back(data[i / 8] >> (7 - i % 8) & 1);
     }
     void put_extension_bit(Type type) {
         if (is_extensible(type)) put(0, 1);
@@ -63,19 +57,17 @@ struct Claims {
         for (uint32_t seed = 1; seed < 12; ++seed) {
             Value value(asn1_random(type, seed), {type});
             uint8_t* out = nullptr;
-            int32_t count = 0;
-            int64_t size = is_oer ? asn1_oer_encode(&out, type, value.get())
-                                  : asn1_uper_encode2_ng(&out, type, value.get(), nullptr, &count);
-            if (is_oer) count = static_cast<int32_t>(8 * size);
+            int32_t count = INT32_MAX;
+            int64_t size = asn1_uper_encode2_ng(&out, type, value.get(), nullptr, &count);
             if (size >= 0 && count < least) {
                 least = count;
                 shortest.assign(out, out + size);
             }
             asn1_free(out);
         }
-        // A whole encoding of nothing has an octet all the same.
-        if (kind_of(type) != ASN1_KIND_NULL && least != INT32_MAX)
-            put_bits(shortest.data(), static_cast<uint64_t>(least));
+        if (kind_of(type) == ASN1_KIND_NULL) return;  // a whole encoding of nothing has an octet all the same
+        for (size_t i = 0; i < shortest.size() * 8 && i < static_cast<size_t>(least); ++i)
+            put(shortest[i / 8] >> (7 - i % 8) & 1, 1);
     }
 
     void add_sequence(Type type) {
@@ -89,39 +81,20 @@ struct Claims {
             if (!is_mandatory) put(is_here, 1);
             if (is_here) present.push_back(field_type(field));
         }
-        if (is_oer) bits.resize((bits.size() + 7) / 8 * 8);
         for (Type component : present) add(component);
-    }
-
-    uint64_t claim(const list_layout& list) {
-        if (is_oer) {
-            put(0x04FFFFFFFF, 40);
-            return UINT32_MAX;
-        }
-        if (!list.has_upper || list.upper > 65535) {
-            put(0xC4, 8);
-            return 65536;
-        }
-        put(list.upper - list.lower, static_cast<uint32_t>(std::bit_width(list.upper - list.lower)));
-        return list.upper;
     }
 
     void add_list(Type type) {
         list_layout list = list_of(type);
-        if (!is_oer) put_extension_bit(type);
-        size_t before = bits.size();
-        for (uint64_t left = claim(list); left > 0 && before != bits.size() && before < limit; --left) {
+        bool is_constrained = list.has_upper && list.upper <= 65535;
+        uint32_t range = list.upper - list.lower;
+        put_extension_bit(type);
+        is_constrained ? put(range, static_cast<uint32_t>(std::bit_width(range))) : put(0xC4, 8);
+        size_t before = SIZE_MAX;
+        for (uint32_t left = is_constrained ? list.upper : 65536; left > 0 && before != bits.size(); --left) {
             before = bits.size();
             add(list.element);
         }
-    }
-
-    void put_tag(Type type) {
-        while (tag_of(type) == 0 && kind_of(type) == ASN1_KIND_TAGGED) type = tagged_inner(type);
-        asn1_byte_buffer tag = {};
-        asn1_ber_put_tag(&tag, tag_of(type), 0);
-        put_bits(tag.data, 8 * tag.length);
-        asn1_free(tag.data);
     }
 
     void add_choice(Type type) {
@@ -130,12 +103,8 @@ struct Claims {
         for (uint32_t i = 1; i < choice.root; ++i)
             if (claimable(alternative_type(choice, i)) > claimable(alternative_type(choice, chosen)))
                 chosen = i;
-        if (is_oer) {
-            put_tag(alternative_type(choice, chosen));
-        } else {
-            put_extension_bit(type);
-            put(chosen, static_cast<uint32_t>(std::bit_width(choice.root - 1)));
-        }
+        put_extension_bit(type);
+        put(chosen, static_cast<uint32_t>(std::bit_width(choice.root - 1)));
         add(alternative_type(choice, chosen));
     }
 
@@ -154,8 +123,8 @@ struct Claims {
     }
 };
 
-octets claims(bool is_oer, Type type, size_t size) {
-    Claims claims = {is_oer, 8 * size};
+octets claims(Type type, size_t size) {
+    Claims claims = {8 * size};
     claims.add(type);
     octets input(size);
     for (size_t i = 0; i < std::min(claims.bits.size(), 8 * size); ++i)
@@ -163,29 +132,32 @@ octets claims(bool is_oer, Type type, size_t size) {
     return input;
 }
 
-// The first octets of `good` and, up to `size`, one octet or the last `period` of them again and again.
-octets prolonged(const octets& good, size_t begin, size_t period, uint8_t filling, size_t size) {
+// The first octets of `good` and, up to `size`, some more again and again.
+octets prolonged(const octets& good, size_t begin, const octets& more, size_t size) {
     octets input(good.begin(), good.begin() + static_cast<long>(begin));
-    input.reserve(size);
-    while (input.size() < size) input.push_back(period == 0 ? filling : input[input.size() - period]);
+    while (input.size() < size) input.insert(input.end(), more.begin(), more.end());
+    input.resize(size);
     return input;
 }
 
 std::vector<octets> hostile_inputs(const Rule& rule, Type type, size_t size) {
-    std::vector<octets> inputs = {claims(rule.name[0] == 'O', type, size)};
-    octets good;
+    octets good, oer_count = {0x04, 0xFF, 0xFF, 0xFF, 0xFF};
     if (!is_recursive(type)) {  // whose random values may be of any size
         uint8_t* out = nullptr;
         int64_t length = rule.encode(&out, type, make_sample(type, 3).value.get());
         good.assign(out, out + std::max<int64_t>(length, 0));
         asn1_free(out);
     }
-    for (size_t begin : {size_t{0}, size / 8, size / 3, 2 * size / 3}) {
-        if (begin > good.size()) break;
-        for (uint8_t filling : {0x00, 0x80, 0xC4, 0xFF})
-            inputs.push_back(prolonged(good, begin, 0, filling, size));
+    oer_count.resize(size);
+    std::vector<octets> inputs = {claims(type, size)};
+    for (size_t begin = 0; begin == 0 || begin < std::min(good.size(), size); begin += 1 + begin / 4) {
+        for (const octets& more : {octets{0x00}, octets{0x80}, octets{0xC4}, octets{0xFF}, oer_count})
+            inputs.push_back(prolonged(good, begin, more, size));
         for (size_t period = 1; period <= std::min<size_t>(begin, 12); ++period)
-            inputs.push_back(prolonged(good, begin, period, 0, size));
+            inputs.push_back(prolonged(good, begin,
+                                       octets(good.begin() + static_cast<long>(begin - period),
+                                              good.begin() + static_cast<long>(begin)),
+                                       size));
     }
     return inputs;
 }
