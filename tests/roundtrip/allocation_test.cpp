@@ -168,7 +168,7 @@ TEST_P(Values, OfFailedClonesAreRefused) {
 TEST_P(Values, OfFailedGenerationsCanBeUsed) {
     int in_part = 0;
     for_each_sample(GetParam(), [&](const asn1_type_desc* type, const Sample&, uint32_t seed) {
-        for_some_failed_allocations(kFailures, [&] {
+        for_some_failed_allocations(kFailures / 4, [&] {
             Value value(asn1_random(type, seed), {type});
             bool has_failed = allocator_has_failed();
             EXPECT_TRUE(value ||
