@@ -11,11 +11,6 @@ namespace orlenta::check {
 
 static int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value);
 
-// To be asked where a recursive type passes through.
-static int check_depth(check_state* state) {
-    return has_stack(&state->stack) ? 0 : asn1_check_error(state, "value nested too deeply");
-}
-
 // A DEFAULT component is always stored, and so always checked.
 static int check_sequence(check_state* state, const asn1_type_desc* type, const void* record) {
     const asn1_field* field = components(type);
@@ -31,7 +26,6 @@ static int check_sequence(check_state* state, const asn1_type_desc* type, const 
 }
 
 static int check_list(check_state* state, const asn1_type_desc* type, const void* value) {
-    if (check_depth(state) != 0) return -1;
     list_layout list = list_of(type);
     const asn1_array* array = static_cast<const asn1_array*>(value);
     if (!is_extensible(type) && (array->count < list.lower || array->count > list.upper)) {
@@ -60,23 +54,18 @@ static int check_choice(check_state* state, const asn1_type_desc* type, const vo
     return result;
 }
 
-// Steps behind all tags.
-static int skip_tags(check_state* state, const asn1_type_desc*& type, const void*& value) {
-    while (kind_of(type) == ASN1_KIND_TAGGED) {
-        if (is_indirect(type) && check_depth(state) != 0) return -1;
-        if (!enter_tag(type, value)) return asn1_check_error(state, "value is missing");
-    }
-    return 0;
-}
+static int report_missing(check_state* state) { return asn1_check_error(state, "value is missing"); }
 
 // What an open type holds is not checked, but it must be there.
 static int check_open_value(check_state* state, const asn1_open_value* value) {
-    if (value->type == nullptr || value->data != nullptr) return 0;
-    return asn1_check_error(state, "value is missing");
+    return value->type == nullptr || value->data != nullptr ? 0 : report_missing(state);
 }
 
 static int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value) {
-    if (skip_tags(state, type, value) != 0) return -1;
+    if (!has_stack(&state->stack)) return asn1_check_error(state, "value nested too deeply");
+    while (kind_of(type) == ASN1_KIND_TAGGED) {
+        if (!enter_tag(type, value)) return report_missing(state);
+    }
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET: return check_sequence(state, type, value);

@@ -150,8 +150,7 @@ static int compare_waiting(compare_walk* walk) {
 
 // Takes over a level where the stack runs low; `result` is then the order as far as it is known. False if there is no
 // memory for the list: the caller goes on by recursion, which may still do.
-__attribute__((noinline)) static bool compare_without_stack(compare_walk* walk, const pair_level& level,
-                                                            int* result) {
+ORLENTA_NOINLINE static bool compare_without_stack(compare_walk* walk, const pair_level& level, int* result) {
     if (walk->has_no_memory || !add_waiting(walk, level)) {
         walk->has_no_memory = true;  // from here on: within a recursion nothing may be put off
         return false;
@@ -160,18 +159,15 @@ __attribute__((noinline)) static bool compare_without_stack(compare_walk* walk, 
     return true;
 }
 
-__attribute__((noinline)) static bool compare_components_without_stack(compare_walk* walk,
-                                                                       const asn1_type_desc* desc,
-                                                                       const void* a, const void* b,
-                                                                       int* result) {
+ORLENTA_NOINLINE static bool compare_components_without_stack(compare_walk* walk, const asn1_type_desc* desc,
+                                                              const void* a, const void* b, int* result) {
     const asn1_field* fields = components(desc);
     return compare_without_stack(walk, {a, b, fields, fields + component_count(desc), nullptr, 0, 0}, result);
 }
 
-__attribute__((noinline)) static bool compare_lists_without_stack(compare_walk* walk,
-                                                                  const asn1_type_desc* desc,
-                                                                  const asn1_array* a, const asn1_array* b,
-                                                                  int* result) {
+ORLENTA_NOINLINE static bool compare_lists_without_stack(compare_walk* walk, const asn1_type_desc* desc,
+                                                         const asn1_array* a, const asn1_array* b,
+                                                         int* result) {
     list_layout list = list_of(desc);
     uint64_t count = static_cast<uint32_t>(a->count);
     return compare_without_stack(walk, {a->data, b->data, nullptr, nullptr, list.element, list.stride, count},
@@ -180,8 +176,8 @@ __attribute__((noinline)) static bool compare_lists_without_stack(compare_walk* 
 
 // ---- the walk ---------------------------------------------------------------------------------------------
 
-__attribute__((noinline)) static int compare_components(compare_walk* walk, const asn1_type_desc* desc,
-                                                        const void* a, const void* b) {
+ORLENTA_NOINLINE static int compare_components(compare_walk* walk, const asn1_type_desc* desc, const void* a,
+                                               const void* b) {
     int result;
     if (!has_stack(&walk->stack) && compare_components_without_stack(walk, desc, a, b, &result))
         return result;
@@ -197,8 +193,8 @@ __attribute__((noinline)) static int compare_components(compare_walk* walk, cons
     return 0;
 }
 
-__attribute__((noinline)) static int compare_lists(compare_walk* walk, const asn1_type_desc* desc,
-                                                   const asn1_array* a, const asn1_array* b) {
+ORLENTA_NOINLINE static int compare_lists(compare_walk* walk, const asn1_type_desc* desc, const asn1_array* a,
+                                          const asn1_array* b) {
     int result = order_low32(a->count, b->count);
     if (result != 0) return result;
     if (!has_stack(&walk->stack) && compare_lists_without_stack(walk, desc, a, b, &result)) return result;

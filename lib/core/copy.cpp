@@ -26,8 +26,8 @@ static int check_depth(copy_walk* walk) {
     return -1;
 }
 
-__attribute__((noinline)) static int copy_components(copy_walk* walk, const asn1_type_desc* desc, void* dst,
-                                                     const void* src) {
+ORLENTA_NOINLINE static int copy_components(copy_walk* walk, const asn1_type_desc* desc, void* dst,
+                                            const void* src) {
     const asn1_field* field = components(desc);
     for (const asn1_field* end = field + component_count(desc); field < end; ++field) {
         if (is_presence_flagged(field)) {
@@ -41,8 +41,8 @@ __attribute__((noinline)) static int copy_components(copy_walk* walk, const asn1
     return 0;
 }
 
-__attribute__((noinline)) static int copy_list(copy_walk* walk, const asn1_type_desc* desc, asn1_array* dst,
-                                               const asn1_array* src) {
+ORLENTA_NOINLINE static int copy_list(copy_walk* walk, const asn1_type_desc* desc, asn1_array* dst,
+                                      const asn1_array* src) {
     list_layout list = list_of(desc);
     uint64_t size;
     dst->count = src->count;
@@ -65,15 +65,14 @@ static uint8_t* copy_bytes(const void* src, uint64_t size) {
     return static_cast<uint8_t*>(block);
 }
 
-__attribute__((noinline)) static int copy_bit_string(asn1_bit_string* dst, const asn1_bit_string* src) {
+ORLENTA_NOINLINE static int copy_bit_string(asn1_bit_string* dst, const asn1_bit_string* src) {
     dst->length = src->length;
     dst->data = copy_bytes(src->data, (static_cast<uint64_t>(static_cast<uint32_t>(src->length)) + 7) / 8);
     return dst->data != nullptr ? 0 : -1;
 }
 
 // String lengths are 31-bit quantities here; what is beyond fails like a block that is not to be had.
-__attribute__((noinline)) static int copy_string(asn1_string* dst, const asn1_string* src,
-                                                 uint32_t unit_shift) {
+ORLENTA_NOINLINE static int copy_string(asn1_string* dst, const asn1_string* src, uint32_t unit_shift) {
     int64_t length = static_cast<int32_t>(static_cast<uint32_t>(src->length));
     dst->length = static_cast<uint64_t>(length);
     dst->data = length >= 0 ? copy_bytes(src->data, static_cast<uint64_t>(length) << unit_shift) : nullptr;
@@ -110,15 +109,15 @@ static void* clone_value(copy_walk* walk, const asn1_type_desc* desc, const void
 }
 
 // Memory that is not to be had for the inner copy shows as a null pointer in a copy that succeeded.
-__attribute__((noinline)) static int copy_indirect(copy_walk* walk, const asn1_type_desc* desc, void* dst,
-                                                   const void* src) {
+ORLENTA_NOINLINE static int copy_indirect(copy_walk* walk, const asn1_type_desc* desc, void* dst,
+                                          const void* src) {
     if (check_depth(walk) != 0) return -1;
     store_pointer(dst, clone_value(walk, tagged_inner(desc), load_pointer(src)));
     return walk->is_too_deep ? -1 : 0;
 }
 
-__attribute__((noinline)) static int copy_open_value(copy_walk* walk, asn1_open_value* dst,
-                                                     const asn1_open_value* src) {
+ORLENTA_NOINLINE static int copy_open_value(copy_walk* walk, asn1_open_value* dst,
+                                            const asn1_open_value* src) {
     dst->type = src->type;
     if (src->type != nullptr) {
         if (check_depth(walk) != 0) return -1;

@@ -308,9 +308,12 @@ inline const asn1_type_desc* untagged(const asn1_type_desc* type) {
 
 // Steps behind a tag. False if an indirect one leads nowhere, as in a copy that was made while memory ran out.
 inline bool enter_tag(const asn1_type_desc*& type, const void*& value) {
-    if (is_indirect(type)) value = load_pointer(value);
+    if (is_indirect(type)) {
+        value = load_pointer(value);
+        if (__builtin_expect(value == nullptr, 0)) return false;
+    }
     type = tagged_inner(type);
-    return value != nullptr;
+    return true;
 }
 
 // ---- open types -------------------------------------------------------------------------------------------

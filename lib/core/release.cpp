@@ -68,7 +68,7 @@ static void release_waiting(release_walk* walk) {
 
 // Takes over a block of at least one record where the stack runs low. False if there is no memory for the list: the
 // caller goes on by recursion, which may still do.
-__attribute__((noinline)) static bool release_without_stack(release_walk* walk, const owned_block& block) {
+ORLENTA_NOINLINE static bool release_without_stack(release_walk* walk, const owned_block& block) {
     if (!add_waiting(walk, block)) return false;
     if (!walk->is_waiting) release_waiting(walk);
     return true;
@@ -87,8 +87,8 @@ __attribute__((always_inline)) static inline const asn1_field* find_owner(const 
     return field;
 }
 
-__attribute__((noinline)) static void release_components(release_walk* walk, const asn1_type_desc* desc,
-                                                         void* record) {
+ORLENTA_NOINLINE static void release_components(release_walk* walk, const asn1_type_desc* desc,
+                                                void* record) {
     const asn1_field* field = components(desc);
     const asn1_field* end = field + component_count(desc);
     while ((field = find_owner(field, end, record)) < end) {
@@ -111,8 +111,8 @@ static const asn1_field* release_all_but_last(release_walk* walk, const asn1_typ
 }
 
 // A copy that failed for lack of a block has a count and no block.
-__attribute__((noinline)) static void release_list(release_walk* walk, const asn1_type_desc* desc,
-                                                   const asn1_array* array) {
+ORLENTA_NOINLINE static void release_list(release_walk* walk, const asn1_type_desc* desc,
+                                          const asn1_array* array) {
     list_layout list = list_of(desc);
     if (array->data != nullptr && array->count != 0 && !is_flat(list.element)) {
         if (!has_stack(&walk->stack) &&
@@ -170,8 +170,7 @@ static void* release_to_last_pointer(release_walk* walk, const asn1_type_desc* d
 }
 
 // Releases the block behind a pointer. A chain of such blocks takes no recursion, however long.
-__attribute__((noinline)) static void release_pointed(release_walk* walk, const asn1_type_desc* desc,
-                                                      void* block) {
+ORLENTA_NOINLINE static void release_pointed(release_walk* walk, const asn1_type_desc* desc, void* block) {
     while (block != nullptr) {
         if (!has_stack(&walk->stack) && release_without_stack(walk, {desc, block, 0, 1, 0})) return;
         void* next = release_to_last_pointer(walk, desc, block, &desc);

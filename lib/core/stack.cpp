@@ -32,7 +32,7 @@ static uintptr_t lowest_stack_byte(uintptr_t address) {
     return lowest;
 }
 
-__attribute__((noinline)) bool look_up_stack(stack_guard* guard) {
+ORLENTA_NOINLINE bool look_up_stack(stack_guard* guard) {
     uintptr_t address = stack_address();
     if (!guard->is_known) {
         uintptr_t lowest = lowest_stack_byte(address);

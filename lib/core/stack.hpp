@@ -11,6 +11,9 @@
 #endif
 #endif
 
+// Keeps what needs a frame out of a walk's switch, so that the switch and its leaves do without one.
+#define ORLENTA_NOINLINE __attribute__((noinline))
+
 namespace orlenta {
 
 // Starts out at a small allowance below the walk's entry point, so that an ordinary message costs one comparison a

@@ -5,7 +5,7 @@
 
 namespace orlenta::per {
 
-int check_depth(asn1_per_encoder* encoder) {
+ORLENTA_NOINLINE int check_depth(asn1_per_encoder* encoder) {
     return has_stack(&encoder->stack) ? 0 : asn1_encode_error(encoder, "value nested too deeply");
 }
 
