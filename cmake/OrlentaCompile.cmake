@@ -1,8 +1,9 @@
 # orlenta_add_schema(<target> REGION <name> FILES <module.asn1>...
-#                    [HEADER <name>] [INCLUDE_DIR <folder>] [PARTS <n>] [FIRST_LOCAL <n>] [OBJECT])
+#                    [NAMES short|module] [HEADER <name>] [INCLUDE_DIR <folder>] [PARTS <n>] [FIRST_LOCAL <n>] [OBJECT])
 #
 # Compiles ASN.1 modules with orlentac when the project is built, and makes the library <target> of their tables.
-# All modules of one call share a name space, whose types get the prefix REGION. Link <target> together with
+# All modules of one call share a name space, whose types get the prefix REGION; of types that have one name in several
+# modules each gets its module's name too. Link <target> together with
 # orlenta::orlenta or orlenta::orlenta_static, and include the header for records and descriptors:
 #
 #     find_package(orlenta REQUIRED)
@@ -12,6 +13,7 @@
 #     #include <my.h>         /* asn1_MY_SomeType, asn1_type_MY_SomeType */
 #     #include <my_local.h>   /* asn1_type_MY__local_1: the tables in place, which few programs name */
 #
+#   NAMES        module gives every type its module's name, so that a module added later renames nothing
 #   HEADER       how the header is included; <region in lower case>.h if not given
 #   INCLUDE_DIR  folder that the header goes to, under its name; one of the build tree if not given
 #   PARTS        number of source files that the tables are spread over, for a build on several cores
@@ -38,7 +40,8 @@ function(orlenta_find_compiler command depends)
 endfunction()
 
 function(orlenta_add_schema target)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OBJECT" "REGION;HEADER;INCLUDE_DIR;PARTS;FIRST_LOCAL" "FILES")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OBJECT;SHIPPED_FORMS" "REGION;NAMES;HEADER;INCLUDE_DIR;PARTS;FIRST_LOCAL"
+        "FILES")
     if(NOT arg_REGION OR NOT arg_FILES)
         message(FATAL_ERROR "orlenta_add_schema: REGION and FILES are required")
     endif()
@@ -49,9 +52,10 @@ function(orlenta_add_schema target)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/${target})
     set(header ${region}.h)
     set(include_dir ${folder}/include)
+    set(names short)
     set(parts 1)
     set(first_local 1)
-    foreach(option HEADER INCLUDE_DIR PARTS FIRST_LOCAL)
+    foreach(option NAMES HEADER INCLUDE_DIR PARTS FIRST_LOCAL)
         if(arg_${option})
             string(TOLOWER ${option} variable)
             set(${variable} ${arg_${option}})
@@ -78,10 +82,11 @@ function(orlenta_add_schema target)
     add_custom_command(OUTPUT ${stamp}
         BYPRODUCTS ${sources} ${include_dir}/${header} ${include_dir}/${local_header}
         COMMAND ${orlentac} --region ${arg_REGION} --tables-dir ${folder} --header ${include_dir}/${header}
-            --include-name ${header} --parts ${parts} --first-local ${first_local} ${modules}
+            --include-name ${header} --parts ${parts} --first-local ${first_local} --names ${names}
+            $<$<BOOL:${arg_SHIPPED_FORMS}>:--shipped-forms> ${modules}
         COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
         DEPENDS ${modules} ${depends}
-        COMMENT "Compiling the schema of ${arg_REGION}" VERBATIM)
+        COMMENT "Compiling the schema of ${arg_REGION}" VERBATIM COMMAND_EXPAND_LISTS)
     add_custom_target(${target}_sources DEPENDS ${stamp})
 
     if(arg_OBJECT)

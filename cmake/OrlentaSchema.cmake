@@ -15,7 +15,7 @@ function(orlenta_region name)
     set(target orlenta_tables_${folder})
     orlenta_add_schema(${target} REGION ${name} FILES ${modules}
         HEADER orlenta/${folder}.h INCLUDE_DIR ${PROJECT_BINARY_DIR}/include
-        PARTS ${arg_PARTS} FIRST_LOCAL ${arg_FIRST_LOCAL} OBJECT)
+        PARTS ${arg_PARTS} FIRST_LOCAL ${arg_FIRST_LOCAL} OBJECT SHIPPED_FORMS)
     orlenta_library_options(${target})
     set_property(GLOBAL APPEND PROPERTY ORLENTA_TABLE_OBJECTS ${target})
     orlenta_list_tables(${name} FIRST_LOCAL ${arg_FIRST_LOCAL} FILES ${modules})
@@ -32,7 +32,7 @@ function(orlenta_list_tables name)
     orlenta_find_compiler(orlentac depends)
     set(list ${CMAKE_CURRENT_BINARY_DIR}/${name}_catalogue.cpp)
     add_custom_command(OUTPUT ${list}
-        COMMAND ${orlentac} --region ${name} --list ${list} --first-local ${arg_FIRST_LOCAL} ${arg_FILES}
+        COMMAND ${orlentac} --region ${name} --list ${list} --first-local ${arg_FIRST_LOCAL} --shipped-forms ${arg_FILES}
         COMMAND ${CMAKE_COMMAND} -E touch ${list}
         DEPENDS ${arg_FILES} ${depends}
         COMMENT "Listing the tables of ${name}" VERBATIM)

@@ -6,7 +6,9 @@
 
 namespace orlentac {
 
-bool load_schema(const std::vector<SourceText>& sources, Schema& out, Diagnostics& diags) {
+bool load_schema(const std::vector<SourceText>& sources, const SchemaOptions& options, Schema& out,
+                 Diagnostics& diags) {
+    out.shipped_forms = options.shipped_forms;
     Ast ast;
     for (const SourceText& source : sources) {
         const std::string* name = &out.file_names.emplace_back(source.name);

@@ -14,8 +14,15 @@ struct SourceText {
     std::string text;
 };
 
-// Reads the sources of one region, which share one name space, into an empty `out`. All errors found go into `diags`,
+struct SchemaOptions {
+    // As the message sets that come with the library have it: the items of an ENUMERATED stand in the order of the
+    // text, and a type whose references all have the same tag carries that tag itself.
+    bool shipped_forms = false;
+};
+
+// Reads the sources of one region into an empty `out`. All errors found go into `diags`,
 // sorted by place; the result is true if there is none. If it is false, `out` is not fit for use.
-bool load_schema(const std::vector<SourceText>& sources, Schema& out, Diagnostics& diags);
+bool load_schema(const std::vector<SourceText>& sources, const SchemaOptions& options, Schema& out,
+                 Diagnostics& diags);
 
 }  // namespace orlentac

@@ -30,11 +30,13 @@ constexpr int kSchemaError = 1;
 constexpr int kBadUsage = 2;
 
 struct Options {
+    SchemaOptions schema;
     LayoutOptions layout;
     std::string tables_dir;
     std::string header;
     std::string include_name;
     std::string list;
+    std::string names = "short";
     size_t parts = 1;
     bool summary = false;
     std::vector<std::string> modules;
@@ -83,6 +85,14 @@ void declare_options(CLI::App& app, Options& options) {
            "First number for tables and constants without a name; to be set apart if several regions shall "
            "have different numbers")
         ->capture_default_str();
+    app.add_option(
+           "-n,--names", options.names,
+           "'short' gives a type its module's name only if other modules have a type of that name; 'module' "
+           "always, so that a module added later renames nothing")
+        ->check(CLI::IsMember({"short", "module"}))
+        ->capture_default_str();
+    // As the message sets of the library stand; of no use to others.
+    app.add_flag("--shipped-forms", options.schema.shipped_forms)->group("");
     app.add_flag("-s,--summary", options.summary, "Print how many tables there are of each sort and kind");
     app.add_option("modules", options.modules, "ASN.1 files")->required();
     app.footer(kExamples);
@@ -188,11 +198,13 @@ int run(const Options& options) {
     Diagnostics diags;
     Layout layout;
     std::vector<SourceText> sources;
-    if (!read_sources(options.modules, sources, diags) || !load_schema(sources, schema, diags) ||
+    if (!read_sources(options.modules, sources, diags) ||
+        !load_schema(sources, options.schema, schema, diags) ||
         !make_layout(schema, options.layout, layout, diags)) {
         std::cerr << errors_text(diags);
         return kSchemaError;
     }
+    std::cerr << notes_text(diags);
     std::string problem;
     if (!write_files(output_files(layout, options), problem)) {
         std::cerr << "orlentac: " << problem << "\n";
@@ -213,5 +225,6 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : kBadUsage;
     }
+    options.layout.module_names = options.names == "module";
     return run(options);
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "compiler/layout/names.hpp"
 #include "compiler/layout/records.hpp"
 
 namespace orlentac {

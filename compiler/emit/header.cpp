@@ -9,6 +9,7 @@
 #include <unordered_set>
 
 #include "compiler/emit/c_types.hpp"
+#include "compiler/layout/names.hpp"
 #include "compiler/layout/records.hpp"
 
 namespace orlentac {
@@ -159,6 +160,14 @@ void put_struct(Writer& writer, const Table& table) {
     put(writer, "}};\n\n");
 }
 
+// Names that stand for others come behind those.
+void put_tagged_name(Writer& writer, const Table& table) {
+    if (!writer.defined.insert(&table).second) return;
+    const Table& inner = unwrapped(*table.parts[0].table);
+    if (inner.kind == ASN1_KIND_TAGGED) put_tagged_name(writer, inner);
+    put(writer, "typedef {} {};\n", value_type(*table.parts[0].table), record_name(table));
+}
+
 void put_records(Writer& writer) {
     const std::vector<const Table*>& tables = writer.layout.tables;
     put_section(writer, "simple types");
@@ -171,12 +180,10 @@ void put_records(Writer& writer) {
         if (has_record(*table) && is_struct(*table))
             put(writer, "typedef struct {0} {0};\n", record_name(*table));
     for (const Table* table : tables)
-        if (has_record(*table) && table->kind == ASN1_KIND_TAGGED)
-            put(writer, "typedef {} {};\n", value_type(*table->parts[0].table), record_name(*table));
+        if (has_record(*table) && table->kind == ASN1_KIND_TAGGED) put_tagged_name(writer, *table);
 
     for (const Alias& alias : writer.layout.aliases)
-        put(writer, "typedef {} asn1_{}_{};\n", record_name(*alias.table), writer.layout.region,
-            c_name(alias.name));
+        put(writer, "typedef {} asn1_{}_{};\n", record_name(*alias.table), writer.layout.region, alias.name);
 
     put_section(writer, "records");
     for (const Table* table : tables)
@@ -200,7 +207,7 @@ void put_alias_descriptors(Writer& writer) {
     if (writer.layout.aliases.empty()) return;
     put_section(writer, "descriptors that other names stand for");
     for (const Alias& alias : writer.layout.aliases)
-        put(writer, "#define asn1_type_{}_{} asn1_type_{}\n", writer.layout.region, c_name(alias.name),
+        put(writer, "#define asn1_type_{}_{} asn1_type_{}\n", writer.layout.region, alias.name,
             alias.table->symbol);
 }
 
@@ -281,8 +288,7 @@ std::string emit_header(const Layout& layout, const std::string& header) {
     Writer writer = {layout, {}, {}, {}};
     for (const Table* table : layout.tables)
         if (has_record(*table)) writer.names.insert(record_name(*table));
-    for (const Alias& alias : layout.aliases)
-        writer.names.insert("asn1_" + layout.region + "_" + c_name(alias.name));
+    for (const Alias& alias : layout.aliases) writer.names.insert("asn1_" + layout.region + "_" + alias.name);
     std::string guard = guard_of(header);
     put_manual(writer, header);
     put(writer,

@@ -14,11 +14,13 @@
 namespace orlentac {
 
 struct Builder {
+    const Schema& schema;
     Layout& out;
     Diagnostics& diags;
     References references;
     Records records;
     uint32_t next_local;
+    std::unordered_map<const void*, std::string> names;  // of types and classes in C, behind the region
     std::unordered_map<const NamedType*, Table*> named;
     std::unordered_map<const ObjectClass*, Table*> classes;
     std::unordered_map<std::string, int> nested_count;  // by enclosing type
@@ -28,21 +30,14 @@ struct Builder {
 
 // ---- layout.cpp: which table a reference means ------------------------------------------------------------
 
-// The descriptor of a component or alternative with the automatic tag `tag`. `in_place` makes even a referred type a
-// descriptor of its own.
-const Table* part_table(Builder& builder, const Type& type, uint32_t tag, bool in_place = false);
-// The descriptor of what has no automatic tag: elements, contained types, object set rows, class fields. Null for
-// null.
-const Table* plain_table(Builder& builder, const Type* type);
+// The descriptor of a component, an alternative, an element or the like, with its tags; null for null. `in_place` makes
+// even a referred type a descriptor of its own.
+const Table* type_table(Builder& builder, const Type* type, bool in_place = false);
 
 // ---- table_words.cpp: the words of a table ----------------------------------------------------------------
 
-// Class and number of the context tag, and of the universal tag of a type; 0 for a CHOICE or an open type.
-uint32_t context_tag(uint32_t number);
-uint32_t universal_tag(const Type& type);
-
-// Fill an empty table, whose name is set if it has one. `tag` is the one that stands in word 0; a TAGGED has a context
-// tag, and `type` says what it holds, as `inner` may not be filled yet.
+// Fill an empty table, whose name is set if it has one. `tag` is the one that stands in word 0; `type` says what a
+// TAGGED holds, as `inner` may not be filled yet.
 void fill_table(Builder& builder, Table& table, const Type& type, uint32_t tag);
 void fill_tagged(Table& table, const Table* inner, const Type& type, uint32_t flags, uint32_t tag);
 void fill_class(Builder& builder, Table& table, const ObjectClass& object_class);

@@ -54,9 +54,9 @@ struct Table {
     std::vector<const Object*> objects;  // constants of this table alone, each before those that point at it
 };
 
-// Another name of a type, for which no component or alternative has a use.
+// Another name of a type.
 struct Alias {
-    std::string name;
+    std::string name;  // in C, behind the region
     const Table* table = nullptr;
 };
 
@@ -71,7 +71,8 @@ struct Layout {
 
 struct LayoutOptions {
     std::string region;
-    uint32_t first_local = 1;  // the first number that an anonymous table or a constant gets
+    uint32_t first_local = 1;   // the first number that an anonymous table or a constant gets
+    bool module_names = false;  // every type has its module's name before its own
 };
 
 // False, with errors in `diags`, if something does not fit the format.
@@ -89,8 +90,5 @@ uint64_t record_size(const Table& table);
 uint64_t stride(const Table& table);
 // CHOICE.
 uint64_t payload_offset(const Table& table);
-
-// A schema name as part of a C identifier.
-std::string c_name(const std::string& schema_name);
 
 }  // namespace orlentac

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "compiler/model/tags.hpp"
+
 namespace orlentac {
 
 namespace {
@@ -34,8 +36,10 @@ bool is_big_integer(const Type& type) {
 
 bool default_fits(const Component& component) {
     if (component.presence != Presence::defaulted) return false;
-    Kind kind = resolved(component.type)->kind;
-    return kind == Kind::boolean || kind == Kind::enumerated || kind == Kind::integer;
+    const Type& type = *resolved(component.type);
+    // A big default must be that of the component's own descriptor, with no tag before it.
+    if (type.kind == Kind::integer) return !is_big_integer(type) || wire_tags(*component.type).size() == 1;
+    return type.kind == Kind::boolean || type.kind == Kind::enumerated;
 }
 
 bool has_presence_word(const Component& component) {

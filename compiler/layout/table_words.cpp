@@ -4,34 +4,6 @@
 
 namespace orlentac {
 
-uint32_t context_tag(uint32_t number) { return UINT32_C(2) << ASN1_TAG_CLASS_SHIFT | number; }
-
-// X.680 clause 8.6, table 1.
-uint32_t universal_tag(const Type& type) {
-    static constexpr uint32_t kStringTags[] = {18, 19, 26, 22, 30, 28, 12, 27, 25, 20, 21};
-    if (type.universal_tag) return *type.universal_tag;
-    switch (type.kind) {
-        case Kind::sequence:
-        case Kind::sequence_of: return 16;
-        case Kind::set:
-        case Kind::set_of: return 17;
-        case Kind::integer: return 2;
-        case Kind::boolean: return 1;
-        case Kind::bit_string: return 3;
-        case Kind::octet_string: return 4;
-        case Kind::enumerated: return 10;
-        case Kind::null: return 5;
-        case Kind::object_identifier: return 6;
-        case Kind::relative_oid: return 13;
-        case Kind::real: return 9;
-        case Kind::char_string: return kStringTags[static_cast<int>(type.string_kind)];
-        case Kind::choice:
-        case Kind::open_type:
-        case Kind::reference: break;
-    }
-    return 0;
-}
-
 namespace {
 
 // ---- words ------------------------------------------------------------------------------------------------
@@ -117,12 +89,11 @@ Word default_word(Builder& builder, Table& table, const Component& component) {
     return object_word(add_number(builder, table, value.number, type));
 }
 
-void add_component(Builder& builder, Table& table, const Component& component, const Slot& slot,
-                   uint32_t tag) {
+void add_component(Builder& builder, Table& table, const Component& component, const Slot& slot) {
     bool has_default = default_fits(component);
     // A runtime that sets a big default looks at the component's own descriptor, so a tag must not stand before it.
     bool big_default = has_default && extent_of(builder.records, *component.type).size > 4;
-    Part part = {component.name, component.type, part_table(builder, *component.type, tag, big_default)};
+    Part part = {component.name, component.type, type_table(builder, component.type, big_default)};
     part.offset_word = table.words.size();
     part.extra_word = table.words.size() + 2;
     part.has_presence = slot.presence.has_value();
@@ -149,7 +120,7 @@ void add_sequence(Builder& builder, Table& table, const Type& type) {
     table.words.push_back(number_word(type.components.size()));
     table.words.push_back(number_word(record.extent.size));
     for (size_t i = 0; i < type.components.size(); i++)
-        add_component(builder, table, type.components[i], record.slots[i], static_cast<uint32_t>(i));
+        add_component(builder, table, type.components[i], record.slots[i]);
     add_name(table);
 }
 
@@ -166,9 +137,8 @@ void add_choice(Builder& builder, Table& table, const Type& type) {
     table.words.push_back(number_word(record.extent.size));
     table.words.push_back(number_word(0));
     table.words.push_back(number_word(record.payload));
-    uint32_t tag = 0;
     for (const Alternative& alternative : type.alternatives) {
-        Part part = {alternative.name, alternative.type, part_table(builder, *alternative.type, tag++)};
+        Part part = {alternative.name, alternative.type, type_table(builder, alternative.type)};
         table.words.push_back(table_word(part.table));
         table.words.push_back(text_word(alternative.name));
         table.parts.push_back(std::move(part));
@@ -189,7 +159,7 @@ void add_size(Builder& builder, Table& table, const Type& type) {
 }
 
 void add_list(Builder& builder, Table& table, const Type& type) {
-    Part part = {type.element_name, type.element, plain_table(builder, type.element)};
+    Part part = {type.element_name, type.element, type_table(builder, type.element)};
     add_size(builder, table, type);
     table.words.push_back(number_word(extent_of(builder.records, *type.element).size));
     table.words.push_back(table_word(part.table));
@@ -210,7 +180,7 @@ void add_integer(Builder& builder, Table& table, const Type& type) {
 }
 
 void add_octets_or_bits(Builder& builder, Table& table, const Type& type) {
-    const Table* contained = type.contained ? plain_table(builder, type.contained) : nullptr;
+    const Table* contained = type.contained ? type_table(builder, type.contained) : nullptr;
     add_size(builder, table, type);
     add_name(table);
     if (!contained) return;
@@ -281,7 +251,7 @@ void add_enumerated(Builder& builder, Table& table, const Type& type) {
 // ---- open types -------------------------------------------------------------------------------------------
 
 Word row_word(Builder& builder, Table& table, const RowEntry& entry, const ClassField& field) {
-    if (field.is_type_field) return table_or_zero(plain_table(builder, entry.type));
+    if (field.is_type_field) return table_or_zero(type_table(builder, entry.type));
     if (!entry.value) return number_word(0);
     return object_word(add_value(builder, table, *entry.value, *resolved(field.type)));
 }
@@ -369,13 +339,11 @@ void fill_table(Builder& builder, Table& table, const Type& type, uint32_t tag) 
 }
 
 void fill_tagged(Table& table, const Table* inner, const Type& type, uint32_t flags, uint32_t tag) {
-    const Type& held = *resolved(&type);
     table.type = &type;
     table.kind = ASN1_KIND_TAGGED;
-    flags |=
-        flag_if(is_untagged(held), ASN1_WORD0_EXPLICIT) | flag_if(!table.name.empty(), ASN1_WORD0_HAS_NAME);
-    table.words = {word0_of(ASN1_KIND_TAGGED, flags, context_tag(tag)), table_word(inner)};
-    table.parts = {{"", &held, inner}};
+    flags |= flag_if(!table.name.empty(), ASN1_WORD0_HAS_NAME);
+    table.words = {word0_of(ASN1_KIND_TAGGED, flags, tag), table_word(inner)};
+    table.parts = {{"", resolved(&type), inner}};
     add_name(table);
 }
 
@@ -384,7 +352,7 @@ void fill_class(Builder& builder, Table& table, const ObjectClass& object_class)
     table.words.push_back(word0_of(ASN1_KIND_OBJECT_CLASS, ASN1_WORD0_HAS_NAME, 0));
     table.words.push_back(number_word(object_class.fields.size()));
     for (const ClassField& field : object_class.fields) {
-        const Table* type = plain_table(builder, field.type);
+        const Table* type = type_table(builder, field.type);
         const Object* value = field.default_value
                                   ? add_value(builder, table, *field.default_value, *resolved(field.type))
                                   : nullptr;

@@ -30,20 +30,25 @@ std::string place_text(Place place, bool with_file) {
     return with_file && place.file ? *place.file + ":" + text : text;
 }
 
+static std::string line_text(const Diagnostic& told, const char* sort) {
+    std::string place = told.place.line > 0 ? place_text(told.place) + ": "
+                        : told.place.file   ? *told.place.file + ": "
+                                            : "";
+    return fmt::format("{}{}: {}\n", place, sort, told.text);
+}
+
 std::string errors_text(const Diagnostics& diags, size_t limit) {
     std::string text;
     size_t shown = std::min(limit, diags.errors.size());
-    for (size_t i = 0; i < shown; i++) {
-        const Diagnostic& error = diags.errors[i];
-        if (error.place.line > 0) {
-            text += place_text(error.place) + ": ";
-        } else if (error.place.file) {
-            text += *error.place.file + ": ";
-        }
-        text += "error: " + error.text + "\n";
-    }
+    for (size_t i = 0; i < shown; i++) text += line_text(diags.errors[i], "error");
     if (shown < diags.errors.size())
         text += fmt::format("... and {} more errors\n", diags.errors.size() - shown);
+    return text;
+}
+
+std::string notes_text(const Diagnostics& diags) {
+    std::string text;
+    for (const Diagnostic& note : diags.notes) text += line_text(note, "note");
     return text;
 }
 

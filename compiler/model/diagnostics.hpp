@@ -17,6 +17,7 @@ struct Diagnostic {
 
 struct Diagnostics {
     std::vector<Diagnostic> errors;
+    std::vector<Diagnostic> notes;          // what users should know of a schema that compiles
     std::vector<const std::string*> files;  // order of the files given, by which errors are sorted
 };
 
@@ -27,6 +28,11 @@ void error(Diagnostics& diags, Place place, fmt::format_string<Args...> format, 
     add_error(diags, place, fmt::format(format, std::forward<Args>(args)...));
 }
 
+template <typename... Args>
+void note(Diagnostics& diags, Place place, fmt::format_string<Args...> format, Args&&... args) {
+    diags.notes.push_back({place, fmt::format(format, std::forward<Args>(args)...)});
+}
+
 // By file, line and column; of equal errors at one place one is kept.
 void sort_errors(Diagnostics& diags);
 
@@ -35,5 +41,6 @@ std::string place_text(Place place, bool with_file = true);
 
 // One line an error, "file:line:column: error: text", and a count of those beyond the limit.
 std::string errors_text(const Diagnostics& diags, size_t limit = 200);
+std::string notes_text(const Diagnostics& diags);
 
 }  // namespace orlentac

@@ -80,6 +80,15 @@ struct Type;
 struct NamedType;
 struct ObjectClass;
 
+// A tag, X.680 clause 31.
+struct Tag {
+    uint32_t word = 0;  // class and number, as in a descriptor
+    bool is_explicit = false;
+    bool is_automatic = false;  // given by AUTOMATIC TAGS
+    bool on_parameter = false;  // stands directly before a dummy reference
+    Place place;
+};
+
 // A resolved DEFAULT or object-set value; `enumerated` and identifiers are resolved to the item's index.
 struct Value {
     // constructed: of a SEQUENCE, SET, CHOICE, a list or an open type; known by its text alone
@@ -106,7 +115,7 @@ struct Value {
 
 enum class Presence { mandatory, optional, defaulted };
 
-// A component of a SEQUENCE or SET: those of the root first, then the additions. Component i has the tag context i.
+// A component of a SEQUENCE or SET: those of the root first, then the additions.
 struct Component {
     std::string name;
     Type* type = nullptr;
@@ -121,7 +130,7 @@ struct Component {
 struct Alternative {
     std::string name;
     Type* type = nullptr;
-    bool addition = false;  // behind the extension marker; root alternatives come first in the list
+    bool addition = false;  // behind the extension marker; root alternatives come first, in canonical order
     Place place;
 };
 
@@ -142,6 +151,7 @@ struct ClassField {
 
 struct ObjectClass {
     std::string name;
+    std::string module;
     std::vector<ClassField> fields;
     Place place;
 };
@@ -174,6 +184,10 @@ struct TableConstraint {
 struct Type {
     Kind kind = Kind::null;
     Place place;
+
+    // Before the kind's own tag, or before those of the type referred to: outermost first, automatic ones among them.
+    // When all is resolved, only the innermost can be implicit.
+    std::vector<Tag> tags;
 
     NamedType* target =
         nullptr;  // reference (never carries constraints: a constrained reference is resolved into
@@ -211,7 +225,8 @@ struct NamedType {
     Type* type = nullptr;
     bool is_instance = false;  // a numbered instance of a parameterised type: exported as name_k
     bool is_alias =
-        false;  // `type` is a plain reference: Name ::= OtherName, without a constraint that leaves a trace
+        false;  // `type` is a plain reference: Name ::= OtherName, without a tag or a constraint that
+                // leaves a trace
     Place place;
 };
 
@@ -222,8 +237,9 @@ struct ValueAssignment {
     Place place;
 };
 
-// One region: a flat name space of several modules, in the order in which the files were given.
+// One region: several modules, in the order in which the files were given.
 struct Schema {
+    bool shipped_forms = false;  // see SchemaOptions
     std::vector<std::string> modules;
     std::vector<NamedType*> types;      // schema order: file order, then source order
     std::vector<NamedType*> instances;  // of parameterised types, in order of first use

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "compiler/model/tags.hpp"
+
 namespace orlentac {
 
 const NamedType* real_type(const NamedType* type) {
@@ -16,7 +18,11 @@ const Type* resolved(const Type* type) {
 
 bool is_list(const Type& type) { return type.kind == Kind::sequence_of || type.kind == Kind::set_of; }
 
-bool is_untagged(const Type& type) { return type.kind == Kind::choice || type.kind == Kind::open_type; }
+// The type whose record a value of `type` has: behind aliases, and behind names that add a tag alone.
+static const NamedType* record_type(const NamedType* type) {
+    while (type->type->kind == Kind::reference) type = type->type->target;
+    return type;
+}
 
 namespace {
 
@@ -33,29 +39,27 @@ struct Finder {
 
 void collect(Finder& finder, const Type& type);
 
-void collect_tagged(Finder& finder, const Type& type, uint32_t tag) {
-    if (type.kind != Kind::reference) return collect(finder, type);
-    finder.uses[type.target].tags.push_back(tag);
-    if (type.target->is_alias) finder.uses[real_type(type.target)].untagged = true;
-}
-
-void collect_untagged(Finder& finder, const Type* type) {
+// A component, an alternative, or anything else that a type is made of.
+void collect_part(Finder& finder, const Type* type) {
     if (!type) return;
     if (type->kind != Kind::reference) return collect(finder, *type);
-    finder.uses[real_type(type->target)].untagged = true;
+    if (type->tags.empty()) {
+        finder.uses[real_type(type->target)].untagged = true;
+        return;
+    }
+    finder.uses[type->target].tags.push_back(type->tags[0].word);
+    if (type->target->is_alias) finder.uses[real_type(type->target)].untagged = true;
 }
 
 // Counts what the parts of a type refer to; a reference itself is counted by the part that holds it.
 void collect(Finder& finder, const Type& type) {
-    uint32_t tag = 0;
-    for (const Component& component : type.components) collect_tagged(finder, *component.type, tag++);
-    tag = 0;
-    for (const Alternative& alternative : type.alternatives) collect_tagged(finder, *alternative.type, tag++);
-    collect_untagged(finder, type.element);
-    collect_untagged(finder, type.contained);
+    for (const Component& component : type.components) collect_part(finder, component.type);
+    for (const Alternative& alternative : type.alternatives) collect_part(finder, alternative.type);
+    collect_part(finder, type.element);
+    collect_part(finder, type.contained);
     if (!type.table) return;
     for (const auto& row : type.table->object_set->rows)
-        for (const RowEntry& entry : row) collect_untagged(finder, entry.type);
+        for (const RowEntry& entry : row) collect_part(finder, entry.type);
 }
 
 void walk_named(Finder& finder, const NamedType* type);
@@ -65,7 +69,7 @@ void walk(Finder& finder, const Type& type);
 // type is a list: the record of a list holds its elements apart anyway.
 void walk_part(Finder& finder, const Type& type) {
     if (type.kind != Kind::reference) return walk(finder, type);
-    const NamedType* target = real_type(type.target);
+    const NamedType* target = record_type(type.target);
     if (!finder.active.contains(target)) return walk_named(finder, target);
     if (is_list(*target->type)) return;
     finder.out.indirect.insert(&type);
@@ -77,7 +81,7 @@ void walk(Finder& finder, const Type& type) {
     for (const Alternative& alternative : type.alternatives) walk_part(finder, *alternative.type);
     if (!type.element) return;
     if (type.element->kind != Kind::reference) return walk(finder, *type.element);
-    const NamedType* target = real_type(type.element->target);
+    const NamedType* target = record_type(type.element->target);
     if (!finder.active.contains(target)) walk_named(finder, target);
 }
 
@@ -115,10 +119,10 @@ void fold_tags(Finder& finder) {
 References find_references(const Schema& schema) {
     Finder finder;
     for (const NamedType* type : schema.types)
-        if (!type->is_alias) collect(finder, *type->type);
-    for (const NamedType* type : schema.instances) collect(finder, *type->type);
+        if (!type->is_alias) collect_part(finder, type->type);
+    for (const NamedType* type : schema.instances) collect_part(finder, type->type);
     for (const ObjectClass* object_class : schema.classes)
-        for (const ClassField& field : object_class->fields) collect_untagged(finder, field.type);
+        for (const ClassField& field : object_class->fields) collect_part(finder, field.type);
 
     for (const NamedType* type : schema.types)
         if (!type->is_alias && !finder.uses.contains(type)) finder.out.roots.push_back(type);
@@ -127,7 +131,7 @@ References find_references(const Schema& schema) {
         if (!type->is_alias) walk_named(finder, type);
     for (const NamedType* type : schema.instances) walk_named(finder, type);
 
-    fold_tags(finder);
+    if (schema.shipped_forms) fold_tags(finder);
     return finder.out;
 }
 

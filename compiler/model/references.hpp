@@ -11,10 +11,10 @@
 namespace orlentac {
 
 struct References {
-    // The context tag that stands in the named type's own descriptor, as all its references agree on it. An alias
-    // that a component or alternative refers to is always here: its descriptor is nothing but that tag.
+    // In shipped forms alone: the tag that stands in the named type's own descriptor, as all its references agree on
+    // it. An alias that a component or alternative refers to is always here: its descriptor is nothing but that tag.
     std::unordered_map<const NamedType*, uint32_t> folded;
-    // Alternatives in place that have their tag in a wrapper nevertheless: simple ones with bounds, in a CHOICE that
+    // In shipped forms alone: alternatives in place that have their tag in a wrapper nevertheless: simple ones with bounds, in a CHOICE that
     // is itself reached through wrappers, for its references have different tags.
     std::unordered_set<const Type*> wrapped;
     // Components and alternatives that hold their value through a pointer, for they lead back into a type around them.
@@ -30,7 +30,5 @@ const NamedType* real_type(const NamedType* type);
 // The type behind references.
 const Type* resolved(const Type* type);
 bool is_list(const Type& type);
-// Whether a tag on the type is explicit: the type has no tag of its own that the new one could replace.
-bool is_untagged(const Type& type);
 
 }  // namespace orlentac

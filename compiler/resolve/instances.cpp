@@ -29,7 +29,8 @@ std::string actual_key(const Resolver& resolver, TokenRange tokens, const Scope&
         AstReference reference;
         reference.name = first->text;
         Meaning meaning = peek_name(resolver, scope, reference);
-        return meaning.binding ? meaning.binding->key : first->text;
+        if (meaning.binding) return meaning.binding->key;
+        return meaning.module ? meaning.module->ast->name + "." + first->text : first->text;
     }
     return first == last ? "" : place_text(first->place) + (scope.key.empty() ? "" : "<" + scope.key + ">");
 }
@@ -110,7 +111,8 @@ Type* resolve_instance(Resolver& resolver, const AstType& ast, const Scope& scop
         type = resolve_type(resolver, body, *inner);
     } else {
         type = new_type(resolver, Kind::reference, ast.place);
-        NamedType*& open = resolver.open_instances[meaning.assignment->name + "{" + inner->key + "}"];
+        std::pair key(meaning.assignment, inner->key);
+        NamedType*& open = resolver.open_instances[key];
         if (open) {
             type->target = open;  // an instance within itself
         } else {
@@ -122,7 +124,7 @@ Type* resolve_instance(Resolver& resolver, const AstType& ast, const Scope& scop
             resolver.schema.instances.push_back(&instance);
             open = type->target = &instance;
             instance.type = resolve_type(resolver, body, *inner);
-            resolver.open_instances.erase(meaning.assignment->name + "{" + inner->key + "}");
+            resolver.open_instances.erase(key);
         }
     }
     std::swap(enclosing, resolver.enclosing);

@@ -11,14 +11,13 @@ namespace {
 void declare_assignments(Resolver& resolver, ModuleNames& names) {
     for (const AstAssignment* assignment : names.ast->assignments) {
         if (assignment->name.empty()) continue;
-        auto [known, fresh] =
-            resolver.region_names.try_emplace(assignment->name, Meaning{assignment, &names});
+        auto [known, fresh] = names.own.try_emplace(assignment->name, assignment);
         if (!fresh) {
-            const Meaning& first = known->second;
-            error(resolver.diags, assignment->place, "'{}' is defined already, in module '{}' at {}",
-                  assignment->name, first.module->ast->name, place_text(first.assignment->place));
+            error(resolver.diags, assignment->place, "'{}' is defined already, at {}", assignment->name,
+                  place_text(known->second->place, false));
+            continue;
         }
-        names.own.try_emplace(assignment->name, assignment);
+        resolver.region_names[assignment->name].push_back(&names);
     }
 }
 
@@ -28,10 +27,6 @@ void declare_module(Resolver& resolver, const AstModule& module) {
     names.scope.module = &names;
     if (!resolver.module_names.try_emplace(module.name, &names).second) {
         error(resolver.diags, module.place, "the module '{}' is defined already", module.name);
-    }
-    if (module.tags != "AUTOMATIC" && !module.name.empty()) {
-        error(resolver.diags, module.tags_place, "expected AUTOMATIC TAGS, found {}",
-              module.tags.empty() ? "no tagging environment" : module.tags + " TAGS");
     }
     declare_assignments(resolver, names);
 }
@@ -65,11 +60,23 @@ Meaning find_exported(const Resolver& resolver, const std::string& module, const
     return {};
 }
 
+// "module 'A'", "modules 'A' and 'B'": those that define the name; empty if none does.
+std::string definers(const Resolver& resolver, const std::string& name) {
+    auto known = resolver.region_names.find(name);
+    if (known == resolver.region_names.end()) return "";
+    const std::vector<const ModuleNames*>& modules = known->second;
+    std::string text = modules.size() == 1 ? "module " : "modules ";
+    for (size_t i = 0; i < modules.size(); i++) {
+        if (i > 0) text += i + 1 < modules.size() ? ", " : " and ";
+        text += "'" + modules[i]->ast->name + "'";
+    }
+    return text;
+}
+
 std::string defined_elsewhere(const Resolver& resolver, const std::string& name) {
     auto known = resolver.region_names.find(name);
-    return known == resolver.region_names.end()
-               ? ""
-               : fmt::format("; module '{}' does", known->second.module->ast->name);
+    if (known == resolver.region_names.end()) return "";
+    return fmt::format("; {} {}", definers(resolver, name), known->second.size() == 1 ? "does" : "do");
 }
 
 void import_symbol(Resolver& resolver, ModuleNames& names, const AstImport& import, const AstSymbol& symbol) {
@@ -122,12 +129,12 @@ size_t distance(const std::string& a, const std::string& b) {
 std::string hint(const Resolver& resolver, const std::string& name) {
     auto known = resolver.region_names.find(name);
     if (known != resolver.region_names.end()) {
-        return fmt::format("; module '{}' defines it, but it is not imported",
-                           known->second.module->ast->name);
+        return fmt::format("; {} {} it, but it is not imported", definers(resolver, name),
+                           known->second.size() == 1 ? "defines" : "define");
     }
     const std::string* best = nullptr;
     size_t best_distance = name.size() < 4 ? 1 : name.size() < 8 ? 2 : 3;
-    for (const auto& [other, meaning] : resolver.region_names) {
+    for (const auto& [other, modules] : resolver.region_names) {
         if (std::isupper(other[0]) != std::isupper(name[0])) continue;
         size_t gap = other.size() > name.size() ? other.size() - name.size() : name.size() - other.size();
         if (gap >= best_distance) continue;

@@ -44,7 +44,7 @@ const ClassInfo* search_class(Resolver& resolver, const Scope& scope, const AstR
         if (meaning.assignment->sort == AstAssignment::Sort::type) alias = meaning.assignment->type;
     }
     bool plain = alias && alias->sort == AstType::Sort::reference && !alias->reference.has_actuals &&
-                 alias->constraints.empty() && !alias->tag;
+                 alias->constraints.empty() && alias->tags.empty();
     if (!plain || depth > kMaxAliases) return nullptr;
     return search_class(resolver, scope_of(meaning), alias->reference, depth + 1);
 }
@@ -333,6 +333,7 @@ void declare_classes(Resolver& resolver) {
             if (assignment->sort != AstAssignment::Sort::object_class) continue;
             ObjectClass& object_class = resolver.schema.class_pool.emplace_back();
             object_class.name = assignment->name;
+            object_class.module = names.ast->name;
             object_class.place = assignment->place;
             resolver.schema.classes.push_back(&object_class);
             resolver.classes[assignment] = {&object_class, assignment->object_class, &names.scope};

@@ -81,7 +81,7 @@ void resolve_named(Resolver& resolver, const AstAssignment& assignment, const Sc
         inner = bound;
     }
     named.type = resolve_type(resolver, *body, *inner);
-    named.is_alias = named.type->kind == Kind::reference;
+    named.is_alias = named.type->kind == Kind::reference && named.type->tags.empty();
 }
 
 void resolve_value_or_set(Resolver& resolver, const AstAssignment& assignment, const ModuleNames& names) {
@@ -126,6 +126,8 @@ void resolve(Resolver& resolver) {
             }
         }
     }
+    if (resolver.diags.errors.empty())
+        settle_tags(resolver);  // else types are broken, and faults would follow
     resolve_tables(resolver);
     check_finite(resolver);
     for (const auto& check : resolver.later) check();

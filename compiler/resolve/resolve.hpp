@@ -77,7 +77,7 @@ struct Resolver {
     Diagnostics& diags;
     std::deque<ModuleNames> modules = {};
     std::unordered_map<std::string, ModuleNames*> module_names = {};
-    std::unordered_map<std::string, Meaning> region_names = {};  // the flat name space
+    std::unordered_map<std::string, std::vector<const ModuleNames*>> region_names = {};  // who defines a name
     std::deque<Scope> scopes = {};
     std::deque<Binding> bindings = {};
 
@@ -85,7 +85,7 @@ struct Resolver {
     std::unordered_map<const AstAssignment*, ClassInfo> classes = {};
     std::unordered_map<const ObjectClass*, const ClassInfo*> class_infos = {};
     std::unordered_map<const AstAssignment*, ObjectSet*> sets = {};
-    std::unordered_map<std::string, NamedType*> open_instances = {};  // those being resolved, by key
+    std::map<std::pair<const AstAssignment*, std::string>, NamedType*> open_instances = {};  // being resolved
     std::unordered_set<const void*> busy = {};  // guards against values and sets of themselves
     std::set<std::pair<const AstType*, const Scope*>> copying = {};  // and against copies within themselves
     bool endless = false;  // an instance was found to go on for ever
@@ -135,14 +135,27 @@ bool is_open_field(const AstType& type);
 Kind base_kind(const Base& base);
 const Type& behind_references(const Type& type);
 
+// ---- tags.cpp ---------------------------------------------------------------------------------------------
+
+// Puts the tags written before `ast` before those that the type has.
+void add_tags(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
+void add_automatic_tag(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope, size_t number);
+// When all types are known: decides which tags are explicit, and brings root alternatives and the root components of
+// SETs into canonical order.
+void settle_tags(Resolver& resolver);
+
 // ---- structure.cpp ----------------------------------------------------------------------------------------
 
 void fill_components(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
 void fill_alternatives(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
 void fill_items(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
 void fill_named_numbers(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope);
-// Root items first.
-std::vector<const AstItem*> ordered_items(const AstType& enumerated);
+// Root items first, in the order of their numbers; an item without one is a fault that was told.
+struct NumberedItem {
+    const AstItem* ast = nullptr;
+    std::optional<Number> number;
+};
+std::vector<NumberedItem> numbered_items(Resolver& resolver, const AstType& enumerated, const Scope& scope);
 
 // ---- values.cpp -------------------------------------------------------------------------------------------
 

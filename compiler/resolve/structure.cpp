@@ -52,37 +52,27 @@ void gather_members(Resolver& resolver, const AstType& ast, const Scope& scope,
     resolver.busy.erase(&ast);
 }
 
-// Tags written out are accepted where they are those that would be given anyway.
-void check_tags(Resolver& resolver, const std::vector<Member>& members) {
-    auto tagged = [](const Member& member) { return member.ast->type->tag && !member.copied; };
-    if (std::none_of(members.begin(), members.end(), tagged)) return;
-    for (size_t i = 0; i < members.size(); i++) {
-        const Member& member = members[i];
-        if (!tagged(member)) {
-            error(resolver.diags, member.place,
-                  "'{}' has no tag, but others of the list have one, which turns automatic tags off",
-                  member.ast->name);
-            continue;
-        }
-        const AstTag& tag = *member.ast->type->tag;
-        std::optional<Number> number = resolve_number(resolver, *tag.number, *member.scope);
-        if (!number) continue;
-        if (tag.tag_class != AstTag::Class::context || tag.is_explicit || *number != i) {
-            error(resolver.diags, tag.place, "expected the tag [{}], as automatic tagging gives it", i);
-        }
-    }
+// X.680 clauses 25.3 and 29.2: a list gets its tags automatically if none is written in it.
+bool tags_itself(const AstType& ast, const Scope& scope) {
+    auto tagged = [](const AstComponent& component) {
+        return !component.components_of && !component.type->tags.empty();
+    };
+    return scope.module->ast->tags == "AUTOMATIC" &&
+           std::none_of(ast.components.begin(), ast.components.end(), tagged);
 }
 
-void check_order(Resolver& resolver, const AstType& ast) {
-    bool additions = false;
-    for (const AstComponent& component : ast.components) {
-        if (additions && !component.addition) {
-            return error(resolver.diags, component.place,
-                         "components behind the second extension marker are supported only without additions "
-                         "before it");
-        }
-        additions |= component.addition;
-    }
+// Root first, then additions: also the order in which automatic tags are numbered.
+std::vector<Member> ordered_members(Resolver& resolver, const AstType& ast, const Scope& scope) {
+    std::vector<Member> members;
+    gather_members(resolver, ast, scope, members);
+    std::stable_partition(members.begin(), members.end(), [](const Member& m) { return !m.ast->addition; });
+    return members;
+}
+
+Type* member_type(Resolver& resolver, const Member& member, bool automatic, size_t number) {
+    Type* type = resolve_type(resolver, *member.ast->type, *member.scope);
+    if (automatic) add_automatic_tag(resolver, *type, *member.ast->type, *member.scope, number);
+    return type;
 }
 
 template <typename Part>
@@ -96,13 +86,13 @@ void check_names(Resolver& resolver, const std::vector<Part>& parts, std::string
     }
 }
 
-Component make_component(Resolver& resolver, const Member& member) {
+Component make_component(Resolver& resolver, const Member& member, bool automatic, size_t number) {
     Component component;
     component.name = member.ast->name;
     component.presence = member.ast->presence;
     component.addition = member.ast->addition;
     component.place = member.place;
-    component.type = resolve_type(resolver, *member.ast->type, *member.scope);
+    component.type = member_type(resolver, member, automatic, number);
     if (!member.ast->default_value) return component;
     component.default_value =
         resolve_value(resolver, *member.ast->default_value, *member.scope, *member.ast->type, *member.scope);
@@ -153,30 +143,25 @@ std::vector<std::optional<Number>> item_numbers(Resolver& resolver, const std::v
 }  // namespace
 
 void fill_components(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope) {
-    check_order(resolver, ast);
-    std::vector<Member> members;
-    gather_members(resolver, ast, scope, members);
-    std::stable_partition(members.begin(), members.end(), [](const Member& m) { return !m.ast->addition; });
-    check_tags(resolver, members);
+    std::vector<Member> members = ordered_members(resolver, ast, scope);
+    bool automatic = tags_itself(ast, scope);
     resolver.enclosing.push_back(&type);
-    for (const Member& member : members) type.components.push_back(make_component(resolver, member));
+    for (size_t i = 0; i < members.size(); i++)
+        type.components.push_back(make_component(resolver, members[i], automatic, i));
     resolver.enclosing.pop_back();
     mark_groups(type, members);
     check_names(resolver, type.components, "component");
 }
 
 void fill_alternatives(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope) {
-    check_order(resolver, ast);
-    std::vector<Member> members;
-    gather_members(resolver, ast, scope, members);
-    std::stable_partition(members.begin(), members.end(), [](const Member& m) { return !m.ast->addition; });
-    check_tags(resolver, members);
-    for (const Member& member : members) {
+    std::vector<Member> members = ordered_members(resolver, ast, scope);
+    bool automatic = tags_itself(ast, scope);
+    for (size_t i = 0; i < members.size(); i++) {
         Alternative alternative;
-        alternative.name = member.ast->name;
-        alternative.addition = member.ast->addition;
-        alternative.place = member.place;
-        alternative.type = resolve_type(resolver, *member.ast->type, *member.scope);
+        alternative.name = members[i].ast->name;
+        alternative.addition = members[i].ast->addition;
+        alternative.place = members[i].place;
+        alternative.type = member_type(resolver, members[i], automatic, i);
         type.alternatives.push_back(std::move(alternative));
     }
     check_names(resolver, type.alternatives, "alternative");
@@ -185,25 +170,40 @@ void fill_alternatives(Resolver& resolver, Type& type, const AstType& ast, const
     }
 }
 
-std::vector<const AstItem*> ordered_items(const AstType& enumerated) {
+// X.680 clause 20.5 and X.691 clause 14.1: root items count by their numbers, and additions ascend.
+std::vector<NumberedItem> numbered_items(Resolver& resolver, const AstType& enumerated, const Scope& scope) {
     std::vector<const AstItem*> items;
     for (const AstItem& item : enumerated.items) items.push_back(&item);
-    std::stable_partition(items.begin(), items.end(), [](const AstItem* item) { return !item->addition; });
-    return items;
+    auto root_end = std::stable_partition(items.begin(), items.end(),
+                                          [](const AstItem* item) { return !item->addition; });
+    std::vector<std::optional<Number>> numbers = item_numbers(resolver, items, scope);
+    std::vector<NumberedItem> numbered;
+    for (size_t i = 0; i < items.size(); i++) numbered.push_back({items[i], numbers[i]});
+    auto addition = numbered.begin() + (root_end - items.begin());
+    if (!resolver.schema.shipped_forms) {
+        std::stable_sort(numbered.begin(), addition, [](const NumberedItem& a, const NumberedItem& b) {
+            return a.number && b.number && *a.number < *b.number;
+        });
+    }
+    for (; addition != numbered.end() && addition + 1 != numbered.end(); addition++) {
+        const NumberedItem& next = addition[1];
+        if (!addition->number || !next.number || *addition->number < *next.number) continue;
+        error(resolver.diags, next.ast->place, "the addition '{}' has the number {}, which is not above {}",
+              next.ast->name, next.number->str(), addition->number->str());
+    }
+    return numbered;
 }
 
 void fill_items(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope) {
-    std::vector<const AstItem*> items = ordered_items(ast);
-    std::vector<std::optional<Number>> numbers = item_numbers(resolver, items, scope);
     std::map<Number, const AstItem*> seen;
-    for (size_t i = 0; i < items.size(); i++) {
-        if (!numbers[i]) continue;
-        auto [first, fresh] = seen.try_emplace(*numbers[i], items[i]);
+    for (const auto& [item, number] : numbered_items(resolver, ast, scope)) {
+        if (!number) continue;
+        auto [first, fresh] = seen.try_emplace(*number, item);
         if (!fresh) {
-            error(resolver.diags, items[i]->place, "the item '{}' has the number {} of '{}'", items[i]->name,
-                  numbers[i]->str(), first->second->name);
+            error(resolver.diags, item->place, "the item '{}' has the number {} of '{}'", item->name,
+                  number->str(), first->second->name);
         }
-        type.items.push_back({items[i]->name, *numbers[i], items[i]->addition, items[i]->place});
+        type.items.push_back({item->name, *number, item->addition, item->place});
     }
     check_names(resolver, type.items, "item");
 }

@@ -88,27 +88,6 @@ Type* builtin_type(Resolver& resolver, const AstType& ast, const Scope& scope) {
     return type;
 }
 
-// [UNIVERSAL 24] IMPLICIT VisibleString. Other tags are given automatically.
-void apply_universal_tag(Resolver& resolver, Type& type, const AstTag& tag, const Scope& scope) {
-    if (tag.tag_class != AstTag::Class::universal) {
-        error(resolver.diags, tag.place,
-              "expected a type without a tag, which tagging is automatic for, or [UNIVERSAL n]");
-        return;
-    }
-    if (tag.is_explicit || type.kind == Kind::choice || type.kind == Kind::open_type) {
-        error(resolver.diags, tag.place, "a universal tag that is explicit is not supported");
-        return;
-    }
-    std::optional<Number> number = resolve_number(resolver, *tag.number, scope);
-    if (!number) return;
-    if (*number < 0 || *number >= 1 << 19) {
-        error(resolver.diags, tag.number->place, "expected a tag number from 0 to 524287, found {}",
-              number->str());
-        return;
-    }
-    type.universal_tag = static_cast<uint32_t>(*number);
-}
-
 // A reference to an assignment without parameters.
 Type* named_reference(Resolver& resolver, const AstType& ast, const Meaning& meaning) {
     Type* type = new_type(resolver, Kind::reference, ast.place);
@@ -200,32 +179,32 @@ Type* resolve_in_place(Resolver& resolver, const AstType& ast, const Scope& scop
         type = copy_of_target(resolver, ast, scope);
     }
     if (!is_open_field(ast)) apply_constraints(resolver, *type, ast, base, scope);
-    if (ast.tag && ast.tag->tag_class != AstTag::Class::context) {
-        apply_universal_tag(resolver, *type, *ast.tag, scope);
-    }
+    add_tags(resolver, *type, ast, scope);
     return type;
 }
 
-Type* resolve_type(Resolver& resolver, const AstType& ast, const Scope& scope) {
+// What a reference, a parameter, a selection or a field means, without the tags before it.
+static Type* resolve_untagged(Resolver& resolver, const AstType& ast, const Scope& scope) {
     if (ast.sort == AstType::Sort::class_field) return resolve_class_field(resolver, ast, scope);
+    if (ast.sort == AstType::Sort::reference) return resolve_plain_reference(resolver, ast, scope);
+    Base next = next_base(resolver, {&ast, &scope});
+    return next ? resolve_type(resolver, *next.type, *next.scope) : new_type(resolver, Kind::null, ast.place);
+}
+
+Type* resolve_type(Resolver& resolver, const AstType& ast, const Scope& scope) {
     if (ast.sort == AstType::Sort::builtin) return resolve_in_place(resolver, ast, scope);
-    bool tagged = ast.tag && ast.tag->tag_class != AstTag::Class::context;
-    if (ast.constraints.empty() && !tagged) {
-        if (ast.sort == AstType::Sort::reference) return resolve_plain_reference(resolver, ast, scope);
-        Base next = next_base(resolver, {&ast, &scope});
-        return next ? resolve_type(resolver, *next.type, *next.scope)
-                    : new_type(resolver, Kind::null, ast.place);
+    if (ast.sort != AstType::Sort::class_field && !ast.constraints.empty()) {
+        Base base = base_of(resolver, ast, scope);
+        if (!base) return new_type(resolver, Kind::null, ast.place);
+        if (constrains(ast, base_kind(base))) return resolve_in_place(resolver, ast, scope);
+        // The constraints have no effect, but may be wrong all the same.
+        Type unconstrained;
+        unconstrained.kind = base_kind(base);
+        apply_constraints(resolver, unconstrained, ast, base, scope);
     }
-    Base base = base_of(resolver, ast, scope);
-    if (!base) return new_type(resolver, Kind::null, ast.place);
-    if (tagged || constrains(ast, base_kind(base))) return resolve_in_place(resolver, ast, scope);
-    // The constraints have no effect, but may be wrong all the same.
-    Type unconstrained;
-    unconstrained.kind = base_kind(base);
-    apply_constraints(resolver, unconstrained, ast, base, scope);
-    AstType& plain = resolver.ast.types.emplace_back(ast);
-    plain.constraints.clear();
-    return resolve_type(resolver, plain, scope);
+    Type* type = resolve_untagged(resolver, ast, scope);
+    add_tags(resolver, *type, ast, scope);
+    return type;
 }
 
 }  // namespace orlentac

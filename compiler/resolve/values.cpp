@@ -69,8 +69,9 @@ std::optional<Value> resolve_reference(Resolver& resolver, const Governed& gover
     const AstItem* item = reference.module.empty() ? find_item(*governed.base.type, reference.name) : nullptr;
     if (item && base_kind(governed.base) == Kind::enumerated) {
         Value value = make_value(governed, Value::Sort::item);
-        std::vector<const AstItem*> items = ordered_items(*governed.base.type);
-        value.item = std::find(items.begin(), items.end(), item) - items.begin();
+        std::vector<NumberedItem> items = numbered_items(resolver, *governed.base.type, *governed.base.scope);
+        auto same = [&](const NumberedItem& numbered) { return numbered.ast == item; };
+        value.item = std::find_if(items.begin(), items.end(), same) - items.begin();
         return value;
     }
     if (item && base_kind(governed.base) == Kind::integer) {

@@ -261,13 +261,16 @@ void refuse_unsupported(const Parser& parser) {
 AstTag parse_tag(Parser& parser) {
     AstTag tag;
     tag.place = expect_symbol(parser, "[").place;
-    if (accept_word(parser, "UNIVERSAL")) tag.tag_class = AstTag::Class::universal;
-    if (accept_word(parser, "APPLICATION")) tag.tag_class = AstTag::Class::application;
-    if (accept_word(parser, "PRIVATE")) tag.tag_class = AstTag::Class::private_use;
+    if (accept_word(parser, "UNIVERSAL")) tag.tag_class = TagClass::universal;
+    if (accept_word(parser, "APPLICATION")) tag.tag_class = TagClass::application;
+    if (accept_word(parser, "PRIVATE")) tag.tag_class = TagClass::private_use;
     tag.number = parse_value(parser);
     expect_symbol(parser, "]");
-    tag.is_explicit = accept_word(parser, "EXPLICIT");
-    if (!tag.is_explicit) accept_word(parser, "IMPLICIT");
+    if (accept_word(parser, "EXPLICIT")) {
+        tag.mode = AstTag::Mode::is_explicit;
+    } else if (accept_word(parser, "IMPLICIT")) {
+        tag.mode = AstTag::Mode::is_implicit;
+    }
     return tag;
 }
 
@@ -296,7 +299,7 @@ AstType* parse_type(Parser& parser) {
     Nesting nesting(parser);
     AstType& type = parser.ast->types.emplace_back();
     type.place = parser.at->place;
-    if (is_symbol(parser, "[")) type.tag = parse_tag(parser);
+    while (is_symbol(parser, "[")) type.tags.push_back(parse_tag(parser));
     if (is_sort(parser, Token::Sort::lower_word) && is_symbol(parser, "<", 1)) {
         type.sort = AstType::Sort::selection;
         type.field = parser.at->text;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "compiler/model/model.hpp"
+#include "compiler/model/tags.hpp"
 #include "compiler/syntax/lexer.hpp"
 
 namespace orlentac {
@@ -88,10 +89,10 @@ struct AstItem {
 };
 
 struct AstTag {
-    enum class Class { universal, application, context, private_use };
-    Class tag_class = Class::context;
+    enum class Mode { by_default, is_implicit, is_explicit };
+    TagClass tag_class = TagClass::context;
     AstValue* number = nullptr;
-    bool is_explicit = false;
+    Mode mode = Mode::by_default;
     Place place;
 };
 
@@ -103,10 +104,10 @@ struct AstType {
     std::optional<uint32_t> universal_tag;      // builtin of a tag that is not the kind's own
     AstReference reference;                     // reference; class_field: the class
     std::string field;                          // class_field; selection: the alternative
-    std::optional<AstTag> tag;
-    std::vector<AstComponent> components;  // sequence, set, choice
-    std::vector<AstItem> items;            // enumerated, integer, bit_string
-    AstType* inner = nullptr;              // element; selection: the CHOICE
+    std::vector<AstTag> tags;                   // outermost first
+    std::vector<AstComponent> components;       // sequence, set, choice
+    std::vector<AstItem> items;                 // enumerated, integer, bit_string
+    AstType* inner = nullptr;                   // element; selection: the CHOICE
     std::string element_name;
     bool extensible = false;
     std::vector<AstConstraint*> constraints;  // in the order in which they apply

@@ -95,7 +95,9 @@ static int decode_tagged(asn1_ber_decoder* decoder, const asn1_type_desc* type, 
 
 static bool takes_any_tag(const asn1_type_desc* type) {
     uint32_t kind = kind_of(type);
-    return tag_of(type) == 0 && (kind == ASN1_KIND_CHOICE || kind == ASN1_KIND_ANY);
+    // A TAGGED without a tag is a mere pointer to what it holds.
+    return tag_of(type) == 0 &&
+           (kind == ASN1_KIND_CHOICE || kind == ASN1_KIND_ANY || kind == ASN1_KIND_TAGGED);
 }
 
 int asn1_ber_decode_type_tag(asn1_ber_decoder* decoder, const asn1_type_desc* type, void* value, uint32_t tag,

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "compiler/model/model.hpp"
+#include "compiler/model/tags.hpp"
 
 namespace orlentac::test {
 
@@ -133,6 +134,10 @@ inline std::string describe_kind(const Type& type) {
 inline std::string describe(const Type& type) {
     std::string text = describe_kind(type);
     if (type.universal_tag) text += fmt::format(" tag {}", *type.universal_tag);
+    // Automatic ones are told where they are explicit for the sake of a parameter.
+    for (const Tag& tag : type.tags)
+        if (!tag.is_automatic || (tag.is_explicit && tag.on_parameter))
+            text += " " + tag_text(tag.word) + (tag.is_explicit ? " EXPLICIT" : "");
     if (type.contained) text += " CONTAINING " + describe(*type.contained);
     for (const NamedNumber& named : type.named_numbers)
         text += fmt::format(" {}={}", named.name, named.value.str());

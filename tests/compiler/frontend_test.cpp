@@ -19,9 +19,9 @@ struct Loaded {
     std::string errors;
 };
 
-std::unique_ptr<Loaded> load(const std::vector<SourceText>& sources) {
+std::unique_ptr<Loaded> load(const std::vector<SourceText>& sources, SchemaOptions options = {}) {
     auto loaded = std::make_unique<Loaded>();
-    load_schema(sources, loaded->schema, loaded->diags);
+    load_schema(sources, options, loaded->schema, loaded->diags);
     for (const Diagnostic& error : loaded->diags.errors) {
         loaded->errors += fmt::format("{}: {}\n", place_text(error.place, sources.size() > 1), error.text);
     }
@@ -109,7 +109,7 @@ INSTANTIATE_TEST_SUITE_P(
                     TypeCase{"A ::= UTF8String (SIZE (1..9))", "UTF8 (1..9)"},
                     TypeCase{"A ::= GeneralizedTime", "Visible 20-7E tag 24"},
                     TypeCase{"A ::= UTCTime", "Visible 20-7E tag 23"},
-                    TypeCase{"A ::= [UNIVERSAL 24] IMPLICIT VisibleString", "Visible 20-7E tag 24"}));
+                    TypeCase{"A ::= [UNIVERSAL 24] IMPLICIT VisibleString", "Visible 20-7E [UNIVERSAL 24]"}));
 
 INSTANTIATE_TEST_SUITE_P(
     References, Types,
@@ -136,15 +136,39 @@ INSTANTIATE_TEST_SUITE_P(
             "SEQUENCE { a: NULL; ... b: NULL; [[ c: NULL; d: NULL OPTIONAL ]]; [[ e: NULL ]]; f: NULL; }"},
         TypeCase{"A ::= SEQUENCE { a NULL, ... ! 5, ..., b NULL }", "SEQUENCE { a: NULL; b: NULL; ... }"},
         TypeCase{"A ::= CHOICE { a [0] NULL, ..., [[ b [1] NULL ]], c [2] NULL }",
-                 "CHOICE { a: NULL; +b: NULL; +c: NULL; ... }"},
+                 "CHOICE { a: NULL [0]; +b: NULL [1]; +c: NULL [2]; ... }"},
         TypeCase{"A ::= SET { x NULL, COMPONENTS OF B }\nB ::= SET { a INTEGER DEFAULT 1, ..., b NULL }",
                  "SET { x: NULL; a: INTEGER DEFAULT 1; }"},
         TypeCase{"A ::= ENUMERATED { a, b(0), c, ..., d, e(10), f }",
-                 "ENUMERATED { a(1) b(0) c(2) +d(3) +e(10) +f(11) ... }"},
+                 "ENUMERATED { b(0) a(1) c(2) +d(3) +e(10) +f(11) ... }"},
         TypeCase{"A ::= SEQUENCE { c A OPTIONAL, d SEQUENCE OF A, e CHOICE { f A, g NULL } }",
                  "SEQUENCE { c: A OPTIONAL; d: SEQUENCE OF A; e: CHOICE { f: A; g: NULL; }; }"},
         TypeCase{"A ::= SEQUENCE { a REAL, b RELATIVE-OID, c ANY, d OBJECT IDENTIFIER }",
                  "SEQUENCE { a: REAL; b: RELATIVE-OID; c: OPEN; d: OID; }"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Tags, Types,
+    testing::Values(
+        TypeCase{"A ::= [APPLICATION 3] EXPLICIT [n] INTEGER\nn INTEGER ::= 7",
+                 "INTEGER [APPLICATION 3] EXPLICIT [7]"},
+        // An implicit tag takes the place of the one behind it.
+        TypeCase{"A ::= [1] [2] EXPLICIT [PRIVATE 3] NULL", "NULL [1] EXPLICIT [PRIVATE 3]"},
+        TypeCase{"A ::= SEQUENCE OF [5] B\nB ::= [6] EXPLICIT NULL", "SEQUENCE OF B [5]"},
+        // It cannot be implicit before a CHOICE, an open type, or the parameter of a type.
+        TypeCase{"A ::= [1] B\nB ::= C\nC ::= CHOICE { a NULL }", "B [1] EXPLICIT"},
+        TypeCase{"A ::= [1] B\nB ::= [0] C\nC ::= CHOICE { a NULL }", "B [1]"},
+        TypeCase{"A ::= SEQUENCE { b [1] ANY }", "SEQUENCE { b: OPEN [1] EXPLICIT; }"},
+        TypeCase{"A ::= B {[4] NULL}\nB {T} ::= SEQUENCE { t T, u [1] T }",
+                 "SEQUENCE { t: NULL [4]; u: NULL [1] EXPLICIT [4]; }"},
+        TypeCase{"A ::= B {NULL}\nB {T} ::= SEQUENCE { t T }", "SEQUENCE { t: NULL [0] EXPLICIT; }"},
+        // Tags of a constrained type go along; root alternatives and a SET's components stand in canonical order.
+        TypeCase{"A ::= SEQUENCE { b [0] B (1..5) }\nB ::= [3] INTEGER",
+                 "SEQUENCE { b: INTEGER (1..5) [0] from B; }"},
+        TypeCase{"A ::= CHOICE { a [2] NULL, b [APPLICATION 9] NULL, c C, ..., d [0] NULL }\n"
+                 "C ::= CHOICE { x [4] NULL, y [UNIVERSAL 8] NULL }",
+                 "CHOICE { c: C; b: NULL [APPLICATION 9]; a: NULL [2]; +d: NULL [0]; ... }"},
+        TypeCase{"A ::= SET { a [2] NULL OPTIONAL, b BOOLEAN, ..., c [0] NULL, ..., d INTEGER }",
+                 "SET { b: BOOLEAN; d: INTEGER; a: NULL [2] OPTIONAL; ... c: NULL [0]; }"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Defaults, Types,
@@ -228,12 +252,12 @@ INSTANTIATE_TEST_SUITE_P(
         // An instance under a name of its own, one in place, and simple ones, which are no types of their own.
         ClassCase{"A ::= P { {Set}, 4, Q {BOOLEAN} }\nQ {T} ::= SET OF T\n"
                   "P {CLS : S, INTEGER : n, T} ::= SEQUENCE { k CLS.&id ({S}), i INTEGER (0..n), t T }",
-                  "SEQUENCE { k: Id as CLS.0; i: INTEGER (0..4); t: Q; }", "Q SET OF BOOLEAN"},
+                  "SEQUENCE { k: Id as CLS.0; i: INTEGER (0..4); t: Q [2] EXPLICIT; }", "Q SET OF BOOLEAN"},
         ClassCase{
             "A ::= SEQUENCE { a R {5, Id}, b R {6, NULL} }\nR {INTEGER : n, T} ::= OCTET STRING (SIZE (n))",
             "SEQUENCE { a: OCTETS (5..5); b: OCTETS (6..6); }"},
         ClassCase{"A ::= SEQUENCE { l List {B} }\nList {T} ::= SEQUENCE { t T, next List {T} OPTIONAL }",
-                  "SEQUENCE { l: List; }", "List SEQUENCE { t: B; next: List OPTIONAL; }"}));
+                  "SEQUENCE { l: List; }", "List SEQUENCE { t: B [0] EXPLICIT; next: List OPTIONAL; }"}));
 
 TEST(Classes, EachUseInPlaceIsAnInstance) {
     auto loaded =
@@ -274,16 +298,30 @@ TEST(Modules, ErrorsOfSeveralFilesComeInTheirOrder) {
     auto loaded =
         load({{"b.asn1",
                "B DEFINITIONS AUTOMATIC TAGS ::= BEGIN IMPORTS T FROM A Z FROM Y;\nX ::= Z\nY ::= Q END"},
-              {"a.asn1",
-               "A DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nX ::= NULL\nQ ::= NULL END\n"
-               "E DEFINITIONS EXPLICIT TAGS ::= BEGIN END D DEFINITIONS ::= BEGIN END"}});
+              {"a.asn1", "A DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nX ::= NULL\nQ ::= W END"}});
     EXPECT_EQ(loaded->errors,
               "b.asn1:1:48: module 'A' does not define 'T'\n"
               "b.asn1:1:64: unknown module 'Y'\n"
               "b.asn1:3:7: unknown type 'Q'; module 'A' defines it, but it is not imported\n"
-              "a.asn1:2:1: 'X' is defined already, in module 'B' at b.asn1:2:1\n"
-              "a.asn1:4:15: expected AUTOMATIC TAGS, found EXPLICIT TAGS\n"
-              "a.asn1:4:57: expected AUTOMATIC TAGS, found no tagging environment\n");
+              "a.asn1:3:7: unknown type 'W'\n");
+}
+
+TEST(Modules, EachHasItsOwnNamesAndTagDefault) {
+    auto loaded = load({{"a.asn1",
+                         "A DEFINITIONS IMPLICIT TAGS ::= BEGIN IMPORTS T, v FROM B;\n"
+                         "X ::= SEQUENCE { t [0] T, u [1] A.U (0..v), w C.T } U ::= INTEGER END"},
+                        {"b.asn1", "B DEFINITIONS ::= BEGIN T ::= [3] U U ::= NULL v INTEGER ::= 3 END"},
+                        {"c.asn1",
+                         "C DEFINITIONS AUTOMATIC TAGS ::= BEGIN T ::= SEQUENCE { a NULL, COMPONENTS OF D }\n"
+                         "D ::= SEQUENCE { b [7] NULL } v INTEGER ::= 4 END"}});
+    EXPECT_EQ(loaded->errors, "");
+    EXPECT_EQ(type_text(*loaded, "X"), "SEQUENCE { t: T [0]; u: INTEGER (0..3) [1] from U; w: T; }");
+    std::string types;
+    for (const NamedType* type : loaded->schema.types)
+        types += type->module + "." + type->name + " " + describe(*type->type) + "\n";
+    EXPECT_NE(types.find("B.T U [3] EXPLICIT\nB.U NULL\nC.T SEQUENCE { a: NULL; b: NULL; }"),
+              std::string::npos)
+        << types;
 }
 
 // ---- wrong schemas ----
@@ -332,7 +370,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         WrongCase{"A ::= Latitud\nLatitude ::= NULL",
                   "2:7: unknown type 'Latitud'; did you mean 'Latitude'?\n"},
-        WrongCase{"A ::= NULL\nA ::= NULL", "3:1: 'A' is defined already, in module 'M' at m.asn1:2:1\n"},
+        WrongCase{"A ::= NULL\nA ::= NULL", "3:1: 'A' is defined already, at 2:1\n"},
         WrongCase{"A ::= SEQUENCE { a NULL, b NULL, a NULL }",
                   "2:34: the component 'a' is there already, at 2:18\n"},
         WrongCase{"A ::= CHOICE { a NULL, a NULL }", "2:24: the alternative 'a' is there already, at 2:16\n"},
@@ -384,15 +422,17 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Tags, Wrong,
     testing::Values(
-        WrongCase{"A ::= SEQUENCE { a [1] NULL, b [0] NULL }",
-                  "2:20: expected the tag [0], as automatic tagging gives it\n"
-                  "2:32: expected the tag [1], as automatic tagging gives it\n"},
-        WrongCase{"A ::= CHOICE { a [0] NULL, b NULL }",
-                  "2:28: 'b' has no tag, but others of the list have one, which turns automatic tags off\n"},
-        WrongCase{"A ::= SEQUENCE { a [0] EXPLICIT NULL }",
-                  "2:20: expected the tag [0], as automatic tagging gives it\n"},
-        WrongCase{"A ::= [APPLICATION 3] NULL",
-                  "2:7: expected a type without a tag, which tagging is automatic for, or [UNIVERSAL n]\n"}));
+        WrongCase{
+            "A ::= CHOICE { a [3] NULL, b C, ..., d [3] NULL }\nC ::= CHOICE { x [4] NULL, y [3] NULL }",
+            "2:28: 'b' has the tag [3] of 'a'\n2:38: 'd' has the tag [3] of 'a'\n"},
+        // Behind a mandatory component tags may come again; an untagged open type has none to compare.
+        WrongCase{"A ::= SEQUENCE { a [0] NULL, b [0] NULL OPTIONAL, c [1] NULL, d [0] ANY }", ""},
+        WrongCase{
+            "A ::= SEQUENCE { a [1] NULL OPTIONAL, b [APPLICATION 1] NULL OPTIONAL, c [APPLICATION 1] NULL }",
+            "2:72: 'c' has the tag [APPLICATION 1] of 'b'\n"},
+        WrongCase{"A ::= [524288] NULL", "2:8: expected a tag number from 0 to 524287, found 524288\n"},
+        WrongCase{"A ::= ENUMERATED { a, ..., b(5), c(4) }",
+                  "2:34: the addition 'c' has the number 4, which is not above 5\n"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Defaults, Wrong,
@@ -452,7 +492,7 @@ INSTANTIATE_TEST_SUITE_P(
 // ---- the message sets that come with the library ----
 
 std::unique_ptr<Loaded> load_region(const std::string& region) {
-    auto loaded = load(test::region_sources(region));
+    auto loaded = load(test::region_sources(region), {.shipped_forms = true});
     EXPECT_EQ(loaded->errors, "");
     return loaded;
 }
@@ -492,7 +532,7 @@ TEST(Regions, UnitedStatesAndRrc) {
               "20BasicSafetyMessage");
     EXPECT_EQ(describe(*messages.rows[33][0].value) + describe(*messages.rows[33][1].type),
               "39TollUsageAckMessage");
-    EXPECT_EQ(type_text(*us, "GeneralizedTime-Internal"), "Visible 20-7E tag 24");
+    EXPECT_EQ(type_text(*us, "GeneralizedTime-Internal"), "Visible 20-7E [UNIVERSAL 24]");
     EXPECT_EQ(type_text(*us, "Int8Signed"), "INTEGER (-9223372036854775808..9223372036854775807)");
     EXPECT_EQ(type_text(*us, "CSI-IM-ConfigId-v1310"), "INTEGER (5..24)");
     const Type& preconfiguration = *find(us->schema, "SL-Preconfiguration-r12")->type;

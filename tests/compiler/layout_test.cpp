@@ -21,12 +21,13 @@ struct Compiled {
 };
 
 // A module with the given assignments.
-std::unique_ptr<Compiled> compile(const std::string& body, uint32_t first_local = 1) {
+std::unique_ptr<Compiled> compile(const std::string& body, uint32_t first_local = 1,
+                                  bool shipped_forms = false) {
     auto result = std::make_unique<Compiled>();
     std::vector<SourceText> sources = {
         {"m.asn1", "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n" + body + "\nEND\n"}};
-    if (load_schema(sources, result->schema, result->diags))
-        make_layout(result->schema, {"T", first_local}, result->layout, result->diags);
+    if (load_schema(sources, {shipped_forms}, result->schema, result->diags))
+        make_layout(result->schema, {"T", first_local, false}, result->layout, result->diags);
     for (const Diagnostic& error : result->diags.errors)
         ADD_FAILURE() << place_text(error.place) << error.text;
     return result;
@@ -69,6 +70,13 @@ TEST_P(Words, AreAsTheFormatSays) {
     EXPECT_EQ(words(*compiled, GetParam().symbol), GetParam().words);
 }
 
+class ShippedForms : public testing::TestWithParam<WordsCase> {};
+
+TEST_P(ShippedForms, KeepTagsInTheTypesReferredTo) {
+    auto compiled = compile(GetParam().body, 1, true);
+    EXPECT_EQ(words(*compiled, GetParam().symbol), GetParam().words);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Simple, Words,
     testing::Values(WordsCase{"A ::= INTEGER (-8..7)", "T_A", "2D800002 FFFFFFF8 7 \"A\""},
@@ -87,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WordsCase{"A ::= ENUMERATED { x, y, ... }", "T_A", "4E00000A 2 0 \"x\" \"y\" \"A\""},
                     // Values by index, then value and index by ascending signed value.
                     WordsCase{"A ::= ENUMERATED { x (3), y (-1), ..., z (7) }", "T_A",
-                              "4F00000A 2 1 \"x\" \"y\" \"z\" \"A\" 3 FFFFFFFF 7 FFFFFFFF 1 3 0 7 2"},
+                              "4F00000A 2 1 \"y\" \"x\" \"z\" \"A\" FFFFFFFF 3 7 FFFFFFFF 0 3 1 7 2"},
                     WordsCase{"A ::= SEQUENCE {}", "T_A", "4000010 0 1 \"A\""}));
 
 INSTANTIATE_TEST_SUITE_P(
@@ -112,7 +120,7 @@ INSTANTIATE_TEST_SUITE_P(
         WordsCase{"A ::= OCTET STRING (CONTAINING B) B ::= BOOLEAN", "T_A", "45200004 0 \"A\" {1 T_B}"}));
 
 INSTANTIATE_TEST_SUITE_P(
-    Tags, Words,
+    Tags, ShippedForms,
     testing::Values(
         // All references agree: the tag stands in the type itself.
         WordsCase{"A ::= SEQUENCE { x NULL, b B } C ::= CHOICE { y NULL, b B } B ::= BOOLEAN", "T_B",
@@ -141,13 +149,30 @@ INSTANTIATE_TEST_SUITE_P(
         WordsCase{"A ::= SEQUENCE OF B B ::= C C ::= BOOLEAN", "T_B", "no table"}));
 
 INSTANTIATE_TEST_SUITE_P(
+    WrittenTags, Words,
+    testing::Values(
+        // A type that others refer to keeps its own tag, however few they are.
+        WordsCase{"A ::= SEQUENCE { x NULL, b B } B ::= BOOLEAN", "T_B", "34000001 \"B\""},
+        WordsCase{"A ::= [APPLICATION 3] INTEGER (0..1)", "T_A", "2D880003 0 1 \"A\""},
+        WordsCase{"A ::= [3] EXPLICIT INTEGER (0..1)", "T_A", "5E100003 T__local_1 \"A\""},
+        WordsCase{"A ::= [3] EXPLICIT INTEGER (0..1)", "T__local_1", "29800002 0 1"},
+        WordsCase{"A ::= [2] EXPLICIT B B ::= [1] EXPLICIT C C ::= NULL", "T_A", "5E100002 T_B \"A\""},
+        WordsCase{"A ::= [2] B B ::= [1] EXPLICIT C C ::= NULL", "T_A", "5C100002 T_B \"A\""},
+        WordsCase{"A ::= SEQUENCE OF [5] EXPLICIT [6] BOOLEAN", "T_A", "D000010 0 4 T__local_2 0 \"A\""},
+        WordsCase{"A ::= SEQUENCE OF [5] EXPLICIT [6] BOOLEAN", "T__local_2", "5A100005 T__local_1"},
+        // The tag before a CHOICE is apart from it, so that another can take its place.
+        WordsCase{"A ::= SEQUENCE { b B } B ::= [7] CHOICE { x NULL }", "T_B", "5E100007 T_B_1 \"B\""},
+        WordsCase{"A ::= SEQUENCE { b B } B ::= [7] CHOICE { x NULL }", "T__local_1", "58100000 T_B"},
+        WordsCase{"A ::= SEQUENCE { a A OPTIONAL, b [1] NULL }", "T__local_1", "59000010 T_A"}));
+
+INSTANTIATE_TEST_SUITE_P(
     Recursion, Words,
     testing::Values(
         WordsCase{"A ::= SEQUENCE { a A OPTIONAL }", "T__local_1", "59100000 T_A"},
         WordsCase{"A ::= SEQUENCE { a A OPTIONAL }", "T_A", "4000010 1 10 8000008 T__local_1 0 \"a\" \"A\""},
-        WordsCase{"A ::= CHOICE { x NULL, p P } P ::= SEQUENCE { left A }", "T__local_2", "5B100000 T_A"},
+        WordsCase{"A ::= CHOICE { x NULL, p P } P ::= SEQUENCE { left A }", "T__local_3", "5B100000 T_A"},
         WordsCase{"A ::= SEQUENCE { l SEQUENCE OF A }", "T_A_1", "9100000 0 10 T_A 0"},
-        WordsCase{"L ::= SEQUENCE OF A A ::= SEQUENCE { l L }", "T_L", "D100000 0 10 T_A 0 \"L\""}));
+        WordsCase{"L ::= SEQUENCE OF A A ::= SEQUENCE { l L }", "T_L", "D000010 0 10 T_A 0 \"L\""}));
 
 TEST(Layout, NestedTablesAreNumberedInnermostFirst) {
     auto compiled = compile(
@@ -180,11 +205,12 @@ TEST(Layout, OpenTypesPointAtTheirObjectSet) {
     EXPECT_EQ(words(*compiled, "T_K"), "FFFFFFFF8C000000 2 1 T_I 0 \"&id\" 0 0 0 \"&Type\" \"K\"");
     std::string open, empty;
     for (const Table* table : compiled->layout.tables) {
-        if (table->symbol == "T_A") open = words(*compiled, table->words[8].table->symbol);
-        if (table->symbol == "T_F") empty = words(*compiled, table->words[8].table->symbol);
+        // Behind the tag, which is no part of the open type: it would take any other as well.
+        if (table->symbol == "T_A") open = words(*compiled, table->words[8].table->words[1].table->symbol);
+        if (table->symbol == "T_F") empty = words(*compiled, table->words[8].table->words[1].table->symbol);
     }
-    EXPECT_EQ(open, "FFFFFFFF80300001 {0 T_K 1 {=3 T_B =2 T__local_4} 2 1 0 80000000 0}");
-    EXPECT_EQ(empty, "FFFFFFFF80300001 {0 T_K 1 0 0 1 0 80000000 0}");
+    EXPECT_EQ(open, "FFFFFFFF80200000 {0 T_K 1 {=3 T_B =2 T__local_4} 2 1 0 80000000 0}");
+    EXPECT_EQ(empty, "FFFFFFFF80200000 {0 T_K 1 0 0 1 0 80000000 0}");
 }
 
 }  // namespace

@@ -74,7 +74,7 @@ TEST(Tricky, BigBoundsAndDefaults) {
 }
 
 TEST(Tricky, ObjectSetRowsHoldKeysOfTheirType) {
-    const asn1_word* constraint = any_constraint(field_type(&components(asn1_type_Tricky_Open)[1]));
+    const asn1_word* constraint = any_constraint(untagged(field_type(&components(asn1_type_Tricky_Open)[1])));
     const auto* table = reinterpret_cast<const asn1_table_constraint*>(constraint);
     ASSERT_EQ(table->row_count.number, 3u);
     const asn1_word* rows = table->rows.type;

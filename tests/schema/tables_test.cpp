@@ -1,4 +1,5 @@
 // The CN tables in the library, word for word where a layout is telling, and the counts of each region's tables.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <orlenta/cn.h>
 
@@ -120,11 +121,11 @@ struct Region {
     Layout layout;
 };
 
-std::unique_ptr<Region> load_region(const std::string& name) {
+std::unique_ptr<Region> load_region(const std::string& name, uint32_t first_local = 1) {
     auto region = std::make_unique<Region>();
     Diagnostics diags;
-    EXPECT_TRUE(load_schema(test::region_sources(name), region->schema, diags));
-    EXPECT_TRUE(make_layout(region->schema, {name, 1}, region->layout, diags));
+    EXPECT_TRUE(load_schema(test::region_sources(name), {.shipped_forms = true}, region->schema, diags));
+    EXPECT_TRUE(make_layout(region->schema, {name, first_local, false}, region->layout, diags));
     return region;
 }
 
@@ -153,6 +154,41 @@ TEST(Counts, Us) {
     EXPECT_EQ(counts.anonymous, 3466u);
     EXPECT_EQ(counts.table_constraints, 70u);
     EXPECT_EQ(counts.containing_constraints, 14u);
+}
+
+// ---- every word -------------------------------------------------------------------------------------------
+
+std::string words_text(const std::vector<Word>& words);
+
+std::string text(const Object& object) {
+    const Value& value = object.value;
+    return fmt::format("{}:{}:{}:{}:{}:{}", object.local, static_cast<int>(object.sort),
+                       words_text(object.words), value.number.str(), value.item, value.bytes);
+}
+
+std::string words_text(const std::vector<Word>& words) {
+    std::string all;
+    for (const Word& word : words) {
+        all += fmt::format("{:x} {} {} ", word.number, word.table ? word.table->symbol : "", word.text);
+        if (word.object) all += text(*word.object);
+    }
+    return all;
+}
+
+// FNV-1a over the names and words of all tables.
+uint64_t digest(const Layout& layout) {
+    uint64_t hash = 0xCBF29CE484222325;
+    for (const Table* table : layout.tables)
+        for (unsigned char byte : table->symbol + "=" + words_text(table->words) + ";")
+            hash = (hash ^ byte) * 0x100000001B3;
+    return hash;
+}
+
+// Programs are built against these: a digest changes only with the version of the library.
+TEST(MessageSets, StayWordForWord) {
+    EXPECT_EQ(digest(load_region("cn", 1)->layout), 1283895327508467496u);
+    EXPECT_EQ(digest(load_region("eu", 1001)->layout), 12902128754475646961u);
+    EXPECT_EQ(digest(load_region("us", 3001)->layout), 13257348477247401435u);
 }
 
 // ---- what holds over all message sets ---------------------------------------------------------------------
