@@ -100,6 +100,7 @@ function(orlenta_add_schema target)
     target_include_directories(${target} PUBLIC ${include_dir})
     target_compile_features(${target} PRIVATE cxx_std_20)
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
-    # Constants only: nothing to optimise, nothing to debug.
-    target_compile_options(${target} PRIVATE -O1 -g0)
+    # Constants only: nothing to optimise, nothing to debug. A section for each, so that --gc-sections keeps what a
+    # program names.
+    target_compile_options(${target} PRIVATE -O1 -g0 -fdata-sections)
 endfunction()

@@ -43,10 +43,14 @@ struct Options {
 };
 
 constexpr const char* kManual =
-    "Compiles ASN.1 modules (X.680 to X.683, automatic tags) to constant tables for liborlenta.\n"
-    "All modules of one run form a region: one flat name space, told apart from others by its name. A type\n"
-    "Some-Type of the region CN becomes the descriptor asn1_type_CN_Some_Type and the record\n"
-    "asn1_CN_Some_Type. Without --tables-dir and --header the modules are only checked.\n";
+    "Compiles ASN.1 modules (X.680 to X.683) to constant tables for liborlenta.\n"
+    "All modules of one run form a region, told apart from others by its name. A type Some-Type of the "
+    "region CN\n"
+    "becomes the descriptor asn1_type_CN_Some_Type and the record asn1_CN_Some_Type; of types that have one "
+    "name\n"
+    "in several modules each gets its module's name too, asn1_CN_Its_Module_Some_Type. Without --tables-dir "
+    "and\n"
+    "--header the modules are only checked.\n";
 
 constexpr const char* kExamples =
     "\nExamples:\n"
@@ -95,6 +99,7 @@ void declare_options(CLI::App& app, Options& options) {
     app.add_flag("--shipped-forms", options.schema.shipped_forms)->group("");
     app.add_flag("-s,--summary", options.summary, "Print how many tables there are of each sort and kind");
     app.add_option("modules", options.modules, "ASN.1 files")->required();
+    app.set_version_flag("--version", "orlentac " ORLENTA_VERSION);
     app.footer(kExamples);
 }
 

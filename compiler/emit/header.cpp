@@ -109,10 +109,23 @@ void put_member(Writer& writer, const Part& part, const std::string& name, const
     put(writer, "\n");
 }
 
+// A default that no table can hold is left to the program.
+std::string default_comment(const Component& component) {
+    if (component.presence != Presence::defaulted) return "";
+    std::string text = component.default_text;
+    for (size_t at = 0; (at = text.find("*/", at)) != std::string::npos;) text.replace(at, 2, "* /");
+    for (char& c : text)
+        if (static_cast<unsigned char>(c) < ' ') c = ' ';
+    return fmt::format(" /* absent stands for the default, {} */", text);
+}
+
 void put_sequence(Writer& writer, const Table& table) {
     std::vector<MemberNames> names = member_names(table);
     for (size_t i = 0; i < names.size(); i++) {
-        if (!names[i].presence.empty()) put(writer, "    uint32_t {};\n", names[i].presence);
+        if (!names[i].presence.empty()) {
+            const Component& component = resolved(table.type)->components[i];
+            put(writer, "    uint32_t {};{}\n", names[i].presence, default_comment(component));
+        }
         if (!names[i].value.empty()) put_member(writer, table.parts[i], names[i].value, "    ");
     }
     if (!has_payload(table)) put(writer, "    uint8_t empty;\n");

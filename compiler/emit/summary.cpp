@@ -17,7 +17,9 @@ constexpr const char* kKindNames[18] = {
 
 void count_object(Summary& summary, const Object& object) {
     switch (object.sort) {
-        case Object::Sort::value: summary.values++; break;
+        case Object::Sort::value:
+        case Object::Sort::record:
+        case Object::Sort::octets: summary.values++; break;
         case Object::Sort::rows: summary.rows++; break;
         case Object::Sort::constraint:
             if (object.words[0].number == ASN1_CONSTRAINT_TABLE)

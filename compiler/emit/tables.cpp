@@ -37,6 +37,7 @@ Text initializer(const Word& word) {
         case Word::Sort::object: break;
     }
     const Object& object = *word.object;
+    if (object.sort == Object::Sort::octets) return fmt::format("{{.address = {}}}", object_name(object));
     if (object.sort != Object::Sort::value) return fmt::format("{{.type = {}}}", object_name(object));
     bool is_integer = object.type->kind == Kind::integer && is_big_integer(*object.type);
     return fmt::format("{{.{} = &{}}}", is_integer ? "integer" : "address", object_name(object));
@@ -123,6 +124,12 @@ void put_value(Text& out, const Object& object) {
 
 void put_object(Text& out, const Object& object) {
     if (object.sort == Object::Sort::value) return put_value(out, object);
+    if (object.sort == Object::Sort::octets) {
+        put(out, "alignas(4) static constinit const uint8_t {}[{}] = {{", object_name(object),
+            object.value.bytes.size());
+        for (char byte : object.value.bytes) put(out, "0x{:02X}, ", static_cast<uint8_t>(byte));
+        return void(out.replace(out.size() - 2, 2, "};\n"));
+    }
     put(out, "static constinit const asn1_word {}[{}] = {{", object_name(object), object.words.size());
     put_words(out, object.words);
 }

@@ -34,6 +34,20 @@ struct Builder {
 // even a referred type a descriptor of its own.
 const Table* type_table(Builder& builder, const Type* type, bool in_place = false);
 
+// ---- constants.cpp: what tables point at ------------------------------------------------------------------
+
+const Object* add_object(Builder& builder, Table& table, Object object);
+// Whether such a constant can be made.
+bool is_constant(const Builder& builder, const Value& value, const Type& type);
+// A constant in the layout of values of the type.
+const Object* add_value(Builder& builder, Table& table, const Value& value, const Type& type);
+const Object* add_number(Builder& builder, Table& table, const Number& number, const Type& type);
+
+Word number_word(uint64_t number);
+Word object_word(const Object* object);
+// The 32-bit pattern of a number.
+uint32_t pattern(const Number& number);
+
 // ---- table_words.cpp: the words of a table ----------------------------------------------------------------
 
 // Fill an empty table, whose name is set if it has one. `tag` is the one that stands in word 0; `type` says what a

@@ -25,10 +25,11 @@ struct Word {
 
 // A constant that a descriptor points at: a constraint object, the rows of an object set, or a value.
 struct Object {
-    enum class Sort { constraint, rows, value } sort = Sort::constraint;
+    // record: a structured value, word by word; octets: what a value in a record points at
+    enum class Sort { constraint, rows, value, record, octets } sort = Sort::constraint;
     uint32_t local = 0;       // the number in its name
-    std::vector<Word> words;  // constraint, rows
-    Value value;              // value, in the layout of `type`
+    std::vector<Word> words;  // constraint, rows, record
+    Value value;              // value, in the layout of `type`; octets
     const Type* type = nullptr;
 };
 

@@ -21,7 +21,11 @@ struct Named {
     Place place;
 };
 
-std::string with_module(const Named& named) { return c_name(*named.module) + "_" + c_name(*named.name); }
+// What the standards define themselves has no module.
+std::string with_module(const Named& named) {
+    bool standard = named.module->find('.') != std::string::npos;
+    return (standard ? "" : c_name(*named.module) + "_") + c_name(*named.name);
+}
 
 void note_clash(Diagnostics& diags, const std::vector<Named>& same) {
     std::string places, names;

@@ -8,17 +8,10 @@ namespace {
 
 // ---- words ------------------------------------------------------------------------------------------------
 
-Word number_word(uint64_t number) { return {.number = number}; }
 Word table_word(const Table* table) { return {.sort = Word::Sort::table, .table = table}; }
 Word text_word(std::string text) { return {.sort = Word::Sort::text, .text = std::move(text)}; }
-Word object_word(const Object* object) { return {.sort = Word::Sort::object, .object = object}; }
 // A row or a default may have nothing to point at.
 Word table_or_zero(const Table* table) { return table ? table_word(table) : number_word(0); }
-
-// The 32-bit pattern of a number.
-uint32_t pattern(const Number& number) {
-    return number < 0 ? static_cast<uint32_t>(static_cast<int64_t>(number)) : static_cast<uint32_t>(number);
-}
 
 Word word0_of(uint32_t kind, uint32_t flags, uint32_t tag) {
     uint32_t low = kind << ASN1_WORD0_KIND_SHIFT | flags | tag;
@@ -48,30 +41,6 @@ uint32_t kind_number(Kind kind) {
         case Kind::reference: break;
     }
     return ASN1_KIND_TAGGED;
-}
-
-// ---- constants --------------------------------------------------------------------------------------------
-
-const Object* add_object(Builder& builder, Table& table, Object object) {
-    object.local = builder.next_local++;
-    table.objects.push_back(&builder.out.object_pool.emplace_back(std::move(object)));
-    return table.objects.back();
-}
-
-const Object* add_value(Builder& builder, Table& table, const Value& value, const Type& type) {
-    bool is_wide = type.string_kind == StringKind::bmp || type.string_kind == StringKind::universal;
-    bool is_refused = value.sort == Value::Sort::real || value.sort == Value::Sort::constructed;
-    if (is_refused || (type.kind == Kind::char_string && is_wide))
-        error(builder.diags, value.place, "a constant value of this type is not supported");
-    return add_object(builder, table,
-                      {.sort = Object::Sort::value, .words = {}, .value = value, .type = &type});
-}
-
-const Object* add_number(Builder& builder, Table& table, const Number& number, const Type& type) {
-    Value value;
-    value.sort = Value::Sort::number;
-    value.number = number;
-    return add_value(builder, table, value, type);
 }
 
 // ---- tables by kind: what stands between word 0 and the name ----------------------------------------------
@@ -146,6 +115,12 @@ void add_choice(Builder& builder, Table& table, const Type& type) {
     add_name(table);
 }
 
+// A bound from 64K up makes no difference on the wire (X.691 clause 11.9.3.5), and readers count in 32 bits, signed.
+bool has_upper_size(const Type& type) {
+    const auto& [lower, upper, extensible] = type.bounds;
+    return upper && (*upper <= INT32_MAX || lower == upper);
+}
+
 // Lower bound always, upper bound if there is one.
 void add_size(Builder& builder, Table& table, const Type& type) {
     auto add = [&](const Number& bound) {
@@ -155,7 +130,7 @@ void add_size(Builder& builder, Table& table, const Type& type) {
             table.words.push_back(number_word(static_cast<uint32_t>(bound)));
     };
     add(type.bounds.lower.value_or(0));
-    if (type.bounds.upper) add(*type.bounds.upper);
+    if (has_upper_size(type)) add(*type.bounds.upper);
 }
 
 void add_list(Builder& builder, Table& table, const Type& type) {
@@ -250,19 +225,32 @@ void add_enumerated(Builder& builder, Table& table, const Type& type) {
 
 // ---- open types -------------------------------------------------------------------------------------------
 
-Word row_word(Builder& builder, Table& table, const RowEntry& entry, const ClassField& field) {
+// A value that no constant can hold is left out, unless it is a key.
+Word row_word(Builder& builder, Table& table, const RowEntry& entry, const ClassField& field, bool is_key) {
     if (field.is_type_field) return table_or_zero(type_table(builder, entry.type));
     if (!entry.value) return number_word(0);
-    return object_word(add_value(builder, table, *entry.value, *resolved(field.type)));
+    const Type& type = *resolved(field.type);
+    if (is_constant(builder, *entry.value, type))
+        return object_word(add_value(builder, table, *entry.value, type));
+    if (is_key)
+        error(builder.diags, entry.value->place, "a value of {} is not supported as a key (X.682 clause 10)",
+              kind_name(type.kind));
+    return number_word(0);
 }
 
-Word rows_word(Builder& builder, Table& table, const ObjectSet& set) {
+Word rows_word(Builder& builder, Table& table, const TableConstraint& constraint) {
+    const ObjectSet& set = *constraint.object_set;
     if (set.rows.empty()) return number_word(0);
+    auto is_key = [&](size_t column) {
+        return std::any_of(
+            constraint.selectors.begin(), constraint.selectors.end(),
+            [&](const Selector& selector) { return static_cast<size_t>(selector.column) == column; });
+    };
     Object rows;
     rows.sort = Object::Sort::rows;
     for (const auto& row : set.rows)
         for (size_t i = 0; i < row.size(); i++)
-            rows.words.push_back(row_word(builder, table, row[i], set.object_class->fields[i]));
+            rows.words.push_back(row_word(builder, table, row[i], set.object_class->fields[i], is_key(i)));
     return object_word(add_object(builder, table, std::move(rows)));
 }
 
@@ -274,7 +262,7 @@ void add_open_type(Builder& builder, Table& table, const Type& type) {
     object.words = {number_word(ASN1_CONSTRAINT_TABLE),
                     table_word(builder.classes[constraint.object_set->object_class]),
                     number_word(constraint.column),
-                    rows_word(builder, table, *constraint.object_set),
+                    rows_word(builder, table, constraint),
                     number_word(constraint.object_set->rows.size()),
                     number_word(constraint.selectors.size())};
     for (const Selector& selector : constraint.selectors) {
@@ -299,8 +287,9 @@ uint32_t flags_of(const Type& type) {
         case Kind::open_type: return flag_if(type.table.has_value(), ASN1_WORD0_CONSTRAINED);
         default: break;
     }
-    uint32_t upper = flag_if(type.bounds.upper.has_value(), ASN1_WORD0_HAS_UPPER) |
-                     flag_if(type.bounds.extensible, ASN1_WORD0_EXTENSIBLE);
+    bool has_upper = type.kind == Kind::integer ? type.bounds.upper.has_value() : has_upper_size(type);
+    uint32_t upper =
+        flag_if(has_upper, ASN1_WORD0_HAS_UPPER) | flag_if(type.bounds.extensible, ASN1_WORD0_EXTENSIBLE);
     switch (type.kind) {
         case Kind::integer:
             return upper | flag_if(type.bounds.lower.has_value(), ASN1_WORD0_HAS_LOWER) |
@@ -353,9 +342,10 @@ void fill_class(Builder& builder, Table& table, const ObjectClass& object_class)
     table.words.push_back(number_word(object_class.fields.size()));
     for (const ClassField& field : object_class.fields) {
         const Table* type = type_table(builder, field.type);
-        const Object* value = field.default_value
-                                  ? add_value(builder, table, *field.default_value, *resolved(field.type))
-                                  : nullptr;
+        bool has_default =
+            field.default_value && is_constant(builder, *field.default_value, *resolved(field.type));
+        const Object* value =
+            has_default ? add_value(builder, table, *field.default_value, *resolved(field.type)) : nullptr;
         table.words.push_back(
             number_word(field.is_type_field ? ASN1_CLASS_FIELD_TYPE : ASN1_CLASS_FIELD_VALUE));
         table.words.push_back(table_or_zero(type));

@@ -1,6 +1,7 @@
 #include "compiler/model/diagnostics.hpp"
 
 #include <algorithm>
+#include <set>
 #include <tuple>
 
 namespace orlentac {
@@ -48,7 +49,11 @@ std::string errors_text(const Diagnostics& diags, size_t limit) {
 
 std::string notes_text(const Diagnostics& diags) {
     std::string text;
-    for (const Diagnostic& note : diags.notes) text += line_text(note, "note");
+    std::set<std::string> told;
+    for (const Diagnostic& note : diags.notes) {
+        std::string line = line_text(note, "note");
+        if (told.insert(line).second) text += line;
+    }
     return text;
 }
 

@@ -91,7 +91,7 @@ struct Tag {
 
 // A resolved DEFAULT or object-set value; `enumerated` and identifiers are resolved to the item's index.
 struct Value {
-    // constructed: of a SEQUENCE, SET, CHOICE, a list or an open type; known by its text alone
+    // constructed: of a SEQUENCE, SET, CHOICE, a list or an open type
     enum class Sort {
         boolean,
         number,
@@ -110,6 +110,8 @@ struct Value {
     size_t item = 0;       // index of the ENUMERATED item in the type's list
     std::string bytes;     // octets; bits (first bit is bit 7 of the first byte); text; OID contents octets
     size_t bit_count = 0;  // bits
+    // constructed: the alternative, or the components, by name; of others the text in `bytes` is all that is known
+    std::vector<std::pair<std::string, Value>> members;
     Place place;
 };
 
@@ -121,6 +123,7 @@ struct Component {
     Type* type = nullptr;
     Presence presence = Presence::mandatory;
     std::optional<Value> default_value;
+    std::string default_text;   // as written
     bool addition = false;      // extension addition
     bool opens_group = false;   // first member of an extension addition group
     bool closes_group = false;  // last member; a group of one has both

@@ -243,10 +243,10 @@ Effect evaluate_contents(const Evaluation& evaluation, const AstConstraint& cons
               "CONTAINING applies to OCTET STRING and BIT STRING, not to {}", kind_name(evaluation.kind));
         return effect;
     }
-    std::vector<Type*> enclosing;
-    std::swap(enclosing, evaluation.resolver.enclosing);
+    size_t outer = evaluation.resolver.in_contents;
+    evaluation.resolver.in_contents = evaluation.resolver.enclosing.size();
     effect.contained = resolve_type(evaluation.resolver, *constraint.type, evaluation.scope);
-    std::swap(enclosing, evaluation.resolver.enclosing);
+    evaluation.resolver.in_contents = outer;
     return effect;
 }
 
@@ -293,6 +293,11 @@ Effect evaluate_element(const Evaluation& evaluation, const AstConstraint& const
 
 // An extensible alphabet is not visible to PER (X.691 clause 10.3.11).
 Effect evaluate(const Evaluation& evaluation, const AstConstraint& constraint) {
+    if (constraint.scope && constraint.scope != &evaluation.scope) {
+        Evaluation own = {evaluation.resolver, evaluation.base, evaluation.kind, *constraint.scope,
+                          evaluation.in_alphabet};
+        return evaluate(own, constraint);
+    }
     Effect effect = evaluate_element(evaluation, constraint);
     if (!constraint.extensible) return effect;
     if (effect.values) effect.values->extensible = true;

@@ -61,6 +61,7 @@ const Scope* bind_parameters(Resolver& resolver, const Scope& scope, const AstRe
         binding.parameter = &assignment.parameters[i];
         binding.tokens = reference.actuals[i];
         binding.scope = &scope;
+        binding.inner = &inner;
         binding.key = actual_key(resolver, reference.actuals[i], scope);
         inner.key += (i ? "," : "") + binding.key;
         inner.bindings.push_back(&binding);
@@ -68,14 +69,39 @@ const Scope* bind_parameters(Resolver& resolver, const Scope& scope, const AstRe
     return &inner;
 }
 
-AstType* binding_type(Resolver& resolver, Binding& binding) {
-    if (binding.type) return binding.type;
-    if (binding.parameter->governor) {
+// A parameter Type:Set is the type under the values of the set as a constraint.
+static AstType* value_set_type(Resolver& resolver, const Binding& binding, Parser& parser) {
+    bool upper = binding.parameter->name[0] >= 'A' && binding.parameter->name[0] <= 'Z';
+    bool is_set =
+        upper && is_symbol(parser, "{") && !is_class(resolver, *binding.inner, *binding.parameter->governor);
+    if (!is_set) {
         error(resolver.diags, binding.parameter->place,
               "expected a type, found the parameter '{}', which is none", binding.parameter->name);
         return nullptr;
     }
+    return try_parse(resolver, [&]() -> AstType* {
+        expect_symbol(parser, "{");
+        AstConstraint* set = parse_element_sets(parser);
+        expect_symbol(parser, "}");
+        AstType& type = resolver.ast.types.emplace_back(*binding.parameter->governor);
+        AstConstraint& constraint = resolver.ast.constraints.emplace_back(*set);
+        constraint.scope = binding.scope;
+        type.constraints.push_back(&constraint);
+        return &type;
+    });
+}
+
+const Scope& type_scope(const Binding& binding) {
+    return binding.parameter->governor ? *binding.inner : *binding.scope;
+}
+
+AstType* binding_type(Resolver& resolver, Binding& binding) {
+    if (binding.type) return binding.type;
     Parser parser = parse_range(resolver.ast, binding.tokens);
+    if (binding.parameter->governor) {
+        binding.type = value_set_type(resolver, binding, parser);
+        return binding.type;
+    }
     binding.type = try_parse(resolver, [&] {
         AstType* type = parse_type(parser);
         expect_end(parser, "',' or '}' behind an actual parameter");

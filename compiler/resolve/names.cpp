@@ -37,9 +37,15 @@ bool exports(const AstModule& module, const std::string& name) {
 }
 
 void check_exports(Resolver& resolver, const ModuleNames& names) {
+    auto imports = [&](const std::string& name) {
+        for (const AstImport& import : names.ast->imports)
+            for (const AstSymbol& symbol : import.symbols)
+                if (symbol.name == name) return true;
+        return false;
+    };
     for (const AstSymbol& symbol : names.ast->exports) {
-        if (!names.own.contains(symbol.name)) {
-            error(resolver.diags, symbol.place, "'{}' is exported, but not defined", symbol.name);
+        if (!names.own.contains(symbol.name) && !imports(symbol.name)) {
+            note(resolver.diags, symbol.place, "'{}' is exported, but not defined", symbol.name);
         }
     }
 }
@@ -79,23 +85,33 @@ std::string defined_elsewhere(const Resolver& resolver, const std::string& name)
     return fmt::format("; {} {}", definers(resolver, name), known->second.size() == 1 ? "does" : "do");
 }
 
+// Published modules import what is not there, or not exported: no harm is done until something uses it.
 void import_symbol(Resolver& resolver, ModuleNames& names, const AstImport& import, const AstSymbol& symbol) {
     auto from = resolver.module_names.find(import.module.name);
     Meaning meaning = find_exported(resolver, import.module.name, symbol.name);
-    if (from != resolver.module_names.end() && !meaning) {
-        error(resolver.diags, symbol.place, "module '{}' does not define '{}'{}", import.module.name,
-              symbol.name, defined_elsewhere(resolver, symbol.name));
-    } else if (meaning && !exports(*from->second->ast, symbol.name)) {
-        error(resolver.diags, symbol.place, "module '{}' does not export '{}'", import.module.name,
-              symbol.name);
+    if (from == resolver.module_names.end()) {
+        names.missing[symbol.name] = {};  // the module is told of
+    } else if (!meaning) {
+        names.missing[symbol.name] = {
+            symbol.place, fmt::format("module '{}' does not define '{}'{}", import.module.name, symbol.name,
+                                      defined_elsewhere(resolver, symbol.name))};
+        note(resolver.diags, symbol.place, "{}", names.missing[symbol.name].text);
+    } else if (!exports(*from->second->ast, symbol.name)) {
+        note(resolver.diags, symbol.place, "module '{}' does not export '{}'", import.module.name,
+             symbol.name);
     }
     if (names.own.contains(symbol.name)) {
         error(resolver.diags, symbol.place, "'{}' is both imported and defined", symbol.name);
         return;
     }
+    if (!meaning || names.missing.contains(symbol.name)) return;
     auto [known, fresh] = names.imported.try_emplace(symbol.name, meaning);
-    if (!fresh && meaning && known->second && known->second.assignment != meaning.assignment) {
-        error(resolver.diags, symbol.place, "'{}' is imported already, from another module", symbol.name);
+    if (!fresh && known->second.assignment != meaning.assignment) {
+        std::string first = known->second.module->ast->name, second = meaning.module->ast->name;
+        names.missing[symbol.name] = {
+            symbol.place, fmt::format("'{0}' is imported from two modules: write {1}.{0} or {2}.{0}",
+                                      symbol.name, first, second)};
+        names.imported.erase(known);
     }
 }
 
@@ -165,9 +181,11 @@ Search search(const Resolver& resolver, const Scope& scope, const AstReference& 
         return Search::found;
     }
     auto imported = scope.module->imported.find(reference.name);
-    if (imported == scope.module->imported.end()) return Search::missing;
-    meaning = imported->second;
-    return meaning ? Search::found : Search::broken;
+    if (imported != scope.module->imported.end()) {
+        meaning = imported->second;
+        return Search::found;
+    }
+    return scope.module->missing.contains(reference.name) ? Search::broken : Search::missing;
 }
 
 }  // namespace
@@ -188,7 +206,11 @@ Meaning peek_name(const Resolver& resolver, const Scope& scope, const AstReferen
 Meaning find_name(Resolver& resolver, const Scope& scope, const AstReference& reference,
                   std::string_view what) {
     Meaning meaning;
-    if (search(resolver, scope, reference, meaning) == Search::missing) {
+    Search result = search(resolver, scope, reference, meaning);
+    if (result == Search::broken) {
+        const Diagnostic& vain = scope.module->missing.at(reference.name);
+        if (!vain.text.empty()) add_error(resolver.diags, vain.place, vain.text);
+    } else if (result == Search::missing) {
         if (!reference.module.empty()) {
             bool known = resolver.module_names.contains(reference.module);
             error(resolver.diags, reference.place, "unknown {} '{}.{}'{}", what, reference.module,

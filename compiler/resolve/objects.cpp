@@ -1,4 +1,4 @@
-// Information object classes, objects and object sets (X.681).
+// Information objects and object sets, and what is taken from them (X.681 clauses 11, 12 and 15).
 #include <algorithm>
 #include <set>
 
@@ -8,114 +8,90 @@ namespace orlentac {
 
 namespace {
 
-constexpr int kMaxAliases = 32;
+constexpr int kMaxSteps = 64;  // of objects within objects
 
-void fill_class(Resolver& resolver, ClassInfo& info);
-
-// X.681 annex A; made when it is first used.
-const ClassInfo* type_identifier(Resolver& resolver) {
-    static const AstAssignment kKey;
-    ClassInfo& info = resolver.classes[&kKey];
-    if (info.object_class) return &info;
-    static const std::string kText =
-        "{ &id OBJECT IDENTIFIER UNIQUE, &Type } WITH SYNTAX { &Type IDENTIFIED BY &id }";
-    resolver.ast.files.push_back(tokenize(nullptr, kText, resolver.diags));
-    const std::vector<Token>& tokens = resolver.ast.files.back();
-    Parser parser = parse_range(resolver.ast, {tokens.data(), tokens.data() + tokens.size() - 1});
-    info.object_class = &resolver.schema.class_pool.emplace_back();
-    info.object_class->name = "TYPE-IDENTIFIER";
-    info.ast = parse_class(parser);
-    info.scope = &resolver.modules.front().scope;
-    resolver.schema.classes.push_back(info.object_class);
-    fill_class(resolver, info);
-    return &info;
-}
-
-const ClassInfo* search_class(Resolver& resolver, const Scope& scope, const AstReference& reference,
-                              int depth) {
-    if (reference.name == "TYPE-IDENTIFIER") return type_identifier(resolver);
-    Meaning meaning = peek_name(resolver, scope, reference);
-    const AstType* alias = nullptr;
-    if (meaning.binding && !meaning.binding->parameter->governor) {
-        alias = binding_type(resolver, *meaning.binding);
-    } else if (meaning.assignment) {
-        auto found = resolver.classes.find(meaning.assignment);
-        if (found != resolver.classes.end()) return &found->second;
-        if (meaning.assignment->sort == AstAssignment::Sort::type) alias = meaning.assignment->type;
-    }
-    bool plain = alias && alias->sort == AstType::Sort::reference && !alias->reference.has_actuals &&
-                 alias->constraints.empty() && alias->tags.empty();
-    if (!plain || depth > kMaxAliases) return nullptr;
-    return search_class(resolver, scope_of(meaning), alias->reference, depth + 1);
-}
-
-void fill_class(Resolver& resolver, ClassInfo& info) {
-    if (info.filled) return;
-    info.filled = true;
-    std::set<std::string> names;
-    for (const AstField& ast : info.ast->fields) {
-        if (!names.insert(ast.name).second) {
-            error(resolver.diags, ast.place, "the field '{}' is there already", ast.name);
-        }
-        ClassField field;
-        field.name = ast.name;
-        field.is_type_field = ast.is_type_field;
-        field.unique = ast.unique;
-        if (ast.type) field.type = resolve_type(resolver, *ast.type, *info.scope);
-        if (ast.default_value) {
-            field.default_value =
-                resolve_value(resolver, *ast.default_value, *info.scope, *ast.type, *info.scope);
-        }
-        info.object_class->fields.push_back(std::move(field));
-    }
-}
-
-// ---- objects ----
+// ---- one object -------------------------------------------------------------------------------------------
 
 struct ObjectReader {
     Resolver& resolver;
     const Scope& scope;
     const ClassInfo& info;
     Parser parser;
-    std::vector<RowEntry> row;
+    InfoObject& object;
 };
 
-void read_setting(ObjectReader& reader, const std::string& name) {
-    int column = find_field(reader.resolver, reader.info, name, reader.parser.at->place);
-    if (column < 0) return;
-    const AstField& field = reader.info.ast->fields[column];
-    RowEntry& entry = reader.row[column];
-    if (field.is_type_field) {
-        entry.type = resolve_type(reader.resolver, *parse_type(reader.parser), reader.scope);
-        return;
-    }
-    AstValue* value = parse_value(reader.parser);
-    entry.value = resolve_value(reader.resolver, *value, reader.scope, *field.type, *reader.info.scope);
-    if (!entry.value) {
-        entry.value.emplace();
+void read_value(ObjectReader& reader, const AstField& field, Setting& setting, RowEntry* entry) {
+    setting.value = parse_value(reader.parser);
+    if (!entry) return;
+    entry->value =
+        resolve_value(reader.resolver, *setting.value, reader.scope, *field.type, *reader.info.scope);
+    if (!entry->value) {
+        entry->value.emplace();
     } else {
-        check_value_later(reader.resolver, reader.info.object_class->fields[column].type, *entry.value, name);
+        int column = reader.info.columns[&field - reader.info.ast->fields.data()];
+        check_value_later(reader.resolver, reader.info.object_class->fields[column].type, *entry->value,
+                          field.name);
     }
 }
 
-bool is_literal(const Parser& parser, const AstSyntax& item) {
-    return is_word(parser, item.text) || is_symbol(parser, item.text);
+// Where a value stands whose type another field gives, only its end can be told.
+void skip_value(Parser& parser) {
+    if (is_sort(parser, Token::Sort::upper_word) && !is_symbol(parser, ".", 1)) {
+        parser.at++;
+        return;
+    }
+    parse_value(parser);
+}
+
+void read_set(ObjectReader& reader, Setting& setting) {
+    expect_symbol(reader.parser, "{");
+    setting.set = read_braces(reader.parser);
+}
+
+void read_setting(ObjectReader& reader, const std::string& name) {
+    int index = find_field(reader.resolver, reader.info, name, reader.parser.at->place);
+    if (index < 0) return;
+    const AstField& field = reader.info.ast->fields[index];
+    int column = reader.info.columns[index];
+    RowEntry* entry = column < 0 ? nullptr : &reader.object.row[column];
+    Setting& setting = reader.object.settings[index];
+    setting.present = true;
+    setting.scope = &reader.scope;
+    switch (field.sort) {
+        case AstField::Sort::type:
+            setting.type = parse_type(reader.parser);
+            entry->type = resolve_type(reader.resolver, *setting.type, reader.scope);
+            break;
+        case AstField::Sort::value: read_value(reader, field, setting, entry); break;
+        case AstField::Sort::variable_value: skip_value(reader.parser); break;
+        case AstField::Sort::set:
+        case AstField::Sort::variable_set: read_set(reader, setting); break;
+    }
+}
+
+bool is_literal(const Parser& parser, const AstSyntax& item, size_t ahead = 0) {
+    return is_word(parser, item.text, ahead) || is_symbol(parser, item.text, ahead);
 }
 
 // Whether the words of an optional part come next.
 bool group_follows(const Parser& parser, const std::vector<AstSyntax>& group) {
     if (group.empty() || at_end(parser)) return false;
     switch (group[0].sort) {
-        case AstSyntax::Sort::literal: return is_literal(parser, group[0]);
+        case AstSyntax::Sort::literal:
+            for (size_t i = 0; i < group.size() && group[i].sort == AstSyntax::Sort::literal; i++)
+                if (!is_literal(parser, group[i], i)) return false;
+            return true;
         case AstSyntax::Sort::optional_group: return group_follows(parser, group[0].group);
         case AstSyntax::Sort::field: break;
     }
-    bool type_field = group[0].text[1] >= 'A' && group[0].text[1] <= 'Z';
-    return type_field == is_sort(parser, Token::Sort::upper_word);
+    if (is_symbol(parser, "{") || is_symbol(parser, "[")) return true;
+    bool upper = group[0].text[1] >= 'A' && group[0].text[1] <= 'Z';
+    return upper == is_sort(parser, Token::Sort::upper_word);
 }
 
 void read_syntax(ObjectReader& reader, const std::vector<AstSyntax>& syntax) {
-    for (const AstSyntax& item : syntax) {
+    for (size_t i = 0; i < syntax.size(); i++) {
+        const AstSyntax& item = syntax[i];
         switch (item.sort) {
             case AstSyntax::Sort::literal:
                 if (!is_literal(reader.parser, item))
@@ -142,17 +118,24 @@ void read_default_syntax(ObjectReader& reader) {
 }
 
 void check_settings(const ObjectReader& reader, Place place) {
-    for (size_t i = 0; i < reader.row.size(); i++) {
+    for (size_t i = 0; i < reader.object.settings.size(); i++) {
         const AstField& field = reader.info.ast->fields[i];
-        if (reader.row[i].type || reader.row[i].value || field.optional) continue;
+        if (reader.object.settings[i].present || field.optional) continue;
         error(reader.resolver.diags, place, "the object does not set the field '{}'", field.name);
     }
 }
 
-std::optional<std::vector<RowEntry>> read_object(Resolver& resolver, const Scope& scope, TokenRange braces,
-                                                 const ClassInfo& info, Place place) {
-    ObjectReader reader{resolver, scope, info, parse_range(resolver.ast, braces), {}};
-    reader.row.resize(info.ast->fields.size());
+const InfoObject* read_object(Resolver& resolver, const Scope& scope, TokenRange braces,
+                              const ClassInfo& info, Place place) {
+    std::pair key(braces.first, &scope);
+    auto known = resolver.objects.find(key);
+    if (known != resolver.objects.end()) return known->second;
+    InfoObject& object = resolver.object_pool.emplace_back();
+    resolver.objects[key] = &object;
+    object.info = &info;
+    object.row.resize(info.object_class->fields.size());
+    object.settings.resize(info.ast->fields.size());
+    ObjectReader reader{resolver, scope, info, parse_range(resolver.ast, braces), object};
     try {
         if (info.ast->has_syntax) {
             read_syntax(reader, info.ast->syntax);
@@ -160,112 +143,204 @@ std::optional<std::vector<RowEntry>> read_object(Resolver& resolver, const Scope
         } else {
             read_default_syntax(reader);
         }
+        check_settings(reader, place);
     } catch (const SyntaxError& fault) {
         error(resolver.diags, fault.place, "{}", fault.text);
-        return std::nullopt;
+        resolver.objects[key] = nullptr;
     }
-    check_settings(reader, place);
-    return std::move(reader.row);
+    return resolver.objects[key];
 }
 
-std::optional<std::vector<RowEntry>> find_object(Resolver& resolver, const Scope& scope,
-                                                 const AstReference& reference, const ClassInfo& info);
+// ---- fields of objects ------------------------------------------------------------------------------------
 
-std::optional<std::vector<RowEntry>> object_value(Resolver& resolver, const Scope& scope,
-                                                  const AstValue& value, const ClassInfo& info) {
-    if (value.sort == AstValue::Sort::braces)
-        return read_object(resolver, scope, value.braces, info, value.place);
-    if (value.sort == AstValue::Sort::reference) return find_object(resolver, scope, value.reference, info);
-    error(resolver.diags, value.place, "expected an object of class '{}', found {}", info.object_class->name,
-          value_text(value));
-    return std::nullopt;
+using Members = std::vector<const InfoObject*>;
+
+void add_member(Members& members, const InfoObject* object) {
+    if (object && std::find(members.begin(), members.end(), object) == members.end())
+        members.push_back(object);
 }
 
-std::optional<std::vector<RowEntry>> find_object(Resolver& resolver, const Scope& scope,
-                                                 const AstReference& reference, const ClassInfo& info) {
-    Meaning meaning = find_name(resolver, scope, reference, "object");
-    if (!meaning) return std::nullopt;
+void read_members(Resolver& resolver, const Scope& scope, TokenRange braces, const ClassInfo& info,
+                  Members& members, bool& extensible);
+
+const ClassInfo* class_of_field(Resolver& resolver, const ClassInfo& info, const AstField& field) {
+    bool may_be = field.sort == AstField::Sort::value || field.sort == AstField::Sort::set;
+    if (!may_be || field.type->sort != AstType::Sort::reference) return nullptr;
+    return peek_class(resolver, *info.scope, field.type->reference);
+}
+
+// The objects that a field of an object gives: one, or a set.
+Members objects_in_field(Resolver& resolver, const InfoObject& object, int index) {
+    Members members;
+    const AstField& field = object.info->ast->fields[index];
+    const Setting& setting = object.settings[index];
+    const ClassInfo* info = class_of_field(resolver, *object.info, field);
+    if (!info || ++resolver.object_depth > kMaxSteps) return members;
+    const Scope& scope = setting.present ? *setting.scope : *object.info->scope;
+    bool extensible = false;
+    if (field.sort == AstField::Sort::value) {
+        const AstValue* value = setting.present ? setting.value : field.default_value;
+        if (value) add_member(members, object_value(resolver, scope, *value, *info));
+    } else if (setting.present || field.has_default_set) {
+        read_members(resolver, scope, setting.present ? setting.set : field.default_set, *info, members,
+                     extensible);
+    }
+    resolver.object_depth--;
+    return members;
+}
+
+// From objects of `info` through a field to those that it gives; `info` becomes their class. Null if the field holds
+// no objects, which is told.
+const ClassInfo* follow_field(Resolver& resolver, const ClassInfo& info, Members& members,
+                              const std::string& name, Place place) {
+    int index = find_field(resolver, info, name, place);
+    if (index < 0) return nullptr;
+    const ClassInfo* next = class_of_field(resolver, info, info.ast->fields[index]);
+    if (!next) {
+        error(resolver.diags, place, "the field '{}' holds no objects", name);
+        return nullptr;
+    }
+    Members all;
+    for (const InfoObject* object : members)
+        for (const InfoObject* inner : objects_in_field(resolver, *object, index)) add_member(all, inner);
+    members = std::move(all);
+    return next;
+}
+
+// The class that governs an object or an object set.
+const ClassInfo* governing_class(Resolver& resolver, const Meaning& meaning) {
     const AstType* governor =
         meaning.binding ? meaning.binding->parameter->governor : meaning.assignment->type;
-    const AstValue* value = nullptr;
-    if (meaning.binding) {
-        value = binding_value(resolver, *meaning.binding);
-        if (!value) return std::nullopt;
-        return object_value(resolver, scope_of(meaning), *value, info);
-    }
-    value = meaning.assignment->sort == AstAssignment::Sort::value ? meaning.assignment->value : nullptr;
-    const ClassInfo* its = value ? peek_class(resolver, scope_of(meaning), governor->reference) : nullptr;
-    if (!its || its->object_class != info.object_class) {
-        error(resolver.diags, reference.place, "expected an object of class '{}', found '{}'",
-              info.object_class->name, reference.name);
-        return std::nullopt;
-    }
-    if (!resolver.busy.insert(value).second) {
-        error(resolver.diags, reference.place, "the object '{}' refers to nothing but itself",
-              reference.name);
-        return std::nullopt;
-    }
-    auto row = object_value(resolver, scope_of(meaning), *value, info);
-    resolver.busy.erase(value);
-    return row;
+    const Scope& scope = meaning.binding ? *meaning.binding->inner : meaning.module->scope;
+    if (!governor || governor->sort != AstType::Sort::reference) return nullptr;
+    return peek_class(resolver, scope, governor->reference);
 }
 
-// ---- object sets ----
+// ---- elements of sets -------------------------------------------------------------------------------------
+
+void read_elements(Resolver& resolver, const Scope& scope, Parser& parser, const ClassInfo& info,
+                   Members& members, bool& extensible);
+
+// An object or a set of objects, or what fields of them hold.
+void read_reference(Resolver& resolver, const Scope& scope, Parser& parser, const ClassInfo& info,
+                    Members& members, bool& extensible) {
+    bool qualified = is_symbol(parser, ".", 1) && !is_sort(parser, Token::Sort::field, 2);
+    bool upper = is_sort(parser, Token::Sort::upper_word) &&
+                 !(qualified && is_sort(parser, Token::Sort::lower_word, 2));
+    AstReference reference;
+    if (upper) {
+        reference = parse_type_reference(parser, "an object, an object set or '...'");
+        accept_actuals(parser, reference);
+    } else {
+        reference = parse_value_reference(parser);
+    }
+    std::vector<std::string> fields = parse_fields(parser);
+    const ClassInfo* from = &info;
+    if (!fields.empty()) {
+        Meaning meaning = find_name(resolver, scope, reference, upper ? "object set" : "object");
+        from = meaning ? governing_class(resolver, meaning) : nullptr;
+        if (meaning && !from)
+            error(resolver.diags, reference.place, "expected objects, found '{}'", reference.name);
+        if (!from) return;
+    }
+    Members found;
+    if (!upper) {
+        add_member(found, find_object(resolver, scope, reference, *from));
+    } else if (ObjectSet* other = find_set(resolver, scope, reference, *from)) {
+        if (resolver.filling.contains(other)) {
+            return error(resolver.diags, reference.place, "the object set '{}' contains itself",
+                         reference.name);
+        }
+        extensible |= other->extensible && fields.empty();
+        found = resolver.members[other];
+    }
+    for (const std::string& field : fields) {
+        from = follow_field(resolver, *from, found, field, reference.place);
+        if (!from) return;
+    }
+    if (from->object_class != info.object_class) {
+        return error(resolver.diags, reference.place, "expected objects of class '{}', found those of '{}'",
+                     info.object_class->name, from->object_class->name);
+    }
+    for (const InfoObject* object : found) add_member(members, object);
+}
 
 void read_element(Resolver& resolver, const Scope& scope, Parser& parser, const ClassInfo& info,
-                  ObjectSet& set) {
+                  Members& members, bool& extensible) {
+    Nesting nesting(parser);
     Place place = parser.at->place;
     if (accept_symbol(parser, "{")) {
-        if (auto row = read_object(resolver, scope, read_braces(parser), info, place)) {
-            set.rows.push_back(std::move(*row));
-        }
-        return;
+        add_member(members, read_object(resolver, scope, read_braces(parser), info, place));
+    } else if (accept_symbol(parser, "(")) {
+        read_elements(resolver, scope, parser, info, members, extensible);
+        expect_symbol(parser, ")");
+    } else {
+        read_reference(resolver, scope, parser, info, members, extensible);
     }
-    AstReference reference;
-    reference.place = place;
-    if (is_sort(parser, Token::Sort::upper_word) && is_symbol(parser, ".", 1)) {
-        reference.module = parser.at->text;
-        parser.at += 2;
+}
+
+// With what EXCEPT takes away, or INTERSECTION leaves.
+void read_narrowed(Resolver& resolver, const Scope& scope, Parser& parser, const ClassInfo& info,
+                   Members& members, bool& extensible) {
+    Members all;
+    read_element(resolver, scope, parser, info, all, extensible);
+    for (;;) {
+        bool except = accept_word(parser, "EXCEPT");
+        if (!except && !accept_word(parser, "INTERSECTION") && !accept_symbol(parser, "^")) break;
+        Members by;
+        read_element(resolver, scope, parser, info, by, extensible);
+        std::erase_if(all, [&](const InfoObject* object) {
+            return (std::find(by.begin(), by.end(), object) != by.end()) == except;
+        });
     }
-    if (is_sort(parser, Token::Sort::lower_word)) {
-        reference.name = parser.at++->text;
-        if (auto row = find_object(resolver, scope, reference, info)) set.rows.push_back(std::move(*row));
-        return;
-    }
-    reference.name = expect_reference(parser, "an object, an object set or '...'").text;
-    if (ObjectSet* other = find_set(resolver, scope, reference, info)) {
-        set.extensible |= other->extensible;
-        set.rows.insert(set.rows.end(), other->rows.begin(), other->rows.end());
-    }
+    for (const InfoObject* object : all) add_member(members, object);
 }
 
 void read_elements(Resolver& resolver, const Scope& scope, Parser& parser, const ClassInfo& info,
-                   ObjectSet& set) {
+                   Members& members, bool& extensible) {
     do {
         if (accept_symbol(parser, "...")) {
-            set.extensible = true;
+            extensible = true;
             continue;
         }
         do {
-            read_element(resolver, scope, parser, info, set);
+            read_narrowed(resolver, scope, parser, info, members, extensible);
         } while (accept_symbol(parser, "|") || accept_word(parser, "UNION"));
     } while (accept_symbol(parser, ","));
-    expect_end(parser, "'|', ',' or '}' in an object set");
+}
+
+void read_members(Resolver& resolver, const Scope& scope, TokenRange braces, const ClassInfo& info,
+                  Members& members, bool& extensible) {
+    Parser parser = parse_range(resolver.ast, braces);
+    if (at_end(parser)) return;  // {}: ERRORS { } and the like
+    try {
+        read_elements(resolver, scope, parser, info, members, extensible);
+        expect_end(parser, "'|', ',' or '}' in an object set");
+    } catch (const SyntaxError& fault) {
+        error(resolver.diags, fault.place, "{}", fault.text);
+    }
+}
+
+// ---- sets -------------------------------------------------------------------------------------------------
+
+// Equal for equal values of a field.
+std::string key_text(const Value& value) {
+    return fmt::format("{}{}{}", value.sort == Value::Sort::number ? value.number.str() : "",
+                       value.sort == Value::Sort::item ? std::to_string(value.item) : "", value.bytes);
 }
 
 // X.681 clause 9.9: a UNIQUE field tells the objects of a set apart.
 void check_unique(Resolver& resolver, const ObjectSet& set) {
     for (size_t column = 0; column < set.object_class->fields.size(); column++) {
         if (!set.object_class->fields[column].unique) continue;
-        std::map<Number, Place> seen;
+        std::set<std::string> seen;
         for (const auto& row : set.rows) {
             const std::optional<Value>& value = row[column].value;
-            if (!value || (value->sort != Value::Sort::number && value->sort != Value::Sort::item)) continue;
-            Number key = value->sort == Value::Sort::number ? value->number : Number(value->item);
-            auto [first, fresh] = seen.try_emplace(key, value->place);
-            if (fresh) continue;
-            error(resolver.diags, set.place, "two objects of the set have the {} {}",
-                  set.object_class->fields[column].name, key.str());
+            if (!value || value->sort == Value::Sort::null || seen.insert(key_text(*value)).second) continue;
+            bool readable = value->sort == Value::Sort::number || value->sort == Value::Sort::item;
+            note(resolver.diags, set.place,
+                 "two objects of the set have the {} {}, so that neither is found by it",
+                 set.object_class->fields[column].name, readable ? key_text(*value) : "of each other");
         }
     }
 }
@@ -280,12 +355,12 @@ ObjectSet* new_set(Resolver& resolver, const ClassInfo& info, std::string name, 
 
 void fill_set(Resolver& resolver, const Scope& scope, TokenRange braces, const ClassInfo& info,
               ObjectSet& set) {
-    Parser parser = parse_range(resolver.ast, braces);
-    try {
-        read_elements(resolver, scope, parser, info, set);
-    } catch (const SyntaxError& fault) {
-        error(resolver.diags, fault.place, "{}", fault.text);
-    }
+    resolver.filling.insert(&set);
+    Members members;
+    read_members(resolver, scope, braces, info, members, set.extensible);
+    for (const InfoObject* object : members) set.rows.push_back(object->row);
+    resolver.members[&set] = std::move(members);
+    resolver.filling.erase(&set);
     check_unique(resolver, set);
 }
 
@@ -294,9 +369,13 @@ ObjectSet* bound_set(Resolver& resolver, Binding& binding, const ClassInfo& info
     const Token* first = binding.tokens.first;
     const Token* last = binding.tokens.last;
     bool braces = last - first >= 2 && first->text == "{" && (last - 1)->text == "}";
+    bool bare = last - first == 1 && first->sort == Token::Sort::upper_word;
     if (!binding.parameter->governor) {
         error(resolver.diags, place, "expected an object set, found the parameter '{}'",
               binding.parameter->name);
+    } else if (bare) {
+        note(resolver.diags, first->place, "'{0}' should be {{{0}}} (X.683 clause 9.5)", first->text);
+        binding.set = resolve_set(resolver, *binding.scope, {first, last}, info, first->place);
     } else if (!braces) {
         error(resolver.diags, first->place, "expected an object set in braces, found {}", token_text(*first));
     } else {
@@ -305,59 +384,74 @@ ObjectSet* bound_set(Resolver& resolver, Binding& binding, const ClassInfo& info
     return binding.set;
 }
 
-}  // namespace
-
-const ClassInfo* peek_class(Resolver& resolver, const Scope& scope, const AstReference& reference) {
-    return search_class(resolver, scope, reference, 0);
+// The field at the end of a chain, of which all but the last hold objects.
+FieldTarget follow_chain(Resolver& resolver, const ClassInfo* info, Members members, const AstType& type) {
+    for (size_t i = 0; info && i + 1 < type.fields.size(); i++)
+        info = follow_field(resolver, *info, members, type.fields[i], type.place);
+    if (!info) return {};
+    int index = find_field(resolver, *info, type.fields.back(), type.place);
+    if (index < 0) return {};
+    return {info, index, members.empty() ? nullptr : members[0]};
 }
 
-const ClassInfo* find_class(Resolver& resolver, const Scope& scope, const AstReference& reference) {
-    const ClassInfo* info = peek_class(resolver, scope, reference);
-    if (info) return info;
-    Meaning meaning = find_name(resolver, scope, reference, "class");
-    if (meaning) {
-        error(resolver.diags, reference.place,
-              "expected an information object class, found '{}', which is none", reference.name);
+}  // namespace
+
+const InfoObject* object_value(Resolver& resolver, const Scope& scope, const AstValue& value,
+                               const ClassInfo& info) {
+    if (value.sort == AstValue::Sort::braces)
+        return read_object(resolver, scope, value.braces, info, value.place);
+    if (value.sort == AstValue::Sort::reference) return find_object(resolver, scope, value.reference, info);
+    if (value.sort == AstValue::Sort::from_object) {
+        const ClassInfo* from = nullptr;
+        const InfoObject* object = find_any_object(resolver, scope, value.reference, from);
+        Members members;
+        add_member(members, object);
+        for (const std::string& field : value.fields)
+            if (from) from = follow_field(resolver, *from, members, field, value.place);
+        return from && !members.empty() ? members[0] : nullptr;
     }
+    error(resolver.diags, value.place, "expected an object of class '{}', found {}", info.object_class->name,
+          value_text(value));
     return nullptr;
 }
 
-bool is_class(Resolver& resolver, const Scope& scope, const AstType& type) {
-    return type.sort == AstType::Sort::reference && !type.reference.has_actuals && type.constraints.empty() &&
-           peek_class(resolver, scope, type.reference);
-}
-
-void declare_classes(Resolver& resolver) {
-    for (const ModuleNames& names : resolver.modules) {
-        for (const AstAssignment* assignment : names.ast->assignments) {
-            if (assignment->sort != AstAssignment::Sort::object_class) continue;
-            ObjectClass& object_class = resolver.schema.class_pool.emplace_back();
-            object_class.name = assignment->name;
-            object_class.module = names.ast->name;
-            object_class.place = assignment->place;
-            resolver.schema.classes.push_back(&object_class);
-            resolver.classes[assignment] = {&object_class, assignment->object_class, &names.scope};
-        }
+const InfoObject* find_object(Resolver& resolver, const Scope& scope, const AstReference& reference,
+                              const ClassInfo& info) {
+    Meaning meaning = find_name(resolver, scope, reference, "object");
+    if (!meaning) return nullptr;
+    if (meaning.binding) {
+        AstValue* value = binding_value(resolver, *meaning.binding);
+        return value ? object_value(resolver, scope_of(meaning), *value, info) : nullptr;
     }
-}
-
-void fill_classes(Resolver& resolver) {
-    // In source order, also because the map may grow on the way.
-    for (const ModuleNames& names : resolver.modules) {
-        for (const AstAssignment* assignment : names.ast->assignments) {
-            auto found = resolver.classes.find(assignment);
-            if (found != resolver.classes.end()) fill_class(resolver, found->second);
-        }
+    const AstAssignment& assignment = *meaning.assignment;
+    bool is_value = assignment.sort == AstAssignment::Sort::value;
+    const ClassInfo* its = is_value ? governing_class(resolver, meaning) : nullptr;
+    if (!its || its->object_class != info.object_class) {
+        error(resolver.diags, reference.place, "expected an object of class '{}', found '{}'",
+              info.object_class->name, reference.name);
+        return nullptr;
     }
+    const Scope* inner = bind_parameters(resolver, scope, reference, meaning);
+    if (!inner) return nullptr;
+    const AstValue* value = assignment.value;
+    if (value->sort == AstValue::Sort::braces) return object_value(resolver, *inner, *value, info);
+    if (!resolver.busy.insert(value).second) {
+        error(resolver.diags, reference.place, "the object '{}' refers to nothing but itself",
+              reference.name);
+        return nullptr;
+    }
+    const InfoObject* object = object_value(resolver, *inner, *value, info);
+    resolver.busy.erase(value);
+    return object;
 }
 
-int find_field(Resolver& resolver, const ClassInfo& info, const std::string& name, Place place) {
-    const auto& fields = info.ast->fields;
-    auto found =
-        std::find_if(fields.begin(), fields.end(), [&](const AstField& f) { return f.name == name; });
-    if (found != fields.end()) return static_cast<int>(found - fields.begin());
-    error(resolver.diags, place, "class '{}' has no field '{}'", info.object_class->name, name);
-    return -1;
+const InfoObject* find_any_object(Resolver& resolver, const Scope& scope, const AstReference& reference,
+                                  const ClassInfo*& info) {
+    Meaning meaning = find_name(resolver, scope, reference, "object");
+    info = meaning ? governing_class(resolver, meaning) : nullptr;
+    if (info) return find_object(resolver, scope, reference, *info);
+    if (meaning) error(resolver.diags, reference.place, "expected an object, found '{}'", reference.name);
+    return nullptr;
 }
 
 ObjectSet* find_set(Resolver& resolver, const Scope& scope, const AstReference& reference,
@@ -366,25 +460,20 @@ ObjectSet* find_set(Resolver& resolver, const Scope& scope, const AstReference& 
     if (!meaning) return nullptr;
     if (meaning.binding) return bound_set(resolver, *meaning.binding, info, reference.place);
     const AstAssignment& assignment = *meaning.assignment;
-    bool is_set = assignment.sort == AstAssignment::Sort::set && !assignment.has_parameters;
-    const ClassInfo* its =
-        is_set ? peek_class(resolver, scope_of(meaning), assignment.type->reference) : nullptr;
+    bool is_set = assignment.sort == AstAssignment::Sort::set;
+    const ClassInfo* its = is_set ? governing_class(resolver, meaning) : nullptr;
     if (!its || its->object_class != info.object_class) {
         error(resolver.diags, reference.place, "expected an object set of class '{}', found '{}'{}",
               info.object_class->name, reference.name,
               its ? ", a set of class '" + its->object_class->name + "'" : "");
         return nullptr;
     }
-    ObjectSet*& set = resolver.sets[&assignment];
-    if (set && !resolver.busy.contains(&assignment)) return set;
-    if (set) {
-        error(resolver.diags, reference.place, "the object set '{}' contains itself", reference.name);
-        return nullptr;
-    }
+    const Scope* inner = bind_parameters(resolver, scope, reference, meaning);
+    if (!inner) return nullptr;
+    ObjectSet*& set = resolver.sets[{&assignment, inner->key}];
+    if (set) return set;
     ObjectSet* fresh = set = new_set(resolver, info, assignment.name, assignment.place);
-    resolver.busy.insert(&assignment);
-    fill_set(resolver, scope_of(meaning), assignment.braces, info, *fresh);
-    resolver.busy.erase(&assignment);
+    fill_set(resolver, *inner, assignment.braces, info, *fresh);
     return fresh;
 }
 
@@ -400,6 +489,45 @@ ObjectSet* resolve_set(Resolver& resolver, const Scope& scope, TokenRange braces
     ObjectSet* set = new_set(resolver, info, "", place);
     fill_set(resolver, scope, braces, info, *set);
     return set;
+}
+
+ObjectSet* set_behind_fields(Resolver& resolver, ObjectSet* set, const ClassInfo& info, const AstType& type) {
+    if (type.fields.size() < 2) return set;
+    Members members = resolver.members[set];
+    const ClassInfo* from = &info;
+    for (size_t i = 0; from && i + 1 < type.fields.size(); i++)
+        from = follow_field(resolver, *from, members, type.fields[i], type.place);
+    if (!from) return nullptr;
+    ObjectSet* behind = new_set(resolver, *from, "", type.place);
+    for (const InfoObject* object : members) behind->rows.push_back(object->row);
+    resolver.members[behind] = std::move(members);
+    return behind;
+}
+
+FieldTarget find_field_target(Resolver& resolver, const AstType& type, const Scope& scope) {
+    if (const ClassInfo* info = peek_class(resolver, scope, type.reference)) {
+        FieldTarget target = follow_chain(resolver, info, {}, type);
+        target.object = nullptr;
+        return target;
+    }
+    bool lower = type.reference.name[0] >= 'a';
+    if (!lower) {
+        Meaning meaning = peek_name(resolver, scope, type.reference);
+        const ClassInfo* info = meaning ? governing_class(resolver, meaning) : nullptr;
+        if (!info) {
+            find_class(resolver, scope, type.reference);  // for the error alone
+            return {};
+        }
+        return follow_chain(resolver, info, {}, type);
+    }
+    const ClassInfo* info = nullptr;
+    const InfoObject* object = find_any_object(resolver, scope, type.reference, info);
+    if (!object) return {};
+    FieldTarget target = follow_chain(resolver, info, {object}, type);
+    if (target && !target.object)
+        error(resolver.diags, type.place, "the object '{}' holds none to take '{}' from", type.reference.name,
+              type.fields.back());
+    return target.object ? target : FieldTarget{};
 }
 
 }  // namespace orlentac

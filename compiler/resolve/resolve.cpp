@@ -27,8 +27,13 @@ void declare_types(Resolver& resolver) {
 void make_value_sets_types(Resolver& resolver) {
     for (const ModuleNames& names : resolver.modules) {
         for (AstAssignment* assignment : names.ast->assignments) {
-            if (assignment->sort != AstAssignment::Sort::set || assignment->has_parameters) continue;
+            if (assignment->sort != AstAssignment::Sort::set) continue;
+            bool governed_by_parameter = assignment->has_parameters &&
+                                         assignment->type->sort == AstType::Sort::reference &&
+                                         !peek_name(resolver, names.scope, assignment->type->reference);
+            if (governed_by_parameter) continue;
             if (assignment->type->sort == AstType::Sort::reference &&
+                !is_class(resolver, names.scope, *assignment->type) &&
                 !peek_name(resolver, names.scope, assignment->type->reference)) {
                 find_name(resolver, names.scope, assignment->type->reference, "type or class");
                 assignment->sort = AstAssignment::Sort::broken;
@@ -50,10 +55,6 @@ void make_value_sets_types(Resolver& resolver) {
 
 void check_parameters(Resolver& resolver, const AstAssignment& assignment) {
     if (!assignment.has_parameters) return;
-    if (assignment.sort != AstAssignment::Sort::type && assignment.sort != AstAssignment::Sort::broken) {
-        error(resolver.diags, assignment.place, "'{}': parameters are supported on types alone",
-              assignment.name);
-    }
     std::unordered_set<std::string> seen;
     for (const AstParameter& parameter : assignment.parameters) {
         if (!seen.insert(parameter.name).second) {
@@ -108,7 +109,8 @@ void resolve_value_or_set(Resolver& resolver, const AstAssignment& assignment, c
 void resolve(Resolver& resolver) {
     declare_modules(resolver);
     for (const ModuleNames& names : resolver.modules) {
-        if (!names.ast->name.empty()) resolver.schema.modules.push_back(names.ast->name);
+        if (!names.ast->name.empty() && names.ast->name != kUsefulModule)
+            resolver.schema.modules.push_back(names.ast->name);
         for (const AstAssignment* assignment : names.ast->assignments)
             check_parameters(resolver, *assignment);
     }

@@ -24,8 +24,9 @@ struct ModuleNames;
 struct Binding {
     const AstParameter* parameter = nullptr;
     TokenRange tokens;
-    const Scope* scope = nullptr;
-    std::string key;  // equal for equal actual parameters
+    const Scope* scope = nullptr;  // of the tokens
+    const Scope* inner = nullptr;  // of the parameter itself and its governor
+    std::string key;               // equal for equal actual parameters
     AstType* type = nullptr;
     AstValue* value = nullptr;
     ObjectSet* set = nullptr;
@@ -50,8 +51,9 @@ struct Meaning {
 struct ModuleNames {
     const AstModule* ast = nullptr;
     std::unordered_map<std::string, const AstAssignment*> own;
-    std::unordered_map<std::string, Meaning>
-        imported;  // an empty meaning was imported in vain, which was told
+    std::unordered_map<std::string, Meaning> imported;
+    std::unordered_map<std::string, Diagnostic>
+        missing;  // what was imported in vain: told if something uses it
     Scope scope;
 };
 
@@ -60,13 +62,42 @@ struct ClassInfo {
     ObjectClass* object_class = nullptr;
     const AstClass* ast = nullptr;
     const Scope* scope = nullptr;
+    std::vector<int> columns = {};  // by field as written: its place in the ObjectClass, or -1
     bool filled = false;
 };
+
+// What an object says of a field.
+struct Setting {
+    bool present = false;
+    const AstType* type = nullptr;
+    const AstValue* value = nullptr;  // or an object
+    TokenRange set;                   // of values or objects
+    const Scope* scope = nullptr;
+};
+
+struct InfoObject {
+    const ClassInfo* info = nullptr;
+    std::vector<RowEntry> row;      // by field of the ObjectClass
+    std::vector<Setting> settings;  // by field as written
+};
+
+// CLASS.&field, object.&field or Set.&field.
+struct FieldTarget {
+    const ClassInfo* info = nullptr;
+    int index = 0;
+    const InfoObject* object = nullptr;
+    const AstField& field() const { return info->ast->fields[index]; }
+    explicit operator bool() const { return info; }
+};
+
+// Of the definitions that X.680 and X.681 give themselves: no module can have this name.
+constexpr const char* kUsefulModule = "ASN.1";
 
 // Selectors can be found only when all components are known.
 struct PendingTable {
     Type* type = nullptr;
     std::vector<Type*> enclosing;  // SEQUENCEs and SETs around it, outermost first
+    size_t in_contents = 0;
     const std::vector<AstAtNotation>* keys = nullptr;
     ObjectClass* object_class = nullptr;
 };
@@ -83,14 +114,23 @@ struct Resolver {
 
     std::unordered_map<const AstAssignment*, NamedType*> named = {};
     std::unordered_map<const AstAssignment*, ClassInfo> classes = {};
-    std::unordered_map<const ObjectClass*, const ClassInfo*> class_infos = {};
-    std::unordered_map<const AstAssignment*, ObjectSet*> sets = {};
+    std::unordered_map<const AstAssignment*, std::map<std::string, ClassInfo>> class_instances =
+        {};  // by parameters
+    std::map<std::pair<const AstAssignment*, std::string>, ObjectSet*> sets =
+        {};  // with the key of the parameters
+    std::map<std::pair<const Token*, const Scope*>, const InfoObject*> objects = {};
+    std::deque<InfoObject> object_pool = {};
+    std::unordered_map<const ObjectSet*, std::vector<const InfoObject*>> members = {};
+    std::unordered_set<const ObjectSet*> filling = {};
+    int object_depth = 0;
+    bool are_classes_declared = false;
     std::map<std::pair<const AstAssignment*, std::string>, NamedType*> open_instances = {};  // being resolved
     std::unordered_set<const void*> busy = {};  // guards against values and sets of themselves
     std::set<std::pair<const AstType*, const Scope*>> copying = {};  // and against copies within themselves
     bool endless = false;  // an instance was found to go on for ever
 
     std::vector<Type*> enclosing = {};
+    size_t in_contents = 0;  // how many of them are around the innermost CONTAINING
     std::vector<PendingTable> tables = {};
     std::vector<std::function<void()>> later = {};  // checks that need all types
 };
@@ -99,6 +139,7 @@ struct Resolver {
 struct Base {
     const AstType* type = nullptr;
     const Scope* scope = nullptr;
+    bool is_open = false;
     explicit operator bool() const { return type; }
 };
 
@@ -119,6 +160,7 @@ const Scope& scope_of(const Meaning& meaning);
 const Scope* bind_parameters(Resolver& resolver, const Scope& scope, const AstReference& reference,
                              const Meaning& meaning);
 AstType* binding_type(Resolver& resolver, Binding& binding);
+const Scope& type_scope(const Binding& binding);
 AstValue* binding_value(Resolver& resolver, Binding& binding);
 // A reference to a parameterised type in place.
 Type* resolve_instance(Resolver& resolver, const AstType& type, const Scope& scope, const Meaning& meaning);
@@ -131,7 +173,6 @@ Type* resolve_type(Resolver& resolver, const AstType& type, const Scope& scope);
 // Never a reference; `from` and the constraints on the way are those of the references.
 Type* resolve_in_place(Resolver& resolver, const AstType& type, const Scope& scope);
 Base base_of(Resolver& resolver, const AstType& type, const Scope& scope);
-bool is_open_field(const AstType& type);
 Kind base_kind(const Base& base);
 const Type& behind_references(const Type& type);
 
@@ -175,7 +216,7 @@ void apply_constraint(Resolver& resolver, Type& type, const AstConstraint& const
                       const Scope& scope);
 std::vector<CodeRange> full_alphabet(StringKind kind);
 
-// ---- objects.cpp ------------------------------------------------------------------------------------------
+// ---- classes.cpp ------------------------------------------------------------------------------------------
 
 // Null, without an error, if the name is not that of a class.
 const ClassInfo* peek_class(Resolver& resolver, const Scope& scope, const AstReference& reference);
@@ -183,16 +224,33 @@ const ClassInfo* find_class(Resolver& resolver, const Scope& scope, const AstRef
 bool is_class(Resolver& resolver, const Scope& scope, const AstType& type);
 void declare_classes(Resolver& resolver);
 void fill_classes(Resolver& resolver);
+// Index of the field as written, or -1, and told.
+int find_field(Resolver& resolver, const ClassInfo& info, const std::string& name, Place place);
+
+// ---- objects.cpp ------------------------------------------------------------------------------------------
+
+// Null, and told, if there is none.
+const InfoObject* object_value(Resolver& resolver, const Scope& scope, const AstValue& value,
+                               const ClassInfo& info);
+const InfoObject* find_object(Resolver& resolver, const Scope& scope, const AstReference& reference,
+                              const ClassInfo& info);
+// Of whatever class, which `info` becomes.
+const InfoObject* find_any_object(Resolver& resolver, const Scope& scope, const AstReference& reference,
+                                  const ClassInfo*& info);
+FieldTarget find_field_target(Resolver& resolver, const AstType& type, const Scope& scope);
 ObjectSet* find_set(Resolver& resolver, const Scope& scope, const AstReference& reference,
                     const ClassInfo& info);
+// For CLASS.&objects.&Type: the set of what the objects of `set` have in their field &objects.
+ObjectSet* set_behind_fields(Resolver& resolver, ObjectSet* set, const ClassInfo& info, const AstType& type);
 // {Set}, {object | object, ...}: the run of tokens between the braces.
 ObjectSet* resolve_set(Resolver& resolver, const Scope& scope, TokenRange braces, const ClassInfo& info,
                        Place place);
-// CLASS.&field, with its table constraint.
+
+// ---- tables.cpp -------------------------------------------------------------------------------------------
+
+// What a field gives as a type, without its tags: CLASS.&field with its table constraint, object.&Type, Set.&values.
 Type* resolve_class_field(Resolver& resolver, const AstType& type, const Scope& scope);
 void resolve_tables(Resolver& resolver);
-// Index of the field, or -1, and told.
-int find_field(Resolver& resolver, const ClassInfo& info, const std::string& name, Place place);
 
 // ---- checks.cpp -------------------------------------------------------------------------------------------
 

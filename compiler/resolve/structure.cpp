@@ -94,6 +94,7 @@ Component make_component(Resolver& resolver, const Member& member, bool automati
     component.place = member.place;
     component.type = member_type(resolver, member, automatic, number);
     if (!member.ast->default_value) return component;
+    component.default_text = value_text(*member.ast->default_value);
     component.default_value =
         resolve_value(resolver, *member.ast->default_value, *member.scope, *member.ast->type, *member.scope);
     if (component.default_value) {
@@ -156,6 +157,7 @@ void fill_components(Resolver& resolver, Type& type, const AstType& ast, const S
 void fill_alternatives(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope) {
     std::vector<Member> members = ordered_members(resolver, ast, scope);
     bool automatic = tags_itself(ast, scope);
+    resolver.enclosing.push_back(&type);
     for (size_t i = 0; i < members.size(); i++) {
         Alternative alternative;
         alternative.name = members[i].ast->name;
@@ -164,6 +166,7 @@ void fill_alternatives(Resolver& resolver, Type& type, const AstType& ast, const
         alternative.type = member_type(resolver, members[i], automatic, i);
         type.alternatives.push_back(std::move(alternative));
     }
+    resolver.enclosing.pop_back();
     check_names(resolver, type.alternatives, "alternative");
     if (type.alternatives.empty() || type.alternatives[0].addition) {
         error(resolver.diags, ast.place, "expected a CHOICE with an alternative before the extension marker");

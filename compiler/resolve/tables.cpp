@@ -7,17 +7,14 @@ namespace orlentac {
 
 namespace {
 
-const AstConstraint* table_constraint(Resolver& resolver, const AstType& ast) {
-    const AstConstraint* table = nullptr;
+// ({Set}{@key}); other constraints on an open type leave no trace.
+const AstConstraint* table_constraint(const AstType& ast) {
     for (const AstConstraint* constraint : ast.constraints) {
-        if (constraint->sort == AstConstraint::Sort::braces && !table) {
-            table = constraint;
-        } else if (!is_open_field(ast) || constraint->sort != AstConstraint::Sort::contained_subtype) {
-            error(resolver.diags, constraint->place,
-                  "expected a table constraint ({{Set}}) on a class field");
-        }
+        const AstConstraint* inner = constraint;
+        while (inner->sort == AstConstraint::Sort::all_of) inner = inner->parts[0];
+        if (inner->sort == AstConstraint::Sort::braces) return inner;
     }
-    return table;
+    return nullptr;
 }
 
 int component_index(const Type& type, const std::string& name) {
@@ -26,29 +23,61 @@ int component_index(const Type& type, const std::string& name) {
     return found == type.components.end() ? -1 : static_cast<int>(found - type.components.begin());
 }
 
-// Index of the SEQUENCE or SET in which the key's path starts, or -1.
-int start_level(const PendingTable& pending, const AstAtNotation& key) {
-    int innermost = static_cast<int>(pending.enclosing.size()) - 1;
-    return key.dots == 0 ? (innermost >= 0 ? 0 : -1) : innermost - (key.dots - 1);
+bool is_record(const Type* type) { return type->kind == Kind::sequence || type->kind == Kind::set; }
+
+// Where the key's path starts among the types around it: "@a" in the outermost, "@.a" in the innermost SEQUENCE or
+// SET, each further point one more out. Through a CHOICE the path leads to what stands in it; `step` counts the names
+// that this takes. -1 if there is nothing so far out.
+int start_level(const std::vector<Type*>& enclosing, const AstAtNotation& key, size_t& step) {
+    int level = 0;
+    if (key.dots > 0) {
+        int records = key.dots;
+        for (level = static_cast<int>(enclosing.size()) - 1; level >= 0; level--)
+            if (is_record(enclosing[level]) && --records == 0) break;
+        return level;
+    }
+    int depth = static_cast<int>(enclosing.size());
+    for (; level < depth && !is_record(enclosing[level]); level++) {
+        const auto& alternatives = enclosing[level]->alternatives;
+        auto leads_on = [&](const Alternative& alternative) {
+            return alternative.name == key.names[step] && level + 1 < depth &&
+                   alternative.type == enclosing[level + 1];
+        };
+        bool named =
+            step + 1 < key.names.size() && std::any_of(alternatives.begin(), alternatives.end(), leads_on);
+        step += named ? 1 : 0;
+    }
+    return level < depth ? level : -1;
 }
 
 void add_selector(Resolver& resolver, const PendingTable& pending, const AstAtNotation& key) {
-    int level = start_level(pending, key);
+    if (!pending.type->table) return;
+    size_t step = 0;
+    int level = start_level(pending.enclosing, key, step);
     if (level < 0) {
         return error(resolver.diags, key.place, "there is no SEQUENCE or SET so far out to look for '{}' in",
                      key.names[0]);
     }
+    // Contents are read apart from what is around them, where no key can be seen.
+    if (static_cast<size_t>(level) < pending.in_contents) {
+        pending.type->table.reset();
+        return;
+    }
     Selector selector;
-    selector.levels_up = static_cast<int>(pending.enclosing.size()) - 1 - level;
+    selector.levels_up = static_cast<int>(
+        std::count_if(pending.enclosing.begin() + level + 1, pending.enclosing.end(), is_record));
     const Type* type = pending.enclosing[level];
-    for (const std::string& name : key.names) {
+    for (; step < key.names.size(); step++) {
         const Type& around = behind_references(*type);
-        int index = component_index(around, name);
+        int index = component_index(around, key.names[step]);
         if (index < 0)
-            return error(resolver.diags, key.place, "there is no component '{}' to select by", name);
+            return error(resolver.diags, key.place, "there is no component '{}' to select by",
+                         key.names[step]);
         selector.path.push_back(index);
         type = around.components[index].type;
     }
+    while (!type->fixed_from && type->kind == Kind::reference && type->target->type)
+        type = type->target->type;
     if (type->fixed_from != pending.object_class) {
         return error(resolver.diags, key.place, "the component '{}' is not of a value field of class '{}'",
                      key.names.back(), pending.object_class->name);
@@ -59,27 +88,62 @@ void add_selector(Resolver& resolver, const PendingTable& pending, const AstAtNo
 
 }  // namespace
 
-Type* resolve_class_field(Resolver& resolver, const AstType& ast, const Scope& scope) {
-    const ClassInfo* info = find_class(resolver, scope, ast.reference);
-    int column = info ? find_field(resolver, *info, ast.field, ast.place) : -1;
-    if (column < 0 || !base_of(resolver, ast, scope)) return new_type(resolver, Kind::null, ast.place);
-    const AstConstraint* constraint = table_constraint(resolver, ast);
-    ObjectSet* set =
-        constraint ? resolve_set(resolver, scope, constraint->braces, *info, constraint->place) : nullptr;
-    if (!is_open_field(ast)) {
-        Type* type = resolve_type(resolver, *info->ast->fields[column].type, *info->scope);
-        type->place = ast.place;
-        type->fixed_from = info->object_class;
-        type->fixed_column = column;
-        return type;
-    }
+static Type* open_field(Resolver& resolver, const AstType& ast, const Scope& scope,
+                        const FieldTarget& target) {
     Type* type = new_type(resolver, Kind::open_type, ast.place);
+    const AstConstraint* constraint = table_constraint(ast);
+    const ClassInfo* info = constraint ? peek_class(resolver, scope, ast.reference) : nullptr;
+    if (!info || target.info->columns[target.index] < 0) return type;
+    const Scope& names = constraint->scope ? *constraint->scope : scope;
+    ObjectSet* set = resolve_set(resolver, names, constraint->braces, *info, constraint->place);
+    if (set) set = set_behind_fields(resolver, set, *info, ast);
     if (!set) return type;
-    type->table = TableConstraint{set, column, {}};
+    type->table = TableConstraint{set, target.info->columns[target.index], {}};
     if (!constraint->keys.empty()) {
-        resolver.tables.push_back({type, resolver.enclosing, &constraint->keys, info->object_class});
+        resolver.tables.push_back(
+            {type, resolver.enclosing, resolver.in_contents, &constraint->keys, info->object_class});
     }
     return type;
+}
+
+// A field of values has the type that the class gives.
+static Type* fixed_field(Resolver& resolver, const AstType& ast, const Scope& scope,
+                         const FieldTarget& target) {
+    const AstField& field = target.field();
+    if (is_class(resolver, *target.info->scope, *field.type)) {
+        error(resolver.diags, ast.place,
+              "expected a field of values or types, found '{}', which holds objects", ast.fields.back());
+        return new_type(resolver, Kind::null, ast.place);
+    }
+    const AstConstraint* constraint = table_constraint(ast);
+    const ClassInfo* info = constraint ? peek_class(resolver, scope, ast.reference) : nullptr;
+    if (info) resolve_set(resolver, scope, constraint->braces, *info, constraint->place);  // for errors alone
+    Type* type = resolve_type(resolver, *field.type, *target.info->scope);
+    type->place = ast.place;
+    type->fixed_from = target.info->object_class;
+    type->fixed_column = target.info->columns[target.index];
+    return type;
+}
+
+Type* resolve_class_field(Resolver& resolver, const AstType& ast, const Scope& scope) {
+    FieldTarget target = find_field_target(resolver, ast, scope);
+    if (!target) return new_type(resolver, Kind::null, ast.place);
+    switch (target.field().sort) {
+        case AstField::Sort::type:
+            if (target.object && target.object->settings[target.index].present) {
+                const Setting& setting = target.object->settings[target.index];
+                return resolve_type(resolver, *setting.type, *setting.scope);
+            }
+            if (target.object && !target.field().type)
+                error(resolver.diags, ast.place, "the object '{}' does not set the field '{}'",
+                      ast.reference.name, ast.fields.back());
+            return open_field(resolver, ast, scope, target);
+        case AstField::Sort::variable_value:
+        case AstField::Sort::variable_set: return open_field(resolver, ast, scope, target);
+        case AstField::Sort::value:
+        case AstField::Sort::set: return fixed_field(resolver, ast, scope, target);
+    }
+    return nullptr;
 }
 
 void resolve_tables(Resolver& resolver) {

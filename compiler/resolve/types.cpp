@@ -26,23 +26,30 @@ Base next_base(Resolver& resolver, const Base& base) {
             return {};
         }
         for (const AstComponent& alternative : choice.type->components) {
-            if (alternative.name == type.field) return {alternative.type, choice.scope};
+            if (alternative.name == type.alternative) return {alternative.type, choice.scope};
         }
-        error(resolver.diags, type.place, "the CHOICE has no alternative '{}'", type.field);
+        error(resolver.diags, type.place, "the CHOICE has no alternative '{}'", type.alternative);
         return {};
     }
     if (type.sort == AstType::Sort::class_field) {
-        const ClassInfo* info = find_class(resolver, *base.scope, type.reference);
-        if (!info) return {};
-        int column = find_field(resolver, *info, type.field, type.place);
-        if (column < 0) return {};
-        return {info->ast->fields[column].type, info->scope};
+        FieldTarget target = find_field_target(resolver, type, *base.scope);
+        if (!target) return {};
+        const AstField& field = target.field();
+        bool given = field.sort == AstField::Sort::type && target.object;
+        if (given && target.object->settings[target.index].present) {
+            const Setting& setting = target.object->settings[target.index];
+            return {setting.type, setting.scope};
+        }
+        bool is_open = field.sort == AstField::Sort::type || field.sort == AstField::Sort::variable_value ||
+                       field.sort == AstField::Sort::variable_set;
+        if (is_open) return {&type, base.scope, true};
+        return {field.type, target.info->scope};
     }
     Meaning meaning = find_name(resolver, *base.scope, type.reference, "type");
     if (!meaning) return {};
     if (meaning.binding) {
         AstType* actual = binding_type(resolver, *meaning.binding);
-        return actual ? Base{actual, meaning.binding->scope} : Base{};
+        return actual ? Base{actual, &type_scope(*meaning.binding)} : Base{};
     }
     bool is_type = meaning.assignment->sort == AstAssignment::Sort::type &&
                    (meaning.assignment->has_parameters || resolver.named.contains(meaning.assignment));
@@ -140,14 +147,10 @@ Type* new_type(Resolver& resolver, Kind kind, Place place) {
     return &type;
 }
 
-bool is_open_field(const AstType& type) {
-    return type.sort == AstType::Sort::class_field && type.field[1] >= 'A' && type.field[1] <= 'Z';
-}
-
 Base base_of(Resolver& resolver, const AstType& type, const Scope& scope) {
     Base base{&type, &scope};
     for (int steps = 0; base; steps++) {
-        if (base.type->sort == AstType::Sort::builtin || is_open_field(*base.type)) return base;
+        if (base.is_open || base.type->sort == AstType::Sort::builtin) return base;
         if (steps > kMaxSteps) {
             error(resolver.diags, type.place, "the type refers to nothing but itself");
             return {};
@@ -157,9 +160,7 @@ Base base_of(Resolver& resolver, const AstType& type, const Scope& scope) {
     return base;
 }
 
-Kind base_kind(const Base& base) {
-    return base.type->sort == AstType::Sort::builtin ? base.type->kind : Kind::open_type;
-}
+Kind base_kind(const Base& base) { return base.is_open ? Kind::open_type : base.type->kind; }
 
 const Type& behind_references(const Type& type) {
     const Type* behind = &type;
@@ -171,14 +172,15 @@ Type* resolve_in_place(Resolver& resolver, const AstType& ast, const Scope& scop
     Base base = base_of(resolver, ast, scope);
     if (!base) return new_type(resolver, Kind::null, ast.place);
     Type* type = nullptr;
-    if (is_open_field(ast)) {
+    bool is_open = base.is_open && base.type == &ast;
+    if (is_open) {
         type = resolve_class_field(resolver, ast, scope);
     } else if (ast.sort == AstType::Sort::builtin) {
         type = builtin_type(resolver, ast, scope);
     } else {
         type = copy_of_target(resolver, ast, scope);
     }
-    if (!is_open_field(ast)) apply_constraints(resolver, *type, ast, base, scope);
+    if (!is_open) apply_constraints(resolver, *type, ast, base, scope);
     add_tags(resolver, *type, ast, scope);
     return type;
 }

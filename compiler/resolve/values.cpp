@@ -43,9 +43,11 @@ bool compatible(const Base& a, const Base& b) {
 
 std::optional<Value> resolve_assigned(Resolver& resolver, const Governed& governed, const Meaning& meaning) {
     const AstAssignment& assignment = *meaning.assignment;
-    const Scope& scope = meaning.module->scope;
-    if (assignment.sort != AstAssignment::Sort::value || assignment.has_parameters)
-        return wrong_kind(resolver, governed);
+    if (assignment.sort != AstAssignment::Sort::value) return wrong_kind(resolver, governed);
+    const Scope* bound = bind_parameters(resolver, governed.scope, governed.value.reference, meaning);
+    if (!bound || is_class(resolver, *bound, *assignment.type))
+        return bound ? wrong_kind(resolver, governed) : std::nullopt;
+    const Scope& scope = *bound;
     Base base = base_of(resolver, *assignment.type, scope);
     if (!base) return std::nullopt;
     if (!compatible(governed.base, base)) {
@@ -94,6 +96,28 @@ std::optional<Value> resolve_reference(Resolver& resolver, const Governed& gover
     if (!actual) return std::nullopt;
     return resolve_value(resolver, *actual, *meaning.binding->scope, *governed.base.type,
                          *governed.base.scope);
+}
+
+// object.&value
+std::optional<Value> resolve_from_object(Resolver& resolver, const Governed& governed) {
+    AstType path;
+    path.sort = AstType::Sort::class_field;
+    path.reference = governed.value.reference;
+    path.fields = governed.value.fields;
+    path.place = governed.value.place;
+    FieldTarget target = find_field_target(resolver, path, governed.scope);
+    if (!target) return std::nullopt;
+    int column = target.info->columns[target.index];
+    if (target.field().sort != AstField::Sort::value || column < 0) return wrong_kind(resolver, governed);
+    const Setting& setting = target.object->settings[target.index];
+    const AstValue* value = setting.present ? setting.value : target.field().default_value;
+    if (!value) {
+        error(resolver.diags, governed.value.place, "the object '{}' does not set the field '{}'",
+              governed.value.reference.name, path.fields.back());
+        return std::nullopt;
+    }
+    const Scope& scope = setting.present ? *setting.scope : *target.info->scope;
+    return resolve_value(resolver, *value, scope, *governed.base.type, *governed.base.scope);
 }
 
 void append_bit(Value& value, bool bit) {
@@ -161,15 +185,29 @@ void append_arc(std::string& contents, Number arc) {
     contents.append(groups.rbegin(), groups.rend());
 }
 
-std::optional<Number> root_arc(const std::string& name) {
-    static const std::map<std::string, int> kNames = {
-        {"itu-t", 0}, {"ccitt", 0}, {"iso", 1}, {"joint-iso-itu-t", 2}, {"joint-iso-ccitt", 2}};
-    auto found = kNames.find(name);
-    return found == kNames.end() ? std::nullopt : std::optional<Number>(found->second);
+// X.660 annex A: names of arcs that need no number, below a root or below the arc before.
+std::optional<Number> registered_arc(const std::vector<Number>& above, const std::string& name) {
+    static const std::map<std::string, int> kRoots = {
+        {"itu-t", 0}, {"ccitt", 0}, {"itu-r", 0}, {"iso", 1}, {"joint-iso-itu-t", 2}, {"joint-iso-ccitt", 2}};
+    static const std::map<std::string, int> kItu = {{"recommendation", 0},          {"question", 1},
+                                                    {"administration", 2},          {"network-operator", 3},
+                                                    {"identified-organization", 4}, {"r-recommendation", 5}};
+    static const std::map<std::string, int> kIso = {
+        {"standard", 0}, {"registration-authority", 1}, {"member-body", 2}, {"identified-organization", 3}};
+    auto find = [&](const std::map<std::string, int>& names) {
+        auto found = names.find(name);
+        return found == names.end() ? std::nullopt : std::optional<Number>(found->second);
+    };
+    if (above.empty()) return find(kRoots);
+    if (above.size() == 1 && above[0] == 0) return find(kItu);
+    if (above.size() == 1 && above[0] == 1) return find(kIso);
+    bool letter = above.size() == 2 && above[0] == 0 && above[1] == 0 && name.size() == 1;
+    return letter ? std::optional<Number>(name[0] - 'a' + 1) : std::nullopt;
 }
 
 // One arc: 5, name (5), name.
-std::optional<Number> parse_arc(Resolver& resolver, Parser& parser, const Scope& scope, bool first) {
+std::optional<Number> parse_arc(Resolver& resolver, Parser& parser, const Scope& scope,
+                                const std::vector<Number>& above) {
     if (is_sort(parser, Token::Sort::number)) return Number(parser.at++->text);
     AstValue* named = parse_value(parser);
     if (accept_symbol(parser, "(")) {
@@ -177,18 +215,82 @@ std::optional<Number> parse_arc(Resolver& resolver, Parser& parser, const Scope&
         expect_symbol(parser, ")");
         return resolve_number(resolver, *number, scope);
     }
-    std::optional<Number> known = first ? root_arc(named->reference.name) : std::nullopt;
+    bool plain = named->sort == AstValue::Sort::reference && named->reference.module.empty();
+    std::optional<Number> known = plain ? registered_arc(above, named->reference.name) : std::nullopt;
     return known ? known : resolve_number(resolver, *named, scope);
+}
+
+const AstType& governor_of_sort(Kind kind) {
+    static const AstType kOid = [] {
+        AstType type;
+        type.kind = Kind::object_identifier;
+        return type;
+    }();
+    static const AstType kRelative = [] {
+        AstType type;
+        type.kind = Kind::relative_oid;
+        return type;
+    }();
+    return kind == Kind::relative_oid ? kRelative : kOid;
+}
+
+// Whether what comes next is the name of a value of that kind: the head of { base 1 }, or a part of a RELATIVE-OID.
+bool names_arcs(Resolver& resolver, Parser parser, const Scope& scope, Kind kind) {
+    if (!is_sort(parser, Token::Sort::lower_word) && !is_sort(parser, Token::Sort::upper_word)) return false;
+    if (is_symbol(parser, "(", 1)) return false;
+    const AstValue* value = parse_value(parser);
+    if (value->sort == AstValue::Sort::from_object) return true;
+    Meaning meaning = peek_name(resolver, scope, value->reference);
+    if (meaning.binding) {
+        const AstType* governor = meaning.binding->parameter->governor;
+        Base base = governor ? base_of(resolver, *governor, *meaning.binding->inner) : Base{};
+        return base && base_kind(base) == kind;
+    }
+    if (!meaning || meaning.assignment->sort != AstAssignment::Sort::value) return false;
+    if (is_class(resolver, scope_of(meaning), *meaning.assignment->type)) return false;
+    Base base = base_of(resolver, *meaning.assignment->type, scope_of(meaning));
+    return base && base_kind(base) == kind;
+}
+
+// The arcs of contents octets.
+std::vector<Number> arcs_of(const Value& value, bool relative) {
+    std::vector<Number> arcs(1, 0);
+    for (unsigned char octet : value.bytes) {
+        arcs.back() = arcs.back() << 7 | (octet & 0x7F);
+        if (octet < 0x80) arcs.push_back(0);
+    }
+    arcs.pop_back();
+    if (relative || arcs.empty()) return arcs;
+    Number root = arcs[0] < 80 ? Number(arcs[0] / 40) : Number(2);
+    Number second = arcs[0] - root * 40;
+    arcs[0] = root;
+    arcs.insert(arcs.begin() + 1, second);
+    return arcs;
 }
 
 // The contents octets; the first two arcs of an OBJECT IDENTIFIER share a number.
 std::optional<Value> resolve_oid(Resolver& resolver, const Governed& governed) {
-    bool relative = base_kind(governed.base) == Kind::relative_oid;
+    constexpr size_t kMaxArcs = 1000;
+    Kind kind = base_kind(governed.base);
+    bool relative = kind == Kind::relative_oid;
     std::vector<Number> arcs;
     Parser parser = parse_inner(resolver, governed.value);
-    while (!at_end(parser)) {
-        std::optional<Number> arc = parse_arc(resolver, parser, governed.scope, !relative && arcs.empty());
+    while (!at_end(parser) && arcs.size() < kMaxArcs) {
+        if ((relative || arcs.empty()) && names_arcs(resolver, parser, governed.scope, kind)) {
+            std::optional<Value> head = resolve_value(resolver, *parse_value(parser), governed.scope,
+                                                      governor_of_sort(kind), governed.scope);
+            if (!head) return std::nullopt;
+            std::vector<Number> more = arcs_of(*head, relative);
+            arcs.insert(arcs.end(), more.begin(), more.end());
+            continue;
+        }
+        std::optional<Number> arc =
+            parse_arc(resolver, parser, governed.scope, relative ? std::vector<Number>(9) : arcs);
         if (!arc) return std::nullopt;
+        if (*arc < 0) {
+            error(resolver.diags, governed.value.place, "an arc cannot be negative");
+            return std::nullopt;
+        }
         arcs.push_back(*arc);
     }
     Value value = make_value(governed, Value::Sort::oid);
@@ -235,30 +337,58 @@ std::optional<Value> resolve_real_parts(Resolver& resolver, const Governed& gove
     return value;
 }
 
-// Only the text is kept, as no table can hold such a value.
-std::optional<Value> resolve_constructed(Resolver& resolver, const Governed& governed) {
-    bool braces = governed.value.sort == AstValue::Sort::braces;
-    Kind kind = base_kind(governed.base);
-    bool fits = kind == Kind::choice      ? governed.value.sort == AstValue::Sort::choice
-                : kind != Kind::open_type ? braces
-                                          : governed.value.sort == AstValue::Sort::choice;
-    if (!fits) return wrong_kind(resolver, governed);
-    if (kind == Kind::choice) {
-        const auto& alternatives = governed.base.type->components;
-        auto same = [&](const AstComponent& a) { return a.name == governed.value.text; };
-        auto found = std::find_if(alternatives.begin(), alternatives.end(), same);
-        if (found == alternatives.end()) {
-            error(resolver.diags, governed.value.place, "the CHOICE has no alternative '{}'",
-                  governed.value.text);
-            return std::nullopt;
-        }
-        if (!resolve_value(resolver, *governed.value.inner, governed.scope, *found->type,
-                           *governed.base.scope)) {
-            return std::nullopt;
-        }
+std::optional<Value> resolve_choice(Resolver& resolver, const Governed& governed) {
+    const auto& alternatives = governed.base.type->components;
+    auto same = [&](const AstComponent& a) { return a.name == governed.value.text; };
+    auto found = std::find_if(alternatives.begin(), alternatives.end(), same);
+    if (found == alternatives.end()) {
+        error(resolver.diags, governed.value.place, "the CHOICE has no alternative '{}'",
+              governed.value.text);
+        return std::nullopt;
     }
+    std::optional<Value> chosen =
+        resolve_value(resolver, *governed.value.inner, governed.scope, *found->type, *governed.base.scope);
+    if (!chosen) return std::nullopt;
     Value value = make_value(governed, Value::Sort::constructed);
     value.bytes = value_text(governed.value);
+    value.members.emplace_back(found->name, std::move(*chosen));
+    return value;
+}
+
+// { a 1, b 2 }. What cannot be made out is left to the text.
+std::vector<std::pair<std::string, Value>> resolve_members(Resolver& resolver, const Governed& governed) {
+    const auto& components = governed.base.type->components;
+    std::vector<std::pair<std::string, Value>> members;
+    size_t errors = resolver.diags.errors.size();
+    try {
+        Parser parser = parse_inner(resolver, governed.value);
+        while (!at_end(parser)) {
+            if (!members.empty()) expect_symbol(parser, ",");
+            std::string name = expect_identifier(parser, "the name of a component").text;
+            auto same = [&](const AstComponent& component) { return component.name == name; };
+            auto found = std::find_if(components.begin(), components.end(), same);
+            AstValue* value = parse_value(parser);
+            if (found == components.end()) return {};
+            auto member = resolve_value(resolver, *value, governed.scope, *found->type, *governed.base.scope);
+            if (!member) break;
+            members.emplace_back(name, std::move(*member));
+        }
+    } catch (const SyntaxError&) {
+        members.clear();
+    }
+    if (resolver.diags.errors.size() == errors) return members;
+    resolver.diags.errors.resize(errors);
+    return {};
+}
+
+std::optional<Value> resolve_constructed(Resolver& resolver, const Governed& governed) {
+    Kind kind = base_kind(governed.base);
+    bool chosen = governed.value.sort == AstValue::Sort::choice;
+    if (chosen != (kind == Kind::choice || kind == Kind::open_type)) return wrong_kind(resolver, governed);
+    if (kind == Kind::choice) return resolve_choice(resolver, governed);
+    Value value = make_value(governed, Value::Sort::constructed);
+    value.bytes = value_text(governed.value);
+    if (kind == Kind::sequence || kind == Kind::set) value.members = resolve_members(resolver, governed);
     return value;
 }
 
@@ -316,6 +446,7 @@ std::optional<Value> resolve_value(Resolver& resolver, const AstValue& ast, cons
     Kind kind = base_kind(governed.base);
     switch (ast.sort) {
         case AstValue::Sort::reference: return resolve_reference(resolver, governed);
+        case AstValue::Sort::from_object: return resolve_from_object(resolver, governed);
         case AstValue::Sort::number: return resolve_number_value(resolver, governed);
         case AstValue::Sort::bits:
         case AstValue::Sort::hex: return resolve_digits(resolver, governed);
@@ -360,6 +491,7 @@ std::string value_text(const AstValue& value) {
         case AstValue::Sort::bits: return "'" + value.text + "'B";
         case AstValue::Sort::hex: return "'" + value.text + "'H";
         case AstValue::Sort::text: return "\"" + value.text + "\"";
+        case AstValue::Sort::from_object:
         case AstValue::Sort::reference: return "'" + value.reference.name + "'";
         case AstValue::Sort::choice: return value.text + " : " + value_text(*value.inner);
         case AstValue::Sort::braces: break;

@@ -106,6 +106,8 @@ struct Cursor {
     bool line_start = true;  // no token stood on this line yet
 };
 
+constexpr char kNoBreakSpace = '\xA0';  // in ISO 8859-1; two bytes in UTF-8
+
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 bool is_upper(char c) { return c >= 'A' && c <= 'Z'; }
 bool is_lower(char c) { return c >= 'a' && c <= 'z'; }
@@ -163,8 +165,10 @@ void skip_block_comment(Cursor& cursor, Diagnostics& diags) {
 
 void skip_blanks(Cursor& cursor, Diagnostics& diags) {
     while (!at_end(cursor)) {
-        if (is_space(peek(cursor))) {
+        if (is_space(peek(cursor)) || peek(cursor) == kNoBreakSpace) {
             advance(cursor);
+        } else if (starts_with(cursor, "\xC2\xA0")) {
+            advance(cursor, 2);
         } else if (starts_with(cursor, "--")) {
             skip_line_comment(cursor);
         } else if (starts_with(cursor, "/*")) {

@@ -101,14 +101,14 @@ void parse_assignment(Parser& parser, AstAssignment& assignment) {
 }
 
 void parse_assignments(Parser& parser, AstModule& module, Diagnostics& diags) {
-    while (!at_end(parser) && !is_word(parser, "END")) {
+    while (!at_end(parser) && !is_word(parser, "END") && !is_word(parser, "ENCODING-CONTROL")) {
         AstAssignment& assignment = parser.ast->assignments.emplace_back();
         assignment.place = parser.at->place;
         module.assignments.push_back(&assignment);
         try {
             parse_assignment(parser, assignment);
-            if (!at_end(parser) && !is_word(parser, "END") && !starts_assignment(parser.at, parser.last) &&
-                !parser.at->first_in_line) {
+            if (!at_end(parser) && !is_word(parser, "END") && !is_word(parser, "ENCODING-CONTROL") &&
+                !starts_assignment(parser.at, parser.last) && !parser.at->first_in_line) {
                 fail_expected(parser, "an assignment or END");
             }
         } catch (const SyntaxError& fault) {
@@ -155,8 +155,10 @@ void parse_imports(Parser& parser, AstModule& module) {
         do {
             bool word = is_sort(parser, Token::Sort::lower_word) ||
                         (is_sort(parser, Token::Sort::upper_word) && !is_reserved(parser.at->text));
-            if (!word) fail_expected(parser, "a name to import or ';'");
-            import.symbols.push_back({parser.at->text, parser.at->place});
+            // Of 1988, when not all strings were types of the language.
+            bool known = is_sort(parser, Token::Sort::upper_word) && parser.at->text.ends_with("String");
+            if (!word && !known) fail_expected(parser, "a name to import or ';'");
+            if (word) import.symbols.push_back({parser.at->text, parser.at->place});
             parser.at++;
             if (accept_symbol(parser, "{")) expect_symbol(parser, "}");
         } while (accept_symbol(parser, ","));
@@ -192,8 +194,6 @@ void parse_header(Parser& parser, AstModule& module) {
 
 void parse_module(Parser& parser, AstModule& module, Diagnostics& diags) {
     try {
-        parse_header(parser, module);
-        parser.extensibility_implied = module.extensibility_implied;
         parse_exports(parser, module);
         parse_imports(parser, module);
     } catch (const SyntaxError& fault) {
@@ -201,16 +201,31 @@ void parse_module(Parser& parser, AstModule& module, Diagnostics& diags) {
         skip_to_assignment(parser);
     }
     parse_assignments(parser, module, diags);
+    if (is_word(parser, "ENCODING-CONTROL")) {
+        note(diags, parser.at->place, "encoding instructions have no effect (X.693, X.695)");
+        while (!at_end(parser) && !(is_word(parser, "END") && parser.at->first_in_line)) parser.at++;
+    }
     if (!accept_word(parser, "END"))
         error(diags, parser.at->place, "expected END, found {}", token_text(*parser.at));
 }
 
 }  // namespace
 
-void parse_file(Ast& ast, const std::vector<Token>& tokens, Diagnostics& diags) {
+bool parse_file(Ast& ast, const std::vector<Token>& tokens, Diagnostics& diags) {
     Parser parser = parse_range(ast, {tokens.data(), tokens.data() + tokens.size() - 1});
     if (at_end(parser)) error(diags, parser.at->place, "expected a module, found {}", token_text(*parser.at));
-    while (!at_end(parser)) parse_module(parser, ast.modules.emplace_back(), diags);
+    while (!at_end(parser)) {
+        AstModule& module = ast.modules.emplace_back();
+        try {
+            parse_header(parser, module);
+        } catch (const SyntaxError& fault) {
+            error(diags, fault.place, "{}", fault.text);
+            return false;
+        }
+        parser.extensibility_implied = module.extensibility_implied;
+        parse_module(parser, module, diags);
+    }
+    return true;
 }
 
 }  // namespace orlentac

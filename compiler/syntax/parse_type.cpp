@@ -34,13 +34,13 @@ constexpr std::array kSimpleTypes = {
     SimpleType{"VideotexString", Kind::char_string, StringKind::videotex},
     SimpleType{"UTCTime", Kind::char_string, StringKind::visible, 23},
     SimpleType{"GeneralizedTime", Kind::char_string, StringKind::visible, 24},
+    SimpleType{"OID-IRI", Kind::char_string, StringKind::utf8, 35},
+    SimpleType{"RELATIVE-OID-IRI", Kind::char_string, StringKind::utf8, 36},
     SimpleType{"ObjectDescriptor", Kind::char_string, StringKind::graphic, 7},
 };
 
 // Part of the language, but without a table form.
-constexpr std::string_view kUnsupported[] = {"EXTERNAL",    "EMBEDDED",  "CHARACTER",       "INSTANCE",
-                                             "DATE",        "DATE-TIME", "DURATION",        "TIME",
-                                             "TIME-OF-DAY", "OID-IRI",   "RELATIVE-OID-IRI"};
+constexpr std::string_view kUnsupported[] = {"DATE", "DATE-TIME", "DURATION", "TIME", "TIME-OF-DAY"};
 
 AstValue* parse_parenthesised_value(Parser& parser) {
     expect_symbol(parser, "(");
@@ -253,7 +253,8 @@ bool parse_builtin_type(Parser& parser, AstType& type) {
 void refuse_unsupported(const Parser& parser) {
     for (std::string_view word : kUnsupported) {
         if (is_word(parser, word)) {
-            throw SyntaxError{parser.at->place, fmt::format("the type {} is not supported", word)};
+            throw SyntaxError{parser.at->place,
+                              fmt::format("the type {} is not supported (X.680 clause 38)", word)};
         }
     }
 }
@@ -274,26 +275,95 @@ AstTag parse_tag(Parser& parser) {
     return tag;
 }
 
+// Types whose definition is given by X.680 in ASN.1: the resolver has it.
+bool parse_useful_type(Parser& parser, AstType& type) {
+    std::string name;
+    if (accept_word(parser, "EXTERNAL")) {
+        name = "EXTERNAL";
+    } else if (accept_word(parser, "EMBEDDED")) {
+        expect_word(parser, "PDV");
+        name = "EMBEDDED-PDV";
+    } else if (accept_word(parser, "CHARACTER")) {
+        expect_word(parser, "STRING");
+        name = "CHARACTER-STRING";
+    } else {
+        return false;
+    }
+    parser.ast->useful_types.insert(name);
+    type.sort = AstType::Sort::reference;
+    type.reference.module = "ASN.1";
+    type.reference.name = name;
+    type.reference.place = type.place;
+    return true;
+}
+
+AstType* class_field_type(Parser& parser, const AstType& around, const AstReference& object_class,
+                          const char* field) {
+    AstType& type = parser.ast->types.emplace_back();
+    type.sort = AstType::Sort::class_field;
+    type.reference = object_class;
+    type.fields = {field};
+    type.place = around.place;
+    return &type;
+}
+
+// INSTANCE OF CLASS ({Set}) is a SEQUENCE of the class's &id and, under [0], &Type: X.681 annex C.
+bool parse_instance_of(Parser& parser, AstType& type) {
+    if (!accept_word(parser, "INSTANCE")) return false;
+    expect_word(parser, "OF");
+    AstReference object_class = parse_class_reference(parser);
+    type.kind = Kind::sequence;
+    type.universal_tag = 8;
+    AstComponent id, value;
+    id.name = "type-id";
+    id.type = class_field_type(parser, type, object_class, "&id");
+    value.name = "value";
+    value.type = class_field_type(parser, type, object_class, "&Type");
+    id.place = value.place = type.place;
+    AstTag tag;
+    tag.number = &parser.ast->values.emplace_back();
+    tag.number->sort = AstValue::Sort::number;
+    tag.mode = AstTag::Mode::is_explicit;
+    tag.place = type.place;
+    value.type->tags.push_back(tag);
+    if (is_symbol(parser, "(") && is_symbol(parser, "{", 1)) {
+        AstConstraint* set = parse_constraint(parser);
+        id.type->constraints.push_back(set);
+        AstConstraint& keyed = parser.ast->constraints.emplace_back(*set);
+        keyed.keys = {{1, {"type-id"}, type.place}};
+        value.type->constraints.push_back(&keyed);
+    }
+    type.components = {id, value};
+    return true;
+}
+
 void parse_referenced_type(Parser& parser, AstType& type) {
     type.sort = AstType::Sort::reference;
-    if (accept_word(parser, "TYPE-IDENTIFIER")) {
-        type.reference.name = "TYPE-IDENTIFIER";
-        type.reference.place = type.place;
+    if (is_sort(parser, Token::Sort::lower_word)) {  // object.&Type
+        type.reference = parse_value_reference(parser);
     } else {
-        type.reference = parse_type_reference(parser, "a type");
+        type.reference = parse_class_reference(parser);
+        accept_actuals(parser, type.reference);
     }
-    if (accept_symbol(parser, ".")) {
-        if (!is_sort(parser, Token::Sort::field))
-            fail_expected(parser, "a class field (&name) or a type behind '.'");
-        type.sort = AstType::Sort::class_field;
-        type.field = parser.at++->text;
-    } else if (accept_symbol(parser, "{")) {
-        type.reference.has_actuals = true;
-        type.reference.actuals = read_brace_list(parser);
-    }
+    bool lower = type.reference.name[0] >= 'a';
+    type.fields = parse_fields(parser);
+    if (!type.fields.empty()) type.sort = AstType::Sort::class_field;
+    if (type.fields.empty() && (lower || is_symbol(parser, ".")))
+        fail_expected(parser, "a class field (&name) or a type behind '.'");
 }
 
 }  // namespace
+
+AstReference parse_class_reference(Parser& parser) {
+    for (const char* known : {"TYPE-IDENTIFIER", "ABSTRACT-SYNTAX"}) {
+        if (!is_word(parser, known)) continue;
+        AstReference reference;
+        reference.name = known;
+        reference.place = parser.at++->place;
+        return reference;
+    }
+    return parse_type_reference(parser, "a type");
+}
 
 AstType* parse_type(Parser& parser) {
     Nesting nesting(parser);
@@ -302,15 +372,32 @@ AstType* parse_type(Parser& parser) {
     while (is_symbol(parser, "[")) type.tags.push_back(parse_tag(parser));
     if (is_sort(parser, Token::Sort::lower_word) && is_symbol(parser, "<", 1)) {
         type.sort = AstType::Sort::selection;
-        type.field = parser.at->text;
+        type.alternative = parser.at->text;
         parser.at += 2;
         type.inner = parse_type(parser);
         return &type;
     }
     refuse_unsupported(parser);
-    if (!parse_builtin_type(parser, type)) parse_referenced_type(parser, type);
+    if (!parse_useful_type(parser, type) && !parse_instance_of(parser, type) &&
+        !parse_builtin_type(parser, type))
+        parse_referenced_type(parser, type);
     while (is_symbol(parser, "(")) type.constraints.push_back(parse_constraint(parser));
     return &type;
+}
+
+static void parse_field_default(Parser& parser, AstField& field) {
+    field.optional = true;
+    switch (field.sort) {
+        case AstField::Sort::type: field.type = parse_type(parser); break;
+        case AstField::Sort::value:
+        case AstField::Sort::variable_value: field.default_value = parse_value(parser); break;
+        case AstField::Sort::set:
+        case AstField::Sort::variable_set:
+            expect_symbol(parser, "{");
+            field.default_set = read_braces(parser);
+            field.has_default_set = true;
+            break;
+    }
 }
 
 static AstField parse_field(Parser& parser) {
@@ -318,40 +405,45 @@ static AstField parse_field(Parser& parser) {
     field.place = parser.at->place;
     if (!is_sort(parser, Token::Sort::field)) fail_expected(parser, "a field (&name)");
     field.name = parser.at++->text;
+    bool upper = field.name[1] >= 'A' && field.name[1] <= 'Z';
     bool ends = is_symbol(parser, ",") || is_symbol(parser, "}") || is_word(parser, "OPTIONAL") ||
                 is_word(parser, "DEFAULT");
-    field.is_type_field = field.name[1] >= 'A' && field.name[1] <= 'Z';
-    if (field.is_type_field != ends) {
-        throw SyntaxError{field.place,
-                          fmt::format("the field {} is neither a type field nor a value field of a fixed "
-                                      "type; no other sort is supported",
-                                      field.name)};
-    }
-    if (!field.is_type_field) {
+    if (upper && ends) {
+        field.sort = AstField::Sort::type;
+    } else if (is_sort(parser, Token::Sort::field)) {
+        field.sort = upper ? AstField::Sort::variable_set : AstField::Sort::variable_value;
+        parser.at++;
+        parse_fields(parser);
+    } else {
+        field.sort = upper ? AstField::Sort::set : AstField::Sort::value;
         field.type = parse_type(parser);
         field.unique = accept_word(parser, "UNIQUE");
     }
     if (accept_word(parser, "OPTIONAL")) {
         field.optional = true;
     } else if (accept_word(parser, "DEFAULT")) {
-        field.optional = true;
-        if (field.is_type_field) {
-            field.type = parse_type(parser);
-        } else {
-            field.default_value = parse_value(parser);
-        }
+        parse_field_default(parser, field);
     }
     return field;
 }
 
-static std::vector<AstSyntax> parse_syntax(Parser& parser, std::string_view closing) {
+// Two brackets may be one symbol: `half_bracket` tells that the first of them was read.
+static bool accept_bracket(Parser& parser, std::string_view single, std::string_view twofold) {
+    if (accept_symbol(parser, single)) return true;
+    if (!is_symbol(parser, twofold)) return false;
+    parser.half_bracket = !parser.half_bracket;
+    if (!parser.half_bracket) parser.at++;
+    return true;
+}
+
+static std::vector<AstSyntax> parse_syntax(Parser& parser, bool in_group) {
     Nesting nesting(parser);
     std::vector<AstSyntax> syntax;
-    while (!accept_symbol(parser, closing)) {
+    while (!(in_group ? accept_bracket(parser, "]", "]]") : accept_symbol(parser, "}"))) {
         AstSyntax item;
-        if (accept_symbol(parser, "[")) {
+        if (accept_bracket(parser, "[", "[[")) {
             item.sort = AstSyntax::Sort::optional_group;
-            item.group = parse_syntax(parser, "]");
+            item.group = parse_syntax(parser, true);
         } else if (is_sort(parser, Token::Sort::field)) {
             item.sort = AstSyntax::Sort::field;
             item.text = parser.at++->text;
@@ -377,7 +469,7 @@ AstClass* parse_class(Parser& parser) {
         expect_word(parser, "SYNTAX");
         expect_symbol(parser, "{");
         object_class.has_syntax = true;
-        object_class.syntax = parse_syntax(parser, "}");
+        object_class.syntax = parse_syntax(parser, false);
     }
     return &object_class;
 }

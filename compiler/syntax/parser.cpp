@@ -122,7 +122,22 @@ AstReference parse_type_reference(Parser& parser, std::string_view what) {
     return reference;
 }
 
-static AstReference parse_value_reference(Parser& parser) {
+void accept_actuals(Parser& parser, AstReference& reference) {
+    if (!accept_symbol(parser, "{")) return;
+    reference.has_actuals = true;
+    reference.actuals = read_brace_list(parser);
+}
+
+std::vector<std::string> parse_fields(Parser& parser) {
+    std::vector<std::string> fields;
+    while (is_symbol(parser, ".") && is_sort(parser, Token::Sort::field, 1)) {
+        fields.push_back(parser.at[1].text);
+        parser.at += 2;
+    }
+    return fields;
+}
+
+AstReference parse_value_reference(Parser& parser) {
     AstReference reference;
     reference.place = parser.at->place;
     if (is_sort(parser, Token::Sort::upper_word)) {
@@ -130,6 +145,7 @@ static AstReference parse_value_reference(Parser& parser) {
         expect_symbol(parser, ".");
     }
     reference.name = expect_identifier(parser, "a value").text;
+    accept_actuals(parser, reference);
     return reference;
 }
 
@@ -194,6 +210,8 @@ AstValue* parse_value(Parser& parser) {
                 }
                 value.sort = AstValue::Sort::reference;
                 value.reference = parse_value_reference(parser);
+                value.fields = parse_fields(parser);
+                if (!value.fields.empty()) value.sort = AstValue::Sort::from_object;
             }
             return &value;
         default:

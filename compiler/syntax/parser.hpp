@@ -17,6 +17,7 @@ struct Parser {
     Ast* ast = nullptr;
     bool extensibility_implied = false;
     int depth = 0;
+    bool half_bracket = false;
 };
 
 // One level of nesting, for as long as it lives. Schemas nest a dozen levels; far more would exhaust the stack.
@@ -50,13 +51,20 @@ std::vector<TokenRange> read_brace_list(Parser& parser);
 AstType* parse_type(Parser& parser);
 AstValue* parse_value(Parser& parser);
 AstReference parse_type_reference(Parser& parser, std::string_view what);
+// TYPE-IDENTIFIER and ABSTRACT-SYNTAX too.
+AstReference parse_class_reference(Parser& parser);
+// With the actual parameters, if there are any.
+AstReference parse_value_reference(Parser& parser);
+void accept_actuals(Parser& parser, AstReference& reference);
+// .&field.&field
+std::vector<std::string> parse_fields(Parser& parser);
 // With its parentheses.
 AstConstraint* parse_constraint(Parser& parser);
 // Without them: what stands in a value set's braces.
 AstConstraint* parse_element_sets(Parser& parser);
 AstClass* parse_class(Parser& parser);
 
-// All modules of one file.
-void parse_file(Ast& ast, const std::vector<Token>& tokens, Diagnostics& diags);
+// All modules of one file. False if what should be the head of a module is none, so that nothing behind it can be read.
+bool parse_file(Ast& ast, const std::vector<Token>& tokens, Diagnostics& diags);
 
 }  // namespace orlentac

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 namespace orlentac {
 
 struct AstType;
+struct Scope;  // of the resolver
 
 // Name or Module.Name, with actual parameters if it is of something parameterised.
 struct AstReference {
@@ -24,14 +26,16 @@ struct AstReference {
 };
 
 struct AstValue {
-    enum class Sort { number, real, boolean, null, bits, hex, text, reference, braces, choice };
+    enum class Sort { number, real, boolean, null, bits, hex, text, reference, braces, choice, from_object };
     Sort sort = Sort::null;
     Number number;
     double real = 0;
     bool boolean = false;
-    std::string text;        // bits, hex, text; the alternative's name
-    AstReference reference;  // a value's name, or that of an item, named number or named bit
-    TokenRange braces;       // behind the opening brace up to the closing one
+    std::string text;  // bits, hex, text; the alternative's name
+    AstReference
+        reference;  // a value's name, or that of an item, named number or named bit; from_object: the object
+    std::vector<std::string> fields;  // from_object: object.&object.&value
+    TokenRange braces;                // behind the opening brace up to the closing one
     AstValue* inner = nullptr;
     Place place;
 };
@@ -66,6 +70,7 @@ struct AstConstraint {
     std::vector<AstConstraint*> parts;  // size, alphabet: one
     TokenRange braces;
     std::vector<AstAtNotation> keys;
+    const Scope* scope = nullptr;  // of its names, if it is an actual parameter
     Place place;
 };
 
@@ -102,12 +107,13 @@ struct AstType {
     Kind kind = Kind::null;                     // builtin
     StringKind string_kind = StringKind::utf8;  // builtin char_string
     std::optional<uint32_t> universal_tag;      // builtin of a tag that is not the kind's own
-    AstReference reference;                     // reference; class_field: the class
-    std::string field;                          // class_field; selection: the alternative
-    std::vector<AstTag> tags;                   // outermost first
-    std::vector<AstComponent> components;       // sequence, set, choice
-    std::vector<AstItem> items;                 // enumerated, integer, bit_string
-    AstType* inner = nullptr;                   // element; selection: the CHOICE
+    AstReference reference;                // reference; class_field: the class, an object or an object set
+    std::vector<std::string> fields;       // class_field: CLASS.&objects.&Type
+    std::string alternative;               // selection
+    std::vector<AstTag> tags;              // outermost first
+    std::vector<AstComponent> components;  // sequence, set, choice
+    std::vector<AstItem> items;            // enumerated, integer, bit_string
+    AstType* inner = nullptr;              // element; selection: the CHOICE
     std::string element_name;
     bool extensible = false;
     std::vector<AstConstraint*> constraints;  // in the order in which they apply
@@ -115,10 +121,19 @@ struct AstType {
 };
 
 struct AstField {
+    enum class Sort {
+        type,
+        value,           // of a fixed type, or an object
+        set,             // of values of a fixed type, or of objects
+        variable_value,  // of the type that another field of the object gives
+        variable_set,
+    };
+    Sort sort = Sort::type;
     std::string name;
-    bool is_type_field = false;
-    AstType* type = nullptr;  // a type field's default type or null
+    AstType* type = nullptr;  // of values; the class of objects; a type field's default type or null
     AstValue* default_value = nullptr;
+    TokenRange default_set;  // behind the opening brace up to the closing one
+    bool has_default_set = false;
     bool unique = false;
     bool optional = false;
     Place place;
@@ -194,6 +209,7 @@ struct Ast {
     std::deque<AstValue> values;
     std::deque<AstConstraint> constraints;
     std::deque<AstClass> classes;
+    std::set<std::string> useful_types;  // EXTERNAL and the like, as far as they occur
 };
 
 }  // namespace orlentac

@@ -25,6 +25,10 @@ std::unique_ptr<Loaded> load(const std::vector<SourceText>& sources, SchemaOptio
     for (const Diagnostic& error : loaded->diags.errors) {
         loaded->errors += fmt::format("{}: {}\n", place_text(error.place, sources.size() > 1), error.text);
     }
+    for (const Diagnostic& note : loaded->diags.notes) {
+        loaded->errors +=
+            fmt::format("{}: note: {}\n", place_text(note.place, sources.size() > 1), note.text);
+    }
     return loaded;
 }
 
@@ -180,6 +184,11 @@ INSTANTIATE_TEST_SUITE_P(
         TypeCase{"A ::= SEQUENCE { a B DEFAULT y, b B DEFAULT v, c B DEFAULT z }\n"
                  "B ::= ENUMERATED { x(5), ..., z, y }\nv B ::= x",
                  "SEQUENCE { a: B DEFAULT item 2; b: B DEFAULT item 0; c: B DEFAULT item 1; }"},
+        TypeCase{"A ::= SEQUENCE { a OBJECT IDENTIFIER DEFAULT { base 7 }, b RELATIVE-OID DEFAULT { 2 r },"
+                 " c OBJECT IDENTIFIER DEFAULT { iso member-body 840 } }\n"
+                 "base OBJECT IDENTIFIER ::= { itu-t recommendation z 5 }\nr RELATIVE-OID ::= { 300 }",
+                 "SEQUENCE { a: OID DEFAULT oid 001A0507; b: RELATIVE-OID DEFAULT oid 02822C;"
+                 " c: OID DEFAULT oid 2A8648; }"},
         TypeCase{"A ::= SEQUENCE { a BIT STRING DEFAULT '101'B, b BIT STRING { p(1), q(9) } DEFAULT { q, p },"
                  " c OCTET STRING DEFAULT 'AB C'H, d BIT STRING DEFAULT 'F'H, e OCTET STRING DEFAULT '1'B }",
                  "SEQUENCE { a: BITS DEFAULT bits 3 A0; b: BITS p=1 q=9 DEFAULT bits 10 4040;"
@@ -256,6 +265,30 @@ INSTANTIATE_TEST_SUITE_P(
         ClassCase{
             "A ::= SEQUENCE { a R {5, Id}, b R {6, NULL} }\nR {INTEGER : n, T} ::= OCTET STRING (SIZE (n))",
             "SEQUENCE { a: OCTETS (5..5); b: OCTETS (6..6); }"},
+        // From objects: types, values, sets of what they hold; objects and sets with parameters.
+        ClassCase{
+            "A ::= SEQUENCE { t seven.&Type, v INTEGER (0..seven.&id), w OUT.&Ins.&Type ({ both {4} }) }\n"
+            "seven CLS ::= { TYPE B ID 7 }\n"
+            "OUT ::= CLASS { &Ins CLS, &one CLS DEFAULT one, &Values INTEGER OPTIONAL, &var &Type2 OPTIONAL,"
+            " &Type2 OPTIONAL }\n"
+            "both {Id : n} OUT ::= { &Ins { seven | { TYPE NULL ID n } | More {{ seven }} } }\n"
+            "More {CLS : S} CLS ::= { S EXCEPT one }",
+            "SEQUENCE { t: B; v: INTEGER (0..7); w: OPEN column 1 of { < 7 B - > < 4 NULL - > }; }"},
+        // A set of values as a parameter; a class as one.
+        ClassCase{"A ::= SEQUENCE { a V {{1..4}}, k K {CLS, {one}} }\nV {INTEGER : S} ::= INTEGER (S)\n"
+                  "K {C, C : S} ::= SEQUENCE { id C.&id ({S}) }",
+                  "SEQUENCE { a: INTEGER (1..4); k: K; }", "K SEQUENCE { id: Id as CLS.0; }"},
+        ClassCase{"A ::= SEQUENCE { a INSTANCE OF OTHER ({Two}), e EXTERNAL }\nOTHER ::= TYPE-IDENTIFIER\n"
+                  "Two OTHER ::= { { NULL IDENTIFIED BY {1 3} } }",
+                  "SEQUENCE { a: SEQUENCE { type-id: OID as TYPE-IDENTIFIER.0; value: OPEN column 1 of Two{ "
+                  "< oid 2B "
+                  "NULL > } by 0 up .0 = column 0 [0] EXPLICIT; } tag 8; e: EXTERNAL; }"},
+        // Through a CHOICE, and out of reach of contents.
+        ClassCase{
+            "A ::= CHOICE { c SEQUENCE { k CLS.&id ({None}), l SEQUENCE OF CLS.&Type ({None}{@c.k}),"
+            " o OCTET STRING (CONTAINING CLS.&Type ({None}{@c.k})) } }\nNone CLS ::= { ... }",
+            "CHOICE { c: SEQUENCE { k: Id as CLS.0; l: SEQUENCE OF OPEN column 1 of None{ ... } by 0 up .0 = "
+            "column 0; o: OCTETS CONTAINING OPEN; }; }"},
         ClassCase{"A ::= SEQUENCE { l List {B} }\nList {T} ::= SEQUENCE { t T, next List {T} OPTIONAL }",
                   "SEQUENCE { l: List; }", "List SEQUENCE { t: B [0] EXPLICIT; next: List OPTIONAL; }"}));
 
@@ -286,7 +319,7 @@ TEST(Modules, NamesComeThroughImports) {
               {"c.asn1",
                "C DEFINITIONS AUTOMATIC TAGS EXTENSIBILITY IMPLIED ::= BEGIN EXPORTS ALL;\n"
                "T ::= SEQUENCE { /* a /* nested */ comment */ a NULL -- b NULL -- } U ::= INTEGER END"}});
-    EXPECT_EQ(loaded->errors, "b.asn1:1:48: 'T' is exported, but not defined\n");
+    EXPECT_EQ(loaded->errors, "");
     EXPECT_EQ(type_text(*loaded, "X"), "SEQUENCE { t: T; u: INTEGER (0..3) from U; w: W; }");
     EXPECT_EQ(type_text(*loaded, "T"), "SEQUENCE { a: NULL; ... }");
     EXPECT_TRUE(find(loaded->schema, "W")->is_alias);
@@ -294,16 +327,23 @@ TEST(Modules, NamesComeThroughImports) {
     EXPECT_EQ(loaded->schema.modules, (std::vector<std::string>{"A", "B", "C"}));
 }
 
+TEST(Modules, AreToldOfOnceIfTheyAreNone) {
+    EXPECT_EQ(load({{"a.asn1", "#include <stdio.h>\nint main(void) { return 0; }\n"}})->errors,
+              "1:1: expected ASN.1, found the character '#'\n1:2: expected the name of a module, found "
+              "'include'\n");
+}
+
 TEST(Modules, ErrorsOfSeveralFilesComeInTheirOrder) {
-    auto loaded =
-        load({{"b.asn1",
-               "B DEFINITIONS AUTOMATIC TAGS ::= BEGIN IMPORTS T FROM A Z FROM Y;\nX ::= Z\nY ::= Q END"},
-              {"a.asn1", "A DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nX ::= NULL\nQ ::= W END"}});
+    auto loaded = load({{"b.asn1",
+                         "B DEFINITIONS AUTOMATIC TAGS ::= BEGIN IMPORTS T FROM A Z FROM Y;\nX ::= SEQUENCE "
+                         "{ z Z, t T }\nY ::= Q END"},
+                        {"a.asn1", "A DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nX ::= NULL\nQ ::= W END"}});
     EXPECT_EQ(loaded->errors,
               "b.asn1:1:48: module 'A' does not define 'T'\n"
               "b.asn1:1:64: unknown module 'Y'\n"
               "b.asn1:3:7: unknown type 'Q'; module 'A' defines it, but it is not imported\n"
-              "a.asn1:3:7: unknown type 'W'\n");
+              "a.asn1:3:7: unknown type 'W'\n"
+              "b.asn1:1:48: note: module 'A' does not define 'T'\n");
 }
 
 TEST(Modules, EachHasItsOwnNamesAndTagDefault) {
@@ -348,7 +388,9 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCase{"A ::= SEQUENCE SIZE (1) BOOLEAN", "2:25: expected OF, found 'BOOLEAN'\n"},
         WrongCase{"A ::= SEQUENCE { a NULL, [[ b NULL ]] }",
                   "2:26: expected an extension marker before '[[', found '[['\n"},
-        WrongCase{"A ::= SEQUENCE { a EXTERNAL }", "2:20: the type EXTERNAL is not supported\n"},
+        WrongCase{"A ::= SEQUENCE { a DATE }", "2:20: the type DATE is not supported (X.680 clause 38)\n"},
+        WrongCase{"ENCODING-CONTROL XER GLOBAL-DEFAULTS",
+                  "2:1: note: encoding instructions have no effect (X.693, X.695)\n"},
         WrongCase{"A ::= CHOICE { a NULL OPTIONAL }",
                   "2:23: expected ',' or '}' behind an alternative, found 'OPTIONAL'\n"},
         WrongCase{"A ::= OCTET STRING ('0G'H)", "2:21: expected hexadecimal (0 to F) digits, found 'G'\n"},
@@ -471,7 +513,8 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCase{"A ::= CLS.&what", "9:7: class 'CLS' has no field '&what'\n"},
         WrongCase{"A ::= SEQUENCE { v B.&Type }",
                   "9:20: expected an information object class, found 'B', which is none\n"},
-        WrongCase{"S CLS ::= { { ID 1 } | one }", "9:1: two objects of the set have the &id 1\n"},
+        WrongCase{"S CLS ::= { { ID 1 } | one }",
+                  "9:1: note: two objects of the set have the &id 1, so that neither is found by it\n"},
         WrongCase{"S CLS ::= { { TYPE B } | { ID 4 FLAGG TRUE } | { ID 100 } | two }",
                   "9:22: expected 'ID', found '}'\n9:33: expected '}' behind the object, found 'FLAGG'\n"
                   "9:53: &id is 100, outside of 0..99\n9:61: unknown object 'two'\n"},
@@ -482,12 +525,13 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCase{"S CLS ::= { B }", "9:13: expected an object set of class 'CLS', found 'B'\n"},
         WrongCase{"S CLS ::= { S }", "9:13: the object set 'S' contains itself\n"},
         WrongCase{"A ::= P {Set}\nP {CLS : S} ::= SEQUENCE { k CLS.&id ({S}) }",
-                  "9:10: expected an object set in braces, found 'Set'\n"},
+                  "9:10: note: 'Set' should be {Set} (X.683 clause 9.5)\n"},
         WrongCase{"A ::= P\nC ::= P {B, B}\nP {T} ::= SEQUENCE { t T }",
                   "9:7: 'P' takes 1 parameter, found 0\n10:7: 'P' takes 1 parameter, found 2\n"},
-        WrongCase{"D ::= CLASS { &id NULL, &Set NULL }",
-                  "9:25: the field &Set is neither a type field nor a value field of a fixed type; no other "
-                  "sort is supported\n"}));
+        WrongCase{"A ::= CLS.&Type.&id", "9:7: the field '&Type' holds no objects\n"},
+        WrongCase{"A ::= one.&Type", "9:7: the object 'one' does not set the field '&Type'\n"},
+        WrongCase{"D ::= CLASS { &one CLS }\nA ::= D.&one",
+                  "10:7: expected a field of values or types, found '&one', which holds objects\n"}));
 
 // ---- the message sets that come with the library ----
 

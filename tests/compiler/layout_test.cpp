@@ -87,6 +87,8 @@ INSTANTIATE_TEST_SUITE_P(
                     WordsCase{"A ::= INTEGER (0..7, ...)", "T_A", "2F800002 0 7 \"A\""},
                     WordsCase{"A ::= BIT STRING", "T_A", "3D000003 0 \"A\""},
                     WordsCase{"A ::= OCTET STRING (SIZE (2..5, ...))", "T_A", "47800004 2 5 \"A\""},
+                    // Readers count in 32 bits, signed, and bounds that large make no difference.
+                    WordsCase{"A ::= OCTET STRING (SIZE (2..4294967295))", "T_A", "45000004 2 \"A\""},
                     WordsCase{"A ::= NumericString (SIZE (4))", "T_A", "7D800012 0 4 4 2 20 20 30 39 \"A\""},
                     WordsCase{"A ::= IA5String", "T_A", "7D000016 3 0 1 0 7F \"A\""},
                     WordsCase{"A ::= UTF8String (SIZE (1..9))", "T_A", "7C00000C 6 \"A\""},
@@ -173,6 +175,32 @@ INSTANTIATE_TEST_SUITE_P(
         WordsCase{"A ::= CHOICE { x NULL, p P } P ::= SEQUENCE { left A }", "T__local_3", "5B100000 T_A"},
         WordsCase{"A ::= SEQUENCE { l SEQUENCE OF A }", "T_A_1", "9100000 0 10 T_A 0"},
         WordsCase{"L ::= SEQUENCE OF A A ::= SEQUENCE { l L }", "T_L", "D000010 0 10 T_A 0 \"L\""}));
+
+TEST(Layout, TypesOfOneNameGetThoseOfTheirModules) {
+    std::vector<SourceText> sources = {
+        {"a.asn1", "A-1 DEFINITIONS ::= BEGIN T ::= NULL U ::= NULL END"},
+        {"b.asn1", "B DEFINITIONS ::= BEGIN T ::= BOOLEAN A-1-T ::= NULL V ::= A-1.T END"}};
+    for (bool module_names : {false, true}) {
+        Compiled compiled;
+        ASSERT_TRUE(load_schema(sources, {}, compiled.schema, compiled.diags));
+        std::string symbols;
+        bool clash = !make_layout(compiled.schema, {"R", 1, module_names}, compiled.layout, compiled.diags);
+        for (const Table* table : compiled.layout.tables) symbols += table->symbol + " ";
+        for (const Alias& alias : compiled.layout.aliases) symbols += alias.name + "=" + alias.table->symbol;
+        if (module_names) {
+            EXPECT_EQ(symbols, "R_A_1_T R_A_1_U R_B_T R_B_A_1_T B_V=R_A_1_T");
+            continue;
+        }
+        // The name that T of A-1 gets is one that B has as well.
+        EXPECT_TRUE(clash);
+        EXPECT_EQ(
+            errors_text(compiled.diags),
+            "a.asn1:1:27: error: 'T' gets the name A_1_T in C, which is that of the type at b.asn1:1:39\n");
+        EXPECT_EQ(notes_text(compiled.diags),
+                  "a.asn1:1:27: note: 'T' is defined in the modules 'A-1' and 'B': the names in C are A_1_T, "
+                  "B_T\n");
+    }
+}
 
 TEST(Layout, NestedTablesAreNumberedInnermostFirst) {
     auto compiled = compile(

@@ -1,0 +1,64 @@
+// Encodings of what modules of written tags, clashing names and objects describe. That the header compiles holds every
+// record against its table.
+#include <gtest/gtest.h>
+#include <orlenta/ber.h>
+#include <orlenta/per.h>
+#include <orlenta/value.h>
+#include <published.h>
+
+#include "tests/support/octets.hpp"
+
+namespace {
+
+enum Rules { kDer, kUper };
+
+struct Row {
+    const char* name;
+    const asn1_type_desc* type;
+    Rules rules;
+    const char* hex;
+};
+
+class Published : public testing::TestWithParam<Row> {};
+
+// Decodes and encodes again; a copy is equal.
+TEST_P(Published, ComesBack) {
+    const auto& [name, type, rules, hex] = GetParam();
+    orlenta::test::octets octets = orlenta::test::from_digits(hex);
+    void* value = nullptr;
+    asn1_error error;
+    asn1_error_init(&error);
+    int64_t used = rules == kDer ? asn1_ber_decode(&value, type, octets.data(), octets.size(), &error)
+                                 : asn1_uper_decode(&value, type, octets.data(), octets.size(), &error);
+    ASSERT_EQ(used, static_cast<int64_t>(octets.size())) << error.message << " at " << error.path;
+    uint8_t* out = nullptr;
+    int64_t size = rules == kDer ? asn1_der_encode(&out, type, value) : asn1_uper_encode(&out, type, value);
+    EXPECT_EQ(orlenta::test::to_digits(out, size), orlenta::test::normal_digits(hex));
+    asn1_free(out);
+    asn1_free_value(type, value);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Published,
+    testing::Values(
+        // [APPLICATION 1]: level, a CHOICE that keeps its own tag, elements under [PRIVATE 2].
+        Row{"implicit", asn1_type_Published_Dictionary_Reading, kDer, "610E 800103 A10416024142 3103C20105"},
+        Row{"explicit", asn1_type_Published_Services_Reading, kDer, "A20C300AA0030A01013003020105"},
+        // Items count by their numbers: middle is 1 of 3. A size up to 2^32 - 1 is one without a bound.
+        Row{"order", asn1_type_Published_Services_Reading, kUper, "4068"},
+        Row{"recursive", asn1_type_Published_Filter, kDer, "A206A2048702ABCD"},
+        // The open type follows a key that is a CHOICE: an INTEGER up to 9, a BOOLEAN.
+        Row{"local", asn1_type_Published_Request, kDer,
+            "30060201010201"
+            "07"},
+        Row{"global", asn1_type_Published_Request, kDer, "300706022B060101FF"}),
+    [](const auto& info) { return info.param.name; });
+
+TEST(PublishedNames, EnumeratedConstantsAreIndices) {
+    EXPECT_EQ(asn1_Published_Level_low, 0);
+    EXPECT_EQ(asn1_Published_Level_middle, 1);
+    EXPECT_EQ(asn1_Published_Level_high, 2);
+    static_assert(sizeof(asn1_Published_Services_Reading) != sizeof(asn1_Published_Dictionary_Reading));
+}
+
+}  // namespace
