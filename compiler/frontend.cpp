@@ -6,6 +6,9 @@
 
 namespace orlentac {
 
+// Published modules make less than one type a token, all instances and copies counted.
+static constexpr size_t kTypesPerToken = 20;
+
 // Types that X.680 defines in ASN.1 itself, clauses 36, 37 and 44, as far as the modules use them.
 static void add_useful_types(Ast& ast, Diagnostics& diags) {
     static constexpr std::string_view kTypes[][2] = {
@@ -65,7 +68,12 @@ bool load_schema(const std::vector<SourceText>& sources, const SchemaOptions& op
     }
     add_useful_types(ast, diags);
     Resolver resolver{ast, out, diags};
-    resolve(resolver);
+    for (const std::vector<Token>& tokens : ast.files) resolver.most_types += kTypesPerToken * tokens.size();
+    try {
+        resolve(resolver);
+    } catch (const TooLarge& fault) {
+        error(diags, fault.place, "here the types or references grow beyond what the modules should need");
+    }
     sort_errors(diags);
     return diags.errors.empty();
 }

@@ -127,6 +127,7 @@ void check_settings(const ObjectReader& reader, Place place) {
 
 const InfoObject* read_object(Resolver& resolver, const Scope& scope, TokenRange braces,
                               const ClassInfo& info, Place place) {
+    Reference level(resolver, place);
     std::pair key(braces.first, &scope);
     auto known = resolver.objects.find(key);
     if (known != resolver.objects.end()) return known->second;
@@ -417,6 +418,7 @@ const InfoObject* object_value(Resolver& resolver, const Scope& scope, const Ast
 
 const InfoObject* find_object(Resolver& resolver, const Scope& scope, const AstReference& reference,
                               const ClassInfo& info) {
+    Reference level(resolver, reference.place);
     Meaning meaning = find_name(resolver, scope, reference, "object");
     if (!meaning) return nullptr;
     if (meaning.binding) {
@@ -456,6 +458,7 @@ const InfoObject* find_any_object(Resolver& resolver, const Scope& scope, const 
 
 ObjectSet* find_set(Resolver& resolver, const Scope& scope, const AstReference& reference,
                     const ClassInfo& info) {
+    Reference level(resolver, reference.place);
     Meaning meaning = find_name(resolver, scope, reference, "object set");
     if (!meaning) return nullptr;
     if (meaning.binding) return bound_set(resolver, *meaning.binding, info, reference.place);

@@ -102,6 +102,18 @@ struct PendingTable {
     ObjectClass* object_class = nullptr;
 };
 
+// Thrown where a schema makes more than its length bears: instances and copies may double at every step.
+struct TooLarge {
+    Place place;
+};
+
+// One level of values or objects that refer to others, for as long as it lives.
+struct Reference {
+    explicit Reference(struct Resolver& resolver, Place place);
+    ~Reference();
+    struct Resolver& resolver;
+};
+
 struct Resolver {
     Ast& ast;
     Schema& schema;
@@ -123,6 +135,8 @@ struct Resolver {
     std::unordered_map<const ObjectSet*, std::vector<const InfoObject*>> members = {};
     std::unordered_set<const ObjectSet*> filling = {};
     int object_depth = 0;
+    int reference_depth = 0;
+    size_t most_types = 0;
     bool are_classes_declared = false;
     std::map<std::pair<const AstAssignment*, std::string>, NamedType*> open_instances = {};  // being resolved
     std::unordered_set<const void*> busy = {};  // guards against values and sets of themselves

@@ -30,6 +30,7 @@ void gather_components_of(Resolver& resolver, Kind kind, const AstComponent& ent
     }
     std::vector<Member> copied;
     gather_members(resolver, *base.type, *base.scope, copied);
+    if (members.size() + copied.size() > resolver.most_types) throw TooLarge{entry.place};
     for (Member& member : copied) {
         if (member.ast->addition) continue;
         members.push_back({member.ast, member.scope, true, entry.place});

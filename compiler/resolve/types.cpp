@@ -141,6 +141,7 @@ Type* resolve_plain_reference(Resolver& resolver, const AstType& ast, const Scop
 }  // namespace
 
 Type* new_type(Resolver& resolver, Kind kind, Place place) {
+    if (resolver.schema.type_pool.size() >= resolver.most_types) throw TooLarge{place};
     Type& type = resolver.schema.type_pool.emplace_back();
     type.kind = kind;
     type.place = place;

@@ -166,7 +166,7 @@ std::optional<Value> resolve_named_bits(Resolver& resolver, const Governed& gove
             return std::nullopt;
         }
         std::optional<Number> number = resolve_number(resolver, *item->value, *governed.base.scope);
-        if (!number || *number < 0 || *number > 1 << 20) return std::nullopt;
+        if (!number || *number < 0 || *number > 1 << 16) return std::nullopt;
         size_t bit = static_cast<size_t>(*number);
         if (bits.size() <= bit) bits.resize(bit + 1);
         bits[bit] = true;
@@ -439,8 +439,17 @@ std::string misfit(const Type& type, const Value& value) {
 
 }  // namespace
 
+Reference::Reference(Resolver& r, Place place) : resolver(r) {
+    constexpr int kMost = 500;
+    if (resolver.reference_depth >= kMost) throw TooLarge{place};
+    resolver.reference_depth++;
+}
+
+Reference::~Reference() { resolver.reference_depth--; }
+
 std::optional<Value> resolve_value(Resolver& resolver, const AstValue& ast, const Scope& scope,
                                    const AstType& governor, const Scope& governor_scope) {
+    Reference level(resolver, ast.place);
     Governed governed{ast, scope, base_of(resolver, governor, governor_scope)};
     if (!governed.base) return std::nullopt;
     Kind kind = base_kind(governed.base);

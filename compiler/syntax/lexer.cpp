@@ -202,6 +202,11 @@ void read_digits(Cursor& cursor, std::string& text) {
 void read_number(Cursor& cursor, Token& token, Diagnostics& diags) {
     token.sort = Token::Sort::number;
     read_digits(cursor, token.text);
+    constexpr size_t kMostDigits = 1000;
+    if (token.text.size() > kMostDigits) {
+        error(diags, token.place, "expected a number of at most {} digits", kMostDigits);
+        token.text = "1";
+    }
     if (token.text.size() > 1 && token.text[0] == '0') {
         error(diags, token.place, "expected a number without leading zeros, found '{}'", token.text);
     }
