@@ -5,6 +5,7 @@
 #include <orlenta/per.h>
 #include <orlenta/value.h>
 #include <published.h>
+#include <tricky.h>
 
 #include "tests/support/octets.hpp"
 
@@ -51,6 +52,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"local", asn1_type_Published_Request, kDer,
             "30060201010201"
             "07"},
+        // Another region in the same program.
+        Row{"elsewhere", asn1_type_Tricky_Signals, kUper, "80"},
         Row{"global", asn1_type_Published_Request, kDer, "300706022B060101FF"}),
     [](const auto& info) { return info.param.name; });
 
