@@ -209,6 +209,7 @@ void read_number(Cursor& cursor, Token& token, Diagnostics& diags) {
     }
     if (token.text.size() > 1 && token.text[0] == '0') {
         error(diags, token.place, "expected a number without leading zeros, found '{}'", token.text);
+        token.text = "0";
     }
     if (peek(cursor) == '.' && peek(cursor, 1) != '.') {
         token.sort = Token::Sort::real_number;

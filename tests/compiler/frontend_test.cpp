@@ -389,6 +389,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCase{"A ::= SEQUENCE { a NULL, [[ b NULL ]] }",
                   "2:26: expected an extension marker before '[[', found '[['\n"},
         WrongCase{"A ::= SEQUENCE { a DATE }", "2:20: the type DATE is not supported (X.680 clause 38)\n"},
+        WrongCase{"A ::= INTEGER (0..08)", "2:19: expected a number without leading zeros, found '08'\n"},
         WrongCase{"ENCODING-CONTROL XER GLOBAL-DEFAULTS",
                   "2:1: note: encoding instructions have no effect (X.693, X.695)\n"},
         WrongCase{"A ::= CHOICE { a NULL OPTIONAL }",
