@@ -300,6 +300,12 @@ inline int32_t enum_value(const asn1_type_desc* type, const enum_layout& items, 
 
 inline const asn1_type_desc* tagged_inner(const asn1_type_desc* type) { return type[1].type; }
 
+// The type behind tags that leave the value where it is.
+inline const asn1_type_desc* behind_tags(const asn1_type_desc* type) {
+    while (kind_of(type) == ASN1_KIND_TAGGED && !is_indirect(type)) type = tagged_inner(type);
+    return type;
+}
+
 // The type behind all tags.
 inline const asn1_type_desc* untagged(const asn1_type_desc* type) {
     while (kind_of(type) == ASN1_KIND_TAGGED) type = tagged_inner(type);

@@ -1,0 +1,98 @@
+// Makes a codec: the builder's arrays, laid one behind the other in one block.
+#include "program/build.hpp"
+
+#include <orlenta/value.h>
+#include <string.h>
+
+#include "program/codec.hpp"
+
+namespace orlenta::program {
+
+static uint64_t padded(uint64_t size) { return (size + 7) & ~UINT64_C(7); }
+
+template <typename T>
+static uint64_t size_of(const growing<T>& array) {
+    return padded(array.count * sizeof(T));
+}
+
+template <typename T>
+static void move_to(uint8_t** block, growing<T>* from, const T** to) {
+    if (from->count != 0) memcpy(*block, from->items, from->count * sizeof(T));
+    *to = reinterpret_cast<const T*>(*block);
+    *block += size_of(*from);
+}
+
+static uint64_t total_size(const builder& b) {
+    return size_of(b.ops) + size_of(b.leaves) + size_of(b.groups) + size_of(b.options) +
+           size_of(b.preamble_runs) + size_of(b.sequences) + size_of(b.extension_units) + size_of(b.lists) +
+           size_of(b.choices) + size_of(b.open_types) + size_of(b.sets) + size_of(b.rows) + size_of(b.flags) +
+           size_of(b.types);
+}
+
+static void move_arrays(builder* b, uint8_t* block, program* to) {
+    move_to(&block, &b->ops, &to->ops);
+    move_to(&block, &b->leaves, &to->leaves);
+    move_to(&block, &b->groups, &to->groups);
+    move_to(&block, &b->options, &to->options);
+    move_to(&block, &b->preamble_runs, &to->preamble_runs);
+    move_to(&block, &b->sequences, &to->sequences);
+    move_to(&block, &b->extension_units, &to->extension_units);
+    move_to(&block, &b->lists, &to->lists);
+    move_to(&block, &b->choices, &to->choices);
+    move_to(&block, &b->open_types, &to->open_types);
+    move_to(&block, &b->sets, &to->row_ranges);
+    move_to(&block, &b->rows, &to->rows);
+    move_to(&block, &b->flags, &to->flags);
+    move_to(&block, &b->types, &to->types);
+}
+
+static void free_arrays(builder* b) {
+    void* blocks[] = {b->ops.items,
+                      b->leaves.items,
+                      b->groups.items,
+                      b->options.items,
+                      b->preamble_runs.items,
+                      b->sequences.items,
+                      b->extension_units.items,
+                      b->lists.items,
+                      b->choices.items,
+                      b->open_types.items,
+                      b->sets.items,
+                      b->rows.items,
+                      b->flags.items,
+                      b->types.items,
+                      b->parts.entries,
+                      b->whole.entries,
+                      b->type_at.entries,
+                      b->row_sets.entries,
+                      b->facts.entries};
+    for (void* block : blocks) asn1_free(block);
+}
+
+static orlenta_codec* finish_codec(builder* b, const asn1_type_desc* type, uint32_t root) {
+    uint64_t head = padded(sizeof(orlenta_codec));
+    uint8_t* block = static_cast<uint8_t*>(asn1_malloc(head + total_size(*b)));
+    if (!block) return nullptr;
+    orlenta_codec* codec = reinterpret_cast<orlenta_codec*>(block);
+    codec->type = type;
+    codec->record_size = static_cast<uint64_t>(asn1_get_size(type));
+    codec->root = root;
+    move_arrays(b, block + head, &codec->program);
+    return codec;
+}
+
+}  // namespace orlenta::program
+
+using namespace orlenta::program;
+
+orlenta_codec* orlenta_codec_new(const asn1_type_desc* type) {
+    if (orlenta::kind_of(type) > ASN1_KIND_ANY) return nullptr;  // no values
+    builder b = {};
+    reserve_item(&b, &b.sets);  // the set of no rows
+    uint32_t root = whole_op(&b, type);
+    orlenta_codec* codec = b.failed ? nullptr : finish_codec(&b, type, root);
+    free_arrays(&b);
+    return codec;
+}
+
+void orlenta_codec_free(orlenta_codec* codec) { asn1_free(codec); }

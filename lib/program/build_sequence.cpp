@@ -1,0 +1,380 @@
+// A SEQUENCE or SET: its leaves gathered in groups, nested records taken apart where nothing in them is optional.
+#include "core/extension.hpp"
+#include "program/build.hpp"
+
+namespace orlenta::program {
+
+namespace {
+
+constexpr uint32_t kMaxOps = 64;
+constexpr uint32_t kMaxLeaves = 200;                // of a group
+constexpr uint32_t kMaxOffset = UINT32_C(1) << 24;  // of a leaf of a group
+constexpr uint32_t kNotFlat = kWindowBits + 1;
+
+// A group that is being filled.
+struct open_group {
+    growing<leaf> gates, leaves;
+    growing<op> ops;
+    growing<option> options;
+    uint32_t width;
+};
+
+struct sequence_parts {
+    builder* b;
+    open_group group;
+    growing<op> ops, additions, releases;
+    growing<option> options, addition_options;
+    growing<uint32_t> option_places;  // of their ops
+    growing<extension_unit> units;
+    growing<uint8_t> flags;
+};
+
+}  // namespace
+
+static void free_group(open_group* group) {
+    asn1_free(group->gates.items);
+    asn1_free(group->leaves.items);
+    asn1_free(group->ops.items);
+    asn1_free(group->options.items);
+}
+
+static void free_parts(sequence_parts* parts) {
+    free_group(&parts->group);
+    asn1_free(parts->ops.items);
+    asn1_free(parts->additions.items);
+    asn1_free(parts->releases.items);
+    asn1_free(parts->options.items);
+    asn1_free(parts->addition_options.items);
+    asn1_free(parts->option_places.items);
+    asn1_free(parts->units.items);
+    asn1_free(parts->flags.items);
+}
+
+static bool is_record(const asn1_type_desc* type) {
+    return kind_of(type) == ASN1_KIND_SEQUENCE || kind_of(type) == ASN1_KIND_SET;
+}
+
+static bool is_root_option(const asn1_field* field) {
+    return !is_addition(field) && field_option(field) != ASN1_OPTION_MANDATORY;
+}
+
+static option option_of(const asn1_field* field, uint32_t base) {
+    if (field_option(field) == ASN1_OPTION_DEFAULT) return {base + field_offset(field), low32(field->extra)};
+    return {base + presence_offset(field), 0};
+}
+
+static uint32_t presence_of(const asn1_field* field, uint32_t base) {
+    return is_presence_flagged(field) ? base + presence_offset(field) : kNone;
+}
+
+// ---- groups -------------------------------------------------------------------------------------------------
+
+static void add_leaf(builder* b, open_group* group, growing<leaf>* to, uint32_t offset,
+                     const leaf_form& form) {
+    group->width += form.width;
+    uint32_t shift = form.width == 0 ? 0 : 64 - group->width;
+    uint32_t mask = form.width == 0 ? 0 : UINT32_MAX >> (32 - form.width);
+    add(b, to, {offset << 8 | shift, form.low, form.range, mask});
+}
+
+// The op of a group that is complete.
+static op finish_group(builder* b, const open_group* group, uint32_t presence) {
+    op made = {kGroup, 0, 0, 0, 0, presence, 0, 0, 0, 0, 0};
+    made.width = static_cast<uint8_t>(group->width);
+    made.count = static_cast<uint8_t>(group->gates.count + group->leaves.count);
+    made.gates = static_cast<uint8_t>(group->gates.count);
+    made.part = add_all(b, &b->leaves, group->gates.items, group->gates.count);
+    add_all(b, &b->leaves, group->leaves.items, group->leaves.count);
+    made.low = static_cast<uint32_t>(b->groups.count);
+    add(b, &b->groups,
+        {add_all(b, &b->ops, group->ops.items, group->ops.count), static_cast<uint32_t>(group->ops.count),
+         add_all(b, &b->options, group->options.items, group->options.count),
+         static_cast<uint32_t>(group->options.count)});
+    return made;
+}
+
+static void close_group(sequence_parts* parts) {
+    open_group* group = &parts->group;
+    if (group->ops.count == 1 && group->gates.count == 0) {
+        add(parts->b, &parts->ops, group->ops.items[0]);
+    } else if (group->ops.count != 0) {
+        add(parts->b, &parts->ops, finish_group(parts->b, group, kNone));
+    }
+    group->gates.count = group->leaves.count = group->ops.count = group->options.count = 0;
+    group->width = 0;
+}
+
+// Closes the group if `width` bits more are too many.
+static void make_room(sequence_parts* parts, uint32_t width) {
+    const open_group& group = parts->group;
+    if (group.width + width > kWindowBits || group.gates.count + group.leaves.count > kMaxLeaves)
+        close_group(parts);
+}
+
+// ---- flat records -------------------------------------------------------------------------------------------
+
+static uint32_t flat_width_of_component(const asn1_field* field, uint32_t offset, uint32_t* leaves);
+
+// Bits of a record of nothing but leaves that are always there, extension bits included; kNotFlat if it is none, or too
+// large.
+static uint32_t flat_width(const asn1_type_desc* type, uint32_t offset, uint32_t* leaves) {
+    if (!is_record(type)) return kNotFlat;
+    uint32_t bits = is_extensible(type) ? 1 : 0;
+    uint32_t before = *leaves;
+    *leaves += bits;
+    for (uint32_t i = 0; i < component_count(type); ++i) {
+        const asn1_field* field = &components(type)[i];
+        bits += flat_width_of_component(field, offset, leaves);
+        if (bits > kWindowBits) return kNotFlat;
+    }
+    bool is_empty = *leaves == before + (is_extensible(type) ? 1 : 0);
+    return is_empty || *leaves > kMaxLeaves / 4 ? kNotFlat : bits;
+}
+
+static uint32_t flat_width_of_component(const asn1_field* field, uint32_t offset, uint32_t* leaves) {
+    if (is_addition(field)) {
+        bool is_plain = field_option(field) != ASN1_OPTION_DEFAULT || !holds_big_integer(field_type(field));
+        return is_plain ? 0 : kNotFlat;
+    }
+    if (field_option(field) != ASN1_OPTION_MANDATORY) return kNotFlat;
+    const asn1_type_desc* type = behind_tags(field_type(field));
+    leaf_form form = leaf_of(type);
+    offset += field_offset(field);
+    if (!form.is_leaf) return flat_width(type, offset, leaves);
+    ++*leaves;
+    return offset < kMaxOffset ? form.width : kNotFlat;
+}
+
+// Where the first leaf of a flat record goes.
+static uint32_t first_leaf(const asn1_type_desc* type, uint32_t offset) {
+    const asn1_field* field = components(type);
+    const asn1_type_desc* inner = behind_tags(field_type(field));
+    offset += field_offset(field);
+    return is_record(inner) ? first_leaf(inner, offset) : offset;
+}
+
+static void add_flat(builder* b, open_group* group, const asn1_type_desc* type, uint32_t offset) {
+    if (is_extensible(type)) {
+        add_leaf(b, group, &group->gates, first_leaf(type, offset), {true, 0, 0, 1, 0});
+    }
+    for (uint32_t i = 0; i < component_count(type); ++i) {
+        const asn1_field* field = &components(type)[i];
+        const asn1_type_desc* inner = behind_tags(field_type(field));
+        leaf_form form = leaf_of(inner);
+        if (is_addition(field)) {
+            add(b, &group->options, option_of(field, offset));
+        } else if (form.is_leaf) {
+            add_leaf(b, group, &group->leaves, offset + field_offset(field), form);
+        } else {
+            add_flat(b, group, inner, offset + field_offset(field));
+        }
+    }
+}
+
+op make_fused_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence) {
+    op plain = make_op(b, type, offset, presence);
+    type = behind_tags(type);
+    uint32_t leaves = 0;
+    if (plain.kind != kSequence || flat_width(type, offset, &leaves) > kWindowBits) return plain;
+    open_group group = {};
+    add_flat(b, &group, type, offset);
+    plain.presence = kNone;
+    add(b, &group.ops, plain);
+    op made = finish_group(b, &group, presence);
+    free_group(&group);
+    return made;
+}
+
+// ---- components ---------------------------------------------------------------------------------------------
+
+// The op of a root component; the key of an open type lies in the record of which it is a component.
+static op make_component_op(builder* b, const asn1_type_desc* record, const asn1_field* field, uint32_t base,
+                            uint32_t presence) {
+    uint32_t offset = base + field_offset(field);
+    const asn1_type_desc* type = behind_tags(field_type(field));
+    if (kind_of(type) != ASN1_KIND_ANY || is_addition(field)) return make_fused_op(b, type, offset, presence);
+    op made = {kOpenType, 0, 0, 0, offset, presence, 0, 0, 0, type_index(b, type), 0};
+    made.part = open_type_part(b, type, record, field_offset(field));
+    return made;
+}
+
+static bool has_options(const asn1_type_desc* type) {
+    for (uint32_t i = 0; i < component_count(type); ++i) {
+        const asn1_field* field = &components(type)[i];
+        if (field_option(field) != ASN1_OPTION_MANDATORY || is_addition(field)) return true;
+    }
+    return false;
+}
+
+static void add_root(sequence_parts* parts, const asn1_type_desc* type, uint32_t base);
+
+// Leaves and flat records join the open group, records without options are taken apart.
+static void add_mandatory(sequence_parts* parts, const asn1_type_desc* record, const asn1_field* field,
+                          uint32_t base) {
+    builder* b = parts->b;
+    const asn1_type_desc* type = behind_tags(field_type(field));
+    uint32_t offset = base + field_offset(field);
+    leaf_form form = leaf_of(type);
+    uint32_t leaves = 0;
+    if (kind_of(type) == ASN1_KIND_NULL) return;
+    if (form.is_leaf && offset < kMaxOffset) {
+        make_room(parts, form.width);
+        add(b, &parts->group.ops, make_op(b, type, offset, kNone));
+        add_leaf(b, &parts->group, &parts->group.leaves, offset, form);
+    } else if (is_record(type) && !is_extensible(type) && !has_options(type) &&
+               !facts_of(b, type).needs_frame) {
+        add_root(parts, type, offset);
+    } else if (uint32_t width = flat_width(type, offset, &leaves); width <= kWindowBits) {
+        make_room(parts, width);
+        add(b, &parts->group.ops, make_op(b, type, offset, kNone));
+        add_flat(b, &parts->group, type, offset);
+    } else {
+        close_group(parts);
+        add(b, &parts->ops, make_component_op(b, record, field, base, kNone));
+    }
+}
+
+static void add_root(sequence_parts* parts, const asn1_type_desc* type, uint32_t base) {
+    builder* b = parts->b;
+    for (uint32_t i = 0; i < component_count(type) && !b->failed; ++i) {
+        const asn1_field* field = &components(type)[i];
+        if (is_addition(field)) continue;
+        if (field_option(field) == ASN1_OPTION_MANDATORY) {
+            add_mandatory(parts, type, field, base);
+            continue;
+        }
+        close_group(parts);
+        add(b, &parts->option_places, static_cast<uint32_t>(parts->ops.count));
+        add(b, &parts->options, option_of(field, base));
+        add(b, &parts->ops, make_component_op(b, type, field, base, presence_of(field, base)));
+    }
+}
+
+static void add_additions(sequence_parts* parts, const asn1_type_desc* type) {
+    builder* b = parts->b;
+    const asn1_field* end = components(type) + component_count(type);
+    for (orlenta::extension_unit unit = next_extension_unit(components(type), end); unit.first;
+         unit = following_unit(unit, end)) {
+        add(b, &parts->units,
+            {static_cast<uint16_t>(parts->additions.count), static_cast<uint16_t>(unit.count),
+             unit.is_group});
+        for (const asn1_field* field = unit.first; field < unit.first + unit.count; ++field) {
+            add(b, &parts->additions, make_component_op(b, type, field, 0, presence_of(field, 0)));
+            add(b, &parts->addition_options, option_of(field, 0));
+            add(b, &parts->flags, static_cast<uint8_t>(field_option(field) != ASN1_OPTION_MANDATORY));
+        }
+    }
+}
+
+// The components that may own blocks, those of nested records in their place.
+static void add_releases(sequence_parts* parts, const asn1_type_desc* type, uint32_t base) {
+    builder* b = parts->b;
+    for (uint32_t i = 0; i < component_count(type) && !b->failed; ++i) {
+        const asn1_field* field = &components(type)[i];
+        const asn1_type_desc* inner = behind_tags(field_type(field));
+        if (kind_of(inner) != ASN1_KIND_ANY && !facts_of(b, inner).owns) continue;
+        if (is_record(inner) && !is_presence_flagged(field)) {
+            add_releases(parts, inner, base + field_offset(field));
+        } else {
+            add(b, &parts->releases, make_component_op(b, type, field, base, presence_of(field, base)));
+        }
+    }
+}
+
+// ---- the whole ----------------------------------------------------------------------------------------------
+
+static uint32_t preamble_width(const asn1_type_desc* type) {
+    uint32_t width = is_extensible(type) ? 1 : 0;
+    for (uint32_t i = 0; i < component_count(type); ++i) width += is_root_option(&components(type)[i]);
+    return width;
+}
+
+// What is left to the walker from the start: a preamble wider than a window, and DEFAULTs that are no words.
+static bool is_supported(const asn1_type_desc* type) {
+    for (uint32_t i = 0; i < component_count(type); ++i) {
+        const asn1_field* field = &components(type)[i];
+        uint32_t option = field_option(field);
+        if (option > ASN1_OPTION_DEFAULT) return false;
+        if (option == ASN1_OPTION_DEFAULT && holds_big_integer(field_type(field))) return false;
+    }
+    return preamble_width(type) <= kWindowBits && component_count(type) <= UINT16_MAX;
+}
+
+static sequence make_walkers_sequence(builder* b, const asn1_type_desc* type) {
+    op self = {kWalker, 0, 0, 0, 0, kNone, 0, 0, 0, type_index(b, type), 0};
+    sequence made = {};
+    made.type = self.type;
+    made.always = UINT64_C(1) << 63;
+    made.ops = made.releases = add_all(b, &b->ops, &self, 1);
+    made.release_count = 1;
+    return made;
+}
+
+// Which bits of the preamble become which ops, neighbours together.
+static void set_preamble(sequence_parts* parts, sequence* made) {
+    builder* b = parts->b;
+    made->runs = static_cast<uint32_t>(b->preamble_runs.count);
+    preamble_run run = {};
+    for (uint32_t i = 0; i < parts->options.count; ++i) {
+        uint32_t place = parts->option_places.items[i];
+        uint64_t bit = UINT64_C(1) << 63 >> i;
+        made->always &= ~(UINT64_C(1) << 63 >> place);
+        if (parts->ops.items[place].presence == kNone) made->defaults |= bit;
+        if (run.mask != 0 && run.shift != place - i) {
+            add(b, &b->preamble_runs, run);
+            run.mask = 0;
+        }
+        run = {run.mask | bit, place - i};
+    }
+    if (run.mask != 0) add(b, &b->preamble_runs, run);
+    made->run_count = static_cast<uint8_t>(b->preamble_runs.count - made->runs);
+}
+
+static sequence finish_sequence(sequence_parts* parts, const asn1_type_desc* type) {
+    builder* b = parts->b;
+    sequence made = {};
+    made.type = type_index(b, type);
+    made.extensible = is_extensible(type);
+    made.needs_frame = facts_of(b, type).needs_frame;
+    made.width = static_cast<uint8_t>(preamble_width(type));
+    made.option_count = static_cast<uint16_t>(parts->options.count);
+    made.unit_count = static_cast<uint16_t>(parts->units.count);
+    made.addition_count = static_cast<uint16_t>(parts->additions.count);
+    made.release_count = static_cast<uint16_t>(parts->releases.count);
+    made.always = parts->ops.count == 0 ? 0 : UINT64_MAX << (kMaxOps - parts->ops.count);
+    set_preamble(parts, &made);
+    made.ops = add_all(b, &b->ops, parts->ops.items, parts->ops.count);
+    made.options = add_all(b, &b->options, parts->options.items, parts->options.count);
+    made.units = add_all(b, &b->extension_units, parts->units.items, parts->units.count);
+    made.additions = add_all(b, &b->ops, parts->additions.items, parts->additions.count);
+    made.addition_options = add_all(b, &b->options, parts->addition_options.items, parts->additions.count);
+    made.has_preamble_bit = add_all(b, &b->flags, parts->flags.items, parts->flags.count);
+    made.releases = add_all(b, &b->ops, parts->releases.items, parts->releases.count);
+    return made;
+}
+
+uint32_t sequence_part(builder* b, const asn1_type_desc* type) {
+    uint32_t known = find(b->parts, type);
+    if (known != kNone) return known;
+    uint32_t part = reserve_item(b, &b->sequences);
+    put(b, &b->parts, type, part);
+    if (b->failed) return 0;
+    bool supported = is_supported(type);
+    sequence_parts parts = {};
+    parts.b = b;
+    if (supported) {
+        add_root(&parts, type, 0);
+        close_group(&parts);
+        add_additions(&parts, type);
+        add_releases(&parts, type, 0);
+        supported = parts.ops.count <= kMaxOps;
+    }
+    if (!b->failed) {
+        sequence made = supported ? finish_sequence(&parts, type) : make_walkers_sequence(b, type);
+        b->sequences.items[part] = made;
+    }
+    free_parts(&parts);
+    return part;
+}
+
+}  // namespace orlenta::program

@@ -1,0 +1,154 @@
+// The format of a program: what a walk over a descriptor would find out again with every message, worked out once. A
+// program is a number of constant arrays whose entries name each other by index, so that it is the same on every
+// machine and can stand in a constant table; nothing but `types` holds addresses.
+//
+// A value is described by an op. Ops of a SEQUENCE stand in a row, one for each component or run of components; those
+// of a CHOICE one for each alternative. What an op needs besides its own words stands at index `part` of the array that
+// its kind names.
+#pragma once
+
+#include "core/descriptor.hpp"
+#include "per/bit_window.hpp"
+
+namespace orlenta::program {
+
+enum op_kind : uint8_t {
+    kLeaf,        // a number from `low` to `low + range` in `width` bits, in memory a 32-bit word
+    kGroup,       // leaves that lie together in `width` bits; part: leaves[], rest: groups[]
+    kSequence,    // part: sequences[]
+    kList,        // count as a length; part: lists[]
+    kChoice,      // index as a leaf from 0; part: choices[]
+    kOctets,      // length
+    kBits,        // length
+    kChars,       // length; count: bits of a character, which is its own code point
+    kBigInteger,  // a number from 0 to `range << 32 | low` in `width` bits, in memory `part` limbs
+    kOpenType,    // part: open_types[]
+    kIndirect,    // part: ops[], what is behind the pointer; low: bytes of its record
+    kNull,
+    kWalker  // anything else: the walker reads and writes it by types[type]
+};
+
+constexpr uint32_t kNone = UINT32_MAX;
+using per::kWindowBits;
+constexpr uint8_t kGeneralLength = 0xFF;  // `width` of a length: a general length determinant
+
+// The number of an extensible leaf, length or index has the extension bit on top: with the bit set it is beyond
+// `range`, as a number is that no valid encoding holds.
+struct op {
+    op_kind kind;
+    uint8_t width;
+    uint8_t count;       // kGroup: its leaves; kChars: see there
+    uint8_t gates;       // kGroup: those of its leaves that are extension bits, which come first
+    uint32_t offset;     // of the value in the record
+    uint32_t presence;   // offset of the presence word, or kNone
+    uint32_t part;       // see the kinds
+    uint32_t low;        // of a leaf or length
+    uint32_t range;      // the same, above `low`
+    uint32_t type;       // types[]: the descriptor, behind tags
+    uint32_t extension;  // the extension bit in a field of `width` bits; 0 if there is none
+};
+static_assert(sizeof(op) == 32);
+
+// A leaf of a group. A gate is the extension bit of a SEQUENCE whose components became leaves of the group: range 0,
+// and its place is that of the leaf behind it.
+struct leaf {
+    uint32_t place;  // offset in the record << 8 | distance from the window's lowest bit
+    uint32_t low, range, mask;
+};
+
+// What a group is, component by component, and what must be absent for it to be written as one.
+struct group {
+    uint32_t ops, op_count;
+    uint32_t options, option_count;  // additions of the SEQUENCEs behind its gates
+};
+
+// Something that may be absent: it is if the word at `offset` is `absent`, a presence word of 0 or a DEFAULT's value.
+struct option {
+    uint32_t offset, absent;
+};
+
+// Bits of a preamble that move as one to become bits of a set of ops.
+struct preamble_run {
+    uint64_t mask;
+    uint64_t shift;
+};
+
+// A position of an extension bitmap: members from `first` on of the SEQUENCE's additions.
+struct extension_unit {
+    uint16_t first, count;
+    uint32_t is_group;
+};
+
+// Sets of ops hold op k at bit 63 - k, the preamble option i at bit 63 - i, the extension bit apart.
+struct sequence {
+    uint64_t always;    // ops that run whatever the preamble says
+    uint64_t defaults;  // options that are a DEFAULT: filled in if absent
+    uint32_t ops;
+    uint32_t runs;     // preamble_runs[]
+    uint32_t options;  // options[], in the order of the preamble
+    uint32_t type;     // types[]
+    uint8_t width;     // of the preamble, extension bit included
+    uint8_t extensible;
+    uint8_t needs_frame;  // an open type inside asks for its enclosing records
+    uint8_t run_count;
+    uint16_t option_count;
+    uint16_t unit_count;
+    uint16_t addition_count;
+    uint16_t release_count;
+    uint32_t units;             // extension_units[]
+    uint32_t additions;         // ops[], one for each addition
+    uint32_t addition_options;  // options[], the same
+    uint32_t has_preamble_bit;  // flags[], the same: in a group it is not mandatory
+    uint32_t releases;          // ops[] of the components that own blocks
+};
+
+struct list {
+    uint64_t stride;   // bytes of an element
+    uint32_t element;  // ops[]
+    uint32_t owns;     // elements own blocks
+};
+
+struct choice {
+    uint32_t root, total;  // alternatives: root ones, and with the extension ones
+    uint32_t selector, payload;
+    uint32_t ops;
+};
+
+// An open type. The usual key is a 32-bit component of the record that the open type lies in.
+struct open_type {
+    uint32_t has_key;  // else asn1_get_constrained_type() finds the type
+    int32_t key;       // distance from the open type to its key
+    uint32_t rows;     // row_ranges[]
+};
+
+// Those of an object set that give a type; 0 is a set of none.
+struct row_range {
+    uint32_t first, count;
+};
+
+// By ascending key, those left out whose key is not theirs alone; without a usual key, in the order of the object set.
+struct open_type_row {
+    uint32_t key;
+    uint32_t op;
+    uint32_t type;  // types[]: the row's own
+    uint32_t size;  // bytes of a record
+};
+
+struct program {
+    const op* ops;
+    const leaf* leaves;
+    const group* groups;
+    const option* options;
+    const preamble_run* preamble_runs;
+    const sequence* sequences;
+    const extension_unit* extension_units;
+    const list* lists;
+    const choice* choices;
+    const open_type* open_types;
+    const row_range* row_ranges;
+    const open_type_row* rows;
+    const uint8_t* flags;
+    const asn1_type_desc* const* types;
+};
+
+}  // namespace orlenta::program

@@ -1,0 +1,107 @@
+// Releasing a value by its program, which names only the components that may own blocks.
+#include <orlenta/memory.h>
+#include <orlenta/value.h>
+
+#include "core/stack.hpp"
+#include "program/codec.hpp"
+
+namespace orlenta::program {
+
+namespace {
+
+struct releaser {
+    const program* code;
+    stack_guard stack;
+};
+
+}  // namespace
+
+static void release_op(releaser* r, const op* o, uint8_t* value);
+
+static void release_sequence(releaser* r, const sequence* s, uint8_t* record) {
+    const op* one = &r->code->ops[s->releases];
+    for (const op* end = one + s->release_count; one != end; ++one) {
+        if (one->presence != kNone && load32(record + one->presence) == 0) continue;
+        release_op(r, one, record + one->offset);
+    }
+}
+
+static void release_list(releaser* r, const op* o, asn1_array* array) {
+    const list* l = &r->code->lists[o->part];
+    if (l->owns && array->data) {
+        const op* element = &r->code->ops[l->element];
+        uint8_t* at = static_cast<uint8_t*>(array->data);
+        for (uint8_t* end = at + l->stride * array->count; at != end; at += l->stride)
+            release_op(r, element, at);
+    }
+    asn1_free(array->data);
+}
+
+static void release_choice(releaser* r, const op* o, uint8_t* record) {
+    const choice* c = &r->code->choices[o->part];
+    uint32_t selector = load32(record + c->selector);
+    if (selector < c->total) release_op(r, &r->code->ops[c->ops + selector], record + c->payload);
+}
+
+static void release_open_type(releaser* r, const op* o, asn1_open_value* open) {
+    if (open->type && open->data) {
+        const row_range& range = r->code->row_ranges[r->code->open_types[o->part].rows];
+        const open_type_row* row = &r->code->rows[range.first];
+        const open_type_row* end = row + range.count;
+        while (row != end && r->code->types[row->type] != open->type) ++row;
+        if (row == end) return asn1_free_value(open->type, open->data);
+        release_op(r, &r->code->ops[row->op], static_cast<uint8_t*>(open->data));
+    }
+    asn1_free(open->data);
+}
+
+static void release_indirect(releaser* r, const op* o, uint8_t* value) {
+    uint8_t* inner = static_cast<uint8_t*>(load_pointer(value));
+    if (inner) release_op(r, &r->code->ops[o->part], inner);
+    asn1_free(inner);
+}
+
+// A group owns blocks through additions behind its gates at the most.
+static void release_group(releaser* r, const op* o, uint8_t* record) {
+    if (o->gates == 0) return;
+    const group* g = &r->code->groups[o->low];
+    const op* one = &r->code->ops[g->ops];
+    for (const op* end = one + g->op_count; one != end; ++one) release_op(r, one, record + one->offset);
+}
+
+// What holds other values goes to the walker where the stack runs low: that one needs none.
+static void release_op(releaser* r, const op* o, uint8_t* value) {
+    switch (o->kind) {
+        case kLeaf:
+        case kNull: return;
+        case kGroup: return release_group(r, o, value);
+        case kSequence: return release_sequence(r, &r->code->sequences[o->part], value);
+        case kOctets:
+        case kChars: return asn1_free(reinterpret_cast<asn1_string*>(value)->data);
+        case kBits: return asn1_free(reinterpret_cast<asn1_bit_string*>(value)->data);
+        case kBigInteger: return asn1_integer_clear(reinterpret_cast<asn1_integer*>(value));
+        case kChoice: return release_choice(r, o, value);
+        case kList:
+            if (!has_stack(&r->stack)) break;
+            return release_list(r, o, reinterpret_cast<asn1_array*>(value));
+        case kOpenType:
+            if (!has_stack(&r->stack)) break;
+            return release_open_type(r, o, reinterpret_cast<asn1_open_value*>(value));
+        case kIndirect:
+            if (!has_stack(&r->stack)) break;
+            return release_indirect(r, o, value);
+        case kWalker: break;
+    }
+    asn1_free_value_struct(r->code->types[o->type], value);
+}
+
+}  // namespace orlenta::program
+
+using namespace orlenta::program;
+
+void orlenta_free_value(const orlenta_codec* codec, void* value) {
+    if (!value) return;
+    releaser r = {&codec->program, orlenta::begin_stack()};
+    release_op(&r, &codec->program.ops[codec->root], static_cast<uint8_t*>(value));
+    asn1_free(value);
+}

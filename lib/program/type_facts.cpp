@@ -1,0 +1,134 @@
+// What the builder asks of a type. A type is looked at once; one that holds itself counts, while it is being looked at,
+// as one of everything.
+#include "per/widths.hpp"
+#include "program/build.hpp"
+
+namespace orlenta::program {
+
+// ---- the map ------------------------------------------------------------------------------------------------
+
+static type_entry* slot_of(const type_map& map, const asn1_type_desc* type) {
+    uint64_t hash = (reinterpret_cast<uintptr_t>(type) * UINT64_C(0x9E3779B97F4A7C15)) >> 32;
+    for (;; ++hash) {
+        type_entry* entry = &map.entries[hash & (map.size - 1)];
+        if (!entry->is_used || entry->type == type) return entry;
+    }
+}
+
+uint32_t find(const type_map& map, const asn1_type_desc* type) {
+    if (map.size == 0) return kNone;
+    const type_entry* entry = slot_of(map, type);
+    return entry->is_used ? entry->value : kNone;
+}
+
+static bool grow(type_map* map) {
+    type_map larger = {nullptr, map->size == 0 ? 64 : map->size * 2, map->count};
+    larger.entries = static_cast<type_entry*>(asn1_mallocz(larger.size * sizeof(type_entry)));
+    if (!larger.entries) return false;
+    for (uint64_t i = 0; i < map->size; ++i) {
+        if (map->entries[i].is_used) *slot_of(larger, map->entries[i].type) = map->entries[i];
+    }
+    asn1_free(map->entries);
+    *map = larger;
+    return true;
+}
+
+void put(builder* b, type_map* map, const asn1_type_desc* type, uint32_t value) {
+    if (map->count * 2 >= map->size && !grow(map)) {
+        b->failed = true;
+        return;
+    }
+    type_entry* entry = slot_of(*map, type);
+    if (!entry->is_used) ++map->count;
+    *entry = {type, value, 1};
+}
+
+// ---- facts --------------------------------------------------------------------------------------------------
+
+constexpr uint32_t kOwns = 1, kNeedsFrame = 2;
+
+static uint32_t find_facts(builder* b, const asn1_type_desc* type, const asn1_type_desc* enclosing);
+
+static uint32_t facts_of_open_type(const asn1_type_desc* type, const asn1_type_desc* enclosing) {
+    uint32_t offset, column;
+    bool asks = table_constraint_of(type) && !find_simple_key(type, enclosing, &offset, &column);
+    return kOwns | (asks ? kNeedsFrame : 0);
+}
+
+static uint32_t facts_of_components(builder* b, const asn1_type_desc* type) {
+    uint32_t facts = 0;
+    for (uint32_t i = 0; i < component_count(type); ++i) {
+        facts |= find_facts(b, field_type(&components(type)[i]), type);
+    }
+    return facts;
+}
+
+static uint32_t facts_of_alternatives(builder* b, const asn1_type_desc* type) {
+    choice_layout choice = choice_of(type);
+    uint32_t facts = 0;
+    for (uint32_t i = 0; i < choice.total; ++i) facts |= find_facts(b, alternative_type(choice, i), nullptr);
+    return facts;
+}
+
+static uint32_t find_facts_anew(builder* b, const asn1_type_desc* type) {
+    switch (kind_of(type)) {
+        case ASN1_KIND_SEQUENCE:
+        case ASN1_KIND_SET: return facts_of_components(b, type);
+        case ASN1_KIND_CHOICE: return facts_of_alternatives(b, type);
+        case ASN1_KIND_SEQUENCE_OF:
+        case ASN1_KIND_SET_OF: return kOwns | find_facts(b, list_of(type).element, nullptr);
+        case ASN1_KIND_TAGGED: return kOwns | find_facts(b, tagged_inner(type), nullptr);
+        default: return is_flat(type) ? 0 : kOwns;
+    }
+}
+
+static uint32_t find_facts(builder* b, const asn1_type_desc* type, const asn1_type_desc* enclosing) {
+    type = behind_tags(type);
+    if (kind_of(type) == ASN1_KIND_ANY) return facts_of_open_type(type, enclosing);
+    uint32_t known = find(b->facts, type);
+    if (known != kNone) return known;
+    put(b, &b->facts, type, kOwns | kNeedsFrame);
+    uint32_t facts = b->failed ? 0 : find_facts_anew(b, type);
+    put(b, &b->facts, type, facts);
+    return facts;
+}
+
+type_facts facts_of(builder* b, const asn1_type_desc* type) {
+    uint32_t facts = find_facts(b, type, nullptr);
+    return {(facts & kOwns) != 0, (facts & kNeedsFrame) != 0};
+}
+
+// ---- leaves -------------------------------------------------------------------------------------------------
+
+uint32_t range_width(uint32_t range) { return range == 0 ? 0 : per::field_width(range); }
+
+// Whether both bounds are on one side of where the comparison that the lower one asks for wraps around.
+static bool are_in_order(uint32_t lower, uint32_t upper) {
+    bool is_signed = static_cast<int32_t>(lower) < 0;
+    return is_signed ? static_cast<int32_t>(lower) <= static_cast<int32_t>(upper) : lower <= upper;
+}
+
+leaf_form leaf_of(const asn1_type_desc* type) {
+    uint32_t low = 0, high = 1;
+    bool extensible = is_extensible(type);
+    switch (kind_of(type)) {
+        case ASN1_KIND_BOOLEAN: extensible = false; break;
+        case ASN1_KIND_ENUMERATED:
+            if (enum_of(type).root == 0) return {};
+            high = enum_of(type).root - 1;
+            break;
+        case ASN1_KIND_INTEGER: {
+            integer_bounds bounds = integer_bounds_of(type);
+            if (is_big_integer(type) || !bounds.has_lower || !bounds.has_upper) return {};
+            low = bounds.lower;
+            high = bounds.upper;
+            break;
+        }
+        default: return {};
+    }
+    uint32_t width = range_width(high - low) + (extensible ? 1 : 0);
+    if (!are_in_order(low, high) || width > 32) return {};
+    return {true, low, high - low, width, extensible ? UINT32_C(1) << (width - 1) : 0};
+}
+
+}  // namespace orlenta::program

@@ -1,0 +1,23 @@
+// Decoding by a program.
+#pragma once
+
+#include "program/codec.hpp"
+
+namespace orlenta::program {
+
+enum outcome {
+    kDone,
+    kInvalid,  // no decoder can make a value of the input
+    kGaveUp    // the walker has to tell
+};
+
+struct decode_result {
+    outcome how;
+    uint64_t bits;           // read, of a value that is done
+    uint32_t walker_pieces;  // parts of the value that the walker decoded
+};
+
+// A new value in `*out`, and null there if there is none.
+decode_result run_uper_decode(const orlenta_codec* codec, void** out, const uint8_t* data, uint64_t size);
+
+}  // namespace orlenta::program
