@@ -28,7 +28,9 @@ int encode_one(encode_piece* piece, const asn1_type_desc* type, const void* valu
     }
     encoder.accumulator = static_cast<uint32_t>(piece->pending >> 32);
     encoder.bit_count = static_cast<int32_t>(piece->pending_count);
+    encoder.stack = piece->stack;
     int result = asn1_per_encode_type(&encoder, type, value);
+    piece->stack = encoder.stack;
     piece->buffer = encoder.buffer;
     piece->pending = uint64_t{encoder.accumulator} << 32;
     piece->pending_count = static_cast<uint32_t>(encoder.bit_count);

@@ -45,10 +45,11 @@ static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* reco
 
 COLD bit_position by_walker(decoder* d, const op* o, void* value, bit_position position) {
     ++d->walker_pieces;
-    per::decode_piece piece = {d->data, d->end / 8, position, d->frames, d->stack};
+    per::decode_piece piece = {d->data, (d->end + 7) / 8, position, d->frames, d->stack};
     int result = per::decode_one(&piece, d->code->types[o->type], value);
     d->stack = piece.stack;
-    return result == 0 ? piece.position : kNotMine;
+    if (result != 0) return kNotMine;
+    return piece.position <= d->end ? piece.position : kRefused;  // an open type may end within an octet
 }
 
 // What is not a number of the root: an extension's, which the walker reads, or none.

@@ -75,6 +75,7 @@ void allocator_recovers() { state.first_failure = state.last_failure = UINT64_MA
 uint64_t allocator_calls() { return state.calls; }
 bool allocator_has_failed() { return state.has_failed; }
 size_t live_blocks() { return live().size(); }
+size_t size_of_block(const void* block) { return live().at(const_cast<void*>(block)); }
 size_t live_bytes() { return bytes; }
 void restart_peak() { peak = bytes; }
 size_t peak_bytes() { return peak; }

@@ -27,6 +27,9 @@ size_t live_bytes();
 void restart_peak();
 size_t peak_bytes();
 
+// Bytes that were asked for; the block must be alive.
+size_t size_of_block(const void* block);
+
 // Frees them all: for what a function is to leave behind, so that a leak checker stays quiet.
 void free_live_blocks();
 
