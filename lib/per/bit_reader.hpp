@@ -6,19 +6,9 @@
 
 #include "core/decode_memory.hpp"
 #include "core/stack.hpp"
+#include "per/bit_source.hpp"
 
 namespace orlenta::per {
-
-// A row of octets and the part of it that is being read: all of it, or the contents of an open type. A read loads the
-// eight octets around its position, so that it does not wait for the one before it.
-struct bit_source {
-    const uint8_t* octets;  // eight of them at least can be loaded
-    uint64_t last_window;   // the highest index from which eight can be loaded
-    uint64_t position;      // the next bit
-    uint64_t end;           // one past the last bit of the part
-    uint64_t origin;        // its first bit, from which alignment and reported positions count
-    uint8_t* copy;          // the octets, if they are a block of this decode, which may move them about
-};
 
 struct asn1_per_decoder {
     bit_source source;
@@ -28,7 +18,7 @@ struct asn1_per_decoder {
     struct ::asn1_error error;
     stack_guard stack;
     decode_memory memory;
-    uint8_t short_input[8];  // an input of fewer than eight octets, with zeros behind it
+    struct short_input short_input;
 };
 
 // Sets the decoder to the beginning of the input.
@@ -52,23 +42,9 @@ inline uint64_t bits_left(const asn1_per_decoder* decoder) {
     return decoder->source.end - decoder->source.position;
 }
 
-// Eight octets, the first one on top.
-inline uint64_t load_window(const uint8_t* octets) {
-    uint64_t window;
-    memcpy(&window, octets, sizeof window);
-#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-    window = __builtin_bswap64(window);
-#endif
-    return window;
-}
-
-// The next `width` bits (0 to 57), right-justified; the caller knows that they are there. Near the end of the octets
-// the last window holds them.
+// The next `width` bits (0 to 57), right-justified; the caller knows that they are there.
 inline uint64_t peek_bits(const bit_source& source, uint32_t width) {
-    uint64_t octet = source.position / 8;
-    if (octet > source.last_window) octet = source.last_window;
-    uint64_t window = load_window(source.octets + octet) << ((source.position - octet * 8) & 63);
-    return window >> 1 >> (63 - width);
+    return top_bits(window_at(source, source.position), width);
 }
 
 // Reads `width` bits (0 to 32), right-justified. At the end of the input nothing is consumed.

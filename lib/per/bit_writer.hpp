@@ -3,61 +3,61 @@
 
 #include <orlenta/error.h>
 
-#include "core/buffer.hpp"
 #include "core/stack.hpp"
+#include "per/bit_sink.hpp"
 
 namespace orlenta::per {
 
 struct asn1_per_encoder {
-    asn1_byte_buffer buffer;
-    int32_t bit_count;     // bits in `accumulator`, 0 to 31
-    uint32_t accumulator;  // oldest bit on top, zero below the pending ones
+    bit_sink sink;
     int32_t aligned;
-    uint32_t total_bits;  // all that was put, padding of the last octet apart
+    bool is_piece;        // the sink began elsewhere: see asn1_put_char()
+    uint32_t total_bits;  // of a complete encoding, padding of the last octet apart
     asn1_type_path path;
     asn1_error error;
     stack_guard stack;
 };
 
-// Stores a whole word; dropped if memory is not to be had.
-inline void put_word(asn1_byte_buffer* buffer, uint32_t word) {
-    if (!reserve(buffer, 4)) return;
-    uint8_t* octets = buffer->data + buffer->length;
-    octets[0] = static_cast<uint8_t>(word >> 24);
-    octets[1] = static_cast<uint8_t>(word >> 16);
-    octets[2] = static_cast<uint8_t>(word >> 8);
-    octets[3] = static_cast<uint8_t>(word);
-    buffer->length += 4;
+// Readies all but `aligned`.
+inline void begin_writing(asn1_per_encoder* encoder) {
+    encoder->sink = {};
+    encoder->is_piece = false;
+    encoder->total_bits = 0;
+    encoder->path.depth = 0;
+    asn1_error_init(&encoder->error);
+    encoder->stack = begin_stack();
 }
 
 // Appends the low `width` bits (1 to 32) of `bits`, which must have none set above them.
 inline void asn1_put_bits(asn1_per_encoder* encoder, uint32_t width, uint32_t bits) {
-    int32_t room = 32 - encoder->bit_count - static_cast<int32_t>(width);
-    encoder->total_bits += width;
-    if (room > 0) {
-        encoder->accumulator |= bits << room;
-        encoder->bit_count += static_cast<int32_t>(width);
-        return;
+    put_bits(&encoder->sink, width, bits);
+}
+
+// Appends a character. Bits that it has above `width` damage those before it, back to the last boundary of 32 bits. A
+// piece does not know where that is: -1.
+inline int asn1_put_char(asn1_per_encoder* encoder, uint32_t width, uint32_t code) {
+    if (uint64_t{code} >> width != 0) {
+        if (encoder->is_piece) return -1;
+        uint32_t reach = width + bits_written(encoder->sink) % 32;
+        if (reach < 32) code &= (UINT32_C(1) << reach) - 1;
     }
-    int32_t left = -room;
-    put_word(&encoder->buffer, encoder->accumulator | bits >> left);
-    encoder->accumulator = left == 0 ? 0 : bits << (32 - left);
-    encoder->bit_count = left;
+    asn1_put_bits(encoder, width, code);
+    return 0;
 }
 
 // Fills up to an octet boundary.
 inline void asn1_align(asn1_per_encoder* encoder) {
-    uint32_t padding = static_cast<uint32_t>(-encoder->bit_count) & 7;
+    uint32_t padding = -encoder->sink.pending_count & 7;
     if (padding != 0) asn1_put_bits(encoder, padding, 0);
 }
 
 // Appends whole octets.
-void put_octets(asn1_per_encoder* encoder, const uint8_t* octets, uint64_t count);
+inline void put_octets(asn1_per_encoder* encoder, const uint8_t* octets, uint64_t count) {
+    put_bits_of(&encoder->sink, octets, count * 8);
+}
 
-// Empties the accumulator, its last octet filled with zero bits. -1 if memory failed at any time.
-int asn1_put_bits_flush(asn1_per_encoder* encoder);
-
-// Makes a complete encoding of what was put (X.691 clause 11.1): at least one octet, and whole ones.
+// Makes a complete encoding of what was put (X.691 clause 11.1): at least one octet, and whole ones. -1 if memory failed
+// at any time.
 int complete_encoding(asn1_per_encoder* encoder);
 
 // Records message, bit position and path, and returns -1.

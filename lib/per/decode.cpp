@@ -5,6 +5,7 @@
 #include "core/error.hpp"
 #include "core/failed_value.hpp"
 #include "per/decode_type.hpp"
+#include "per/piece.hpp"
 
 namespace orlenta::per {
 
@@ -13,8 +14,11 @@ static int64_t bytes_used(const asn1_per_decoder* decoder) {
 }
 
 static void begin(asn1_per_decoder* decoder, const uint8_t* data, uint64_t size) {
-    *decoder = {};
     begin_reading(decoder, data, size);
+    decoder->aligned = 0;
+    decoder->frames = nullptr;
+    decoder->path.depth = 0;
+    asn1_error_init(&decoder->error);
     decoder->stack = begin_stack();
 }
 
@@ -45,8 +49,15 @@ static int64_t asn1_per_decode(void** out, const asn1_type_desc* type, const uin
                                int32_t aligned, asn1_error* error) {
     asn1_per_decoder decoder;
     begin(&decoder, data, size);
-    asn1_error_init(&decoder.error);
     decoder.aligned = aligned;
+    return decode_to_new_value(&decoder, out, type, 0, error) == 0 ? bytes_used(&decoder) : -1;
+}
+
+int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_desc* type,
+                      const uint8_t* data, uint64_t size, asn1_error* error) {
+    asn1_per_decoder decoder;
+    begin(&decoder, data, size);
+    decoder.memory = memory;
     return decode_to_new_value(&decoder, out, type, 0, error) == 0 ? bytes_used(&decoder) : -1;
 }
 
@@ -54,6 +65,7 @@ static int64_t decode_from_bit(void** out, const asn1_type_desc* type, uint32_t 
                                const uint8_t* data, uint64_t size, asn1_error* error, int32_t* bits) {
     asn1_per_decoder decoder;
     begin(&decoder, data, size);
+    decoder.error.line = 0;
     if (static_cast<uint32_t>(size * 8) < start_bit) {
         *out = nullptr;
         return hand_out_error(error, &decoder.error);

@@ -1,5 +1,6 @@
 #include "core/extension.hpp"
 #include "core/path.hpp"
+#include "core/presence.hpp"
 #include "per/decode_items.hpp"
 #include "per/decode_numbers.hpp"
 #include "per/decode_type.hpp"
@@ -60,11 +61,12 @@ static int decode_units(asn1_per_decoder* decoder, const asn1_type_desc* type, v
 int decode_additions(asn1_per_decoder* decoder, const asn1_type_desc* type, void* record) {
     uint32_t count;
     if (get_bitmap_length(decoder, &count) != 0) return -1;
-    uint8_t* bitmap = static_cast<uint8_t*>(allocate(&decoder->memory, count));
+    presence_bytes held;
+    uint8_t* bitmap = begin_presence(&held, &decoder->memory, count);
     if (!bitmap) return report_no_memory(decoder);
     int result = get_bitmap(decoder, bitmap, count);
     if (result == 0) result = decode_units(decoder, type, record, bitmap, count);
-    release(&decoder->memory, bitmap, count);
+    end_presence(&held, &decoder->memory);
     return result;
 }
 

@@ -1,5 +1,6 @@
 // Open types (X.691 clause 11.2): an encoding of its own behind its length in octets. It is read as one, with bit
 // positions of its own; octets behind the value belong to a later version of the inner type and are ignored.
+#include "core/presence.hpp"
 #include "per/decode_items.hpp"
 #include "per/decode_type.hpp"
 
@@ -101,7 +102,8 @@ static int get_member_presence(asn1_per_decoder* decoder, const asn1_field* fiel
 }
 
 static int decode_members(asn1_per_decoder* decoder, void* record, const asn1_field* fields, uint32_t count) {
-    uint8_t* presence = static_cast<uint8_t*>(allocate(&decoder->memory, count));
+    presence_bytes held;
+    uint8_t* presence = begin_presence(&held, &decoder->memory, count);
     if (!presence) return report_no_memory(decoder);
     int result = 0;
     for (uint32_t i = 0; i < count && result == 0; ++i) {
@@ -112,7 +114,7 @@ static int decode_members(asn1_per_decoder* decoder, void* record, const asn1_fi
         result = decode_named(decoder, field_name(&fields[i]), field_type(&fields[i]),
                               field_value(&fields[i], record));
     }
-    release(&decoder->memory, presence, count);
+    end_presence(&held, &decoder->memory);
     return result;
 }
 

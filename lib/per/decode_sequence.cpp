@@ -1,3 +1,4 @@
+#include "core/presence.hpp"
 #include "per/decode_type.hpp"
 
 namespace orlenta::per {
@@ -35,7 +36,8 @@ static int get_preamble(asn1_per_decoder* decoder, const asn1_field* fields, uin
 static int decode_root(asn1_per_decoder* decoder, const asn1_type_desc* type, void* record) {
     const asn1_field* fields = components(type);
     uint32_t n = component_count(type);
-    uint8_t* presence = static_cast<uint8_t*>(allocate(&decoder->memory, n));
+    presence_bytes held;
+    uint8_t* presence = begin_presence(&held, &decoder->memory, n);
     if (!presence) return report_no_memory(decoder);
     int result = get_preamble(decoder, fields, n, record, presence);
     for (uint32_t i = 0; i < n && result == 0; ++i) {
@@ -43,7 +45,7 @@ static int decode_root(asn1_per_decoder* decoder, const asn1_type_desc* type, vo
         result = decode_named(decoder, field_name(&fields[i]), field_type(&fields[i]),
                               field_value(&fields[i], record));
     }
-    release(&decoder->memory, presence, n);
+    end_presence(&held, &decoder->memory);
     return result;
 }
 

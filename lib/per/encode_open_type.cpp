@@ -6,30 +6,17 @@
 namespace orlenta::per {
 
 // What the encoder had written around an open type.
-struct outer_encoding {
-    asn1_byte_buffer buffer;
-    int32_t bit_count;
-    uint32_t accumulator;
-    uint32_t total_bits;
-};
-
-static outer_encoding begin_open_type(asn1_per_encoder* encoder) {
-    outer_encoding outer = {encoder->buffer, encoder->bit_count, encoder->accumulator, encoder->total_bits};
-    asn1_byte_buffer_init(&encoder->buffer);
-    encoder->bit_count = 0;
-    encoder->accumulator = 0;
-    encoder->total_bits = 0;
+static bit_sink begin_open_type(asn1_per_encoder* encoder) {
+    bit_sink outer = encoder->sink;
+    encoder->sink = {};
     return outer;
 }
 
 // Goes on with the outer encoding, where the octets belong. A failure for lack of memory leaves no report here.
-static int end_open_type(asn1_per_encoder* encoder, const outer_encoding& outer, int result) {
+static int end_open_type(asn1_per_encoder* encoder, const bit_sink& outer, int result) {
     if (result == 0) result = complete_encoding(encoder);
-    asn1_byte_buffer contents = encoder->buffer;
-    encoder->buffer = outer.buffer;
-    encoder->bit_count = outer.bit_count;
-    encoder->accumulator = outer.accumulator;
-    encoder->total_bits = outer.total_bits;
+    asn1_byte_buffer contents = encoder->sink.buffer;
+    encoder->sink = outer;
     if (result == 0) {
         result = asn1_per_encode_ulength_items(encoder, asn1_per_encode_buf1, contents.data, contents.length);
     }
@@ -39,7 +26,7 @@ static int end_open_type(asn1_per_encoder* encoder, const outer_encoding& outer,
 
 int asn1_per_encode_open_type(asn1_per_encoder* encoder, const asn1_type_desc* type, const void* value) {
     if (check_depth(encoder) != 0) return -1;
-    outer_encoding outer = begin_open_type(encoder);
+    bit_sink outer = begin_open_type(encoder);
     return end_open_type(encoder, outer, asn1_per_encode_type(encoder, type, value));
 }
 
@@ -62,7 +49,7 @@ static int encode_members(asn1_per_encoder* encoder, const void* record, const a
 
 int asn1_per_encode_ext_group(asn1_per_encoder* encoder, const void* record, const asn1_field* field,
                               const uint8_t* presence, uint32_t count) {
-    outer_encoding outer = begin_open_type(encoder);
+    bit_sink outer = begin_open_type(encoder);
     return end_open_type(encoder, outer, encode_members(encoder, record, field, presence, count));
 }
 

@@ -1,5 +1,3 @@
-#include <orlenta/memory.h>
-
 #include "core/presence.hpp"
 #include "per/encode_type.hpp"
 
@@ -36,14 +34,15 @@ static int encode_root(asn1_per_encoder* encoder, const asn1_field* fields, uint
 int encode_sequence(asn1_per_encoder* encoder, const asn1_type_desc* type, const void* record) {
     const asn1_field* fields = components(type);
     uint32_t n = component_count(type);
-    uint8_t* presence = static_cast<uint8_t*>(asn1_malloc(n));
+    presence_bytes held;
+    uint8_t* presence = begin_presence(&held, n);
     if (!presence) return -1;
     bool any_extension = mark_present(fields, n, record, presence);
     if (is_extensible(type)) asn1_put_bits(encoder, 1, any_extension ? 1 : 0);
     put_preamble(encoder, fields, n, presence);
     int result = encode_root(encoder, fields, n, record, presence);
     if (result == 0 && any_extension) result = encode_additions(encoder, type, record, presence);
-    asn1_free(presence);
+    end_presence(&held);
     return result;
 }
 

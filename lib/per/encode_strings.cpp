@@ -11,9 +11,7 @@ namespace orlenta::per {
 static int asn1_per_encode_bits(asn1_per_encoder* encoder, uint64_t first, uint64_t count,
                                 const void* argument) {
     const uint8_t* octets = static_cast<const uint8_t*>(argument) + first / 8;
-    put_octets(encoder, octets, count / 8);
-    uint32_t rest = count % 8;
-    if (rest != 0) asn1_put_bits(encoder, rest, uint32_t{octets[count / 8]} >> (8 - rest));
+    put_bits_of(&encoder->sink, octets, count);
     return 0;
 }
 
@@ -43,7 +41,7 @@ static int asn1_per_encode_char_string1(asn1_per_encoder* encoder, uint64_t firs
     for (uint64_t i = first; i < first + count; ++i) {
         uint32_t code = load_code_unit(params->data, i, params->unit_shift);
         if (params->range_count != 0 && !find_position(params, &code)) return -1;
-        asn1_put_bits(encoder, params->bits, code);
+        if (asn1_put_char(encoder, params->bits, code) != 0) return -1;
     }
     return 0;
 }

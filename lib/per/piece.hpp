@@ -6,24 +6,21 @@
 
 namespace orlenta::per {
 
+// UNALIGNED. The decoder goes on in `source`, from its position to its end, and leaves the position behind the value. 0,
+// or -1 without a report.
 struct decode_piece {
-    const uint8_t* data;  // the message
-    uint64_t size;        // octets up to the end of the message, or of the open type around the value
-    uint64_t position;    // bit at which the value begins; behind it afterwards
+    bit_source source;
     const asn1_parent_frame* frames;
     stack_guard stack;
+    decode_memory memory;
 };
-
-// UNALIGNED. 0, or -1 without a report.
 int decode_one(decode_piece* piece, const asn1_type_desc* type, void* value);
 
-// What has been written: whole octets, and up to 63 bits behind them, the oldest on top.
-struct encode_piece {
-    asn1_byte_buffer buffer;
-    uint64_t pending;
-    uint32_t pending_count;
-    stack_guard stack;
-};
-int encode_one(encode_piece* piece, const asn1_type_desc* type, const void* value);
+// The same, behind what `sink` holds.
+int encode_one(bit_sink* sink, stack_guard* stack, const asn1_type_desc* type, const void* value);
+
+// asn1_uper_decode() with `memory` for the blocks of the value.
+int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_desc* type,
+                      const uint8_t* data, uint64_t size, asn1_error* error);
 
 }  // namespace orlenta::per

@@ -1,8 +1,33 @@
 // The entry points: a program first, and the walker for all that it gives up and for every report.
 #include <orlenta/per.h>
 
+#include "core/error.hpp"
+#include "per/piece.hpp"
 #include "program/uper_decode.hpp"
 #include "program/uper_encode.hpp"
+
+namespace orlenta::program {
+
+// The walker comes to the same block when it may hold no more than the program did, and fails there.
+static int64_t report_no_memory(const decode_result& result, const orlenta_codec* codec, void** out,
+                                const uint8_t* data, uint64_t size, asn1_error* error) {
+    if (result.has_record) {
+        decode_memory held = {result.memory};
+        return per::decode_within(held, out, codec->type, data, size, error);
+    }
+    asn1_error_init(error);
+    asn1_pstrcpy(error->message, sizeof error->message, "not enough memory");
+    return -1;
+}
+
+static int64_t decode_otherwise(const decode_result& result, const orlenta_codec* codec, void** out,
+                                const uint8_t* data, uint64_t size, asn1_error* error) {
+    if (!error && result.how != kGaveUp) return -1;
+    if (result.how == kOutOfMemory) return report_no_memory(result, codec, out, data, size, error);
+    return asn1_uper_decode(out, codec->type, data, size, error);
+}
+
+}  // namespace orlenta::program
 
 using namespace orlenta::program;
 
@@ -10,8 +35,7 @@ int64_t orlenta_uper_decode(const orlenta_codec* codec, void** out, const uint8_
                             asn1_error* error) {
     decode_result result = run_uper_decode(codec, out, data, size);
     if (__builtin_expect(result.how == kDone, 1)) return static_cast<int64_t>((result.bits + 7) / 8);
-    if (result.how == kInvalid && !error) return -1;
-    return asn1_uper_decode(out, codec->type, data, size, error);
+    return decode_otherwise(result, codec, out, data, size, error);
 }
 
 int64_t orlenta_uper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,

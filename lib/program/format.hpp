@@ -8,7 +8,7 @@
 #pragma once
 
 #include "core/descriptor.hpp"
-#include "per/bit_window.hpp"
+#include "per/bit_source.hpp"
 
 namespace orlenta::program {
 

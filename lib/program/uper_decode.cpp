@@ -4,9 +4,9 @@
 
 #include <orlenta/memory.h>
 #include <orlenta/type_info.h>
-#include <orlenta/value.h>
 
 #include "core/failed_value.hpp"
+#include "core/growing_list.hpp"
 #include "core/stack.hpp"
 #include "per/piece.hpp"
 
@@ -14,22 +14,22 @@ namespace orlenta::program {
 
 namespace {
 
-using per::has_bits;
 using per::top_bits;
-using per::window_at;
 
 // A position in bits, or a failure.
 typedef uint64_t bit_position;
 constexpr bit_position kRefused = UINT64_MAX;        // kInvalid
-constexpr bit_position kNotMine = UINT64_MAX - 1;    // kGaveUp
-constexpr bit_position kOtherForm = UINT64_MAX - 2;  // of a length: the walker reads this part of the value
+constexpr bit_position kNoMemory = UINT64_MAX - 1;   // kOutOfMemory
+constexpr bit_position kNotMine = UINT64_MAX - 2;    // kGaveUp
+constexpr bit_position kOtherForm = UINT64_MAX - 3;  // of a length: the walker reads this part of the value
 inline bool is_failure(bit_position position) { return position >= kOtherForm; }
 
-struct decoder : per::bit_window_source {
+struct decoder {
+    per::bit_source source;  // but for its position
     const program* code;
     const asn1_parent_frame* frames;
     stack_guard stack;
-    const uint8_t* data;
+    decode_memory memory;
     uint32_t walker_pieces;
 };
 
@@ -41,15 +41,23 @@ struct decoder : per::bit_window_source {
 static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_position position);
 static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* record, bit_position position);
 
+HOT bool has_bits(const decoder* d, bit_position position, uint64_t count) {
+    return position + count <= d->source.end;
+}
+HOT uint64_t window_at(const decoder* d, bit_position position) {
+    return per::window_at(d->source, position);
+}
+
 // ---- the walker ---------------------------------------------------------------------------------------------
 
 COLD bit_position by_walker(decoder* d, const op* o, void* value, bit_position position) {
     ++d->walker_pieces;
-    per::decode_piece piece = {d->data, (d->end + 7) / 8, position, d->frames, d->stack};
+    per::decode_piece piece = {d->source, d->frames, d->stack, d->memory};
+    piece.source.position = position;
     int result = per::decode_one(&piece, d->code->types[o->type], value);
     d->stack = piece.stack;
-    if (result != 0) return kNotMine;
-    return piece.position <= d->end ? piece.position : kRefused;  // an open type may end within an octet
+    d->memory = piece.memory;
+    return result == 0 ? piece.source.position : kNotMine;
 }
 
 // What is not a number of the root: an extension's, which the walker reads, or none.
@@ -98,7 +106,11 @@ static bit_position decode_big_integer(decoder* d, const op* o, asn1_integer* va
     if (!has_bits(d, position, o->width)) return kRefused;
     uint64_t number = top_bits(window_at(d, position), o->width);
     if (number > (uint64_t{o->range} << 32 | o->low)) return kRefused;
-    if (asn1_integer_resize(value, o->part) != 0) return kNotMine;
+    if (!count_limbs(&d->memory, o->part)) return kNoMemory;
+    if (asn1_integer_resize(value, o->part) != 0) {
+        uncount_limbs(&d->memory, o->part);
+        return kNoMemory;
+    }
     value->limbs[0] = static_cast<uint32_t>(number);
     if (o->part > 1) value->limbs[1] = static_cast<uint32_t>(number >> 32);
     asn1_integer_renorm(value);
@@ -132,12 +144,46 @@ HOT bit_position get_length(decoder* d, const op* o, bit_position position, uint
 
 // ---- strings ------------------------------------------------------------------------------------------------
 
-static void* take_block(uint64_t size) { return asn1_malloc(static_cast<size_t>(size)); }
+// A block that counts; null leaves the count as it was.
+static void* take_block(decoder* d, uint64_t size) {
+    uint64_t left = d->memory.left;
+    void* block = allocate(&d->memory, size);
+    if (!block) d->memory.left = left;
+    return block;
+}
 
-static void* take_record(uint64_t size) {
-    void* record = take_block(size);
+static void* take_record(decoder* d, uint64_t size) {
+    void* record = take_block(d, size);
     if (record) memset(record, 0, size);
     return record;
+}
+
+// The first `count` octets (1 to 8) of a window.
+HOT void store_top(uint8_t* out, uint64_t window, uint64_t count) {
+    uint8_t octets[8];
+    per::store_window(octets, window);
+    if (count >= 4) {
+        memcpy(out, octets, 4);
+        memcpy(out + count - 4, octets + count - 4, 4);
+    } else {
+        out[0] = octets[0];
+        out[count / 2] = octets[count / 2];
+        out[count - 1] = octets[count - 1];
+    }
+}
+
+// Copies `count` bits that are there to whole octets, the last one filled with zeros.
+static void copy_bits(decoder* d, bit_position position, uint8_t* out, uint64_t count) {
+    if (count > 2 * kWindowBits) {
+        copy_octets(d->source, position, out, count / 8);
+        out += count / 8;
+        position += count / 8 * 8;
+        count %= 8;
+    }
+    for (uint32_t now; count > 0; count -= now, position += now, out += 7) {
+        now = count < 56 ? static_cast<uint32_t>(count) : 56;
+        store_top(out, window_at(d, position) & UINT64_MAX << (64 - now), (now + 7) / 8);
+    }
 }
 
 // What strings have in common: the length, and a block for as many units of `unit_bits`. A general length of 0 makes no
@@ -150,9 +196,9 @@ HOT bit_position begin_string(decoder* d, const op* o, String* string, bit_posit
     if (__builtin_expect(is_failure(position), 0)) return position;
     if (!has_bits(d, position, uint64_t{length} * unit_bits)) return kRefused;
     if (length == 0 && o->width == kGeneralLength) return position;
-    string->data =
-        static_cast<uint8_t*>(take_block((uint64_t{length} + units_per_octet - 1) / units_per_octet));
-    if (!string->data) return kNotMine;
+    uint64_t size = (uint64_t{length} + units_per_octet - 1) / units_per_octet;
+    string->data = static_cast<uint8_t*>(take_block(d, size));
+    if (!string->data) return kNoMemory;
     string->length = length;
     return position;
 }
@@ -220,6 +266,18 @@ HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, uin
     return position;
 }
 
+// Elements of a list that is too long to be trusted.
+static __attribute__((noinline)) bit_position decode_growing(decoder* d, const op* element,
+                                                             growing_list* growing, uint32_t count,
+                                                             bit_position position) {
+    for (; count > 0 && !is_failure(position); --count) {
+        void* at = add_element(growing);
+        if (!at) return kNoMemory;
+        position = decode_op(d, element, static_cast<uint8_t*>(at), position);
+    }
+    return position;
+}
+
 static bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_position position) {
     uint32_t count;
     bit_position contents = get_length(d, o, position, &count);
@@ -228,11 +286,13 @@ static bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_
     if (!has_stack(&d->stack)) return kNotMine;
     if (count == 0 && o->width == kGeneralLength) return contents;
     const list* l = &d->code->lists[o->part];
-    array->data = take_record(l->stride * count);
-    if (!array->data) return kNotMine;
+    const op* element = &d->code->ops[l->element];
+    growing_list growing = begin_list(&d->memory, array, l->stride);
+    if (!claim_elements(&growing, count)) return kNoMemory;
+    if (__builtin_expect(growing.capacity < count, 0))
+        return decode_growing(d, element, &growing, count, contents);
     array->count = count;
-    return decode_elements(d, &d->code->ops[l->element], static_cast<uint8_t*>(array->data), l->stride, count,
-                           contents);
+    return decode_elements(d, element, static_cast<uint8_t*>(array->data), l->stride, count, contents);
 }
 
 // ---- open types ---------------------------------------------------------------------------------------------
@@ -254,8 +314,8 @@ HOT bit_position enter(decoder* d, outside* outer, bit_position position) {
     position = get_general_length(d, position, &length);
     if (is_failure(position)) return position;
     if (length == 0 || !has_bits(d, position, uint64_t{length} * 8)) return kRefused;
-    *outer = {d->end, d->frames};
-    d->end = position + uint64_t{length} * 8;
+    *outer = {d->source.end, d->frames};
+    d->source.end = position + uint64_t{length} * 8;
     d->frames = nullptr;
     return position;
 }
@@ -263,8 +323,8 @@ HOT bit_position enter(decoder* d, outside* outer, bit_position position) {
 // Stands behind the contents, whatever of them was read.
 HOT bit_position leave(decoder* d, const outside& outer, bit_position position) {
     if (is_failure(position)) return position;
-    position = d->end;
-    d->end = outer.end;
+    position = d->source.end;
+    d->source.end = outer.end;
     d->frames = outer.frames;
     return position;
 }
@@ -322,8 +382,8 @@ static bit_position decode_raw(decoder* d, asn1_open_value* open, bit_position p
     position = get_general_length(d, position, &length);
     if (is_failure(position) || length == 0) return position;
     if (!has_bits(d, position, uint64_t{length} * 8)) return kRefused;
-    open->data = take_block(length);
-    if (!open->data) return kNotMine;
+    open->data = take_block(d, length);
+    if (!open->data) return kNoMemory;
     open->length = length;
     copy_bits(d, position, static_cast<uint8_t*>(open->data), uint64_t{length} * 8);
     return position + uint64_t{length} * 8;
@@ -334,19 +394,19 @@ static bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bi
     const asn1_type_desc* type;
     const open_type_row* row = find_row(d, o, value, &type);
     if (!row) return type ? kNotMine : decode_raw(d, open, position);
+    open->type = type;
+    open->data = take_record(d, row->size);
+    if (!open->data) return kNoMemory;
     outside outer;
     position = enter(d, &outer, position);
     if (is_failure(position)) return position;
-    open->type = type;
-    open->data = take_record(row->size);
-    if (!open->data) return kNotMine;
     return leave(d, outer, decode_op(d, &d->code->ops[row->op], static_cast<uint8_t*>(open->data), position));
 }
 
 static bit_position decode_indirect(decoder* d, const op* o, uint8_t* value, bit_position position) {
     if (!has_stack(&d->stack)) return kNotMine;
-    uint8_t* record = static_cast<uint8_t*>(take_record(o->low));
-    if (!record) return kNotMine;
+    uint8_t* record = static_cast<uint8_t*>(take_record(d, o->low));
+    if (!record) return kNoMemory;
     store_pointer(value, record);
     return decode_op(d, &d->code->ops[o->part], record, position);
 }
@@ -523,20 +583,23 @@ static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_posit
 
 decode_result run_uper_decode(const orlenta_codec* codec, void** out, const uint8_t* data, uint64_t size) {
     decoder d;
-    begin_windows(&d, data, size);
+    per::short_input room;
+    d.source = per::begin_source(data, size, &room);
     d.code = &codec->program;
     d.frames = nullptr;
     d.stack = begin_stack();
-    d.data = data;
+    d.memory = begin_decode_memory(size);
     d.walker_pieces = 0;
-    *out = take_record(codec->record_size);
-    if (!*out) return {kGaveUp, 0, 0};
+    uint64_t allowed = d.memory.left;
+    *out = asn1_mallocz(static_cast<size_t>(codec->record_size));
+    if (!*out) return {kOutOfMemory, 0, 0, 0, 0};
     const op* root = &codec->program.ops[codec->root];
     bit_position position = decode_op(&d, root, static_cast<uint8_t*>(*out), 0);
-    if (__builtin_expect(!is_failure(position), 1)) return {kDone, position, d.walker_pieces};
+    if (__builtin_expect(!is_failure(position), 1)) return {kDone, position, 0, true, d.walker_pieces};
     free_failed_value(codec->type, *out);
     *out = nullptr;
-    return {position == kRefused ? kInvalid : kGaveUp, 0, d.walker_pieces};
+    outcome how = position == kRefused ? kInvalid : position == kNoMemory ? kOutOfMemory : kGaveUp;
+    return {how, 0, allowed - d.memory.left, true, d.walker_pieces};
 }
 
 }  // namespace orlenta::program

@@ -7,13 +7,16 @@ namespace orlenta::program {
 
 enum outcome {
     kDone,
-    kInvalid,  // no decoder can make a value of the input
-    kGaveUp    // the walker has to tell
+    kInvalid,      // no decoder can make a value of the input
+    kOutOfMemory,  // or the bound of what a decode may hold is reached
+    kGaveUp        // the walker has to tell
 };
 
 struct decode_result {
     outcome how;
     uint64_t bits;           // read, of a value that is done
+    uint64_t memory;         // out of memory: bytes held when no more were to be had
+    bool has_record;         // out of memory: the outermost record was to be had
     uint32_t walker_pieces;  // parts of the value that the walker decoded
 };
 

@@ -3,17 +3,17 @@
 
 #include <orlenta/memory.h>
 
-#include "core/buffer.hpp"
 #include "core/stack.hpp"
-#include "per/bit_window.hpp"
 #include "per/piece.hpp"
 
 namespace orlenta::program {
 
 namespace {
 
-struct encoder : per::encode_piece {
+struct encoder {
+    per::bit_sink sink;
     const program* code;
+    stack_guard stack;
     uint32_t walker_pieces;
 };
 
@@ -25,68 +25,17 @@ struct encoder : per::encode_piece {
 static bool encode_op(encoder* e, const op* o, const uint8_t* value);
 static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record);
 
-// ---- bits ---------------------------------------------------------------------------------------------------
-
-// First room for an ordinary message, then for a large one.
-constexpr uint64_t kFirstRoom = 256, kSecondRoom = 1024;
-
-static __attribute__((noinline)) bool grow_buffer(asn1_byte_buffer* buffer, uint64_t count) {
-    uint64_t room = buffer->capacity == 0 ? kFirstRoom : kSecondRoom;
-    uint64_t needed = length_with(buffer, count);
-    return __asn1_byte_buffer_realloc(buffer, needed > room ? needed : room) == 0;
-}
-
-HOT bool make_room(asn1_byte_buffer* buffer, uint64_t count) {
-    return __builtin_expect(count <= buffer->capacity - buffer->length, 1) || grow_buffer(buffer, count);
-}
-
-// What has no room is dropped; `failed` tells at the end.
-HOT void put_word(encoder* e, uint64_t word) {
-    if (!make_room(&e->buffer, sizeof word)) return;
-    word = per::to_big_endian(word);
-    memcpy(e->buffer.data + e->buffer.length, &word, sizeof word);
-    e->buffer.length += sizeof word;
-}
-
-// Appends the low `width` bits (1 to 64) of `bits`, which has none set above them.
-HOT void put_bits(encoder* e, uint32_t width, uint64_t bits) {
-    int32_t room = 64 - static_cast<int32_t>(e->pending_count + width);
-    if (room > 0) {
-        e->pending |= bits << room;
-        e->pending_count += width;
-        return;
-    }
-    uint32_t left = static_cast<uint32_t>(-room);
-    put_word(e, e->pending | bits >> left);
-    e->pending = left == 0 ? 0 : bits << (64 - left);
-    e->pending_count = left;
-}
+HOT void put(encoder* e, uint32_t width, uint64_t bits) { per::put_bits(&e->sink, width, bits); }
 
 HOT void put_field(encoder* e, uint32_t width, uint64_t bits) {
-    if (width != 0) put_bits(e, width, bits);
+    if (width != 0) put(e, width, bits);
 }
-
-static uint64_t load_octets(const uint8_t* octets, uint64_t count) {
-    uint64_t word = 0;
-    for (uint64_t i = 0; i < count; ++i) word = word << 8 | octets[i];
-    return word;
-}
-
-// The first `count` bits at `octets`.
-static void put_bits_of(encoder* e, const uint8_t* octets, uint64_t count) {
-    for (; count >= 64; count -= 64, octets += 8) put_bits(e, 64, per::load_big_endian(octets));
-    if (count == 0) return;
-    uint64_t last = (count + 7) / 8;
-    put_bits(e, static_cast<uint32_t>(count), load_octets(octets, last) >> (last * 8 - count));
-}
-
-HOT uint64_t bits_written(const encoder* e) { return e->buffer.length * 8 + e->pending_count; }
 
 // ---- the walker ---------------------------------------------------------------------------------------------
 
 COLD bool by_walker(encoder* e, const op* o, const void* value) {
     ++e->walker_pieces;
-    return per::encode_one(e, e->code->types[o->type], value) == 0;
+    return per::encode_one(&e->sink, &e->stack, e->code->types[o->type], value) == 0;
 }
 
 // ---- leaves -------------------------------------------------------------------------------------------------
@@ -141,7 +90,7 @@ static bool encode_big_integer(encoder* e, const op* o, const asn1_integer* valu
     uint64_t number = value->size > 0 ? value->limbs[0] : 0;
     if (value->size > 1) number |= uint64_t{value->limbs[1]} << 32;
     if (number > (uint64_t{o->range} << 32 | o->low)) return false;
-    put_bits(e, o->width, number);
+    put(e, o->width, number);
     return true;
 }
 
@@ -150,9 +99,9 @@ static bool encode_big_integer(encoder* e, const op* o, const asn1_integer* valu
 HOT bool put_general_length(encoder* e, uint64_t length) {
     if (length > 16383) return false;
     if (length < 128) {
-        put_bits(e, 8, length);
+        put(e, 8, length);
     } else {
-        put_bits(e, 16, 0x8000 | length);
+        put(e, 16, 0x8000 | length);
     }
     return true;
 }
@@ -168,14 +117,14 @@ HOT bool put_length(encoder* e, const op* o, uint64_t length) {
 static bool encode_octets(encoder* e, const op* o, const asn1_string* string) {
     if (string->length != 0 && !string->data) return false;
     if (!put_length(e, o, string->length)) return by_walker(e, o, string);
-    put_bits_of(e, string->data, string->length * 8);
+    put_bits_of(&e->sink, string->data, string->length * 8);
     return true;
 }
 
 static bool encode_bits(encoder* e, const op* o, const asn1_bit_string* string) {
     if (string->length != 0 && !string->data) return false;
     if (!put_length(e, o, string->length)) return by_walker(e, o, string);
-    put_bits_of(e, string->data, string->length);
+    put_bits_of(&e->sink, string->data, string->length);
     return true;
 }
 
@@ -195,7 +144,7 @@ static bool encode_chars(encoder* e, const op* o, const asn1_string* string) {
             word = word << width | string->data[i];
         }
         if (all >> width != 0) return false;
-        put_bits(e, count * width, word);
+        put(e, count * width, word);
     }
     return true;
 }
@@ -228,17 +177,17 @@ static bool encode_list(encoder* e, const op* o, const asn1_array* array) {
 
 // Contents are written in place behind one octet for their length. A length of two octets moves them up by one.
 HOT uint64_t begin_wrapped(encoder* e) {
-    uint64_t start = bits_written(e);
-    put_bits(e, 8, 0);
+    uint64_t start = bits_written(e->sink);
+    put(e, 8, 0);
     return start;
 }
 
 // Completes the contents: at least one octet, and whole ones. Their length in octets.
 static uint64_t complete_contents(encoder* e, uint64_t start) {
-    uint64_t bits = bits_written(e) - start - 8;
-    if (bits == 0) put_bits(e, 8, 0);
-    if (bits % 8 != 0) put_bits(e, 8 - bits % 8, 0);
-    return (bits_written(e) - start - 8) / 8;
+    uint64_t bits = bits_written(e->sink) - start - 8;
+    if (bits == 0) put(e, 8, 0);
+    if (bits % 8 != 0) put(e, 8 - bits % 8, 0);
+    return (bits_written(e->sink) - start - 8) / 8;
 }
 
 // Adds bits to zeros in memory, 24 from the one at `start` on at the most.
@@ -249,23 +198,28 @@ static void patch(uint8_t* octets, uint64_t start, uint32_t width, uint32_t bits
 
 static bool end_wrapped(encoder* e, uint64_t start) {
     uint64_t length = complete_contents(e, start);
-    asn1_byte_buffer* buffer = &e->buffer;
-    if (length > 16383 || buffer->failed || !make_room(buffer, 24)) return false;
-    // All bits go to memory, zeros behind them, to be taken back at the end.
-    uint64_t pending = per::to_big_endian(e->pending);
-    memcpy(buffer->data + buffer->length, &pending, sizeof pending);
+    per::bit_sink* sink = &e->sink;
+    asn1_byte_buffer* buffer = &sink->buffer;
+    if (length > 16383 || !per::make_room(buffer, 24) || buffer->failed) return false;
+    // All bits go to memory, zeros behind them, and those behind the last whole word are taken back at the end.
+    per::store_window(buffer->data + buffer->length, sink->pending);
     if (length < 128) {
         patch(buffer->data, start, 8, static_cast<uint32_t>(length));
     } else {
         // Of the octet in which the contents begin, the length has the bits above them, which are zero.
         uint8_t* contents = buffer->data + start / 8 + 1;
-        uint8_t* end = buffer->data + buffer->length + sizeof pending;
+        uint8_t* end = buffer->data + buffer->length + sizeof sink->pending;
         memmove(contents + 1, contents, static_cast<size_t>(end - contents));
         *contents = 0;
         patch(buffer->data, start, 16, 0x8000 | static_cast<uint32_t>(length));
-        ++buffer->length;
+        sink->pending_count += 8;
     }
-    e->pending = e->pending_count == 0 ? 0 : per::load_big_endian(buffer->data + buffer->length);
+    if (sink->pending_count >= 64) {
+        buffer->length += 8;
+        sink->pending_count -= 64;
+    }
+    uint64_t last = per::load_window(buffer->data + buffer->length);
+    sink->pending = sink->pending_count == 0 ? 0 : last & UINT64_MAX << (64 - sink->pending_count);
     return true;
 }
 
@@ -287,7 +241,7 @@ static bool encode_open_type(encoder* e, const op* o, const asn1_open_value* ope
     if (!open->type) {
         if (open->length != 0 && !open->data) return false;
         if (!put_general_length(e, open->length)) return by_walker(e, o, open);
-        put_bits_of(e, static_cast<const uint8_t*>(open->data), open->length * 8);
+        put_bits_of(&e->sink, static_cast<const uint8_t*>(open->data), open->length * 8);
         return true;
     }
     const open_type_row* row = open->data ? find_row(e, o, open->type) : nullptr;
@@ -314,7 +268,7 @@ static bool encode_choice(encoder* e, const op* o, const uint8_t* record) {
     // An index of 64 or more behind the marker is the walker's.
     if (selector >= c->total) return false;
     if (selector - c->root >= 64) return by_walker(e, o, record);
-    put_bits(e, 8, 0x80 | (selector - c->root));
+    put(e, 8, 0x80 | (selector - c->root));
     return encode_wrapped(e, alternative, record + c->payload);
 }
 
@@ -325,7 +279,7 @@ static bool encode_members(encoder* e, const sequence* s, const extension_unit& 
     const option* options = &e->code->options[s->addition_options + unit.first];
     const uint8_t* has_bit = &e->code->flags[s->has_preamble_bit + unit.first];
     for (uint32_t i = 0; i < unit.count; ++i) {
-        if (has_bit[i]) put_bits(e, 1, is_there(options[i], record));
+        if (has_bit[i]) put(e, 1, is_there(options[i], record));
     }
     for (uint32_t i = 0; i < unit.count; ++i, ++member) {
         if (is_there(options[i], record) && !encode_op(e, member, record + member->offset)) return false;
@@ -349,8 +303,8 @@ static __attribute__((noinline)) bool encode_additions(encoder* e, const sequenc
     for (uint32_t i = 0; i < s->unit_count; ++i) {
         bitmap = bitmap << 1 | any_there(options + units[i].first, units[i].count, record);
     }
-    put_bits(e, 7, s->unit_count - 1u);
-    put_bits(e, s->unit_count, bitmap);
+    put(e, 7, s->unit_count - 1u);
+    put(e, s->unit_count, bitmap);
     for (uint32_t i = 0; i < s->unit_count; ++i) {
         bool is_present = bitmap >> (s->unit_count - 1 - i) & 1;
         if (is_present && !encode_unit(e, s, units[i], record)) return false;
@@ -393,7 +347,7 @@ static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record
         for (const option* end = one + s->option_count; one != end; ++one) {
             preamble = preamble << 1 | is_there(*one, record);
         }
-        put_bits(e, s->width, preamble);
+        put(e, s->width, preamble);
         preamble = preamble << (63 - s->option_count) << 1;
         const preamble_run* run = &e->code->preamble_runs[s->runs];
         for (uint32_t i = s->run_count; i > 0; --i, ++run) todo |= (preamble & run->mask) >> run->shift;
@@ -423,35 +377,22 @@ static bool encode_op(encoder* e, const op* o, const uint8_t* value) {
     return by_walker(e, o, value);
 }
 
-// Whole octets, and at least one (X.691 clause 11.1).
-static bool complete_encoding(encoder* e) {
-    asn1_byte_buffer* buffer = &e->buffer;
-    uint64_t rest = (e->pending_count + 7) / 8;
-    if (buffer->length + rest == 0) rest = 1;
-    if (rest != 0 && make_room(buffer, sizeof e->pending)) {
-        uint64_t pending = per::to_big_endian(e->pending);
-        memcpy(buffer->data + buffer->length, &pending, sizeof pending);
-        buffer->length += rest;
-    }
-    return buffer->failed == 0;
-}
-
 encode_result run_uper_encode(const orlenta_codec* codec, uint8_t** out, const void* value) {
     encoder e;
-    e.buffer = {};
-    e.pending = 0;
-    e.pending_count = 0;
+    e.sink = {};
     e.code = &codec->program;
     e.stack = begin_stack();
     e.walker_pieces = 0;
     const op* root = &codec->program.ops[codec->root];
-    bool is_done = encode_op(&e, root, static_cast<const uint8_t*>(value)) && complete_encoding(&e);
+    bool is_done = encode_op(&e, root, static_cast<const uint8_t*>(value));
+    if (is_done && bits_written(e.sink) == 0) put(&e, 8, 0);  // X.691 clause 11.1
+    is_done = is_done && flush(&e.sink) == 0;
     if (!is_done) {
-        asn1_free(e.buffer.data);
-        e.buffer = {};
+        asn1_free(e.sink.buffer.data);
+        e.sink.buffer = {};
     }
-    *out = e.buffer.data;
-    return {is_done, e.buffer.length, e.walker_pieces};
+    *out = e.sink.buffer.data;
+    return {is_done, e.sink.buffer.length, e.walker_pieces};
 }
 
 }  // namespace orlenta::program
