@@ -1,17 +1,49 @@
 #include "bench/engines.hpp"
 
+#include <orlenta/codec.h>
 #include <orlenta/memory.h>
 #include <orlenta/value.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace bench {
 
+// ---- programs ---------------------------------------------------------------------------------------------
+
+// Made at the first message of a type, outside of what is measured; one comparison finds it at the others.
+static const orlenta_codec* codec_of(const asn1_type_desc* type) {
+    static const asn1_type_desc* last = nullptr;
+    static orlenta_codec* codec = nullptr;
+    if (type == last) return codec;
+    orlenta_codec_free(codec);
+    codec = orlenta_codec_new(type);
+    last = type;
+    return codec;
+}
+
+static int64_t decode_uper(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
+                           asn1_error* error) {
+    return orlenta_uper_decode(codec_of(type), out, data, size, error);
+}
+
+static int64_t encode_uper(uint8_t** out, const asn1_type_desc* type, const void* value, const cli::Style&,
+                           asn1_error* error) {
+    return orlenta_uper_encode2(codec_of(type), out, value, error);
+}
+
+static void release(const asn1_type_desc* type, void* value) { orlenta_free_value(codec_of(type), value); }
+
+// ---- all --------------------------------------------------------------------------------------------------
+
 std::vector<Engine> all_engines() {
     std::vector<Engine> engines;
-    for (const cli::Rules& rules : cli::all_rules())
+    for (const cli::Rules& rules : cli::all_rules()) {
         engines.push_back({&rules, "walker", rules.decode, asn1_free_value, rules.encode});
+        if (std::strcmp(rules.name, "uper") == 0)
+            engines.push_back({&rules, "program", decode_uper, release, encode_uper});
+    }
     return engines;
 }
 

@@ -13,7 +13,7 @@ namespace bench {
 
 struct Engine {
     const cli::Rules* rules;
-    const char* name;  // "walker": the descriptor is walked with the value
+    const char* name;  // "walker": the descriptor is walked with the value; "program": a codec made once is run
     int64_t (*decode)(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
                       asn1_error* error);
     void (*release)(const asn1_type_desc* type, void* value);

@@ -266,12 +266,14 @@ HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, uin
     return position;
 }
 
-// Elements of a list that is too long to be trusted.
-static __attribute__((noinline)) bit_position decode_growing(decoder* d, const op* element,
-                                                             growing_list* growing, uint32_t count,
+// Elements of a list that is too long to be taken at its word.
+static __attribute__((noinline)) bit_position decode_growing(decoder* d, const op* element, asn1_array* array,
+                                                             uint64_t stride, uint32_t count,
                                                              bit_position position) {
+    growing_list growing = begin_list(&d->memory, array, stride);
+    if (!claim_elements(&growing, count)) return kNoMemory;
     for (; count > 0 && !is_failure(position); --count) {
-        void* at = add_element(growing);
+        void* at = add_element(&growing);
         if (!at) return kNoMemory;
         position = decode_op(d, element, static_cast<uint8_t*>(at), position);
     }
@@ -287,10 +289,12 @@ static bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_
     if (count == 0 && o->width == kGeneralLength) return contents;
     const list* l = &d->code->lists[o->part];
     const op* element = &d->code->ops[l->element];
-    growing_list growing = begin_list(&d->memory, array, l->stride);
-    if (!claim_elements(&growing, count)) return kNoMemory;
-    if (__builtin_expect(growing.capacity < count, 0))
-        return decode_growing(d, element, &growing, count, contents);
+    uint64_t size = l->stride * count;
+    if (__builtin_expect(size > kTrustedListBytes, 0)) {
+        return decode_growing(d, element, array, l->stride, count, contents);
+    }
+    array->data = take_record(d, size);
+    if (!array->data) return kNoMemory;
     array->count = count;
     return decode_elements(d, element, static_cast<uint8_t*>(array->data), l->stride, count, contents);
 }

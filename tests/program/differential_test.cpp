@@ -3,6 +3,7 @@
 #include <orlenta/codec.h>
 #include <orlenta/memory.h>
 #include <orlenta/per.h>
+#include <orlenta/random.h>
 #include <string.h>
 
 #include <algorithm>
@@ -209,6 +210,243 @@ TEST_P(Tables, RandomValues) {
 
 INSTANTIATE_TEST_SUITE_P(Program, Tables, testing::ValuesIn(all_regions().begin(), all_regions().end()),
                          [](const auto& info) { return std::string(info.param.name); });
+
+// ---- vectors ----------------------------------------------------------------------------------------------
+
+const std::map<std::string, Type>& named_types() {
+    static const std::map<std::string, Type> types = [] {
+        std::map<std::string, Type> all;
+        for (const Region& region : all_regions()) {
+            for (const orlenta_catalogue_entry& entry : region.entries) {
+                if (entry.name[0]) all[std::string(region.name) + "." + entry.name] = entry.type;
+            }
+        }
+        return all;
+    }();
+    return types;
+}
+
+// The rows of the sets that are built, with their types.
+std::vector<std::pair<VectorRow, Type>> vector_rows() {
+    std::vector<std::pair<VectorRow, Type>> rows;
+    for (const char* file : {"cn.tsv", "eu.tsv", "us.tsv", "us-rrc.tsv"}) {
+        for (VectorRow& row : read_vectors(std::string(ORLENTA_TEST_DATA) + "/" + file)) {
+            auto found = named_types().find(row.region + "." + row.type);
+            if (found != named_types().end()) rows.emplace_back(std::move(row), found->second);
+        }
+    }
+    return rows;
+}
+
+TEST(Program, Vectors) {
+    std::mt19937 random(11);
+    Tally tally;
+    for (const auto& [row, type] : vector_rows()) {
+        SCOPED_TRACE(row.region + " line " + std::to_string(row.line));
+        Subject subject(type, tally);
+        Value value = subject.decode(row.uper);
+        ASSERT_NE(value, nullptr);
+        compare(subject, value.get(), 12, random);
+        for (size_t size = 0; size < std::min<size_t>(row.uper.size(), 64); ++size) {
+            subject.decode(Bytes(row.uper.begin(), row.uper.begin() + static_cast<ptrdiff_t>(size)));
+        }
+        if (HasFailure()) return;
+    }
+    print("vectors", tally);
+    EXPECT_EQ(tally.values_left, 0);
+    EXPECT_GT(tally.values, 2000);
+}
+
+// ---- forms that no message set uses -----------------------------------------------------------------------
+
+std::vector<Component> components_of(size_t count, Type type, uint32_t option, uint32_t flags = 0) {
+    return std::vector<Component>(count, {type, "c", option, flags});
+}
+
+// A record whose open type has no key in a number of the record itself.
+Type record_with_open_type() {
+    static const char* const words[] = {"&id", "&Type"};
+    static const uint8_t short_id[] = {1}, long_id[] = {1, 2};
+    static const asn1_string ids[] = {{const_cast<uint8_t*>(short_id), 1},
+                                      {const_cast<uint8_t*>(long_id), 2}};
+    Type object_class = keep({head(ASN1_KIND_OBJECT_CLASS, ASN1_WORD0_HAS_NAME), num(2), num(1), ref(kOid),
+                              num(0), txt(words[0]), num(0), num(0), num(0), txt(words[1]), txt("CLASS")});
+    Type rows = keep({{.address = &ids[0]}, ref(kSmall), {.address = &ids[1]}, ref(kOctets)});
+    Type table = keep({num(ASN1_CONSTRAINT_TABLE), ref(object_class), num(1), ref(rows), num(2), num(1),
+                       num(0), num(ASN1_SELECTOR_LAST), num(0)});
+    Type open = keep({head(ASN1_KIND_ANY, ASN1_WORD0_CONSTRAINED), ref(table)});
+    return sequence({{kOid, "id"}, {open, "value"}, {kSmall, "last", kOptional}});
+}
+
+std::vector<std::pair<const char*, Type>> unusual_types() {
+    Type byte = integer(0, 255), extensible = integer(0, 9, kExt), wide = integer(INT32_MIN, INT32_MAX, kExt);
+    Type flat =
+        sequence({{byte, "a"}, {extensible, "b"}, {kBoolean, "c", kOptional, ASN1_FIELD_ADDITION}}, kExt);
+    Type text = char_string(ASN1_STRING_IA5, 0, 20, {{0, 127}}, kExt),
+         digits = char_string(ASN1_STRING_NUMERIC, 1, 9, {{' ', ' '}, {'0', '9'}});
+    auto with = [](std::vector<Component> first, const std::vector<Component>& more) {
+        first.insert(first.end(), more.begin(), more.end());
+        return first;
+    };
+    return {
+        {"ops beyond a set of 64", sequence(with(components_of(70, byte, kOptional), {{kBoolean, "z"}}))},
+        {"a preamble beyond a window", sequence(components_of(60, kBoolean, kOptional), kExt)},
+        {"a bitmap beyond a window",
+         sequence(with({{byte, "a"}}, components_of(60, byte, kOptional, ASN1_FIELD_ADDITION)), kExt)},
+        {"a group beyond a window",
+         sequence(with({{byte, "a"}, {byte, "o", kOptional, kOpens}},
+                       with(components_of(58, kBoolean, kOptional, ASN1_FIELD_ADDITION),
+                            {{byte, "c", kOptional, kCloses}})),
+                  kExt)},
+        {"alternatives beyond 64 extensions", choice(80, components_of(83, byte, ASN1_OPTION_MANDATORY))},
+        {"flat records behind gates", list_of(sequence({{flat, "f"}, {flat, "g"}, {byte, "h"}}), 0, 40)},
+        {"an optional flat record", sequence({{flat, "f", kOptional}, {byte, "g", kDefault, 0, num(7)}})},
+        {"an extensible list", list_of(extensible, 2, 3, kExt)},
+        {"a long list", list_of(octet_string(0, 3), 0, -1)},
+        {"numbers of all widths", sequence({{wide, "w"},
+                                            {integer(5, 5), "n"},
+                                            {integer(-3, 60000), "m"},
+                                            {at_least(-7), "s"},
+                                            {at_most(9), "t"},
+                                            {kInteger, "u"}})},
+        {"strings", sequence({{text, "t"},
+                              {digits, "d"},
+                              {bit_string(0, 70), "b"},
+                              {octet_string(3, 3), "o"},
+                              {octet_string(0, 5, kExt), "x"},
+                              {bit_string(1, -1), "g"}})},
+        {"an open type with a key of octets", record_with_open_type()},
+        {"an open type as an addition",
+         sequence({{byte, "a"}, {kAny, "b", kOptional, ASN1_FIELD_ADDITION}}, kExt)},
+        {"nothing", sequence({})},
+        {"nothing, extensible", sequence({{kNull, "n"}, {kNull, "o", kOptional}}, kExt)},
+    };
+}
+
+TEST(Program, UnusualTypes) {
+    std::mt19937 random(13);
+    Tally tally;
+    for (auto [name, type] : unusual_types()) {
+        SCOPED_TRACE(name);
+        Subject subject(type, tally);
+        for (uint32_t seed = 1; seed <= 300 && !HasFailure(); ++seed) {
+            Value value(asn1_random(type, seed), {type});
+            compare(subject, value.get(), 6, random);
+        }
+    }
+    print("unusual types", tally);
+    EXPECT_GT(tally.pieces, 100);
+}
+
+// Fragments of 16K items, in strings, lists and open types.
+TEST(Program, Fragments) {
+    Tally tally;
+    for (Type type : {kOctets, kBits, kRecord, list_of(kSmall, 0, -1), Type{kOpenRecord<kOpen>}}) {
+        Subject subject(type, tally);
+        for (uint8_t marker : {0xC0, 0xC1, 0xC4, 0xC5, 0xFF}) {
+            Bytes bytes(70000, 0x11);
+            bytes[0] = marker;
+            bytes[16385] = 0;
+            subject.decode(bytes);
+        }
+    }
+    Bytes long_octets(40000, 0x5A);
+    asn1_string string = {long_octets.data(), long_octets.size()};
+    Subject octets(kOctets, tally);
+    octets.decode(octets.encode(&string));
+    EXPECT_GT(tally.values, 3);
+}
+
+// ---- scarce memory and stack ------------------------------------------------------------------------------
+
+// Where memory runs out the report is the walker's, and nothing is left behind.
+TEST(Program, ScarceMemory) {
+    int failures = 0;
+    auto rows = vector_rows();
+    for (size_t i = 0; i < rows.size(); i += 23) {
+        const auto& [row, type] = rows[i];
+        if (row.uper.size() > 400) continue;
+        SCOPED_TRACE(row.region + " line " + std::to_string(row.line));
+        Codec codec(orlenta_codec_new(type));
+        void* whole = nullptr;
+        ASSERT_GE(asn1_uper_decode(&whole, type, row.uper.data(), row.uper.size(), nullptr), 0);
+        Value value(whole, {type});
+        for_each_failed_allocation([&] {
+            void* decoded = nullptr;
+            asn1_error error = {};
+            int64_t used =
+                orlenta_uper_decode(codec.get(), &decoded, row.uper.data(), row.uper.size(), &error);
+            // One failure may be over when the walker comes to look for the report.
+            EXPECT_TRUE(used >= 0 ||
+                        (allocator_has_failed() && strcmp(error.message, "not enough memory") == 0));
+            EXPECT_EQ(used < 0, decoded == nullptr);
+            orlenta_free_value(codec.get(), decoded);
+            failures += used < 0;
+        });
+        for_each_failed_allocation([&] {
+            uint8_t* out = nullptr;
+            asn1_error error = {};
+            int64_t size = orlenta_uper_encode2(codec.get(), &out, value.get(), &error);
+            EXPECT_TRUE(size >= 0 || allocator_has_failed());
+            EXPECT_EQ(size < 0, out == nullptr);
+            asn1_free(out);
+        });
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(failures, 500);
+    for_each_failed_allocation([] {
+        Codec made(orlenta_codec_new(kOpenRecord<kOpen>));
+        EXPECT_EQ(made == nullptr, allocator_has_failed());
+    });
+}
+
+// As in the walker: the same block fails, and the report names its place.
+TEST(Program, ReportOfScarceMemory) {
+    for (const auto& [row, type] : vector_rows()) {
+        if (row.region != "CN")
+            continue;  // which has no big integers: the walker takes blocks besides for these
+        Codec codec(orlenta_codec_new(type));
+        for (uint64_t call = 1;; ++call) {
+            asn1_error error[2] = {};
+            void* value[2] = {};
+            allocator_fails_at(call);
+            int64_t by_program =
+                orlenta_uper_decode(codec.get(), &value[1], row.uper.data(), row.uper.size(), &error[1]);
+            bool has_failed = allocator_has_failed();
+            allocator_fails_at(call);
+            int64_t result = asn1_uper_decode(&value[0], type, row.uper.data(), row.uper.size(), &error[0]);
+            allocator_never_fails();
+            EXPECT_TRUE(result == by_program && error[0] == error[1])
+                << "walker:  " << text_of(error[0], result) << "\nprogram: " << text_of(error[1], by_program);
+            for (void* each : value) asn1_free_value(type, each);
+            if (!has_failed || HasFailure()) break;
+        }
+        if (HasFailure()) return;
+    }
+}
+
+// What a large stack decodes is released and encoded, or refused, on a small one, as by the walker.
+TEST(Program, SmallStacks) {
+    Bytes tree(3000, 1), chain(3000, 0xFF);
+    tree.push_back(0);
+    chain.push_back(0);
+    Tally tally;
+    std::pair<Type, Bytes> rows[] = {{kTree, tree}, {kChain, chain}};
+    for (const auto& [type, bytes] : rows) {
+        Subject subject(type, tally);
+        Value value = subject.decode(bytes);
+        ASSERT_NE(value, nullptr);
+        void* by_program = nullptr;
+        EXPECT_GT(orlenta_uper_decode(subject.codec(), &by_program, bytes.data(), bytes.size(), nullptr), 0);
+        run_on_stack(64 << 10, [&, &subject = subject, &bytes = bytes] {
+            subject.decode(bytes);
+            subject.encode(value.get());
+            orlenta_free_value(subject.codec(), by_program);
+        });
+        // Of the levels that both bear.
+        subject.decode(Bytes(bytes.end() - 100, bytes.end()));
+    }
+}
 
 }  // namespace
 }  // namespace orlenta::test

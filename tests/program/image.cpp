@@ -24,6 +24,17 @@ static void look_into_choice(const asn1_type_desc* type, void* record, Holdings&
     look_into(alternative_type(choice, selector), at_offset(record, choice.payload_offset), holdings);
 }
 
+// Of a string or big integer, both of which begin with the pointer.
+static uint64_t bytes_of(const asn1_type_desc* type, const void* value) {
+    uint64_t length = static_cast<const asn1_string*>(value)->length;
+    switch (kind_of(type)) {
+        case ASN1_KIND_INTEGER: return static_cast<const asn1_integer*>(value)->capacity * sizeof(uint32_t);
+        case ASN1_KIND_BIT_STRING: return (length + 7) / 8;
+        case ASN1_KIND_CHAR_STRING: return length << code_unit_shift(string_type(type));
+        default: return length;
+    }
+}
+
 void look_into(const asn1_type_desc* type, void* value, Holdings& holdings) {
     void** first = static_cast<void**>(value);
     switch (kind_of(type)) {
@@ -41,14 +52,14 @@ void look_into(const asn1_type_desc* type, void* value, Holdings& holdings) {
         }
         case ASN1_KIND_ANY: {
             auto* open = static_cast<asn1_open_value*>(value);
-            return holdings.blocks.push_back({&open->data, open->type, 1, 0});
+            return holdings.blocks.push_back({&open->data, open->type, open->type ? 1 : open->length, 0});
         }
         case ASN1_KIND_NULL:
         case ASN1_KIND_REAL: return;
         default: break;
     }
     if (is_flat(type)) return holdings.words.push_back(value);
-    holdings.blocks.push_back({first, nullptr, 0, 0});  // strings and big integers begin with the pointer
+    holdings.blocks.push_back({first, nullptr, bytes_of(type, value), 0});
 }
 
 static Holdings holdings_of_block(const Block& block) {
@@ -72,6 +83,12 @@ Holdings all_holdings(const asn1_type_desc* type, void* value) {
     return all;
 }
 
+// Bytes of the block that mean something: one of no bytes has one that does not.
+static size_t used_bytes(const Block& block) {
+    if (block.count == 0) return 0;
+    return block.inner ? size_of_block(*block.place) : block.count;
+}
+
 std::vector<uint8_t> image_of(const asn1_type_desc* type, void* value) {
     std::vector<uint8_t> image;
     std::vector<Block> blocks = {{&value, type, 1, 0}};
@@ -81,7 +98,7 @@ std::vector<uint8_t> image_of(const asn1_type_desc* type, void* value) {
         if (!bytes) continue;
         size_t size = size_of_block(bytes), start = image.size() + sizeof size;
         image.insert(image.end(), reinterpret_cast<uint8_t*>(&size), reinterpret_cast<uint8_t*>(&size + 1));
-        image.insert(image.end(), bytes, bytes + size);
+        image.insert(image.end(), bytes, bytes + used_bytes(blocks[i]));
         for (const Block& inside : holdings_of_block(blocks[i]).blocks) {
             size_t offset = static_cast<size_t>(reinterpret_cast<uint8_t*>(inside.place) - bytes);
             std::fill_n(image.begin() + static_cast<ptrdiff_t>(start + offset), sizeof(void*), 0);

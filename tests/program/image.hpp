@@ -7,7 +7,8 @@
 
 namespace orlenta::test {
 
-// A block that a record points at: `count` values of `inner`, `stride` bytes apart, or bytes where `inner` is null.
+// A block that a record points at: `count` values of `inner`, `stride` bytes apart; or so many bytes, where `inner` is
+// null.
 struct Block {
     void** place;
     const asn1_type_desc* inner;
