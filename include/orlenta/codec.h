@@ -37,6 +37,34 @@ ORLENTA_API int64_t orlenta_uper_decode(const orlenta_codec* codec, void** out, 
 ORLENTA_API int64_t orlenta_uper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,
                                          asn1_error* error);
 
+/* ---- arenas -----------------------------------------------------------------------------------------------
+ * For who decodes, looks and throws away: all blocks of a value come from one arena, at a fraction of an allocator's
+ * cost, and go with its reset. An arena serves one thread at a time.
+ */
+
+typedef struct orlenta_arena orlenta_arena;
+
+/* A value in an arena. It must not be changed, nor given to asn1_free_value or orlenta_free_value, and ends with the next
+ * reset. Reading, encoding, checking, comparing and cloning are as with any value. */
+typedef struct orlenta_arena_value {
+    const void* record; /* of the codec's type; null: none */
+} orlenta_arena_value;
+
+/* An empty arena that takes chunks of `chunk_size` bytes (0: 16 KiB) and more from asn1_malloc; null if memory was not to
+ * be had. The caller releases it by orlenta_arena_destroy. */
+ORLENTA_API orlenta_arena* orlenta_arena_create(size_t chunk_size);
+
+/* Ends all values in the arena. Its chunks stay for those to come. */
+ORLENTA_API void orlenta_arena_reset(orlenta_arena* arena);
+
+/* Ends all values in the arena, and releases it; null is allowed. */
+ORLENTA_API void orlenta_arena_destroy(orlenta_arena* arena);
+
+/* As orlenta_uper_decode, with the value in the arena, beside those that are there; a null `out->record` on failure. */
+ORLENTA_API int64_t orlenta_uper_decode_arena(const orlenta_codec* codec, orlenta_arena* arena,
+                                              orlenta_arena_value* out, const uint8_t* data, uint64_t size,
+                                              asn1_error* error);
+
 /* ---- values -------------------------------------------------------------------------------------------------*/
 
 /* As asn1_free_value (value.h), for a value of the codec's type, wherever it comes from; null is allowed. */

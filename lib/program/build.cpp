@@ -61,11 +61,9 @@ static void free_arrays(builder* b) {
                       b->rows.items,
                       b->flags.items,
                       b->types.items,
-                      b->parts.entries,
-                      b->whole.entries,
+                      b->known.items,
                       b->type_at.entries,
-                      b->row_sets.entries,
-                      b->facts.entries};
+                      b->row_sets.entries};
     for (void* block : blocks) asn1_free(block);
 }
 

@@ -15,17 +15,23 @@ struct growing {
     uint64_t count, capacity;
 };
 
-struct type_entry {
-    const asn1_type_desc* type;
+struct map_entry {
+    const asn1_word* key;  // null: free
     uint32_t value;
-    uint32_t is_used;
 };
 
-// Descriptors and what is known of them, by hashed address.
-struct type_map {
-    type_entry* entries;
+// Numbers by address.
+struct address_map {
+    map_entry* entries;
     uint64_t size;  // a power of two, or 0
     uint64_t count;
+};
+
+// What is known of types[] of the same index; kNone: nothing yet.
+struct known_type {
+    uint32_t part;   // op::part
+    uint32_t whole;  // ops[] of what stands in an open type
+    uint32_t facts;  // see type_facts
 };
 
 struct builder {
@@ -43,33 +49,42 @@ struct builder {
     growing<open_type_row> rows;
     growing<uint8_t> flags;
     growing<const asn1_type_desc*> types;
-    type_map parts;     // op::part of a type
-    type_map whole;     // ops[] of what stands in an open type
-    type_map type_at;   // types[]
-    type_map row_sets;  // row_ranges[], by table constraint if sorted, else by open type
-    type_map facts;     // see type_facts
-    bool failed;        // memory
+    growing<known_type> known;
+    address_map type_at;   // types[], known[]
+    address_map row_sets;  // row_ranges[], by table constraint if sorted, else by open type
+    bool failed;           // memory
 };
 
-// Appends; on failure `failed` is set and nothing appended.
+// Makes room for `count` more items; false, with `failed` set, without memory.
+template <typename T>
+bool make_room(builder* b, growing<T>* array, uint64_t count) {
+    uint64_t needed = array->count + count;
+    if (needed <= array->capacity) return true;
+    if (needed < 2 * array->capacity) needed = 2 * array->capacity;
+    if (needed < 16) needed = 16;
+    void* block = array->items;
+    if (__asn1_realloc_buf(&block, sizeof(T), &array->capacity, needed, 0) != 0) {
+        b->failed = true;
+        return false;
+    }
+    array->items = static_cast<T*>(block);
+    return true;
+}
+
+// Appends, if memory is to be had.
 template <typename T>
 void add(builder* b, growing<T>* array, const T& item) {
-    if (array->count == array->capacity) {
-        void* block = array->items;
-        if (__asn1_realloc_buf(&block, sizeof(T), &array->capacity, array->count + 1, 0) != 0) {
-            b->failed = true;
-            return;
-        }
-        array->items = static_cast<T*>(block);
-    }
-    array->items[array->count++] = item;
+    if (make_room(b, array, 1)) array->items[array->count++] = item;
 }
 
 // Appends a row of items, of which the first gets the index that is returned.
 template <typename T>
 uint32_t add_all(builder* b, growing<T>* array, const T* items, uint64_t count) {
     uint32_t first = static_cast<uint32_t>(array->count);
-    for (uint64_t i = 0; i < count; ++i) add(b, array, items[i]);
+    if (count != 0 && make_room(b, array, count)) {
+        memcpy(array->items + first, items, count * sizeof(T));
+        array->count += count;
+    }
     return first;
 }
 
@@ -80,9 +95,13 @@ uint32_t reserve_item(builder* b, growing<T>* array) {
     return b->failed ? 0 : static_cast<uint32_t>(array->count - 1);
 }
 
-// The value of a type, or kNone.
-uint32_t find(const type_map& map, const asn1_type_desc* type);
-void put(builder* b, type_map* map, const asn1_type_desc* type, uint32_t value);
+// The value of a key, or kNone.
+uint32_t find(const address_map& map, const asn1_word* key);
+// Adds a key that is not there.
+void put(builder* b, address_map* map, const asn1_word* key, uint32_t value);
+
+// Index of a type in types[] and known[]. It stays, but what is known may move with every new type.
+uint32_t type_index(builder* b, const asn1_type_desc* type);
 
 // ---- what is asked of a type --------------------------------------------------------------------------------
 
@@ -112,7 +131,7 @@ op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t pre
 op make_fused_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence);
 
 // Indices of parts. Each type has one, open types apart: their keys lie in the record around them.
-uint32_t sequence_part(builder* b, const asn1_type_desc* type);
+uint32_t sequence_part(builder* b, uint32_t type);
 uint32_t open_type_part(builder* b, const asn1_type_desc* type, const asn1_type_desc* enclosing,
                         uint32_t offset);
 
@@ -120,8 +139,6 @@ uint32_t open_type_part(builder* b, const asn1_type_desc* type, const asn1_type_
 // is always there; then `offset` is the component's and `column` that of the object class.
 bool find_simple_key(const asn1_type_desc* open, const asn1_type_desc* enclosing, uint32_t* offset,
                      uint32_t* column);
-
-uint32_t type_index(builder* b, const asn1_type_desc* type);
 
 // The op of a value that has a record of its own, as what stands in an open type.
 uint32_t whole_op(builder* b, const asn1_type_desc* type);

@@ -63,11 +63,10 @@ static void set_big_integer(op* made, const asn1_type_desc* type) {
 
 // ---- what holds other values ----------------------------------------------------------------------------------
 
-static uint32_t list_part(builder* b, const asn1_type_desc* type, const list_layout& layout) {
-    uint32_t known = find(b->parts, type);
-    if (known != kNone) return known;
+static uint32_t list_part(builder* b, uint32_t type, const list_layout& layout) {
+    if (b->known.items[type].part != kNone) return b->known.items[type].part;
     uint32_t part = reserve_item(b, &b->lists);
-    put(b, &b->parts, type, part);
+    b->known.items[type].part = part;
     if (b->failed) return 0;
     op element = make_fused_op(b, layout.element, 0, kNone);
     uint32_t index = add_all(b, &b->ops, &element, 1);
@@ -80,14 +79,13 @@ static void set_list(builder* b, op* made, const asn1_type_desc* type) {
     if (layout.stride > UINT32_MAX) return;
     made->kind = kList;
     set_length(made, is_extensible(type), layout.has_upper, layout.lower, layout.upper);
-    made->part = list_part(b, type, layout);
+    made->part = list_part(b, made->type, layout);
 }
 
-static uint32_t choice_part(builder* b, const asn1_type_desc* type, const choice_layout& layout) {
-    uint32_t known = find(b->parts, type);
-    if (known != kNone) return known;
+static uint32_t choice_part(builder* b, uint32_t type, const choice_layout& layout) {
+    if (b->known.items[type].part != kNone) return b->known.items[type].part;
     uint32_t part = reserve_item(b, &b->choices);
-    put(b, &b->parts, type, part);
+    b->known.items[type].part = part;
     growing<op> ops = {};
     for (uint32_t i = 0; i < layout.total && !b->failed; ++i) {
         add(b, &ops, make_fused_op(b, alternative_type(layout, i), 0, kNone));
@@ -108,14 +106,15 @@ static void set_choice(builder* b, op* made, const asn1_type_desc* type) {
     made->range = layout.root - 1;
     made->width = static_cast<uint8_t>(range_width(made->range) + (is_extensible(type) ? 1 : 0));
     made->extension = is_extensible(type) ? UINT32_C(1) << (made->width - 1) : 0;
-    made->part = choice_part(b, type, layout);
+    made->part = choice_part(b, made->type, layout);
 }
 
 uint32_t whole_op(builder* b, const asn1_type_desc* type) {
-    uint32_t known = find(b->whole, type);
-    if (known != kNone) return known;
+    uint32_t type_at = type_index(b, type);
+    if (b->failed) return 0;
+    if (b->known.items[type_at].whole != kNone) return b->known.items[type_at].whole;
     uint32_t index = reserve_item(b, &b->ops);
-    put(b, &b->whole, type, index);
+    b->known.items[type_at].whole = index;
     if (b->failed) return 0;
     op made = make_fused_op(b, type, 0, kNone);
     b->ops.items[index] = made;
@@ -130,15 +129,6 @@ static void set_indirect(builder* b, op* made, const asn1_type_desc* type) {
 }
 
 // ---- any type -------------------------------------------------------------------------------------------------
-
-uint32_t type_index(builder* b, const asn1_type_desc* type) {
-    uint32_t known = find(b->type_at, type);
-    if (known != kNone) return known;
-    uint32_t index = static_cast<uint32_t>(b->types.count);
-    add(b, &b->types, type);
-    put(b, &b->type_at, type, index);
-    return index;
-}
 
 op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence) {
     type = behind_tags(type);
@@ -157,7 +147,7 @@ op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t pre
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET:
             made.kind = kSequence;
-            made.part = sequence_part(b, type);
+            made.part = sequence_part(b, made.type);
             break;
         case ASN1_KIND_SEQUENCE_OF:
         case ASN1_KIND_SET_OF: set_list(b, &made, type); break;

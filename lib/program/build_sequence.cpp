@@ -105,7 +105,7 @@ static void close_group(sequence_parts* parts) {
 }
 
 // Closes the group if `width` bits more are too many.
-static void make_room(sequence_parts* parts, uint32_t width) {
+static void close_full_group(sequence_parts* parts, uint32_t width) {
     const open_group& group = parts->group;
     if (group.width + width > kWindowBits || group.gates.count + group.leaves.count > kMaxLeaves)
         close_group(parts);
@@ -218,14 +218,14 @@ static void add_mandatory(sequence_parts* parts, const asn1_type_desc* record, c
     uint32_t leaves = 0;
     if (kind_of(type) == ASN1_KIND_NULL) return;
     if (form.is_leaf && offset < kMaxOffset) {
-        make_room(parts, form.width);
+        close_full_group(parts, form.width);
         add(b, &parts->group.ops, make_op(b, type, offset, kNone));
         add_leaf(b, &parts->group, &parts->group.leaves, offset, form);
     } else if (is_record(type) && !is_extensible(type) && !has_options(type) &&
                !facts_of(b, type).needs_frame) {
         add_root(parts, type, offset);
     } else if (uint32_t width = flat_width(type, offset, &leaves); width <= kWindowBits) {
-        make_room(parts, width);
+        close_full_group(parts, width);
         add(b, &parts->group.ops, make_op(b, type, offset, kNone));
         add_flat(b, &parts->group, type, offset);
     } else {
@@ -353,11 +353,11 @@ static sequence finish_sequence(sequence_parts* parts, const asn1_type_desc* typ
     return made;
 }
 
-uint32_t sequence_part(builder* b, const asn1_type_desc* type) {
-    uint32_t known = find(b->parts, type);
-    if (known != kNone) return known;
+uint32_t sequence_part(builder* b, uint32_t type_at) {
+    if (b->known.items[type_at].part != kNone) return b->known.items[type_at].part;
+    const asn1_type_desc* type = b->types.items[type_at];
     uint32_t part = reserve_item(b, &b->sequences);
-    put(b, &b->parts, type, part);
+    b->known.items[type_at].part = part;
     if (b->failed) return 0;
     bool supported = is_supported(type);
     sequence_parts parts = {};

@@ -1,12 +1,20 @@
 // The entry points: a program first, and the walker for all that it gives up and for every report.
+#include <orlenta/memory.h>
 #include <orlenta/per.h>
+#include <orlenta/value.h>
 
 #include "core/error.hpp"
 #include "per/piece.hpp"
+#include "program/arena.hpp"
 #include "program/uper_decode.hpp"
 #include "program/uper_encode.hpp"
 
 namespace orlenta::program {
+
+static void report_no_record(asn1_error* error) {
+    asn1_error_init(error);
+    asn1_pstrcpy(error->message, sizeof error->message, "not enough memory");
+}
 
 // The walker comes to the same block when it may hold no more than the program did, and fails there.
 static int64_t report_no_memory(const decode_result& result, const orlenta_codec* codec, void** out,
@@ -15,8 +23,7 @@ static int64_t report_no_memory(const decode_result& result, const orlenta_codec
         decode_memory held = {result.memory};
         return per::decode_within(held, out, codec->type, data, size, error);
     }
-    asn1_error_init(error);
-    asn1_pstrcpy(error->message, sizeof error->message, "not enough memory");
+    report_no_record(error);
     return -1;
 }
 
@@ -27,15 +34,42 @@ static int64_t decode_otherwise(const decode_result& result, const orlenta_codec
     return asn1_uper_decode(out, codec->type, data, size, error);
 }
 
+// A value of the walker's in place of one in the arena.
+static int64_t decode_into_heap(const decode_result& result, const orlenta_codec* codec, orlenta_arena* arena,
+                                orlenta_arena_value* out, const uint8_t* data, uint64_t size,
+                                asn1_error* error) {
+    void* value = nullptr;
+    int64_t used = decode_otherwise(result, codec, &value, data, size, error);
+    if (used < 0) return -1;
+    if (!adopt(arena, codec->type, value)) {
+        asn1_free_value(codec->type, value);
+        if (error) report_no_record(error);
+        return -1;
+    }
+    out->record = value;
+    return used;
+}
+
 }  // namespace orlenta::program
 
 using namespace orlenta::program;
 
 int64_t orlenta_uper_decode(const orlenta_codec* codec, void** out, const uint8_t* data, uint64_t size,
                             asn1_error* error) {
-    decode_result result = run_uper_decode(codec, out, data, size);
+    decode_result result = run_uper_decode(codec, nullptr, out, data, size);
     if (__builtin_expect(result.how == kDone, 1)) return static_cast<int64_t>((result.bits + 7) / 8);
     return decode_otherwise(result, codec, out, data, size, error);
+}
+
+int64_t orlenta_uper_decode_arena(const orlenta_codec* codec, orlenta_arena* arena, orlenta_arena_value* out,
+                                  const uint8_t* data, uint64_t size, asn1_error* error) {
+    arena_mark before = mark_of(arena);
+    void* value;
+    decode_result result = run_uper_decode(codec, arena, &value, data, size);
+    out->record = value;
+    if (__builtin_expect(result.how == kDone, 1)) return static_cast<int64_t>((result.bits + 7) / 8);
+    rewind(arena, before);
+    return decode_into_heap(result, codec, arena, out, data, size, error);
 }
 
 int64_t orlenta_uper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,

@@ -7,40 +7,49 @@ namespace orlenta::program {
 
 // ---- the map ------------------------------------------------------------------------------------------------
 
-static type_entry* slot_of(const type_map& map, const asn1_type_desc* type) {
-    uint64_t hash = (reinterpret_cast<uintptr_t>(type) * UINT64_C(0x9E3779B97F4A7C15)) >> 32;
+static map_entry* slot_of(const address_map& map, const asn1_word* key) {
+    uint64_t hash = (reinterpret_cast<uintptr_t>(key) * UINT64_C(0x9E3779B97F4A7C15)) >> 32;
     for (;; ++hash) {
-        type_entry* entry = &map.entries[hash & (map.size - 1)];
-        if (!entry->is_used || entry->type == type) return entry;
+        map_entry* entry = &map.entries[hash & (map.size - 1)];
+        if (!entry->key || entry->key == key) return entry;
     }
 }
 
-uint32_t find(const type_map& map, const asn1_type_desc* type) {
+uint32_t find(const address_map& map, const asn1_word* key) {
     if (map.size == 0) return kNone;
-    const type_entry* entry = slot_of(map, type);
-    return entry->is_used ? entry->value : kNone;
+    const map_entry* entry = slot_of(map, key);
+    return entry->key ? entry->value : kNone;
 }
 
-static bool grow(type_map* map) {
-    type_map larger = {nullptr, map->size == 0 ? 64 : map->size * 2, map->count};
-    larger.entries = static_cast<type_entry*>(asn1_mallocz(larger.size * sizeof(type_entry)));
+static bool grow(address_map* map) {
+    address_map larger = {nullptr, map->size == 0 ? 64 : map->size * 4, map->count};
+    larger.entries = static_cast<map_entry*>(asn1_mallocz(larger.size * sizeof(map_entry)));
     if (!larger.entries) return false;
     for (uint64_t i = 0; i < map->size; ++i) {
-        if (map->entries[i].is_used) *slot_of(larger, map->entries[i].type) = map->entries[i];
+        if (map->entries[i].key) *slot_of(larger, map->entries[i].key) = map->entries[i];
     }
     asn1_free(map->entries);
     *map = larger;
     return true;
 }
 
-void put(builder* b, type_map* map, const asn1_type_desc* type, uint32_t value) {
+void put(builder* b, address_map* map, const asn1_word* key, uint32_t value) {
     if (map->count * 2 >= map->size && !grow(map)) {
         b->failed = true;
         return;
     }
-    type_entry* entry = slot_of(*map, type);
-    if (!entry->is_used) ++map->count;
-    *entry = {type, value, 1};
+    *slot_of(*map, key) = {key, value};
+    ++map->count;
+}
+
+uint32_t type_index(builder* b, const asn1_type_desc* type) {
+    uint32_t index = find(b->type_at, type);
+    if (index != kNone) return index;
+    index = static_cast<uint32_t>(b->types.count);
+    add(b, &b->types, type);
+    add(b, &b->known, {kNone, kNone, kNone});
+    put(b, &b->type_at, type, index);
+    return index;
 }
 
 // ---- facts --------------------------------------------------------------------------------------------------
@@ -85,11 +94,13 @@ static uint32_t find_facts_anew(builder* b, const asn1_type_desc* type) {
 static uint32_t find_facts(builder* b, const asn1_type_desc* type, const asn1_type_desc* enclosing) {
     type = behind_tags(type);
     if (kind_of(type) == ASN1_KIND_ANY) return facts_of_open_type(type, enclosing);
-    uint32_t known = find(b->facts, type);
-    if (known != kNone) return known;
-    put(b, &b->facts, type, kOwns | kNeedsFrame);
-    uint32_t facts = b->failed ? 0 : find_facts_anew(b, type);
-    put(b, &b->facts, type, facts);
+    if (leaf_of(type).is_leaf) return 0;
+    uint32_t index = type_index(b, type);
+    if (b->failed) return 0;
+    if (b->known.items[index].facts != kNone) return b->known.items[index].facts;
+    b->known.items[index].facts = kOwns | kNeedsFrame;
+    uint32_t facts = find_facts_anew(b, type);
+    if (!b->failed) b->known.items[index].facts = facts;
     return facts;
 }
 

@@ -5,10 +5,10 @@
 #include <orlenta/memory.h>
 #include <orlenta/type_info.h>
 
-#include "core/failed_value.hpp"
 #include "core/growing_list.hpp"
 #include "core/stack.hpp"
 #include "per/piece.hpp"
+#include "program/arena.hpp"
 
 namespace orlenta::program {
 
@@ -30,6 +30,7 @@ struct decoder {
     const asn1_parent_frame* frames;
     stack_guard stack;
     decode_memory memory;
+    orlenta_arena* arena;  // that the blocks come from; null: each from the allocator
     uint32_t walker_pieces;
 };
 
@@ -50,7 +51,9 @@ HOT uint64_t window_at(const decoder* d, bit_position position) {
 
 // ---- the walker ---------------------------------------------------------------------------------------------
 
+// The walker's blocks are no part of an arena.
 COLD bit_position by_walker(decoder* d, const op* o, void* value, bit_position position) {
+    if (d->arena && !is_flat(d->code->types[o->type])) return kNotMine;
     ++d->walker_pieces;
     per::decode_piece piece = {d->source, d->frames, d->stack, d->memory};
     piece.source.position = position;
@@ -64,6 +67,27 @@ COLD bit_position by_walker(decoder* d, const op* o, void* value, bit_position p
 COLD bit_position decode_other_leaf(decoder* d, const op* o, void* value, bit_position position) {
     bool is_extended = o->extension != 0 && has_bits(d, position, 1) && window_at(d, position) >> 63 != 0;
     return is_extended ? by_walker(d, o, value, position) : kRefused;
+}
+
+// ---- blocks -------------------------------------------------------------------------------------------------
+
+// A block that counts; null leaves the count as it was.
+static void* take_block(decoder* d, uint64_t size) {
+    uint64_t left = d->memory.left;
+    void* block = nullptr;
+    if (!d->arena) {
+        block = allocate(&d->memory, size);
+    } else if (count_bytes(&d->memory, counted_size(size))) {
+        block = take(d->arena, size);
+    }
+    if (!block) d->memory.left = left;
+    return block;
+}
+
+static void* take_record(decoder* d, uint64_t size) {
+    void* record = take_block(d, size);
+    if (record) memset(record, 0, size);
+    return record;
 }
 
 // ---- leaves -------------------------------------------------------------------------------------------------
@@ -106,11 +130,9 @@ static bit_position decode_big_integer(decoder* d, const op* o, asn1_integer* va
     if (!has_bits(d, position, o->width)) return kRefused;
     uint64_t number = top_bits(window_at(d, position), o->width);
     if (number > (uint64_t{o->range} << 32 | o->low)) return kRefused;
-    if (!count_limbs(&d->memory, o->part)) return kNoMemory;
-    if (asn1_integer_resize(value, o->part) != 0) {
-        uncount_limbs(&d->memory, o->part);
-        return kNoMemory;
-    }
+    value->limbs = static_cast<uint32_t*>(take_block(d, o->part * sizeof(uint32_t)));
+    if (!value->limbs) return kNoMemory;
+    value->size = value->capacity = o->part;
     value->limbs[0] = static_cast<uint32_t>(number);
     if (o->part > 1) value->limbs[1] = static_cast<uint32_t>(number >> 32);
     asn1_integer_renorm(value);
@@ -143,20 +165,6 @@ HOT bit_position get_length(decoder* d, const op* o, bit_position position, uint
 }
 
 // ---- strings ------------------------------------------------------------------------------------------------
-
-// A block that counts; null leaves the count as it was.
-static void* take_block(decoder* d, uint64_t size) {
-    uint64_t left = d->memory.left;
-    void* block = allocate(&d->memory, size);
-    if (!block) d->memory.left = left;
-    return block;
-}
-
-static void* take_record(decoder* d, uint64_t size) {
-    void* record = take_block(d, size);
-    if (record) memset(record, 0, size);
-    return record;
-}
 
 // The first `count` octets (1 to 8) of a window.
 HOT void store_top(uint8_t* out, uint64_t window, uint64_t count) {
@@ -266,10 +274,42 @@ HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, uin
     return position;
 }
 
+// As grow_list() grows a list of `count` elements.
+static uint64_t next_capacity(const decoder* d, uint64_t capacity, uint64_t stride, uint64_t count) {
+    uint64_t trusted = kTrustedListBytes / stride;
+    uint64_t wanted = capacity > 1 ? capacity + capacity / 2 : capacity + 1;
+    if (capacity == 0 && trusted > 1) wanted = trusted;
+    if (wanted > count) wanted = count;
+    uint64_t payable = d->memory.left / stride;
+    return capacity == 0 || wanted < payable ? wanted : payable;
+}
+
+// In an arena outgrown blocks are left behind, and no longer count.
+static __attribute__((noinline)) bit_position decode_in_arena(decoder* d, const op* element,
+                                                              asn1_array* array, uint64_t stride,
+                                                              uint32_t count, bit_position position) {
+    uint64_t capacity = 0;
+    for (; array->count < count && !is_failure(position); ++array->count) {
+        if (array->count == capacity) {
+            uncount_bytes(&d->memory, capacity * stride);
+            uint64_t larger = next_capacity(d, capacity, stride, count);
+            void* block = larger > capacity ? take_record(d, larger * stride) : nullptr;
+            if (!block) return kNoMemory;
+            if (capacity != 0) memcpy(block, array->data, capacity * stride);
+            array->data = block;
+            capacity = larger;
+        }
+        uint8_t* at = static_cast<uint8_t*>(array->data) + array->count * stride;
+        position = decode_op(d, element, at, position);
+    }
+    return position;
+}
+
 // Elements of a list that is too long to be taken at its word.
 static __attribute__((noinline)) bit_position decode_growing(decoder* d, const op* element, asn1_array* array,
                                                              uint64_t stride, uint32_t count,
                                                              bit_position position) {
+    if (d->arena) return decode_in_arena(d, element, array, stride, count, position);
     growing_list growing = begin_list(&d->memory, array, stride);
     if (!claim_elements(&growing, count)) return kNoMemory;
     for (; count > 0 && !is_failure(position); --count) {
@@ -585,7 +625,19 @@ static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_posit
     return by_walker(d, o, value, position);
 }
 
-decode_result run_uper_decode(const orlenta_codec* codec, void** out, const uint8_t* data, uint64_t size) {
+// The outermost record does not count.
+static void* take_outermost(const decoder* d, uint64_t size) {
+    void* record = d->arena ? take(d->arena, size) : asn1_malloc(static_cast<size_t>(size));
+    if (record) memset(record, 0, size);
+    return record;
+}
+
+static outcome outcome_of(bit_position failure) {
+    return failure == kRefused ? kInvalid : failure == kNoMemory ? kOutOfMemory : kGaveUp;
+}
+
+decode_result run_uper_decode(const orlenta_codec* codec, orlenta_arena* arena, void** out,
+                              const uint8_t* data, uint64_t size) {
     decoder d;
     per::short_input room;
     d.source = per::begin_source(data, size, &room);
@@ -593,17 +645,17 @@ decode_result run_uper_decode(const orlenta_codec* codec, void** out, const uint
     d.frames = nullptr;
     d.stack = begin_stack();
     d.memory = begin_decode_memory(size);
+    d.arena = arena;
     d.walker_pieces = 0;
     uint64_t allowed = d.memory.left;
-    *out = asn1_mallocz(static_cast<size_t>(codec->record_size));
-    if (!*out) return {kOutOfMemory, 0, 0, 0, 0};
+    *out = take_outermost(&d, codec->record_size);
+    if (!*out) return {kOutOfMemory, 0, 0, false, 0};
     const op* root = &codec->program.ops[codec->root];
     bit_position position = decode_op(&d, root, static_cast<uint8_t*>(*out), 0);
     if (__builtin_expect(!is_failure(position), 1)) return {kDone, position, 0, true, d.walker_pieces};
-    free_failed_value(codec->type, *out);
+    if (!arena) orlenta_free_value(codec, *out);
     *out = nullptr;
-    outcome how = position == kRefused ? kInvalid : position == kNoMemory ? kOutOfMemory : kGaveUp;
-    return {how, 0, allowed - d.memory.left, true, d.walker_pieces};
+    return {outcome_of(position), 0, allowed - d.memory.left, true, d.walker_pieces};
 }
 
 }  // namespace orlenta::program

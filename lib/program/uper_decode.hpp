@@ -20,7 +20,9 @@ struct decode_result {
     uint32_t walker_pieces;  // parts of the value that the walker decoded
 };
 
-// A new value in `*out`, and null there if there is none.
-decode_result run_uper_decode(const orlenta_codec* codec, void** out, const uint8_t* data, uint64_t size);
+// A new value in `*out`, and null there if there is none. Its blocks are the arena's, if that is not null; those of a
+// decode that failed are left there.
+decode_result run_uper_decode(const orlenta_codec* codec, orlenta_arena* arena, void** out,
+                              const uint8_t* data, uint64_t size);
 
 }  // namespace orlenta::program

@@ -82,6 +82,7 @@ class Subject {
             ++tally_.values;
         }
         orlenta_free_value(codec_.get(), value[1]);
+        decode_in_arena(bytes, value[0], result, error[0]);
         if (result < 0) {
             value[1] = &error;
             EXPECT_EQ(orlenta_uper_decode(codec_.get(), &value[1], copy.get(), bytes.size(), nullptr), -1);
@@ -111,7 +112,7 @@ class Subject {
     void expect_taken(const Bytes& bytes, const void* value) {
         void* decoded = nullptr;
         program::decode_result in =
-            program::run_uper_decode(codec_.get(), &decoded, bytes.data(), bytes.size());
+            program::run_uper_decode(codec_.get(), nullptr, &decoded, bytes.data(), bytes.size());
         orlenta_free_value(codec_.get(), decoded);
         uint8_t* encoded = nullptr;
         program::encode_result out = program::run_uper_encode(codec_.get(), &encoded, value);
@@ -141,6 +142,18 @@ class Subject {
     const orlenta_codec* codec() const { return codec_.get(); }
 
   private:
+    void decode_in_arena(const Bytes& bytes, void* value, int64_t result, const asn1_error& walkers_error) {
+        asn1_error error = {};
+        orlenta_arena_value in_arena;
+        int64_t used = orlenta_uper_decode_arena(codec_.get(), arena_.get(), &in_arena, bytes.data(),
+                                                 bytes.size(), &error);
+        EXPECT_TRUE(used == result && error == walkers_error && !value == !in_arena.record)
+            << hex_of(bytes) << "\nwalker: " << text_of(walkers_error, result)
+            << "\narena:  " << text_of(error, used);
+        EXPECT_TRUE(!value || !in_arena.record || asn1_cmp_value(type_, value, in_arena.record) == 0);
+        if (random_() % 2 == 0) orlenta_arena_reset(arena_.get());
+    }
+
     template <typename Word>
     void encode_with(const void* value, void* place, Word word) {
         Word before;
@@ -150,8 +163,14 @@ class Subject {
         memcpy(place, &before, sizeof before);
     }
 
+    struct DestroyArena {
+        void operator()(orlenta_arena* arena) const { orlenta_arena_destroy(arena); }
+    };
+
     Type type_;
     Codec codec_;
+    std::unique_ptr<orlenta_arena, DestroyArena> arena_{orlenta_arena_create(1)};
+    std::minstd_rand random_;
     Tally& tally_;
 };
 
