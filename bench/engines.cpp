@@ -12,7 +12,14 @@ namespace bench {
 
 // ---- programs ---------------------------------------------------------------------------------------------
 
-// Made at the first message of a type, outside of what is measured; one comparison finds it at the others.
+// Of a chunk that holds any of the messages.
+static orlenta_arena* arena() {
+    static orlenta_arena* const one = orlenta_arena_create(256 * 1024);
+    return one;
+}
+
+// Made, and the arena with it, at the first message of a type, outside of what is measured; one comparison finds it at
+// the others.
 static const orlenta_codec* codec_of(const asn1_type_desc* type) {
     static const asn1_type_desc* last = nullptr;
     static orlenta_codec* codec = nullptr;
@@ -20,6 +27,7 @@ static const orlenta_codec* codec_of(const asn1_type_desc* type) {
     orlenta_codec_free(codec);
     codec = orlenta_codec_new(type);
     last = type;
+    arena();
     return codec;
 }
 
@@ -35,14 +43,25 @@ static int64_t encode_uper(uint8_t** out, const asn1_type_desc* type, const void
 
 static void release(const asn1_type_desc* type, void* value) { orlenta_free_value(codec_of(type), value); }
 
+static int64_t decode_uper_arena(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
+                                 asn1_error* error) {
+    orlenta_arena_value value;
+    int64_t used = orlenta_uper_decode_arena(codec_of(type), arena(), &value, data, size, error);
+    *out = const_cast<void*>(value.record);
+    return used;
+}
+
+static void reset_arena(const asn1_type_desc*, void*) { orlenta_arena_reset(arena()); }
+
 // ---- all --------------------------------------------------------------------------------------------------
 
 std::vector<Engine> all_engines() {
     std::vector<Engine> engines;
     for (const cli::Rules& rules : cli::all_rules()) {
         engines.push_back({&rules, "walker", rules.decode, asn1_free_value, rules.encode});
-        if (std::strcmp(rules.name, "uper") == 0)
-            engines.push_back({&rules, "program", decode_uper, release, encode_uper});
+        if (std::strcmp(rules.name, "uper") != 0) continue;
+        engines.push_back({&rules, "program", decode_uper, release, encode_uper});
+        engines.push_back({&rules, "arena", decode_uper_arena, reset_arena, encode_uper});
     }
     return engines;
 }

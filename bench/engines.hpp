@@ -13,7 +13,9 @@ namespace bench {
 
 struct Engine {
     const cli::Rules* rules;
-    const char* name;  // "walker": the descriptor is walked with the value; "program": a codec made once is run
+    // "walker": the descriptor is walked with the value. "program": a codec made once is run. "arena": the same,
+    // decoded into an arena.
+    const char* name;
     int64_t (*decode)(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
                       asn1_error* error);
     void (*release)(const asn1_type_desc* type, void* value);

@@ -15,8 +15,9 @@
 // ---- an allocator that costs the same everywhere --------------------------------------------------------------
 
 // Blocks one behind the other, each behind its size, and never given back: what malloc does differs between systems
-// and with what was allocated before. The room is that of the messages as values and of one encoding at a time.
-alignas(16) static char room[1 << 22];
+// and with what was allocated before. The room is that of the messages as values, of one encoding at a time, and of
+// making programs.
+alignas(16) static char room[1 << 25];
 static size_t used = 0;
 static uint64_t allocations = 0;
 

@@ -1,0 +1,101 @@
+// Any bytes, for any table: a program and the walker come to the same, on the heap and in an arena. The first two bytes
+// choose the table.
+#include <orlenta/codec.h>
+#include <orlenta/memory.h>
+#include <orlenta/per.h>
+#include <orlenta/value.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unordered_map>
+#include <vector>
+
+#include "compiler/emit/catalogue_entry.hpp"
+#include "core/descriptor.hpp"
+
+namespace {
+
+struct Report {
+    asn1_error error = {};
+    int64_t result = -1;
+};
+
+}  // namespace
+
+static const orlenta_catalogue_entry* entry;
+
+static void require(bool condition, const char* text, const Report& walker, const Report& program) {
+    if (condition) return;
+    std::fprintf(stderr, "%s: %s\n", entry->table, text);
+    for (const Report* report : {&walker, &program})
+        std::fprintf(stderr, "%lld, bit %d, at \"%s\": %s\n", static_cast<long long>(report->result),
+                     report->error.bit_position, report->error.path, report->error.message);
+    std::abort();
+}
+
+static void require_same(const Report& walker, const Report& program) {
+    require(walker.result == program.result, "another result", walker, program);
+    require(walker.error.line == program.error.line &&
+                walker.error.bit_position == program.error.bit_position &&
+                std::strcmp(walker.error.path, program.error.path) == 0 &&
+                std::strcmp(walker.error.message, program.error.message) == 0,
+            "another report", walker, program);
+}
+
+static std::vector<orlenta_catalogue_entry> all_tables() {
+    std::vector<orlenta_catalogue_entry> tables;
+#define row(region)                                                                \
+    for (size_t i = 0; i < orlenta_catalogue_##region##_count; ++i)                \
+        if (orlenta::kind_of(orlenta_catalogue_##region[i].type) <= ASN1_KIND_ANY) \
+            tables.push_back(orlenta_catalogue_##region[i]);
+    ORLENTA_REGION_ROWS
+#undef row
+    return tables;
+}
+
+static const orlenta_codec* codec_of(const asn1_type_desc* type) {
+    static std::unordered_map<const asn1_type_desc*, orlenta_codec*> codecs;
+    orlenta_codec*& codec = codecs[type];
+    if (!codec) codec = orlenta_codec_new(type);
+    return codec;
+}
+
+static void compare_encodings(const orlenta_codec* codec, const void* value) {
+    Report walker, program;
+    uint8_t* bytes[2] = {};
+    walker.result = asn1_uper_encode2(&bytes[0], entry->type, value, &walker.error);
+    program.result = orlenta_uper_encode2(codec, &bytes[1], value, &program.error);
+    require_same(walker, program);
+    bool same = walker.result < 0 || std::memcmp(bytes[0], bytes[1], static_cast<size_t>(walker.result)) == 0;
+    require(same, "other bytes", walker, program);
+    for (uint8_t* each : bytes) asn1_free(each);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const std::vector<orlenta_catalogue_entry> tables = all_tables();
+    static orlenta_arena* const arena = orlenta_arena_create(512);
+    if (size < 2) return 0;
+    entry = &tables[(data[0] << 8 | data[1]) % tables.size()];
+    const orlenta_codec* codec = codec_of(entry->type);
+
+    Report walker, program, in_arena;
+    void* value[2] = {};
+    orlenta_arena_value kept = {};
+    walker.result = asn1_uper_decode(&value[0], entry->type, data + 2, size - 2, &walker.error);
+    program.result = orlenta_uper_decode(codec, &value[1], data + 2, size - 2, &program.error);
+    in_arena.result = orlenta_uper_decode_arena(codec, arena, &kept, data + 2, size - 2, &in_arena.error);
+    require_same(walker, program);
+    require_same(walker, in_arena);
+    if (walker.result >= 0) {
+        require(asn1_cmp_value(entry->type, value[0], value[1]) == 0, "another value", walker, program);
+        require(asn1_cmp_value(entry->type, value[0], kept.record) == 0, "another value in the arena", walker,
+                in_arena);
+        compare_encodings(codec, value[0]);
+        compare_encodings(codec, kept.record);
+    }
+    orlenta_free_value(codec, value[0]);
+    asn1_free_value(entry->type, value[1]);
+    orlenta_arena_reset(arena);
+    return 0;
+}
