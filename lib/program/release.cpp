@@ -31,8 +31,13 @@ static void release_list(releaser* r, const op* o, asn1_array* array) {
     if (l->owns && array->data) {
         const op* element = &r->code->ops[l->element];
         uint8_t* at = static_cast<uint8_t*>(array->data);
-        for (uint8_t* end = at + l->stride * array->count; at != end; at += l->stride)
-            release_op(r, element, at);
+        uint8_t* end = at + l->stride * array->count;
+        if (element->kind == kSequence) {
+            const sequence* s = &r->code->sequences[element->part];
+            for (; at != end; at += l->stride) release_sequence(r, s, at);
+        } else {
+            for (; at != end; at += l->stride) release_op(r, element, at);
+        }
     }
     asn1_free(array->data);
 }

@@ -37,6 +37,7 @@ struct decoder {
 }  // namespace
 
 #define HOT static inline __attribute__((always_inline))
+#define WARM static __attribute__((noinline))  // so that small ops pay for no large frame
 #define COLD static __attribute__((noinline, cold))
 
 static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_position position);
@@ -126,7 +127,7 @@ HOT bit_position decode_group(decoder* d, const op* o, uint8_t* record, bit_posi
     return position + o->width;
 }
 
-static bit_position decode_big_integer(decoder* d, const op* o, asn1_integer* value, bit_position position) {
+WARM bit_position decode_big_integer(decoder* d, const op* o, asn1_integer* value, bit_position position) {
     if (!has_bits(d, position, o->width)) return kRefused;
     uint64_t number = top_bits(window_at(d, position), o->width);
     if (number > (uint64_t{o->range} << 32 | o->low)) return kRefused;
@@ -216,21 +217,21 @@ HOT bit_position fail_string(decoder* d, const op* o, void* string, bit_position
     return failure == kOtherForm ? by_walker(d, o, string, position) : failure;
 }
 
-static bit_position decode_octets(decoder* d, const op* o, asn1_string* string, bit_position position) {
+WARM bit_position decode_octets(decoder* d, const op* o, asn1_string* string, bit_position position) {
     bit_position contents = begin_string(d, o, string, position, 8, 1);
     if (is_failure(contents)) return fail_string(d, o, string, position, contents);
     copy_bits(d, contents, string->data, string->length * 8);
     return contents + string->length * 8;
 }
 
-static bit_position decode_bits(decoder* d, const op* o, asn1_bit_string* string, bit_position position) {
+WARM bit_position decode_bits(decoder* d, const op* o, asn1_bit_string* string, bit_position position) {
     bit_position contents = begin_string(d, o, string, position, 1, 8);
     if (is_failure(contents)) return fail_string(d, o, string, position, contents);
     copy_bits(d, contents, string->data, string->length);
     return contents + string->length;
 }
 
-static bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit_position position) {
+WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit_position position) {
     uint32_t width = o->count;
     bit_position contents = begin_string(d, o, string, position, width, 1);
     if (is_failure(contents)) return fail_string(d, o, string, position, contents);
@@ -320,7 +321,7 @@ static __attribute__((noinline)) bit_position decode_growing(decoder* d, const o
     return position;
 }
 
-static bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_position position) {
+WARM bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_position position) {
     uint32_t count;
     bit_position contents = get_length(d, o, position, &count);
     if (contents == kOtherForm) return by_walker(d, o, array, position);
@@ -433,7 +434,7 @@ static bit_position decode_raw(decoder* d, asn1_open_value* open, bit_position p
     return position + uint64_t{length} * 8;
 }
 
-static bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bit_position position) {
+WARM bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bit_position position) {
     asn1_open_value* open = reinterpret_cast<asn1_open_value*>(value);
     const asn1_type_desc* type;
     const open_type_row* row = find_row(d, o, value, &type);
@@ -447,7 +448,7 @@ static bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bi
     return leave(d, outer, decode_op(d, &d->code->ops[row->op], static_cast<uint8_t*>(open->data), position));
 }
 
-static bit_position decode_indirect(decoder* d, const op* o, uint8_t* value, bit_position position) {
+WARM bit_position decode_indirect(decoder* d, const op* o, uint8_t* value, bit_position position) {
     if (!has_stack(&d->stack)) return kNotMine;
     uint8_t* record = static_cast<uint8_t*>(take_record(d, o->low));
     if (!record) return kNoMemory;
@@ -471,7 +472,7 @@ static bit_position decode_extension(decoder* d, const op* o, uint8_t* record, b
     return decode_wrapped(d, &d->code->ops[c->ops + selector], record + c->payload, position);
 }
 
-static bit_position decode_choice(decoder* d, const op* o, uint8_t* record, bit_position position) {
+WARM bit_position decode_choice(decoder* d, const op* o, uint8_t* record, bit_position position) {
     const choice* c = &d->code->choices[o->part];
     if (!has_bits(d, position, o->width)) return kRefused;  // an extension is longer
     uint64_t selector = top_bits(window_at(d, position), o->width);
@@ -572,6 +573,8 @@ HOT bit_position run_ops(decoder* d, const op* o, uint64_t todo, uint8_t* record
             case kSequence:
                 position = decode_sequence(d, &d->code->sequences[o->part], value, position);
                 break;
+            case kList: position = decode_list(d, o, reinterpret_cast<asn1_array*>(value), position); break;
+            case kChoice: position = decode_choice(d, o, value, position); break;
             default: position = decode_op(d, o, value, position); break;
         }
         if (__builtin_expect(is_failure(position), 0)) return position;
