@@ -61,9 +61,19 @@ static void encode(benchmark::State& state, const Engine& engine, const Subject&
     set_counters(state, subject, static_cast<size_t>(size), allocations - before);
 }
 
+static void tell_given_up(const std::vector<Subject>& subjects) {
+    for (const Subject& subject : subjects) {
+        bench::GivenUp given_up = bench::given_up_by_program(subject.type, subject.value);
+        if (given_up.messages + given_up.parts != 0)
+            std::fprintf(stderr, "%s: left to the walker: %zu times as a whole, %zu parts\n",
+                         subject.message.name.c_str(), given_up.messages, given_up.parts);
+    }
+}
+
 static void register_all() {
     static const std::vector<Engine> engines = bench::all_engines();
     static const std::vector<Subject> subjects = bench::load_subjects();
+    tell_given_up(subjects);
     for (const Engine& engine : engines)
         for (const Subject& subject : subjects) {
             std::string name =

@@ -8,6 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "program/uper_decode.hpp"
+#include "program/uper_encode.hpp"
+
 namespace bench {
 
 // ---- programs ---------------------------------------------------------------------------------------------
@@ -52,6 +55,23 @@ static int64_t decode_uper_arena(void** out, const asn1_type_desc* type, const u
 }
 
 static void reset_arena(const asn1_type_desc*, void*) { orlenta_arena_reset(arena()); }
+
+GivenUp given_up_by_program(const asn1_type_desc* type, const void* value) {
+    namespace program = orlenta::program;
+    GivenUp given_up;
+    uint8_t* bytes = nullptr;
+    program::encode_result out = program::run_uper_encode(codec_of(type), &bytes, value);
+    given_up.messages += !out.is_done;
+    given_up.parts += out.walker_pieces;
+    void* decoded = nullptr;
+    program::decode_result in =
+        program::run_uper_decode(codec_of(type), nullptr, &decoded, bytes, out.octets);
+    given_up.messages += in.how != program::kDone;
+    given_up.parts += in.walker_pieces;
+    release(type, decoded);
+    asn1_free(bytes);
+    return given_up;
+}
 
 // ---- all --------------------------------------------------------------------------------------------------
 

@@ -29,4 +29,10 @@ std::vector<Engine> all_engines();
 // `value` by the engine, text on one line. Ends the program if it is refused.
 std::string encode_by(const Engine& engine, const asn1_type_desc* type, const void* value);
 
+// How often a program leaves a message, or a part of one, to the walker.
+struct GivenUp {
+    size_t messages = 0, parts = 0;
+};
+GivenUp given_up_by_program(const asn1_type_desc* type, const void* value);
+
 }  // namespace bench

@@ -383,7 +383,8 @@ TEST(Program, ScarceMemory) {
     int failures = 0;
     auto rows = vector_rows();
     for (size_t i = 0; i < rows.size(); i += 23) {
-        const auto& [row, type] = rows[i];
+        const VectorRow& row = rows[i].first;
+        const asn1_type_desc* type = rows[i].second;
         if (row.uper.size() > 400) continue;
         SCOPED_TRACE(row.region + " line " + std::to_string(row.line));
         Codec codec(orlenta_codec_new(type));
