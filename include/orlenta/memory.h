@@ -12,7 +12,9 @@ extern "C" {
 /* ---- allocator --------------------------------------------------------------------------------------------
  * All memory of the library comes from these three. They have weak binding: an application that defines functions
  * of these names has the whole library use them. A replacement must never answer a size of 0 with null, and must
- * be safe for concurrent calls if the application uses the library from several threads.
+ * be safe for concurrent calls if the application uses the library from several threads. One decode has at most 1 MiB
+ * and 4,096 bytes for each octet of its input at a time, the record of the outermost value apart, and fails with "not
+ * enough memory" where it would need more.
  */
 
 /* A block of `size` bytes (0 counts as 1), or null. */
