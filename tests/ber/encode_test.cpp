@@ -91,6 +91,17 @@ struct written {
     std::string digits() const { return to_digits(buf.data, buf.length); }
 };
 
+TEST(BerWriters, WriteNothingAfterAFailure) {
+    written w;
+    asn1_ber_put_tag(&w.buf, context(1), 0);
+    w.buf.failed = 1;  // there is room for more
+    asn1_ber_put_tag(&w.buf, context(31), 1);
+    asn1_ber_put_len_end(&w.buf, asn1_ber_put_len_start(&w.buf));
+    asn1_ber_put_len(&w.buf, 200);
+    asn1_ber_encode_int32(&w.buf, 5);
+    EXPECT_EQ(w.digits(), "81");
+}
+
 TEST(BerWriters, PutTags) {
     const struct {
         uint32_t tag;

@@ -326,6 +326,8 @@ TEST(CheckConstraints, KindsWithoutTest) {
         expect_outcome({"string", type, &null_data, nullptr});
     }
     expect_outcome({"ANY", kAny, &garbage, nullptr});
+    const asn1_open_value lost = {kBoolean, nullptr, 0};
+    expect_outcome({"ANY without a value", kAny, &lost, "value is missing"});
 }
 
 // A list of itself, deeper than any stack: a report, and no crash.

@@ -15,6 +15,8 @@ TEST(OerEncode, RefusesImpossibleValues) {
     const asn1_word kNoTag[] = {
         head(ASN1_KIND_CHOICE), num(1), num(32), num(0), num(8), ref(kAny), txt("any")};
     uint32_t first[8] = {};
+    const void* nowhere = nullptr;
+    const asn1_open_value lost = {kBoolean, nullptr, 0};
     const struct {
         const asn1_type_desc* type;
         const void* value;
@@ -25,6 +27,8 @@ TEST(OerEncode, RefusesImpossibleValues) {
         {kEnum, &fourth, "invalid enumerated value (4 >= 4)"},
         {kBits12, &bits, "invalid bit string size (13 expected=12)"},
         {kOctets2, &string, "invalid octet string size (3 expected=2)"},
+        {kTagged<0, kBoolean, ASN1_WORD0_INDIRECT>, &nowhere, "value is missing"},
+        {kAny, &lost, "value is missing"},
         {kClass, &string, ""},
     };
     for (const auto& c : kCases) {

@@ -49,6 +49,12 @@ TEST(PerSequence, ErrorsTellPositionAndPath) {
                         "integer outside range (9 0-7)", 14, "list[1].y");
     uint32_t bad[2] = {2, 0};
     expect_encode_error(kAligned, pick, bad, "choice value 2 out of range");
+    Type far =
+        sequence({{keep({head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT, context(2)), ref(kSmall)}), "far"}});
+    const asn1_open_value nowhere = {};
+    expect_encode_error(kUnaligned, far, &nowhere, "value is missing", 0, "far");
+    const asn1_open_value lost = {kBoolean, nullptr, 0};
+    expect_encode_error(kAligned, kAny, &lost, "value is missing");
     expect_refused({
         {kAligned, outer, "111 10 001 010 011 00", "reading after end of stream", 14, "list[1].y"},
         {kAligned, pick, "1 0010000", "reading after end of stream", 8, "byte"},
