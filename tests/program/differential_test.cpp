@@ -458,7 +458,7 @@ TEST(Program, SmallStacks) {
         ASSERT_NE(value, nullptr);
         void* by_program = nullptr;
         EXPECT_GT(orlenta_uper_decode(subject.codec(), &by_program, bytes.data(), bytes.size(), nullptr), 0);
-        run_on_stack(64 << 10, [&, &subject = subject, &bytes = bytes] {
+        run_on_stack(kTightStack, [&, &subject = subject, &bytes = bytes] {
             subject.decode(bytes);
             subject.encode(value.get());
             orlenta_free_value(subject.codec(), by_program);
