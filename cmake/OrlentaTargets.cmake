@@ -24,16 +24,19 @@ if(ORLENTA_SANITIZE)
     add_compile_options(-fsanitize=${ORLENTA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${ORLENTA_SANITIZE})
 endif()
-# Fuzzers steer by the branches that the library takes.
-if(ORLENTA_FUZZ)
-    add_compile_options(-fsanitize=fuzzer-no-link)
-endif()
+# Fuzzers steer by the branches that what they test takes.
+function(orlenta_fuzzed target)
+    if(ORLENTA_FUZZ)
+        target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+    endif()
+endfunction()
 
 # Compile options of everything that goes into the library: no C++ runtime, nothing visible that is not exported.
 # Exported functions call each other directly; only what preemptible.list names can be replaced.
 function(orlenta_library_options target)
     target_compile_options(${target} PRIVATE ${ORLENTA_WARNINGS} -fno-semantic-interposition
         $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)
+    orlenta_fuzzed(${target})
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/lib PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>)
     set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON
