@@ -29,6 +29,19 @@ const asn1_word kIdClassWithDefaults[] = {
 const asn1_word kRows[] = {at(&kOne),  ref(kBoolean), at(&kTwo), ref(kNull), at(&kTwo),
                            ref(kByte), at(&kThree),   num(0),    num(0),     ref(kNull)};
 
+// A key of two columns, by whose values together a row is found.
+const asn1_word kPairClass[] = {
+    // clang-format off
+    head(ASN1_KIND_OBJECT_CLASS, ASN1_WORD0_HAS_NAME), num(3),
+    num(ASN1_CLASS_FIELD_VALUE), ref(kByte), num(0), txt("&id"),
+    num(ASN1_CLASS_FIELD_VALUE), ref(kByte), num(0), txt("&part"),
+    num(ASN1_CLASS_FIELD_TYPE), num(0), num(0), txt("&Type"),
+    txt("PAIRS"),
+    // clang-format on
+};
+const asn1_word kPairs[] = {at(&kOne),  at(&kTwo), ref(kBoolean), at(&kOne), at(&kThree),
+                            ref(kNull), at(&kTwo), at(&kThree),   ref(kReal)};
+
 struct inner_record {
     uint32_t has_key, key;
 };
@@ -118,6 +131,32 @@ TEST(OpenType, SelectorsFindTheirComponent) {
     EXPECT_EQ(pick(1, {}, nullptr), kBoolean);
     EXPECT_EQ(asn1_get_constrained_type(&outer, kAny), nullptr);
     EXPECT_EQ(asn1_get_constrained_type(&outer, kByte), nullptr);
+}
+
+TEST(OpenType, TwoColumnsPickTheRow) {
+    const asn1_word constraint[] = {num(ASN1_CONSTRAINT_TABLE),
+                                    ref(kPairClass),
+                                    num(2),
+                                    ref(kPairs),
+                                    num(3),
+                                    num(2),
+                                    num(0),
+                                    num(1),
+                                    num(kLast),
+                                    num(1),  // inner.key, the second column
+                                    num(0),
+                                    num(kLast),
+                                    num(0)};
+    const asn1_word any[] = {head(ASN1_KIND_ANY, ASN1_WORD0_CONSTRAINED), ref(constraint)};
+    const struct {
+        uint32_t id, part;
+        const asn1_word* type;
+    } cases[] = {{1, 2, kBoolean}, {1, 3, kNull}, {2, 3, kReal}, {2, 2, nullptr}, {3, 1, nullptr}};
+    for (const auto& c : cases) {
+        outer_record record = {c.id, {1, c.part}};
+        asn1_parent_frame frame = {nullptr, kOuter, &record};
+        EXPECT_EQ(asn1_get_constrained_type(&frame, any), c.type) << c.id << " " << c.part;
+    }
 }
 
 TEST(OpenType, ContainedType) {

@@ -229,5 +229,16 @@ TEST(PerLists, LongAndSparse) {
     expect_decoded(kUnaligned, huge, "x00000001 1", "{TRUE}");
 }
 
+// Positions and indices go on from one fragment to the next.
+TEST(PerLists, ErrorsInTheSecondFragment) {
+    const int first = 8 + 3 * 16384 + 8;  // bits up to the elements behind the second length
+    std::string bits_of_first(3 * 16384, '1'), text = "{7";
+    for (int i = 1; i < 16384; ++i) text += ", 7";
+    expect_encode_error(kUnaligned, list(0, -1), (text + ", 7, 9}").c_str(), "integer outside range (9 0-7)",
+                        first + 3, "[16385]");
+    expect_refused({{kUnaligned, list(0, -1), ("xC1 " + bits_of_first + " x03 111 111").c_str(),
+                     "reading after end of stream", first + 6, "[16386]"}});
+}
+
 }  // namespace
 }  // namespace orlenta::test

@@ -153,17 +153,21 @@ TEST(PerExtensions, Errors) {
     expect_encode_error(kUnaligned, kV3, bad_b.get(), "integer outside range (8 0-7)", 0, "b");
 }
 
-// More than 64 positions take a general length; the bitmap goes out whole.
+// More than 64 positions take a general length; the bitmap goes out whole. A reader of an earlier version drops what
+// it does not know, also in fragments.
 TEST(PerExtensions, ManyAdditions) {
+    const std::string fragments = "xC1" + hex(octets(16384, 0x5A)).substr(1) + "0122";
     for (uint32_t count : {64u, 65u, 200u}) {
         std::vector<Component> additions(count, {integer(0, 255), "middle", kOptional, kAddition});
         additions.front().name = "first";
         additions.back().name = "last";
         std::string length = count == 64 ? "0 111111 " : count == 65 ? "1 | x41 " : "1 | x80C8 ";
-        std::string bitmap = "1" + std::string(count - 2, '0') + "1";
+        std::string head = "1 " + length + "1" + std::string(count - 2, '0') + "1 | x0111 ";
         Type type = sequence(additions, kExt);
-        expect_per(type, value_of(type, "{first 17, last 34}").get(),
-                   "1 " + length + bitmap + " | x0111 x0122");
+        expect_per(type, value_of(type, "{first 17, last 34}").get(), head + "x0122");
+        Type old_pair = sequence({{sequence({additions[0]}, kExt), "old"}, {kSmall, "after"}});
+        for (const Variant& variant : kVariants)
+            expect_decoded(variant, old_pair, head + fragments + " 110", "{old {first 17}, after 6}");
     }
 }
 
@@ -175,6 +179,12 @@ TEST(PerChoice, BothDirections) {
                  {versions, "c : 5", "1 0 000000 x01 101 00000"},
                  {versions, "d : NULL", "1 0 000001 x01 x00"}});
     expect_refused({{kUnaligned, versions, "1 0 000000 x00", "unexpected zero length", 16, "c"}});
+    std::vector<Component> many(66, {kSmall, "middle"});  // an index of 64 and more has a length of its own
+    many[64].name = "e63";
+    many[65].name = "e64";
+    Type wide = choice(65, many);
+    expect_rows(
+        {{wide, "e63 : 5", "1 0 111111 | x01 101 00000"}, {wide, "e64 : 5", "1 1 | x0140 x01 101 00000"}});
 
     // The earlier version keeps the index and drops the contents, so that what follows can be read.
     Type pair = sequence({{choice(0, {{kSmall, "a"}, {byte, "b"}}), "choice"}, {kSmall, "after"}});
