@@ -40,7 +40,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Layout layout;
     Diagnostics diags;
     std::vector<SourceText> sources = {{"t.asn1", std::string(reinterpret_cast<const char*>(data), size)}};
-    bool compiled = load_schema(sources, {}, schema, diags) && make_layout(schema, {"T", 1, false}, layout, diags);
+    bool compiled =
+        load_schema(sources, {}, schema, diags) && make_layout(schema, {"T", 1, false}, layout, diags);
     require(compiled == diags.errors.empty(), "a failure without an error, or an error without one");
     if (compiled) emit_all(layout);
     require(compiled || !errors_text(diags).empty(), "no text of the errors");

@@ -65,10 +65,10 @@ const Part* find_part(const std::vector<Part>& parts, const std::string& name) {
 }
 
 void put_choice(Image& image, uint64_t offset, const Value& value, const Type& type) {
-    const Alternative* chosen = find_part(type.alternatives, value.members[0].first);
+    const Alternative* chosen = find_part(type.alternatives, value.members[0].name);
     put_number(image, offset, chosen - type.alternatives.data(), 4);
     uint64_t payload = choice_record(image.builder.records, type).payload;
-    put_value(image, offset + payload, value.members[0].second, *resolved(chosen->type));
+    put_value(image, offset + payload, value.members[0].value, *resolved(chosen->type));
 }
 
 void put_sequence(Image& image, uint64_t offset, const Value& value, const Type& type) {
@@ -76,10 +76,10 @@ void put_sequence(Image& image, uint64_t offset, const Value& value, const Type&
     for (size_t i = 0; i < type.components.size(); i++) {
         const Component& component = type.components[i];
         auto given = std::find_if(value.members.begin(), value.members.end(),
-                                  [&](const auto& member) { return member.first == component.name; });
+                                  [&](const MemberValue& member) { return member.name == component.name; });
         bool present = given != value.members.end();
         if (present && record.slots[i].presence) put_number(image, offset + *record.slots[i].presence, 1, 4);
-        const Value* part = present                   ? &given->second
+        const Value* part = present                   ? &given->value
                             : component.default_value ? &*component.default_value
                                                       : nullptr;
         if (part) put_value(image, offset + record.slots[i].offset, *part, *resolved(component.type));

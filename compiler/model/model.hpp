@@ -79,6 +79,7 @@ struct NamedNumber {
 struct Type;
 struct NamedType;
 struct ObjectClass;
+struct MemberValue;
 
 // A tag, X.680 clause 31.
 struct Tag {
@@ -111,8 +112,13 @@ struct Value {
     std::string bytes;     // octets; bits (first bit is bit 7 of the first byte); text; OID contents octets
     size_t bit_count = 0;  // bits
     // constructed: the alternative, or the components, by name; of others the text in `bytes` is all that is known
-    std::vector<std::pair<std::string, Value>> members;
+    std::vector<MemberValue> members;
     Place place;
+};
+
+struct MemberValue {
+    std::string name;
+    Value value;
 };
 
 enum class Presence { mandatory, optional, defaulted };

@@ -351,14 +351,14 @@ std::optional<Value> resolve_choice(Resolver& resolver, const Governed& governed
     if (!chosen) return std::nullopt;
     Value value = make_value(governed, Value::Sort::constructed);
     value.bytes = value_text(governed.value);
-    value.members.emplace_back(found->name, std::move(*chosen));
+    value.members.push_back({found->name, std::move(*chosen)});
     return value;
 }
 
 // { a 1, b 2 }. What cannot be made out is left to the text.
-std::vector<std::pair<std::string, Value>> resolve_members(Resolver& resolver, const Governed& governed) {
+std::vector<MemberValue> resolve_members(Resolver& resolver, const Governed& governed) {
     const auto& components = governed.base.type->components;
-    std::vector<std::pair<std::string, Value>> members;
+    std::vector<MemberValue> members;
     size_t errors = resolver.diags.errors.size();
     try {
         Parser parser = parse_inner(resolver, governed.value);
@@ -371,7 +371,7 @@ std::vector<std::pair<std::string, Value>> resolve_members(Resolver& resolver, c
             if (found == components.end()) return {};
             auto member = resolve_value(resolver, *value, governed.scope, *found->type, *governed.base.scope);
             if (!member) break;
-            members.emplace_back(name, std::move(*member));
+            members.push_back({name, std::move(*member)});
         }
     } catch (const SyntaxError&) {
         members.clear();
