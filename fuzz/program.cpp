@@ -55,7 +55,7 @@ static std::vector<orlenta_catalogue_entry> all_tables() {
 }
 
 static const orlenta_codec* codec_of(const asn1_type_desc* type) {
-    static std::unordered_map<const asn1_type_desc*, orlenta_codec*> codecs;
+    static auto& codecs = *new std::unordered_map<const asn1_type_desc*, orlenta_codec*>;  // to the end
     orlenta_codec*& codec = codecs[type];
     if (!codec) codec = orlenta_codec_new(type);
     return codec;

@@ -1,6 +1,7 @@
 // BER decoding of SEQUENCE, SET and their lists (X.690 clauses 8.9 to 8.12).
 #include "ber/decoder.hpp"
 #include "core/growing_list.hpp"
+#include "core/presence.hpp"
 #include "core/tag.hpp"
 
 namespace orlenta::ber {
@@ -97,13 +98,15 @@ int asn1_ber_decode_sequence(asn1_ber_decoder* decoder, const asn1_type_desc* ty
                              int constructed) {
     if (require_constructed(decoder, constructed) != 0) return -1;
     sequence_walk walk = {type, value, component_count(type), 0, nullptr};
-    walk.seen = static_cast<uint8_t*>(allocate_zeroed(&decoder->memory, walk.count));
+    presence_bytes held;
+    walk.seen = begin_presence(&held, &decoder->memory, walk.count);
     if (walk.seen == nullptr) return report_no_memory(decoder);
+    memset(walk.seen, 0, walk.count);
     asn1_parent_frame frame = {decoder->frames, type, value};
     decoder->frames = &frame;
     int result = decode_components(decoder, &walk);
     decoder->frames = frame.parent;
-    release(&decoder->memory, walk.seen, walk.count);
+    end_presence(&held, &decoder->memory);
     return result;
 }
 

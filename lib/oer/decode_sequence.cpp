@@ -1,6 +1,7 @@
 // OER decoding of SEQUENCE, SET and their lists (X.696 clauses 16 to 19).
 #include "core/extension.hpp"
 #include "core/growing_list.hpp"
+#include "core/presence.hpp"
 #include "oer/decoder.hpp"
 
 namespace orlenta::oer {
@@ -74,11 +75,12 @@ static int decode_present(asn1_oer_decoder* decoder, const asn1_field* fields, u
 // ---- extension additions ----------------------------------------------------------------------------------
 
 static int decode_group_members(asn1_oer_decoder* decoder, const extension_unit& group, void* record) {
-    uint8_t* present = static_cast<uint8_t*>(allocate(&decoder->memory, group.count));
+    presence_bytes held;
+    uint8_t* present = begin_presence(&held, &decoder->memory, group.count);
     if (present == nullptr) return report_no_memory(decoder);
     int result = decode_group_presence(decoder, group, record, present);
     if (result == 0) result = decode_present(decoder, group.first, group.count, record, present);
-    release(&decoder->memory, present, group.count);
+    end_presence(&held, &decoder->memory);
     return result;
 }
 
@@ -136,11 +138,12 @@ static int decode_additions(asn1_oer_decoder* decoder, const asn1_type_desc* typ
 static int decode_root(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* record,
                        bit_cursor* bits) {
     uint32_t n = component_count(type);
-    uint8_t* present = static_cast<uint8_t*>(allocate(&decoder->memory, n));
+    presence_bytes held;
+    uint8_t* present = begin_presence(&held, &decoder->memory, n);
     if (present == nullptr) return report_no_memory(decoder);
     int result = decode_root_presence(decoder, type, record, bits, present);
     if (result == 0) result = decode_present(decoder, components(type), n, record, present);
-    release(&decoder->memory, present, n);
+    end_presence(&held, &decoder->memory);
     return result;
 }
 

@@ -133,14 +133,15 @@ static int encode_additions(asn1_oer_encoder* encoder, const sequence_walk& walk
 
 int asn1_oer_encode_sequence(asn1_oer_encoder* encoder, const asn1_type_desc* type, const void* value) {
     sequence_walk walk = {components(type), component_count(type), value, nullptr, nullptr, false};
-    walk.present = static_cast<uint8_t*>(asn1_malloc(walk.count + bitmap_size(walk)));
+    presence_bytes held;
+    walk.present = begin_presence(&held, static_cast<uint32_t>(walk.count + bitmap_size(walk)));
     if (walk.present == nullptr) return -1;
     walk.bitmap = walk.present + walk.count;
     find_presence(&walk);
     put_preamble(encoder, walk, is_extensible(type));
     int result = encode_root(encoder, walk);
     if (result == 0 && walk.any_extension) result = encode_additions(encoder, walk);
-    asn1_free(walk.present);
+    end_presence(&held);
     return result;
 }
 
