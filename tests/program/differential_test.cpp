@@ -448,7 +448,7 @@ TEST(Program, ReportOfScarceMemory) {
 // What a large stack decodes is released on a small one, and encoded or refused there. How deep a walk gets depends on
 // how deep it begins: reports differ by their place alone.
 TEST(Program, SmallStacks) {
-    Bytes tree(1500, 1), chain(200, 0xFF);
+    Bytes tree(5000, 1), chain(625, 0xFF);
     tree.push_back(0);
     chain.push_back(0);
     Tally tally;
