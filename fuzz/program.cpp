@@ -1,5 +1,5 @@
-// Any bytes, for any table: a program and the walker come to the same, on the heap and in an arena. The first two bytes
-// choose the table.
+// Any bytes, for any table: a program and the walker come to the same, on the heap and in an arena. The inputs are those
+// of fuzz_convert, whose rules play no part here.
 #include <orlenta/codec.h>
 #include <orlenta/memory.h>
 #include <orlenta/per.h>
@@ -9,10 +9,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <unordered_map>
-#include <vector>
 
-#include "compiler/emit/catalogue_entry.hpp"
-#include "core/descriptor.hpp"
+#include "fuzz/input.hpp"
 
 namespace {
 
@@ -43,17 +41,6 @@ static void require_same(const Report& walker, const Report& program) {
             "another report", walker, program);
 }
 
-static std::vector<orlenta_catalogue_entry> all_tables() {
-    std::vector<orlenta_catalogue_entry> tables;
-#define row(region)                                                                \
-    for (size_t i = 0; i < orlenta_catalogue_##region##_count; ++i)                \
-        if (orlenta::kind_of(orlenta_catalogue_##region[i].type) <= ASN1_KIND_ANY) \
-            tables.push_back(orlenta_catalogue_##region[i]);
-    ORLENTA_REGION_ROWS
-#undef row
-    return tables;
-}
-
 static const orlenta_codec* codec_of(const asn1_type_desc* type) {
     static auto& codecs = *new std::unordered_map<const asn1_type_desc*, orlenta_codec*>;  // to the end
     orlenta_codec*& codec = codecs[type];
@@ -73,18 +60,19 @@ static void compare_encodings(const orlenta_codec* codec, const void* value) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const std::vector<orlenta_catalogue_entry> tables = all_tables();
     static orlenta_arena* const arena = orlenta_arena_create(512);
-    if (size < 2) return 0;
-    entry = &tables[(data[0] << 8 | data[1]) % tables.size()];
+    if (size < fuzz::kHeadBytes) return 0;
+    entry = fuzz::table_of(fuzz::read_head(data)).entry;
+    data += fuzz::kHeadBytes;
+    size -= fuzz::kHeadBytes;
     const orlenta_codec* codec = codec_of(entry->type);
 
     Report walker, program, in_arena;
     void* value[2] = {};
     orlenta_arena_value kept = {};
-    walker.result = asn1_uper_decode(&value[0], entry->type, data + 2, size - 2, &walker.error);
-    program.result = orlenta_uper_decode(codec, &value[1], data + 2, size - 2, &program.error);
-    in_arena.result = orlenta_uper_decode_arena(codec, arena, &kept, data + 2, size - 2, &in_arena.error);
+    walker.result = asn1_uper_decode(&value[0], entry->type, data, size, &walker.error);
+    program.result = orlenta_uper_decode(codec, &value[1], data, size, &program.error);
+    in_arena.result = orlenta_uper_decode_arena(codec, arena, &kept, data, size, &in_arena.error);
     require_same(walker, program);
     require_same(walker, in_arena);
     if (walker.result >= 0) {
