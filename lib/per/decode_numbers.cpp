@@ -51,7 +51,8 @@ int asn1_per_decode_unconstrained_length(asn1_per_decoder* decoder, uint32_t* ou
 static int get_counted_octets(asn1_per_decoder* decoder, uint32_t* length, uint32_t* out) {
     if (asn1_per_decode_unconstrained_length(decoder, length) != 0) return -1;
     if (*length == 0 || *length > 4) {
-        return asn1_decode_error(decoder, "invalid unconstrainted length (%u)", *length);
+        asn1_decode_error(decoder, "invalid unconstrainted length (%u)", *length);
+        return -1;  // said here, so that the compiler knows that `out` is set after 0
     }
     return asn1_get_bits(decoder, 8 * *length, out);
 }
