@@ -47,7 +47,26 @@ static const uint8_t* skip_digits(const uint8_t* at, const uint8_t* end) {
     return at;
 }
 
+static bool goes_on_number(uint8_t c) { return is_digit(c) || c == '.' || c == 'e' || c == 'E'; }
+
+// What most numbers are: a few digits and no more. Else false, and nothing is taken.
+static bool lex_small_integer(text_parser* parser, text_integer* integer) {
+    const uint8_t* at = parser->cursor;
+    bool negative = *at == '-';
+    at += negative;
+    int64_t number = 0;
+    const uint8_t* end = parser->end - at > kSmallDigits ? at + kSmallDigits : parser->end;
+    for (; at < end && is_digit(*at); ++at) number = number * 10 + (*at - '0');
+    if (at < parser->end && goes_on_number(*at)) return false;
+    parser->cursor = at;
+    integer->is_long = false;
+    integer->number = negative ? -number : number;
+    return true;
+}
+
 int lex_number(text_parser* parser, bool lower_e, text_number* number) {
+    number->is_real = false;
+    if (lex_small_integer(parser, &number->integer)) return 0;
     const uint8_t* end = parser->end;
     const uint8_t* start = parser->cursor;
     const uint8_t* integer_end = skip_digits(start + (*start == '-'), end);
@@ -55,7 +74,6 @@ int lex_number(text_parser* parser, bool lower_e, text_number* number) {
     if (at < end && *at == '.') at = skip_digits(at + 1, end);
     if (at == end || !(*at == 'E' || (lower_e && *at == 'e'))) {
         parser->cursor = integer_end;
-        number->is_real = false;
         read_integer(start, integer_end, &number->integer);
         return 0;
     }

@@ -59,13 +59,13 @@ int32_t find_item(const enum_layout& items, const char* text, size_t length) {
 int32_t select_alternative(text_parser* parser, const choice_layout& choice, void* value, const char* name,
                            size_t length) {
     int32_t index = find_alternative(choice, name, length);
-    if (index < 0) return parse_error(parser, "choice '%s' not found", name);
+    if (index < 0) return parse_error(parser, "choice '%.*s' not found", shown_length(length), name);
     store32(at_offset(value, choice.selector_offset), static_cast<uint32_t>(index));
     return index;
 }
 
-int store_item(text_parser* parser, void* value, int32_t index, const char* name) {
-    if (index < 0) return parse_error(parser, "enumerated '%s' not found", name);
+int store_item(text_parser* parser, void* value, int32_t index, const char* name, size_t length) {
+    if (index < 0) return parse_error(parser, "enumerated '%.*s' not found", shown_length(length), name);
     store32(value, static_cast<uint32_t>(index));
     return 0;
 }
@@ -120,20 +120,20 @@ int open_sequence(text_parser* parser, text_sequence* sequence, const asn1_type_
     memset(sequence->seen, 0, sequence->count);
     sequence->fields = components(type);
     sequence->expected = 0;
+    sequence->read = 0;
     sequence->record = record;
     sequence->frame = {parser->frames, type, record};
     parser->frames = &sequence->frame;
     return 0;
 }
 
-// Looks at the expected component first: texts mostly keep to the order of the type.
+// Looks from the expected component on first: texts mostly keep to the order of the type.
 static const asn1_field* find_component(const text_sequence* sequence, const char* name, size_t length) {
     const asn1_field* fields = sequence->fields;
-    uint32_t expected = sequence->expected;
-    if (expected < sequence->count && cstr_equal(name, length, field_name(fields + expected))) {
-        return fields + expected;
+    for (uint32_t i = sequence->expected; i < sequence->count; ++i) {
+        if (cstr_equal(name, length, field_name(fields + i))) return fields + i;
     }
-    for (uint32_t i = 0; i < sequence->count; ++i) {
+    for (uint32_t i = 0; i < sequence->expected; ++i) {
         if (cstr_equal(name, length, field_name(fields + i))) return fields + i;
     }
     return nullptr;
@@ -143,12 +143,12 @@ const asn1_field* claim_component(text_parser* parser, text_sequence* sequence, 
                                   size_t length) {
     const asn1_field* field = find_component(sequence, name, length);
     if (!field) {
-        parse_error(parser, "sequence/set component '%s' not found", name);
+        parse_error(parser, "sequence/set component '%.*s' not found", shown_length(length), name);
         return nullptr;
     }
     uint32_t index = static_cast<uint32_t>(field - sequence->fields);
     if (sequence->seen[index]) {
-        parse_error(parser, "sequence/set component %s defined twice", name);
+        parse_error(parser, "sequence/set component %.*s defined twice", shown_length(length), name);
         return nullptr;
     }
     sequence->expected = index + 1;
@@ -157,6 +157,7 @@ const asn1_field* claim_component(text_parser* parser, text_sequence* sequence, 
 
 // DEFAULT components that the text left out, then the rules of presence.
 static int complete_sequence(text_parser* parser, const text_sequence* sequence) {
+    if (sequence->read == sequence->count) return 0;
     if (fill_defaults(&parser->memory, sequence->fields, sequence->count, sequence->record, sequence->seen) !=
         0) {
         return parse_error(parser, kNotEnoughMemory);
@@ -176,14 +177,6 @@ int close_sequence(text_parser* parser, text_sequence* sequence, int result) {
     if (sequence->seen != sequence->seen_inline) release(&parser->memory, sequence->seen, sequence->count);
     parser->frames = sequence->frame.parent;
     return result;
-}
-
-// ---- lists between brackets, separated by commas ----------------------------------------------------------
-
-int end_item(text_parser* parser, char closing, bool* is_last) {
-    *is_last = parser->token == static_cast<uint32_t>(closing);
-    if (*is_last || parser->token == ',') return 0;
-    return parse_error(parser, "expecting ',' or '%c'", closing);
 }
 
 // ---- beginning and end of a decode ------------------------------------------------------------------------

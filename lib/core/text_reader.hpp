@@ -82,23 +82,30 @@ inline void skip_white_space(text_parser* parser) {
 
 // ---- lookup by name ---------------------------------------------------------------------------------------
 
-// Whether the NUL-terminated `name` is exactly the `length` bytes of `text`.
+// Whether the NUL-terminated `name` is exactly the `length` bytes of `text`. Most differ in their first byte, and most
+// names are too short to be worth a call.
 inline bool cstr_equal(const char* text, size_t length, const char* name) {
-    if (length == 0) return name[0] == '\0';
-    return name[0] == text[0] && strlen(name) == length && memcmp(name, text, length) == 0;
+    size_t i = 0;
+    while (i < length && name[i] != '\0' && name[i] == text[i]) ++i;
+    return i == length && name[i] == '\0';
+}
+
+// A name of the input as the arguments of "%.*s"; no message holds more of it.
+inline int shown_length(size_t length) {
+    constexpr size_t kMost = sizeof(asn1_error::message);
+    return static_cast<int>(length < kMost ? length : kMost);
 }
 
 // Index by name, or -1. Root and extension alternatives and items alike.
 int32_t find_alternative(const choice_layout& choice, const char* text, size_t length);
 int32_t find_item(const enum_layout& items, const char* text, size_t length);
 
-// Stores the selector of the alternative of this name, which ends in a NUL, and gives it; or -1 after "choice
-// '%s' not found".
+// Stores the selector of the alternative of this name, and gives it; or -1 after "choice '%s' not found".
 int32_t select_alternative(text_parser* parser, const choice_layout& choice, void* value, const char* name,
                            size_t length);
 
 // Stores an item's index as the value; "enumerated '%s' not found" if it is -1.
-int store_item(text_parser* parser, void* value, int32_t index, const char* name);
+int store_item(text_parser* parser, void* value, int32_t index, const char* name, size_t length);
 
 // ---- values -----------------------------------------------------------------------------------------------
 
@@ -129,6 +136,7 @@ struct text_sequence {
     const asn1_field* fields;
     uint32_t count;
     uint32_t expected;  // component that stands next if the text keeps to the order
+    uint32_t read;      // components read so far
     void* record;
     uint8_t* seen;  // one byte per component, non-zero once read
     uint8_t seen_inline[kSeenInline];
@@ -146,6 +154,7 @@ const asn1_field* claim_component(text_parser* parser, text_sequence* sequence, 
 inline void component_read(text_sequence* sequence, const asn1_field* field) {
     if (is_presence_flagged(field)) set_presence_word(field, sequence->record, 1);
     sequence->seen[field - sequence->fields] = 1;
+    ++sequence->read;
 }
 
 // Pops the frame. If `result` is 0, absent DEFAULT components are filled before, and the rules of presence
@@ -156,7 +165,11 @@ int close_sequence(text_parser* parser, text_sequence* sequence, int result);
 
 // Behind an item a comma or the closing bracket must be current, else "expecting ',' or '%c'". Tells whether it is
 // the bracket, so that the item was the last one; stepping over either is left to the caller.
-int end_item(text_parser* parser, char closing, bool* is_last);
+inline int end_item(text_parser* parser, char closing, bool* is_last) {
+    *is_last = parser->token == static_cast<uint32_t>(closing);
+    if (*is_last || parser->token == ',') return 0;
+    return parse_error(parser, "expecting ',' or '%c'", closing);
+}
 
 // ---- beginning and end of a decode ------------------------------------------------------------------------
 

@@ -7,8 +7,12 @@ namespace orlenta {
 
 // ---- the encoder ------------------------------------------------------------------------------------------
 
+// Texts of messages have some hundred bytes and more; growing there from 16 takes ten blocks.
+static constexpr uint64_t kFirstBlock = 512;
+
 void begin_text(text_encoder* encoder, int32_t depth, const text_hook& hook) {
     asn1_byte_buffer_init(&encoder->buffer);
+    reserve(&encoder->buffer, kFirstBlock);
     encoder->depth = depth;
     encoder->hook = hook;
     encoder->stack = begin_stack();
@@ -38,23 +42,45 @@ void put_spaces(asn1_byte_buffer* buf, int64_t n) {
 
 // ---- numbers ----------------------------------------------------------------------------------------------
 
+// The two digits of each number below 100.
+static constexpr char kDigitPairs[] =
+    "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
+    "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
+
+static uint32_t count_digits(uint32_t v) {
+    uint32_t count = 1;
+    for (; v >= 100; v /= 100) count += 2;
+    return count + (v >= 10);
+}
+
+// Prints at `at`, and gives the place behind it.
+static uint8_t* print_unsigned(uint8_t* at, uint32_t v) {
+    uint8_t* end = at + count_digits(v);
+    for (at = end; v >= 100; v /= 100) memcpy(at -= 2, kDigitPairs + v % 100 * 2, 2);
+    if (v >= 10) {
+        memcpy(at - 2, kDigitPairs + v * 2, 2);
+    } else {
+        at[-1] = static_cast<uint8_t>('0' + v);
+    }
+    return end;
+}
+
+static constexpr uint64_t kNumberRoom = 11;  // a sign and ten digits
+
 void put_unsigned(asn1_byte_buffer* buf, uint32_t v) {
-    char digits[10];
-    char* at = digits + sizeof digits;
-    do {
-        *--at = static_cast<char>('0' + v % 10);
-        v /= 10;
-    } while (v != 0);
-    asn1_put_bytes(buf, at, static_cast<uint64_t>(digits + sizeof digits - at));
+    if (!reserve(buf, kNumberRoom)) return;
+    buf->length = static_cast<uint64_t>(print_unsigned(buf->data + buf->length, v) - buf->data);
 }
 
 void put_signed(asn1_byte_buffer* buf, int32_t v) {
+    if (!reserve(buf, kNumberRoom)) return;
+    uint8_t* at = buf->data + buf->length;
     uint32_t magnitude = static_cast<uint32_t>(v);
     if (v < 0) {
-        put_char(buf, '-');
+        *at++ = '-';
         magnitude = 0 - magnitude;
     }
-    put_unsigned(buf, magnitude);
+    buf->length = static_cast<uint64_t>(print_unsigned(at, magnitude) - buf->data);
 }
 
 static int put_big_integer(asn1_byte_buffer* buf, const asn1_integer* value) {

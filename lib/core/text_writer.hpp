@@ -81,6 +81,14 @@ inline constexpr char kUpperHexDigits[] = "0123456789ABCDEF";
 
 inline void put_char(asn1_byte_buffer* buf, char c) { put_byte(buf, static_cast<uint8_t>(c)); }
 
+// A text of the program itself, without the NUL at its end.
+template <size_t size>
+inline void put_literal(asn1_byte_buffer* buf, const char (&text)[size]) {
+    if (!reserve(buf, size - 1)) return;
+    memcpy(buf->data + buf->length, text, size - 1);
+    buf->length += size - 1;
+}
+
 // Appends `n` spaces; nothing if `n` is below 1.
 void put_spaces(asn1_byte_buffer* buf, int64_t n);
 

@@ -50,7 +50,7 @@ int decode_enumerated(asn1_gser_parser* parser, const asn1_type_desc* type, void
     if (parser->token != GSER_TOKEN_IDENTIFIER) return parse_error(parser, "expecting enumerated identifier");
     const text_identifier* name = &parser->identifier;
     int32_t index = find_item(enum_of(type), name->text, name->length);
-    return store_item(parser, value, index, name->text) == 0 ? next_token(parser) : -1;
+    return store_item(parser, value, index, name->text, name->length) == 0 ? next_token(parser) : -1;
 }
 
 // ---- REAL -------------------------------------------------------------------------------------------------

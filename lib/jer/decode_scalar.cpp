@@ -25,9 +25,9 @@ int decode_boolean(asn1_jer_parser* parser, void* value) {
 
 int decode_enumerated(asn1_jer_parser* parser, const asn1_type_desc* type, void* value) {
     if (parser->token != JER_TOKEN_STRING) return parse_error(parser, "expecting enumerated string");
-    const char* name = string_text(parser);
-    int32_t index = find_item(enum_of(type), name, parser->contents.length);
-    return store_item(parser, value, index, name) == 0 ? next_token(parser) : -1;
+    const string_token& name = parser->string;
+    int32_t index = find_item(enum_of(type), name.text, name.length);
+    return store_item(parser, value, index, name.text, name.length) == 0 ? next_token(parser) : -1;
 }
 
 int decode_null(asn1_jer_parser* parser) {
@@ -42,7 +42,7 @@ static bool token_real(const asn1_jer_parser* parser, double* real) {
     static constexpr real_names names = {"INF", "-INF", "NaN", "-0"};
     switch (parser->token) {
         case JER_TOKEN_STRING:
-            return find_named_real(names, string_text(parser), parser->contents.length, real);
+            return find_named_real(names, parser->string.text, parser->string.length, real);
         case JER_TOKEN_REAL:
         case JER_TOKEN_INTEGER: return text_number_to_real(&parser->number, real);
         default: return false;
@@ -64,8 +64,10 @@ int decode_object_identifier(asn1_jer_parser* parser, const asn1_type_desc* type
         return parse_error(parser, "expecting %sobject identifier string", relative ? "relative " : "");
     }
     const char* invalid = relative ? "invalid relative object identifier" : "invalid object identifier";
-    int result = store_object_identifier(parser, static_cast<asn1_string*>(value), string_text(parser),
-                                         parser->contents.length, relative, invalid);
+    const char* text = terminated_string(parser);
+    if (!text) return -1;
+    int result = store_object_identifier(parser, static_cast<asn1_string*>(value), text,
+                                         parser->string.length, relative, invalid);
     return result == 0 ? next_token(parser) : -1;
 }
 

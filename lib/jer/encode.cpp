@@ -8,21 +8,23 @@
 namespace orlenta::jer {
 
 static int encode_boolean(asn1_jer_encoder* encoder, const void* value) {
-    asn1_puts(&encoder->buffer, load32(value) != 0 ? "true" : "false");
+    if (load32(value) != 0) {
+        put_literal(&encoder->buffer, "true");
+    } else {
+        put_literal(&encoder->buffer, "false");
+    }
     return 0;
 }
 
 static int encode_enumerated(asn1_jer_encoder* encoder, const asn1_type_desc* type, const void* value) {
     const char* name = item_name(type, value);
     if (!name) return -1;
-    put_char(&encoder->buffer, '"');
-    asn1_puts(&encoder->buffer, name);
-    put_char(&encoder->buffer, '"');
+    put_quoted(&encoder->buffer, '\0', name, '\0');
     return 0;
 }
 
 static int encode_null(asn1_jer_encoder* encoder) {
-    asn1_puts(&encoder->buffer, "null");
+    put_literal(&encoder->buffer, "null");
     return 0;
 }
 

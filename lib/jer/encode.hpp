@@ -16,19 +16,33 @@ inline void put_break(asn1_jer_encoder* encoder) {
     put_spaces(&encoder->buffer, encoder->depth * encoder->indent);
 }
 
-// "name": with the name as it stands.
-inline void put_name(asn1_jer_encoder* encoder, const char* name) {
-    asn1_byte_buffer* buf = &encoder->buffer;
+// "name" as it stands, in quotes, behind `before` and in front of `after`, unless these are 0.
+inline void put_quoted(asn1_byte_buffer* buf, char before, const char* name, char after) {
     size_t length = strlen(name);
     if (!reserve(buf, length + 4)) return;
     uint8_t* at = buf->data + buf->length;
+    *at = static_cast<uint8_t>(before);
+    at += before != 0;
     *at++ = '"';
     memcpy(at, name, length);
     at += length;
     *at++ = '"';
-    *at++ = ':';
-    if (encoder->indent != 0) *at++ = ' ';
+    *at = static_cast<uint8_t>(after);
+    at += after != 0;
     buf->length = static_cast<uint64_t>(at - buf->data);
+}
+
+// The name of a member, behind a comma unless it is the first one.
+inline void put_member_name(asn1_jer_encoder* encoder, bool is_first, const char* name) {
+    asn1_byte_buffer* buf = &encoder->buffer;
+    if (encoder->indent == 0) {
+        put_quoted(buf, is_first ? '\0' : ',', name, ':');
+        return;
+    }
+    if (!is_first) put_char(buf, ',');
+    put_break(encoder);
+    put_quoted(buf, '\0', name, ':');
+    put_char(buf, ' ');
 }
 
 // encode.cpp

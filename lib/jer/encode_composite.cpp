@@ -12,10 +12,8 @@ int encode_sequence(asn1_jer_encoder* encoder, const asn1_type_desc* type, const
     ++encoder->depth;
     for (; field < end; ++field) {
         if (!is_encoded(field, record)) continue;
-        if (!empty) put_char(&encoder->buffer, ',');
+        put_member_name(encoder, empty, field_name(field));
         empty = false;
-        put_break(encoder);
-        put_name(encoder, field_name(field));
         if (asn1_jer_encode_type(encoder, field_type(field), field_value(field, record)) != 0) return -1;
     }
     --encoder->depth;
@@ -47,8 +45,7 @@ int encode_choice(asn1_jer_encoder* encoder, const asn1_type_desc* type, const v
     if (selector >= choice.total) return -1;
     put_char(&encoder->buffer, '{');
     ++encoder->depth;
-    put_break(encoder);
-    put_name(encoder, alternative_name(choice, selector));
+    put_member_name(encoder, true, alternative_name(choice, selector));
     int result = asn1_jer_encode_type(encoder, alternative_type(choice, selector),
                                       at_offset(value, choice.payload_offset));
     --encoder->depth;

@@ -21,12 +21,9 @@ int encode_bit_string(asn1_jer_encoder* encoder, const asn1_type_desc* type, con
     }
     put_char(&encoder->buffer, '{');
     ++encoder->depth;
-    put_break(encoder);
-    put_name(encoder, "length");
+    put_member_name(encoder, true, "length");
     put_unsigned(&encoder->buffer, static_cast<uint32_t>(bits->length));
-    put_char(&encoder->buffer, ',');
-    put_break(encoder);
-    put_name(encoder, "value");
+    put_member_name(encoder, false, "value");
     print_hex(encoder, bits->data, bits->length);
     --encoder->depth;
     put_break(encoder);

@@ -8,7 +8,7 @@ namespace orlenta::jer {
 
 static void put_code_point(asn1_jer_parser* parser, uint32_t code) {
     put_utf8(&parser->contents, code);
-    ++parser->code_points;
+    ++parser->string.code_points;
 }
 
 // Reads exactly four hexadecimal digits and moves `*position` behind them; -1 if they are not there.
@@ -104,19 +104,33 @@ static void lex_plain(asn1_jer_parser* parser) {
     if (at == start) return;
     uint64_t length = static_cast<uint64_t>(at - start);
     asn1_byte_buffer* contents = &parser->contents;
-    if (reserve(contents, length + 1)) {
+    if (reserve(contents, length)) {
         memcpy(contents->data + contents->length, start, length);
         contents->length += length;
     }
-    parser->code_points += length;
+    parser->string.code_points += length;
     parser->cursor = at;
+}
+
+// What most strings are: plain up to the closing quote. The cursor is behind the opening one; else false, and it stays
+// there.
+static bool lex_plain_string(asn1_jer_parser* parser) {
+    const uint8_t* start = parser->cursor;
+    const uint8_t* at = skip_plain(start, parser->end);
+    if (at == parser->end || *at != '"') return false;
+    uint64_t length = static_cast<uint64_t>(at - start);
+    parser->string = {reinterpret_cast<const char*>(start), length, length};
+    parser->cursor = at + 1;
+    parser->token = JER_TOKEN_STRING;
+    return true;
 }
 
 // The cursor is on the opening quote.
 static int lex_string(asn1_jer_parser* parser) {
-    parser->contents.length = 0;
-    parser->code_points = 0;
     ++parser->cursor;
+    if (lex_plain_string(parser)) return 0;
+    parser->contents.length = 0;
+    parser->string.code_points = 0;
     for (;;) {
         lex_plain(parser);
         if (parser->cursor == parser->end) return parse_error(parser, "unterminated string");
@@ -126,11 +140,27 @@ static int lex_string(asn1_jer_parser* parser) {
         if (result != 0) return -1;
     }
     ++parser->cursor;
-    put_byte(&parser->contents, 0);
     if (parser->contents.failed) return parse_error(parser, kNotEnoughMemory);
-    --parser->contents.length;
+    parser->string.text = reinterpret_cast<const char*>(parser->contents.data);
+    parser->string.length = parser->contents.length;
     parser->token = JER_TOKEN_STRING;
     return 0;
+}
+
+const char* terminated_string(asn1_jer_parser* parser) {
+    asn1_byte_buffer* contents = &parser->contents;
+    string_token* string = &parser->string;
+    if (reinterpret_cast<const char*>(contents->data) != string->text) {
+        contents->length = 0;
+        asn1_put_bytes(contents, string->text, string->length);
+    }
+    put_byte(contents, 0);
+    if (contents->failed) {
+        parse_error(parser, kNotEnoughMemory);
+        return nullptr;
+    }
+    string->text = reinterpret_cast<const char*>(contents->data);
+    return string->text;
 }
 
 // ---- tokens -----------------------------------------------------------------------------------------------
@@ -162,18 +192,13 @@ static int lex_token(asn1_jer_parser* parser) {
     return 0;
 }
 
-int next_token(asn1_jer_parser* parser) {
+int lex_next(asn1_jer_parser* parser) {
     parser->token = JER_TOKEN_NONE;
     skip_white_space(parser);
     if (parser->cursor == parser->end) return 0;
     if (lex_token(parser) == 0) return 0;
     parser->token = JER_TOKEN_ERROR;
     return -1;
-}
-
-int skip_token(asn1_jer_parser* parser, uint32_t kind) {
-    if (parser->token != kind) return parse_error(parser, "expecting '%c'", static_cast<int>(kind));
-    return next_token(parser);
 }
 
 }  // namespace orlenta::jer

@@ -76,7 +76,9 @@ static int decode_item_text(asn1_xer_parser* parser, const asn1_type_desc* type,
     enum_layout items = enum_of(type);
     int32_t index = find_item(items, text_of(parser), parser->contents.length);
     if (index < 0) index = find_item_by_number(parser, type, items);
-    return store_item(parser, value, index, text_of(parser)) == 0 ? next_token(parser) : -1;
+    return store_item(parser, value, index, text_of(parser), parser->contents.length) == 0
+               ? next_token(parser)
+               : -1;
 }
 
 static int decode_item_tag(asn1_xer_parser* parser, const asn1_type_desc* type, void* value) {
@@ -85,7 +87,7 @@ static int decode_item_tag(asn1_xer_parser* parser, const asn1_type_desc* type, 
     }
     enum_layout items = enum_of(type);
     int32_t index = find_item(items, parser->name, parser->name_length);
-    if (store_item(parser, value, index, parser->name) != 0) return -1;
+    if (store_item(parser, value, index, parser->name, parser->name_length) != 0) return -1;
     return next_token(parser) == 0 ? skip_closing_tag(parser, items.names[index].text) : -1;
 }
 
