@@ -26,6 +26,18 @@ extern "C" {
  * descriptor whose alphabet is empty ends the process by abort(). */
 ORLENTA_API void* asn1_random(const asn1_type_desc* type, uint32_t seed);
 
+/* A new value of moderate size that satisfies every constraint known from the descriptor (orlenta_check passes it) and
+ * comes back the same from all encoding rules; the caller releases it by asn1_free_value (value.h).
+ *
+ * Sizes and numbers are within the root of extensible constraints, characters printable where the alphabet has such,
+ * reals finite. An open type holds a value of a type from its object set, and its key is set to that; one without a
+ * type to choose from is left out if it is optional, and else holds raw bytes, which the text rules do not take back.
+ * A string with a CONTAINING constraint holds a valid value in unaligned PER.
+ *
+ * From 40 levels or 600 parts on, what is missing gets its smallest content. Null if memory ran out, if the thread's
+ * stack does not bear the value, or if the type has no value that ends. */
+ORLENTA_API void* orlenta_random_valid(const asn1_type_desc* type, uint32_t seed);
+
 #ifdef __cplusplus
 }
 #endif

@@ -9,12 +9,12 @@
 
 namespace orlenta::check {
 
-static int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value);
-
 // A DEFAULT component is always stored, and so always checked.
 static int check_sequence(check_state* state, const asn1_type_desc* type, const void* record) {
     const asn1_field* field = components(type);
     const asn1_field* end = field + component_count(type);
+    asn1_parent_frame frame = {state->frames, type, record};
+    state->frames = &frame;
     for (; field < end; ++field) {
         if (is_presence_flagged(field) && presence_word(field, record) == 0) continue;
         push_name(&state->path, field_name(field));
@@ -22,6 +22,7 @@ static int check_sequence(check_state* state, const asn1_type_desc* type, const 
         pop(&state->path);
         if (result < 0) return result;
     }
+    state->frames = frame.parent;
     return 0;
 }
 
@@ -54,17 +55,21 @@ static int check_choice(check_state* state, const asn1_type_desc* type, const vo
     return result;
 }
 
-static int report_missing(check_state* state) { return asn1_check_error(state, "value is missing"); }
-
-// What an open type holds is not checked, but it must be there.
-static int check_open_value(check_state* state, const asn1_open_value* value) {
-    return value->type == nullptr || value->data != nullptr ? 0 : report_missing(state);
+// BIT STRING and OCTET STRING, whose records have one layout.
+static int check_octets(check_state* state, const asn1_type_desc* type, const void* value) {
+    int result = check_binary_string(state, type, value);
+    if (result < 0 || !state->is_whole) return result;
+    const asn1_type_desc* contained = asn1_get_containing_type(type);
+    if (!contained) return 0;
+    const asn1_string* string = static_cast<const asn1_string*>(value);
+    uint64_t size = kind_of(type) == ASN1_KIND_BIT_STRING ? (string->length + 7) / 8 : string->length;
+    return check_contained(state, contained, string->data, size);
 }
 
-static int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value) {
+int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value) {
     if (!has_stack(&state->stack)) return asn1_check_error(state, "value nested too deeply");
     while (kind_of(type) == ASN1_KIND_TAGGED) {
-        if (!enter_tag(type, value)) return report_missing(state);
+        if (!enter_tag(type, value)) return asn1_check_error(state, "value is missing");
     }
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE:
@@ -74,10 +79,10 @@ static int asn1_check_value(check_state* state, const asn1_type_desc* type, cons
         case ASN1_KIND_CHOICE: return check_choice(state, type, value);
         case ASN1_KIND_INTEGER: return check_integer(state, type, value);
         case ASN1_KIND_BIT_STRING:
-        case ASN1_KIND_OCTET_STRING: return check_binary_string(state, type, value);
+        case ASN1_KIND_OCTET_STRING: return check_octets(state, type, value);
         case ASN1_KIND_ENUMERATED: return check_enumerated(state, type, value);
         case ASN1_KIND_CHAR_STRING: return check_char_string(state, type, value);
-        case ASN1_KIND_ANY: return check_open_value(state, static_cast<const asn1_open_value*>(value));
+        case ASN1_KIND_ANY: return check_open_value(state, type, static_cast<const asn1_open_value*>(value));
         case ASN1_KIND_BOOLEAN:
         case ASN1_KIND_NULL:
         case ASN1_KIND_OBJECT_IDENTIFIER:
@@ -87,14 +92,24 @@ static int asn1_check_value(check_state* state, const asn1_type_desc* type, cons
     }
 }
 
+static int check_from_root(const asn1_type_desc* type, const void* value, bool is_whole, asn1_error* error) {
+    check_state state;
+    state.path.depth = 0;
+    asn1_error_init(&state.error);
+    state.stack = begin_stack();
+    state.is_whole = is_whole;
+    state.frames = nullptr;
+    if (asn1_check_value(&state, type, value) >= 0) return 1;
+    hand_out_error(error, &state.error);
+    return 0;
+}
+
 }  // namespace orlenta::check
 
 int asn1_check_constraints(const asn1_type_desc* type, const void* value, asn1_error* error) {
-    orlenta::check::check_state state;
-    state.path.depth = 0;
-    asn1_error_init(&state.error);
-    state.stack = orlenta::begin_stack();
-    if (orlenta::check::asn1_check_value(&state, type, value) >= 0) return 1;
-    orlenta::hand_out_error(error, &state.error);
-    return 0;
+    return orlenta::check::check_from_root(type, value, false, error);
+}
+
+int orlenta_check(const asn1_type_desc* type, const void* value, asn1_error* error) {
+    return orlenta::check::check_from_root(type, value, true, error);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <orlenta/error.h>
+#include <orlenta/type_info.h>
 
 #include "core/descriptor.hpp"
 #include "core/stack.hpp"
@@ -13,10 +14,19 @@ struct check_state {
     asn1_type_path path;
     asn1_error error;
     stack_guard stack;
+    bool is_whole;  // open types, contained values and the index of an ENUMERATED count as well
+    const asn1_parent_frame* frames;  // innermost SEQUENCE or SET, null outside
 };
 
 // Fills the record with the current path and the message; returns -1.
 int asn1_check_error(check_state* state, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+// check.cpp
+int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value);
+
+// inner.cpp
+int check_open_value(check_state* state, const asn1_type_desc* type, const asn1_open_value* value);
+int check_contained(check_state* state, const asn1_type_desc* contained, const uint8_t* data, uint64_t size);
 
 // numbers.cpp
 int check_integer(check_state* state, const asn1_type_desc* type, const void* value);

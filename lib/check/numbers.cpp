@@ -35,11 +35,11 @@ int check_integer(check_state* state, const asn1_type_desc* type, const void* va
     return check_signed_range(state, static_cast<int32_t>(load32(value)), lower, upper);
 }
 
-// The limit is no item count, but the address of the first item name (its low half) plus the extension count:
-// only words far out of range are caught. Users rely on indices above the last item passing.
+// Short of the whole check the limit is no item count, but the address of the first item name (its low half) plus the
+// extension count: only words far out of range are caught. Users rely on indices above the last item passing.
 int check_enumerated(check_state* state, const asn1_type_desc* type, const void* value) {
     enum_layout items = enum_of(type);
-    uint32_t limit = low32(items.names[0]) + (items.total - items.root);
+    uint32_t limit = state->is_whole ? items.total : low32(items.names[0]) + (items.total - items.root);
     if (load32(value) < limit) return 0;
     return asn1_check_error(state, "invalid enumerated value");
 }

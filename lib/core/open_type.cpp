@@ -1,7 +1,6 @@
-#include <orlenta/type_info.h>
-#include <orlenta/value.h>
+#include "core/open_type.hpp"
 
-#include "core/descriptor.hpp"
+#include <orlenta/value.h>
 
 using namespace orlenta;
 
@@ -49,17 +48,23 @@ static bool find_key(const asn1_word** selector, const asn1_parent_frame* frame,
     return true;
 }
 
+// The value that the row has for a key; null if the key's column is not one of values.
+static const void* key_of_row(const asn1_table_constraint* constraint, const asn1_word* row,
+                              uint32_t column) {
+    const asn1_class_field* field = &class_fields(constraint->object_class.type)[column];
+    if (class_field_sort(field) != ASN1_CLASS_FIELD_VALUE) return nullptr;
+    const void* value = row[column].address;
+    return value != nullptr ? value : field->default_value.address;
+}
+
 static bool row_matches(const asn1_table_constraint* constraint, const asn1_word* row,
                         const asn1_parent_frame* frame) {
     const asn1_word* selector = selectors_of(constraint);
     for (uint32_t i = 0, n = low32(constraint->selector_count); i < n; ++i) {
         key_component key;
         if (!find_key(&selector, frame, &key)) return false;
-        const asn1_class_field* field = &class_fields(constraint->object_class.type)[key.column];
-        if (class_field_sort(field) != ASN1_CLASS_FIELD_VALUE) return false;
-        const void* wanted = row[key.column].address;
-        if (wanted == nullptr) wanted = field->default_value.address;
-        if (asn1_cmp_value(key.type, key.value, wanted) != 0) return false;
+        const void* wanted = key_of_row(constraint, row, key.column);
+        if (wanted == nullptr || asn1_cmp_value(key.type, key.value, wanted) != 0) return false;
     }
     return true;
 }
@@ -77,14 +82,34 @@ static const asn1_word* find_row(const asn1_table_constraint* constraint, const 
     return found;
 }
 
+const asn1_type_desc* orlenta::type_of_row(const asn1_table_constraint* constraint, const asn1_word* row) {
+    uint32_t column = low32(constraint->column);
+    if (row[column].type != nullptr) return row[column].type;
+    return class_fields(constraint->object_class.type)[column].type.type;
+}
+
+bool orlenta::set_keys(const asn1_table_constraint* constraint, const asn1_word* row,
+                       const asn1_parent_frame* frame) {
+    const asn1_word* selector = selectors_of(constraint);
+    for (uint32_t i = 0, n = low32(constraint->selector_count); i < n; ++i) {
+        key_component key;
+        if (!find_key(&selector, frame, &key)) return false;
+        const void* wanted = key_of_row(constraint, row, key.column);
+        if (wanted == nullptr) return false;
+        void* place = const_cast<void*>(key.value);
+        int64_t size = asn1_get_size(key.type);
+        asn1_free_value_struct(key.type, place);
+        memset(place, 0, static_cast<size_t>(size));
+        if (asn1_copy_value(key.type, place, wanted) != 0) return false;
+    }
+    return true;
+}
+
 const asn1_type_desc* asn1_get_constrained_type(const asn1_parent_frame* frame, const asn1_type_desc* desc) {
     const asn1_table_constraint* constraint = table_constraint_of(desc);
     if (constraint == nullptr) return nullptr;
     const asn1_word* row = find_row(constraint, frame);
-    if (row == nullptr) return nullptr;
-    uint32_t column = low32(constraint->column);
-    if (row[column].type != nullptr) return row[column].type;
-    return class_fields(constraint->object_class.type)[column].type.type;
+    return row != nullptr ? type_of_row(constraint, row) : nullptr;
 }
 
 const asn1_type_desc* asn1_get_containing_type(const asn1_type_desc* desc) {

@@ -34,9 +34,13 @@ int random_large_uint(asn1_random_params* params, uint32_t default_bits, asn1_in
     return 0;
 }
 
+bool leaves_root(asn1_random_params* params, const asn1_type_desc* type) {
+    return is_extensible(type) && !params->is_valid && coin(params);
+}
+
 size_range choose_bounds(asn1_random_params* params, const asn1_type_desc* type, uint32_t lower,
                          uint32_t upper) {
-    if (is_extensible(type) && coin(params)) return {0, UINT32_MAX};
+    if (leaves_root(params, type)) return {0, UINT32_MAX};
     return {lower, upper};
 }
 

@@ -16,7 +16,7 @@ static uint32_t random_unbounded(asn1_random_params* params) {
 
 int asn1_random_integer(asn1_random_params* params, const asn1_type_desc* type, void* value) {
     integer_bounds bounds = integer_bounds_of(type);
-    bool unbounded = (is_extensible(type) && coin(params)) || (!bounds.has_lower && !bounds.has_upper);
+    bool unbounded = leaves_root(params, type) || (!bounds.has_lower && !bounds.has_upper);
     uint32_t number;
     if (unbounded) {
         number = random_unbounded(params);
@@ -45,15 +45,15 @@ static int random_large_between(asn1_random_params* params, const big_bounds& bo
 }
 
 int asn1_random_large_integer(asn1_random_params* params, const asn1_type_desc* type, asn1_integer* value) {
-    bool unbounded = is_extensible(type) && coin(params);
+    bool unbounded = leaves_root(params, type);
     big_bounds bounds = unbounded ? big_bounds{nullptr, nullptr} : big_bounds_of(type);
     asn1_integer_init(value);
     if (bounds.lower && bounds.upper) return random_large_between(params, bounds, value);
     if (random_large_uint(params, params->integer_bits, value, nullptr) < 0) return -1;
     if (bounds.lower) return asn1_integer_add_internal(value, value, bounds.lower, 0);
     if (bounds.upper) return asn1_integer_add_internal(value, bounds.upper, value, 1);
-    // The magnitude is not looked at: a negative zero may result, which codecs must bear.
-    if (coin(params)) value->negative = 1;
+    // The magnitude is not looked at but for valid values: a negative zero may result, which codecs must bear.
+    if (coin(params) && (!params->is_valid || value->size > 0)) value->negative = 1;
     return 0;
 }
 
@@ -81,8 +81,16 @@ static uint64_t random_finite_real(asn1_random_params* params, bool normal) {
     return mantissa == 0 ? 1 : mantissa;
 }
 
+// A fraction whose decimal digits are few, so that it stays the same in text.
+static int random_plain_real(asn1_random_params* params, void* value) {
+    double real = static_cast<double>(static_cast<int32_t>(draw(params))) / 1024;
+    memcpy(value, &real, sizeof real);
+    return 0;
+}
+
 int asn1_random_real(asn1_random_params* params, void* value) {
     if (is_worn_out(params)) return 0;  // the number 0; a draw of 0 means NaN
+    if (params->is_valid) return random_plain_real(params, value);
     uint32_t sort = draw(params) % 20;
     uint64_t bits = UINT64_C(0x7FF8000000000000);
     if (sort > 0) {

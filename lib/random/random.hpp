@@ -1,7 +1,7 @@
 // The generator and the parts of a random value. The order of draws is fixed: it decides the values.
 #pragma once
 
-#include <orlenta/type.h>
+#include <orlenta/type_info.h>
 
 #include "core/descriptor.hpp"
 #include "core/stack.hpp"
@@ -24,6 +24,9 @@ struct asn1_random_params {
     uint32_t depth;              // descriptors entered and not left
     bool is_refused;             // the stack or the type does not let the value end
     stack_guard stack;
+    bool is_valid;                    // keeps to every constraint, and to what all encoding rules can tell
+    uint32_t parts_left;              // is_valid: values to be made before it wears out
+    const asn1_parent_frame* frames;  // is_valid: innermost SEQUENCE or SET, null outside
 };
 
 // Levels of descriptors at which drawing ends. The draws alone end nearly every value of a recursive type far above
@@ -34,6 +37,10 @@ constexpr uint32_t kDepthLimit = 2048;
 
 // Levels behind the limit in which the smallest content must end.
 constexpr uint32_t kEndingLevels = 64;
+
+// Where a valid value wears out: levels, and values of all kinds made so far.
+constexpr uint32_t kValidDepth = 40;
+constexpr uint32_t kValidParts = 600;
 
 // ---- draws (generator.cpp) --------------------------------------------------------------------------------
 
@@ -76,7 +83,9 @@ int random_large_uint(asn1_random_params* params, uint32_t default_bits, asn1_in
 struct size_range {
     uint32_t minimum, maximum;
 };
-// The bounds that a length is drawn from: the root's, or, by a coin, none if the type is extensible.
+// Whether an extensible type gets a value from outside its root.
+bool leaves_root(asn1_random_params* params, const asn1_type_desc* type);
+// The bounds that a length is drawn from: the root's, or none outside it.
 size_range choose_bounds(asn1_random_params* params, const asn1_type_desc* type, uint32_t lower,
                          uint32_t upper);
 // A length at most `spread` above the minimum.
@@ -92,6 +101,8 @@ int asn1_random_choice(asn1_random_params* params, const asn1_type_desc* type, v
 // The alternative whose smallest value has the fewest levels, the first of several such; the number of alternatives
 // if none ends within kEndingLevels.
 uint32_t soonest_alternative(const choice_layout& choice);
+// Whether the type has values of a few levels whose open types are of known types.
+bool has_valid_value(const asn1_type_desc* type);
 
 // sequence.cpp
 int asn1_random_sequence(asn1_random_params* params, const asn1_type_desc* type, void* record);
@@ -109,5 +120,14 @@ int asn1_random_octet_string(asn1_random_params* params, const asn1_type_desc* t
 int asn1_random_char_string(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value);
 int asn1_random_object_identifier(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value);
 int asn1_random_any(asn1_random_params* params, asn1_open_value* value);
+
+// valid.cpp: the kinds of which valid values are made in a way of their own
+int random_valid_sequence(asn1_random_params* params, const asn1_type_desc* type, void* record);
+int random_valid_open_value(asn1_random_params* params, const asn1_type_desc* type, asn1_open_value* value);
+int random_contained(asn1_random_params* params, const asn1_type_desc* contained, asn1_string* value);
+uint32_t valid_alternative(asn1_random_params* params, const choice_layout& choice);
+
+// valid_text.cpp
+int random_valid_char_string(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value);
 
 }  // namespace orlenta::random

@@ -330,6 +330,52 @@ TEST(CheckConstraints, KindsWithoutTest) {
     expect_outcome({"ANY without a value", kAny, &lost, "value is missing"});
 }
 
+// ---- the whole check --------------------------------------------------------------------------------------
+
+const asn1_word kSmall[] = {head(ASN1_KIND_INTEGER, kBounds, 2), num(0), num(9)};
+const asn1_word kContainingSmall[] = {num(ASN1_CONSTRAINT_CONTAINING), ref(kSmall)};
+const asn1_word kHoldsSmall[] = {head(ASN1_KIND_OCTET_STRING, kLower | ASN1_WORD0_CONSTRAINED), num(0),
+                                 ref(kContainingSmall)};
+
+struct OpenRecord {
+    uint32_t id;
+    asn1_open_value value;
+};
+
+// All these pass asn1_check_constraints, which looks no further than the record.
+TEST(WholeCheck, SeesWhatIsInside) {
+    uint32_t truth = 1;
+    asn1_string octets = string("ab"), five = string("\x50"), twelve = string("\xC0"),
+                longer = string("\x50\x50"), nothing = string(""), by_ber = string("\x02\x01\x05");
+    uint32_t last_item = 3, no_item = 4;
+    OpenRecord fits = {2, {kOctets, &octets, 0}}, other_key = {1, {kOctets, &octets, 0}},
+               no_key = {7, {kBoolean, &truth, 0}}, raw = {2, {nullptr, nullptr, 0}};
+    asn1_open_value missed = {kHoldsSmall, &twelve, 0};
+    const CheckCase cases[] = {
+        {"last item", kEnum, &last_item, nullptr},
+        {"past the last item", kEnum, &no_item, "invalid enumerated value"},
+        {"open type of its key", kOpenRecord<kOpen>, &fits, nullptr},
+        {"of another key", kOpenRecord<kOpen>, &other_key, "open type does not fit its key", "value"},
+        {"of no key", kOpenRecord<kTaggedOpen>, &no_key, "open type does not fit its key", "value"},
+        {"raw bytes", kOpenRecord<kOpen>, &raw, nullptr},
+        {"contained", kHoldsSmall, &five, nullptr},
+        {"contained, by BER", kHoldsSmall, &by_ber, nullptr},
+        {"contained, out of range, in an open type", kAny, &missed,
+         "contained value: overflow in constrained whole number"},
+        {"contained, and more", kHoldsSmall, &longer, "contained value: it ends before the string does"},
+        {"nothing contained", kHoldsSmall, &nothing, "contained value: reading after end of stream"},
+    };
+    for (const CheckCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        asn1_error error = {};
+        EXPECT_EQ(asn1_check_constraints(c.type, c.value, nullptr), 1);
+        EXPECT_EQ(orlenta_check(c.type, c.value, nullptr), c.message ? 0 : 1);
+        EXPECT_EQ(orlenta_check(c.type, c.value, &error), c.message ? 0 : 1);
+        EXPECT_STREQ(error.message, c.message ? c.message : "");
+        EXPECT_STREQ(error.path, c.path);
+    }
+}
+
 // A list of itself, deeper than any stack: a report, and no crash.
 TEST(CheckConstraints, EndlessNesting) {
     asn1_word nest[] = {head(ASN1_KIND_SEQUENCE_OF, kLower), num(0), num(sizeof(asn1_array)), ref(nullptr),
