@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "program/uper_decode.hpp"
-#include "program/uper_encode.hpp"
+#include "program/per_decode.hpp"
+#include "program/per_encode.hpp"
 
 namespace bench {
 
@@ -34,54 +34,79 @@ static const orlenta_codec* codec_of(const asn1_type_desc* type) {
     return codec;
 }
 
-static int64_t decode_uper(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
-                           asn1_error* error) {
-    return orlenta_uper_decode(codec_of(type), out, data, size, error);
+template <auto kDecode>
+static int64_t decode(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
+                      asn1_error* error) {
+    return kDecode(codec_of(type), out, data, size, error);
 }
 
-static int64_t encode_uper(uint8_t** out, const asn1_type_desc* type, const void* value, const cli::Style&,
-                           asn1_error* error) {
-    return orlenta_uper_encode2(codec_of(type), out, value, error);
+template <auto kEncode>
+static int64_t encode(uint8_t** out, const asn1_type_desc* type, const void* value, const cli::Style&,
+                      asn1_error* error) {
+    return kEncode(codec_of(type), out, value, error);
 }
 
 static void release(const asn1_type_desc* type, void* value) { orlenta_free_value(codec_of(type), value); }
 
-static int64_t decode_uper_arena(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
-                                 asn1_error* error) {
+template <auto kDecode>
+static int64_t decode_in_arena(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
+                               asn1_error* error) {
     orlenta_arena_value value;
-    int64_t used = orlenta_uper_decode_arena(codec_of(type), arena(), &value, data, size, error);
+    int64_t used = kDecode(codec_of(type), arena(), &value, data, size, error);
     *out = const_cast<void*>(value.record);
     return used;
 }
 
 static void reset_arena(const asn1_type_desc*, void*) { orlenta_arena_reset(arena()); }
 
-GivenUp given_up_by_program(const asn1_type_desc* type, const void* value) {
+// One way there and back.
+template <auto kDecode, auto kEncode>
+static void add_given_up(const asn1_type_desc* type, const void* value, GivenUp& given_up) {
     namespace program = orlenta::program;
-    GivenUp given_up;
     uint8_t* bytes = nullptr;
-    program::encode_result out = program::run_uper_encode(codec_of(type), &bytes, value);
+    program::encode_result out = kEncode(codec_of(type), &bytes, value);
     given_up.messages += !out.is_done;
     given_up.parts += out.walker_pieces;
     void* decoded = nullptr;
-    program::decode_result in =
-        program::run_uper_decode(codec_of(type), nullptr, &decoded, bytes, out.octets);
+    program::decode_result in = kDecode(codec_of(type), nullptr, &decoded, bytes, out.octets);
     given_up.messages += in.how != program::kDone;
     given_up.parts += in.walker_pieces;
     release(type, decoded);
     asn1_free(bytes);
+}
+
+GivenUp given_up_by_program(const asn1_type_desc* type, const void* value) {
+    namespace program = orlenta::program;
+    GivenUp given_up;
+    add_given_up<program::run_uper_decode, program::run_uper_encode>(type, value, given_up);
+    add_given_up<program::run_aper_decode, program::run_aper_encode>(type, value, given_up);
     return given_up;
 }
 
 // ---- all --------------------------------------------------------------------------------------------------
 
+struct Programs {
+    const char* rules;
+    decltype(Engine::decode) decode, decode_in_arena;
+    decltype(Engine::encode) encode;
+};
+
+constexpr Programs kPrograms[] = {
+    {"uper", decode<orlenta_uper_decode>, decode_in_arena<orlenta_uper_decode_arena>,
+     encode<orlenta_uper_encode2>},
+    {"aper", decode<orlenta_aper_decode>, decode_in_arena<orlenta_aper_decode_arena>,
+     encode<orlenta_aper_encode2>},
+};
+
 std::vector<Engine> all_engines() {
     std::vector<Engine> engines;
     for (const cli::Rules& rules : cli::all_rules()) {
         engines.push_back({&rules, "walker", rules.decode, asn1_free_value, rules.encode});
-        if (std::strcmp(rules.name, "uper") != 0) continue;
-        engines.push_back({&rules, "program", decode_uper, release, encode_uper});
-        engines.push_back({&rules, "arena", decode_uper_arena, reset_arena, encode_uper});
+        for (const Programs& programs : kPrograms) {
+            if (std::strcmp(rules.name, programs.rules) != 0) continue;
+            engines.push_back({&rules, "program", programs.decode, release, programs.encode});
+            engines.push_back({&rules, "arena", programs.decode_in_arena, reset_arena, programs.encode});
+        }
     }
     return engines;
 }

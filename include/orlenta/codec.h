@@ -2,9 +2,11 @@
  * worked out once, into a compact program, and runs several times as fast. Values, bytes, results and error records are
  * the very same.
  *
- * A codec is made from any descriptor, takes up to a millisecond to make and some kilobytes (for the largest types of
- * LTE RRC some hundred), never changes, and may be used by any number of threads at once. Descriptors that it was made
- * from must stay.
+ * A codec is made from any descriptor and may be used by any number of threads at once. Descriptors that it was made
+ * from must stay. Each set of encoding rules has a program of its own, that takes up to a millisecond to make and some
+ * kilobytes (for the largest types of LTE RRC some hundred): the one for UNALIGNED PER is made with the codec, another
+ * one by the first call that needs it. A service that must not pay for that with a message decodes something first,
+ * nothing at all if need be. Where there is no memory for a program, messages go the descriptor's way.
  */
 #ifndef ORLENTA_CODEC_H
 #define ORLENTA_CODEC_H
@@ -37,6 +39,16 @@ ORLENTA_API int64_t orlenta_uper_decode(const orlenta_codec* codec, void** out, 
 ORLENTA_API int64_t orlenta_uper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,
                                          asn1_error* error);
 
+/* ---- ALIGNED PER ------------------------------------------------------------------------------------------*/
+
+/* As orlenta_uper_decode, by the rules of asn1_aper_decode (per.h). */
+ORLENTA_API int64_t orlenta_aper_decode(const orlenta_codec* codec, void** out, const uint8_t* data,
+                                        uint64_t size, asn1_error* error);
+
+/* As orlenta_uper_encode2, by the rules of asn1_aper_encode2 (per.h). */
+ORLENTA_API int64_t orlenta_aper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,
+                                         asn1_error* error);
+
 /* ---- arenas -----------------------------------------------------------------------------------------------
  * For who decodes, looks and throws away: all blocks of a value come from one arena, at a fraction of an allocator's
  * cost, and go with its reset. An arena serves one thread at a time.
@@ -60,8 +72,12 @@ ORLENTA_API void orlenta_arena_reset(orlenta_arena* arena);
 /* Ends all values in the arena, and releases it; null is allowed. */
 ORLENTA_API void orlenta_arena_destroy(orlenta_arena* arena);
 
-/* As orlenta_uper_decode, with the value in the arena, beside those that are there; a null `out->record` on failure. */
+/* As orlenta_uper_decode and orlenta_aper_decode, with the value in the arena, beside those that are there; a null
+ * `out->record` on failure. */
 ORLENTA_API int64_t orlenta_uper_decode_arena(const orlenta_codec* codec, orlenta_arena* arena,
+                                              orlenta_arena_value* out, const uint8_t* data, uint64_t size,
+                                              asn1_error* error);
+ORLENTA_API int64_t orlenta_aper_decode_arena(const orlenta_codec* codec, orlenta_arena* arena,
                                               orlenta_arena_value* out, const uint8_t* data, uint64_t size,
                                               asn1_error* error);
 

@@ -53,10 +53,11 @@ static int64_t asn1_per_decode(void** out, const asn1_type_desc* type, const uin
     return decode_to_new_value(&decoder, out, type, 0, error) == 0 ? bytes_used(&decoder) : -1;
 }
 
-int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_desc* type,
+int64_t decode_within(const decode_memory& memory, bool aligned, void** out, const asn1_type_desc* type,
                       const uint8_t* data, uint64_t size, asn1_error* error) {
     asn1_per_decoder decoder;
     begin(&decoder, data, size);
+    decoder.aligned = aligned;
     decoder.memory = memory;
     return decode_to_new_value(&decoder, out, type, 0, error) == 0 ? bytes_used(&decoder) : -1;
 }

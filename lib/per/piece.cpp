@@ -8,7 +8,7 @@ namespace orlenta::per {
 int decode_one(decode_piece* piece, const asn1_type_desc* type, void* value) {
     asn1_per_decoder decoder;
     decoder.source = piece->source;
-    decoder.aligned = 0;
+    decoder.aligned = piece->aligned;
     decoder.frames = piece->frames;
     decoder.path.depth = 0;
     decoder.stack = piece->stack;
@@ -20,10 +20,11 @@ int decode_one(decode_piece* piece, const asn1_type_desc* type, void* value) {
     return result;
 }
 
-int encode_one(bit_sink* sink, stack_guard* stack, const asn1_type_desc* type, const void* value) {
+int encode_one(bit_sink* sink, bool aligned, stack_guard* stack, const asn1_type_desc* type,
+               const void* value) {
     asn1_per_encoder encoder;
     begin_writing(&encoder);
-    encoder.aligned = 0;
+    encoder.aligned = aligned;
     encoder.is_piece = true;
     encoder.sink = *sink;
     encoder.stack = *stack;

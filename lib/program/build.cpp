@@ -1,4 +1,4 @@
-// Makes a codec: the builder's arrays, laid one behind the other in one block.
+// Makes a codec. A program is the builder's arrays, laid one behind the other in one block.
 #include "program/build.hpp"
 
 #include <orlenta/value.h>
@@ -67,16 +67,37 @@ static void free_arrays(builder* b) {
     for (void* block : blocks) asn1_free(block);
 }
 
-static orlenta_codec* finish_codec(builder* b, const asn1_type_desc* type, uint32_t root) {
-    uint64_t head = padded(sizeof(orlenta_codec));
+static const rule_program* finish_program(builder* b, uint32_t root) {
+    uint64_t head = padded(sizeof(rule_program));
     uint8_t* block = static_cast<uint8_t*>(asn1_malloc(head + total_size(*b)));
     if (!block) return nullptr;
-    orlenta_codec* codec = reinterpret_cast<orlenta_codec*>(block);
-    codec->type = type;
-    codec->record_size = static_cast<uint64_t>(asn1_get_size(type));
-    codec->root = root;
-    move_arrays(b, block + head, &codec->program);
-    return codec;
+    rule_program* made = reinterpret_cast<rule_program*>(block);
+    made->root = root;
+    move_arrays(b, block + head, &made->code);
+    return made;
+}
+
+const rule_program* build_program(const asn1_type_desc* type, rule rule) {
+    builder b = {};
+    b.aligned = rule == kAligned;
+    reserve_item(&b, &b.sets);  // the set of no rows
+    uint32_t root = whole_op(&b, type);
+    const rule_program* made = b.failed ? nullptr : finish_program(&b, root);
+    free_arrays(&b);
+    return made;
+}
+
+static void free_program(const rule_program* made) { asn1_free(const_cast<rule_program*>(made)); }
+
+const rule_program* make_program(const orlenta_codec* codec, rule rule) {
+    const rule_program* made = build_program(codec->type, rule);
+    const rule_program* first = nullptr;
+    if (!made || __atomic_compare_exchange_n(&codec->programs[rule], &first, made, false, __ATOMIC_ACQ_REL,
+                                             __ATOMIC_ACQUIRE)) {
+        return made;
+    }
+    free_program(made);  // another thread was faster
+    return first;
 }
 
 }  // namespace orlenta::program
@@ -85,12 +106,17 @@ using namespace orlenta::program;
 
 orlenta_codec* orlenta_codec_new(const asn1_type_desc* type) {
     if (orlenta::kind_of(type) > ASN1_KIND_ANY) return nullptr;  // no values
-    builder b = {};
-    reserve_item(&b, &b.sets);  // the set of no rows
-    uint32_t root = whole_op(&b, type);
-    orlenta_codec* codec = b.failed ? nullptr : finish_codec(&b, type, root);
-    free_arrays(&b);
-    return codec;
+    orlenta_codec* codec = static_cast<orlenta_codec*>(asn1_mallocz(sizeof(orlenta_codec)));
+    if (!codec) return nullptr;
+    codec->type = type;
+    codec->record_size = static_cast<uint64_t>(asn1_get_size(type));
+    if (make_program(codec, kUnaligned)) return codec;
+    asn1_free(codec);
+    return nullptr;
 }
 
-void orlenta_codec_free(orlenta_codec* codec) { asn1_free(codec); }
+void orlenta_codec_free(orlenta_codec* codec) {
+    if (!codec) return;
+    for (const rule_program* made : codec->programs) free_program(made);
+    asn1_free(codec);
+}

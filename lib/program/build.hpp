@@ -52,6 +52,7 @@ struct builder {
     growing<known_type> known;
     address_map type_at;   // types[], known[]
     address_map row_sets;  // row_ranges[], by table constraint if sorted, else by open type
+    bool aligned;          // for ALIGNED PER
     bool failed;           // memory
 };
 
@@ -114,15 +115,27 @@ type_facts facts_of(builder* b, const asn1_type_desc* type);
 // A number in a field of its own: BOOLEAN, INTEGER with two bounds, ENUMERATED; the extension bit is a part of it.
 struct leaf_form {
     bool is_leaf;
+    bool aligned;  // begins on an octet boundary
+    bool extensible;
     uint32_t low, range;
-    uint32_t width, extension;
+    uint32_t width;
 };
-leaf_form leaf_of(const asn1_type_desc* type);
+leaf_form leaf_of(bool aligned, const asn1_type_desc* type);
 
 // Bits that hold the numbers from 0 to `range`.
 uint32_t range_width(uint32_t range);
 
 // ---- ops ----------------------------------------------------------------------------------------------------
+
+// An op of which only the kind is told.
+inline op plain_op(op_kind kind, uint32_t offset, uint32_t presence, uint32_t type) {
+    op made = {};
+    made.kind = kind;
+    made.offset = offset;
+    made.presence = presence;
+    made.type = type;
+    return made;
+}
 
 // The op of a value at `offset` of its record.
 op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence);

@@ -1,29 +1,33 @@
 #include <orlenta/value.h>
 
 #include "per/char_params.hpp"
+#include "per/item_layout.hpp"
+#include "per/widths.hpp"
 #include "program/build.hpp"
 
 namespace orlenta::program {
 
 // ---- lengths ------------------------------------------------------------------------------------------------
 
-// A length by the bounds of a string or list. The walker's: one that is extensible and general in its root, since that is
-// two forms, and a bound from 2^31 on, which is not the same in both directions.
-static void set_length(op* made, bool extensible, bool has_upper, uint32_t lower, uint32_t upper) {
-    bool is_constrained = has_upper && upper <= 65535;
-    made->low = lower;
-    made->range = upper - lower;
+// A length by the bounds of a string or list. The walker's: one that is extensible and in its root general or aligned,
+// since that is two forms, and a bound from 2^31 on, which is not the same in both directions.
+static void set_length(const builder* b, op* made, const per::item_layout& items, bool has_upper) {
+    made->low = items.lower;
+    made->range = items.upper - items.lower;
     made->width = kGeneralLength;
-    if (is_constrained && lower <= upper) {
-        made->width = static_cast<uint8_t>(range_width(made->range) + (extensible ? 1 : 0));
-        made->extension = extensible ? UINT32_C(1) << (made->width - 1) : 0;
-    } else if (is_constrained || extensible || (has_upper && upper > INT32_MAX)) {
-        made->kind = kWalker;
+    made->extensible = items.extensible;
+    if (!items.has_constrained_length) {
+        if (items.extensible || (has_upper && items.upper > INT32_MAX)) made->kind = kWalker;
+        return;
     }
-}
-
-static void set_string_length(op* made, const asn1_type_desc* type, const size_bounds& size) {
-    set_length(made, is_extensible(type), size.has_upper, size.lower, size.upper);
+    per::range_form form = per::range_form_of(b->aligned, made->range);
+    made->width = static_cast<uint8_t>(range_width(made->range) + (items.extensible ? 1 : 0));
+    if (form != per::kBitField) {
+        made->width = form == per::kOneOctet ? 8 : 16;
+        made->alignment |= kAlignLength;
+    }
+    if (b->aligned && items.align_contents) made->alignment |= kAlignContents;
+    if (items.lower > items.upper || (items.extensible && form != per::kBitField)) made->kind = kWalker;
 }
 
 static void set_general_length(op* made) {
@@ -31,24 +35,39 @@ static void set_general_length(op* made) {
     made->width = kGeneralLength;
 }
 
-static void set_char_string(op* made, const asn1_type_desc* type) {
+static void set_char_string(const builder* b, op* made, const asn1_type_desc* type) {
     if (string_type(type) > ASN1_STRING_UNIVERSAL) {
         made->kind = kOctets;
         return set_general_length(made);
     }
     char_string_layout string = char_string_of(type);
     per::asn1_per_char_params params;
-    if (per::find_char_params(&params, type, string, false) != 0) return;
+    if (per::find_char_params(&params, type, string, b->aligned) != 0) return;
     bool is_plain = params.range_count == 0 && params.unit_shift == 0 && params.bits > 0 && params.bits <= 8;
     if (!is_plain) return;
     made->kind = kChars;
     made->count = static_cast<uint8_t>(params.bits);
-    set_string_length(made, type, string.size);
+    set_length(b, made, per::layout_of_char_string(type, string.size, params.bits), string.size.has_upper);
 }
 
 // ---- numbers ------------------------------------------------------------------------------------------------
 
-static void set_big_integer(op* made, const asn1_type_desc* type) {
+// What no leaf of a group is, in ALIGNED PER: octets that are counted, or stand behind an extension bit.
+static void set_octet_leaf(const builder* b, op* made, const asn1_type_desc* type) {
+    leaf_form form = leaf_of(b->aligned, type);
+    made->low = form.low;
+    made->range = form.range;
+    made->width = static_cast<uint8_t>(form.width);
+    made->extensible = is_extensible(type);
+    if (!form.aligned) return;
+    if (form.range <= 65535) {
+        made->kind = kMarkedLeaf;
+    } else if (!made->extensible) {
+        made->kind = kCountedLeaf;
+    }
+}
+
+static void set_big_integer(const builder* b, op* made, const asn1_type_desc* type) {
     big_bounds bounds = big_bounds_of(type);
     if (is_extensible(type) || !bounds.lower || !bounds.upper || bounds.lower->size != 0) return;
     uint32_t width = asn1_integer_get_bit_size(bounds.upper);
@@ -56,6 +75,14 @@ static void set_big_integer(op* made, const asn1_type_desc* type) {
     if (bounds.upper->negative || !is_normal || width == 0 || width > kWindowBits) return;
     made->kind = kBigInteger;
     made->width = static_cast<uint8_t>(width);
+    switch (per::range_form_of(b->aligned, per::saturated_range(bounds.upper))) {
+        case per::kBitField: break;
+        case per::kCountedOctets:
+            made->kind = kCountedBigInteger;
+            made->width = static_cast<uint8_t>(per::octet_count_width(per::big_octet_count(bounds.upper)));
+            break;
+        default: made->kind = kWalker;
+    }
     made->part = bounds.upper->size;
     made->low = bounds.upper->limbs[0];
     made->range = bounds.upper->size > 1 ? bounds.upper->limbs[1] : 0;
@@ -78,7 +105,7 @@ static void set_list(builder* b, op* made, const asn1_type_desc* type) {
     list_layout layout = list_of(type);
     if (layout.stride > UINT32_MAX) return;
     made->kind = kList;
-    set_length(made, is_extensible(type), layout.has_upper, layout.lower, layout.upper);
+    set_length(b, made, per::layout_of_list(type, layout), layout.has_upper);
     made->part = list_part(b, made->type, layout);
 }
 
@@ -102,10 +129,11 @@ static uint32_t choice_part(builder* b, uint32_t type, const choice_layout& layo
 static void set_choice(builder* b, op* made, const asn1_type_desc* type) {
     choice_layout layout = choice_of(type);
     if (layout.root == 0 || layout.root > UINT16_MAX) return;
+    if (per::range_form_of(b->aligned, layout.root - 1) != per::kBitField) return;
     made->kind = kChoice;
     made->range = layout.root - 1;
     made->width = static_cast<uint8_t>(range_width(made->range) + (is_extensible(type) ? 1 : 0));
-    made->extension = is_extensible(type) ? UINT32_C(1) << (made->width - 1) : 0;
+    made->extensible = is_extensible(type);
     made->part = choice_part(b, made->type, layout);
 }
 
@@ -132,15 +160,15 @@ static void set_indirect(builder* b, op* made, const asn1_type_desc* type) {
 
 op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence) {
     type = behind_tags(type);
-    op made = {kWalker, 0, 0, 0, offset, presence, 0, 0, 0, type_index(b, type), 0};
+    op made = plain_op(kWalker, offset, presence, type_index(b, type));
     if (b->failed) return made;
-    leaf_form form = leaf_of(type);
+    leaf_form form = leaf_of(b->aligned, type);
     if (form.is_leaf) {
-        made.kind = kLeaf;
+        made.kind = form.aligned ? kAlignedLeaf : kLeaf;
         made.width = static_cast<uint8_t>(form.width);
         made.low = form.low;
         made.range = form.range;
-        made.extension = form.extension;
+        made.extensible = form.extensible;
         return made;
     }
     switch (kind_of(type)) {
@@ -153,17 +181,21 @@ op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t pre
         case ASN1_KIND_SET_OF: set_list(b, &made, type); break;
         case ASN1_KIND_CHOICE: set_choice(b, &made, type); break;
         case ASN1_KIND_INTEGER:
-            if (is_big_integer(type)) set_big_integer(&made, type);
+            if (is_big_integer(type)) {
+                set_big_integer(b, &made, type);
+            } else {
+                set_octet_leaf(b, &made, type);
+            }
             break;
         case ASN1_KIND_BIT_STRING:
             made.kind = kBits;
-            set_string_length(&made, type, size_bounds_of(type));
+            set_length(b, &made, per::layout_of_bit_string(type), size_bounds_of(type).has_upper);
             break;
         case ASN1_KIND_OCTET_STRING:
             made.kind = kOctets;
-            set_string_length(&made, type, size_bounds_of(type));
+            set_length(b, &made, per::layout_of_octet_string(type), size_bounds_of(type).has_upper);
             break;
-        case ASN1_KIND_CHAR_STRING: set_char_string(&made, type); break;
+        case ASN1_KIND_CHAR_STRING: set_char_string(b, &made, type); break;
         case ASN1_KIND_OBJECT_IDENTIFIER:
         case ASN1_KIND_RELATIVE_OID:
             made.kind = kOctets;

@@ -9,14 +9,19 @@ namespace {
 constexpr uint32_t kMaxOps = 64;
 constexpr uint32_t kMaxLeaves = 200;                // of a group
 constexpr uint32_t kMaxOffset = UINT32_C(1) << 24;  // of a leaf of a group
-constexpr uint32_t kNotFlat = kWindowBits + 1;
+
+// Room that leaves take one behind the other.
+struct span {
+    uint32_t leaves, width;
+    bool aligned;  // begins on an octet boundary
+};
 
 // A group that is being filled.
 struct open_group {
     growing<leaf> gates, leaves;
     growing<op> ops;
     growing<option> options;
-    uint32_t width;
+    span room;
 };
 
 struct sequence_parts {
@@ -69,19 +74,33 @@ static uint32_t presence_of(const asn1_field* field, uint32_t base) {
 
 // ---- groups -------------------------------------------------------------------------------------------------
 
+// Adds room for one more leaf; false if there is none, or if where the next octet begins is not known.
+static bool extend(span* room, const leaf_form& form) {
+    ++room->leaves;
+    if (form.aligned) {
+        if (room->width == 0) room->aligned = true;
+        if (!room->aligned) return false;
+        room->width = (room->width + 7) & ~UINT32_C(7);
+    }
+    room->width += form.width;
+    return room->width <= kWindowBits && room->leaves <= kMaxLeaves;
+}
+
+constexpr leaf_form kGate = {true, false, false, 0, 0, 1};
+
 static void add_leaf(builder* b, open_group* group, growing<leaf>* to, uint32_t offset,
                      const leaf_form& form) {
-    group->width += form.width;
-    uint32_t shift = form.width == 0 ? 0 : 64 - group->width;
+    extend(&group->room, form);
+    uint32_t shift = form.width == 0 ? 0 : 64 - group->room.width;
     uint32_t mask = form.width == 0 ? 0 : UINT32_MAX >> (32 - form.width);
     add(b, to, {offset << 8 | shift, form.low, form.range, mask});
 }
 
 // The op of a group that is complete.
 static op finish_group(builder* b, const open_group* group, uint32_t presence) {
-    op made = {kGroup, 0, 0, 0, 0, presence, 0, 0, 0, 0, 0};
-    made.width = static_cast<uint8_t>(group->width);
-    made.count = static_cast<uint8_t>(group->gates.count + group->leaves.count);
+    op made = plain_op(group->room.aligned ? kAlignedGroup : kGroup, 0, presence, 0);
+    made.width = static_cast<uint8_t>(group->room.width);
+    made.count = static_cast<uint8_t>(group->room.leaves);
     made.gates = static_cast<uint8_t>(group->gates.count);
     made.part = add_all(b, &b->leaves, group->gates.items, group->gates.count);
     add_all(b, &b->leaves, group->leaves.items, group->leaves.count);
@@ -101,48 +120,34 @@ static void close_group(sequence_parts* parts) {
         add(parts->b, &parts->ops, finish_group(parts->b, group, kNone));
     }
     group->gates.count = group->leaves.count = group->ops.count = group->options.count = 0;
-    group->width = 0;
-}
-
-// Closes the group if `width` bits more are too many.
-static void close_full_group(sequence_parts* parts, uint32_t width) {
-    const open_group& group = parts->group;
-    if (group.width + width > kWindowBits || group.gates.count + group.leaves.count > kMaxLeaves)
-        close_group(parts);
+    group->room = {};
 }
 
 // ---- flat records -------------------------------------------------------------------------------------------
 
-static uint32_t flat_width_of_component(const asn1_field* field, uint32_t offset, uint32_t* leaves);
+static bool extend_by_record(span* room, bool aligned, const asn1_type_desc* type, uint32_t offset);
 
-// Bits of a record of nothing but leaves that are always there, extension bits included; kNotFlat if it is none, or too
-// large.
-static uint32_t flat_width(const asn1_type_desc* type, uint32_t offset, uint32_t* leaves) {
-    if (!is_record(type)) return kNotFlat;
-    uint32_t bits = is_extensible(type) ? 1 : 0;
-    uint32_t before = *leaves;
-    *leaves += bits;
-    for (uint32_t i = 0; i < component_count(type); ++i) {
-        const asn1_field* field = &components(type)[i];
-        bits += flat_width_of_component(field, offset, leaves);
-        if (bits > kWindowBits) return kNotFlat;
+static bool extend_by_component(span* room, bool aligned, const asn1_field* field, uint32_t offset) {
+    if (is_addition(field)) {
+        return field_option(field) != ASN1_OPTION_DEFAULT || !holds_big_integer(field_type(field));
     }
-    bool is_empty = *leaves == before + (is_extensible(type) ? 1 : 0);
-    return is_empty || *leaves > kMaxLeaves / 4 ? kNotFlat : bits;
+    if (field_option(field) != ASN1_OPTION_MANDATORY) return false;
+    const asn1_type_desc* type = behind_tags(field_type(field));
+    leaf_form form = leaf_of(aligned, type);
+    offset += field_offset(field);
+    if (!form.is_leaf) return extend_by_record(room, aligned, type, offset);
+    return offset < kMaxOffset && extend(room, form);
 }
 
-static uint32_t flat_width_of_component(const asn1_field* field, uint32_t offset, uint32_t* leaves) {
-    if (is_addition(field)) {
-        bool is_plain = field_option(field) != ASN1_OPTION_DEFAULT || !holds_big_integer(field_type(field));
-        return is_plain ? 0 : kNotFlat;
+// Adds room for a record of nothing but leaves that are always there, its extension bits included; false if it is none, or
+// too large.
+static bool extend_by_record(span* room, bool aligned, const asn1_type_desc* type, uint32_t offset) {
+    if (!is_record(type) || (is_extensible(type) && !extend(room, kGate))) return false;
+    uint32_t before = room->leaves;
+    for (uint32_t i = 0; i < component_count(type); ++i) {
+        if (!extend_by_component(room, aligned, &components(type)[i], offset)) return false;
     }
-    if (field_option(field) != ASN1_OPTION_MANDATORY) return kNotFlat;
-    const asn1_type_desc* type = behind_tags(field_type(field));
-    leaf_form form = leaf_of(type);
-    offset += field_offset(field);
-    if (!form.is_leaf) return flat_width(type, offset, leaves);
-    ++*leaves;
-    return offset < kMaxOffset ? form.width : kNotFlat;
+    return room->leaves != before;
 }
 
 // Where the first leaf of a flat record goes.
@@ -155,12 +160,12 @@ static uint32_t first_leaf(const asn1_type_desc* type, uint32_t offset) {
 
 static void add_flat(builder* b, open_group* group, const asn1_type_desc* type, uint32_t offset) {
     if (is_extensible(type)) {
-        add_leaf(b, group, &group->gates, first_leaf(type, offset), {true, 0, 0, 1, 0});
+        add_leaf(b, group, &group->gates, first_leaf(type, offset), kGate);
     }
     for (uint32_t i = 0; i < component_count(type); ++i) {
         const asn1_field* field = &components(type)[i];
         const asn1_type_desc* inner = behind_tags(field_type(field));
-        leaf_form form = leaf_of(inner);
+        leaf_form form = leaf_of(b->aligned, inner);
         if (is_addition(field)) {
             add(b, &group->options, option_of(field, offset));
         } else if (form.is_leaf) {
@@ -174,8 +179,8 @@ static void add_flat(builder* b, open_group* group, const asn1_type_desc* type, 
 op make_fused_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence) {
     op plain = make_op(b, type, offset, presence);
     type = behind_tags(type);
-    uint32_t leaves = 0;
-    if (plain.kind != kSequence || flat_width(type, offset, &leaves) > kWindowBits) return plain;
+    span room = {};
+    if (plain.kind != kSequence || !extend_by_record(&room, b->aligned, type, offset)) return plain;
     open_group group = {};
     add_flat(b, &group, type, offset);
     plain.presence = kNone;
@@ -193,7 +198,7 @@ static op make_component_op(builder* b, const asn1_type_desc* record, const asn1
     uint32_t offset = base + field_offset(field);
     const asn1_type_desc* type = behind_tags(field_type(field));
     if (kind_of(type) != ASN1_KIND_ANY || is_addition(field)) return make_fused_op(b, type, offset, presence);
-    op made = {kOpenType, 0, 0, 0, offset, presence, 0, 0, 0, type_index(b, type), 0};
+    op made = plain_op(kOpenType, offset, presence, type_index(b, type));
     made.part = open_type_part(b, type, record, field_offset(field));
     return made;
 }
@@ -208,24 +213,33 @@ static bool has_options(const asn1_type_desc* type) {
 
 static void add_root(sequence_parts* parts, const asn1_type_desc* type, uint32_t base);
 
+// Whether a record can join the open group, or one that is begun for it.
+static bool make_room_for_record(sequence_parts* parts, const asn1_type_desc* type, uint32_t offset) {
+    span room = parts->group.room;
+    if (extend_by_record(&room, parts->b->aligned, type, offset)) return true;
+    room = {};
+    if (!extend_by_record(&room, parts->b->aligned, type, offset)) return false;
+    close_group(parts);
+    return true;
+}
+
 // Leaves and flat records join the open group, records without options are taken apart.
 static void add_mandatory(sequence_parts* parts, const asn1_type_desc* record, const asn1_field* field,
                           uint32_t base) {
     builder* b = parts->b;
     const asn1_type_desc* type = behind_tags(field_type(field));
     uint32_t offset = base + field_offset(field);
-    leaf_form form = leaf_of(type);
-    uint32_t leaves = 0;
+    leaf_form form = leaf_of(b->aligned, type);
     if (kind_of(type) == ASN1_KIND_NULL) return;
     if (form.is_leaf && offset < kMaxOffset) {
-        close_full_group(parts, form.width);
+        span room = parts->group.room;
+        if (!extend(&room, form)) close_group(parts);
         add(b, &parts->group.ops, make_op(b, type, offset, kNone));
         add_leaf(b, &parts->group, &parts->group.leaves, offset, form);
     } else if (is_record(type) && !is_extensible(type) && !has_options(type) &&
                !facts_of(b, type).needs_frame) {
         add_root(parts, type, offset);
-    } else if (uint32_t width = flat_width(type, offset, &leaves); width <= kWindowBits) {
-        close_full_group(parts, width);
+    } else if (make_room_for_record(parts, type, offset)) {
         add(b, &parts->group.ops, make_op(b, type, offset, kNone));
         add_flat(b, &parts->group, type, offset);
     } else {
@@ -301,7 +315,7 @@ static bool is_supported(const asn1_type_desc* type) {
 }
 
 static sequence make_walkers_sequence(builder* b, const asn1_type_desc* type) {
-    op self = {kWalker, 0, 0, 0, 0, kNone, 0, 0, 0, type_index(b, type), 0};
+    op self = plain_op(kWalker, 0, kNone, type_index(b, type));
     sequence made = {};
     made.type = self.type;
     made.always = UINT64_C(1) << 63;

@@ -6,8 +6,8 @@
 #include "core/error.hpp"
 #include "per/piece.hpp"
 #include "program/arena.hpp"
-#include "program/uper_decode.hpp"
-#include "program/uper_encode.hpp"
+#include "program/per_decode.hpp"
+#include "program/per_encode.hpp"
 
 namespace orlenta::program {
 
@@ -16,30 +16,42 @@ static void report_no_record(asn1_error* error) {
     asn1_pstrcpy(error->message, sizeof error->message, "not enough memory");
 }
 
+static decode_result run_decode(rule rule, const orlenta_codec* codec, orlenta_arena* arena, void** out,
+                                const uint8_t* data, uint64_t size) {
+    if (rule == kAligned) return run_aper_decode(codec, arena, out, data, size);
+    return run_uper_decode(codec, arena, out, data, size);
+}
+
+static int64_t decode_by_walker(rule rule, const orlenta_codec* codec, void** out, const uint8_t* data,
+                                uint64_t size, asn1_error* error) {
+    if (rule == kAligned) return asn1_aper_decode(out, codec->type, data, size, error);
+    return asn1_uper_decode(out, codec->type, data, size, error);
+}
+
 // The walker comes to the same block when it may hold no more than the program did, and fails there.
-static int64_t report_no_memory(const decode_result& result, const orlenta_codec* codec, void** out,
-                                const uint8_t* data, uint64_t size, asn1_error* error) {
+static int64_t report_no_memory(const decode_result& result, rule rule, const orlenta_codec* codec,
+                                void** out, const uint8_t* data, uint64_t size, asn1_error* error) {
     if (result.has_record) {
         decode_memory held = {result.memory};
-        return per::decode_within(held, out, codec->type, data, size, error);
+        return per::decode_within(held, rule == kAligned, out, codec->type, data, size, error);
     }
     report_no_record(error);
     return -1;
 }
 
-static int64_t decode_otherwise(const decode_result& result, const orlenta_codec* codec, void** out,
-                                const uint8_t* data, uint64_t size, asn1_error* error) {
+static int64_t decode_otherwise(const decode_result& result, rule rule, const orlenta_codec* codec,
+                                void** out, const uint8_t* data, uint64_t size, asn1_error* error) {
     if (!error && result.how != kGaveUp) return -1;
-    if (result.how == kOutOfMemory) return report_no_memory(result, codec, out, data, size, error);
-    return asn1_uper_decode(out, codec->type, data, size, error);
+    if (result.how == kOutOfMemory) return report_no_memory(result, rule, codec, out, data, size, error);
+    return decode_by_walker(rule, codec, out, data, size, error);
 }
 
 // A value of the walker's in place of one in the arena.
-static int64_t decode_into_heap(const decode_result& result, const orlenta_codec* codec, orlenta_arena* arena,
-                                orlenta_arena_value* out, const uint8_t* data, uint64_t size,
-                                asn1_error* error) {
+static int64_t decode_into_heap(const decode_result& result, rule rule, const orlenta_codec* codec,
+                                orlenta_arena* arena, orlenta_arena_value* out, const uint8_t* data,
+                                uint64_t size, asn1_error* error) {
     void* value = nullptr;
-    int64_t used = decode_otherwise(result, codec, &value, data, size, error);
+    int64_t used = decode_otherwise(result, rule, codec, &value, data, size, error);
     if (used < 0) return -1;
     if (!adopt(arena, codec->type, value)) {
         asn1_free_value(codec->type, value);
@@ -50,26 +62,54 @@ static int64_t decode_into_heap(const decode_result& result, const orlenta_codec
     return used;
 }
 
+static inline int64_t octets_of(const decode_result& result) {
+    return static_cast<int64_t>((result.bits + 7) / 8);
+}
+
+static inline __attribute__((always_inline)) int64_t decode(rule rule, const orlenta_codec* codec, void** out,
+                                                            const uint8_t* data, uint64_t size,
+                                                            asn1_error* error) {
+    decode_result result = run_decode(rule, codec, nullptr, out, data, size);
+    if (__builtin_expect(result.how == kDone, 1)) return octets_of(result);
+    return decode_otherwise(result, rule, codec, out, data, size, error);
+}
+
+static inline __attribute__((always_inline)) int64_t decode_in_arena(rule rule, const orlenta_codec* codec,
+                                                                     orlenta_arena* arena,
+                                                                     orlenta_arena_value* out,
+                                                                     const uint8_t* data, uint64_t size,
+                                                                     asn1_error* error) {
+    arena_mark before = mark_of(arena);
+    void* value;
+    decode_result result = run_decode(rule, codec, arena, &value, data, size);
+    out->record = value;
+    if (__builtin_expect(result.how == kDone, 1)) return octets_of(result);
+    rewind(arena, before);
+    return decode_into_heap(result, rule, codec, arena, out, data, size, error);
+}
+
 }  // namespace orlenta::program
 
 using namespace orlenta::program;
 
 int64_t orlenta_uper_decode(const orlenta_codec* codec, void** out, const uint8_t* data, uint64_t size,
                             asn1_error* error) {
-    decode_result result = run_uper_decode(codec, nullptr, out, data, size);
-    if (__builtin_expect(result.how == kDone, 1)) return static_cast<int64_t>((result.bits + 7) / 8);
-    return decode_otherwise(result, codec, out, data, size, error);
+    return decode(kUnaligned, codec, out, data, size, error);
+}
+
+int64_t orlenta_aper_decode(const orlenta_codec* codec, void** out, const uint8_t* data, uint64_t size,
+                            asn1_error* error) {
+    return decode(kAligned, codec, out, data, size, error);
 }
 
 int64_t orlenta_uper_decode_arena(const orlenta_codec* codec, orlenta_arena* arena, orlenta_arena_value* out,
                                   const uint8_t* data, uint64_t size, asn1_error* error) {
-    arena_mark before = mark_of(arena);
-    void* value;
-    decode_result result = run_uper_decode(codec, arena, &value, data, size);
-    out->record = value;
-    if (__builtin_expect(result.how == kDone, 1)) return static_cast<int64_t>((result.bits + 7) / 8);
-    rewind(arena, before);
-    return decode_into_heap(result, codec, arena, out, data, size, error);
+    return decode_in_arena(kUnaligned, codec, arena, out, data, size, error);
+}
+
+int64_t orlenta_aper_decode_arena(const orlenta_codec* codec, orlenta_arena* arena, orlenta_arena_value* out,
+                                  const uint8_t* data, uint64_t size, asn1_error* error) {
+    return decode_in_arena(kAligned, codec, arena, out, data, size, error);
 }
 
 int64_t orlenta_uper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,
@@ -77,4 +117,11 @@ int64_t orlenta_uper_encode2(const orlenta_codec* codec, uint8_t** out, const vo
     encode_result result = run_uper_encode(codec, out, value);
     if (__builtin_expect(result.is_done, 1)) return static_cast<int64_t>(result.octets);
     return asn1_uper_encode2(out, codec->type, value, error);
+}
+
+int64_t orlenta_aper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,
+                             asn1_error* error) {
+    encode_result result = run_aper_encode(codec, out, value);
+    if (__builtin_expect(result.is_done, 1)) return static_cast<int64_t>(result.octets);
+    return asn1_aper_encode2(out, codec->type, value, error);
 }

@@ -12,6 +12,9 @@
 
 namespace orlenta::program {
 
+// Each set of encoding rules has a program of its own.
+enum rule : uint8_t { kUnaligned, kAligned, kRuleCount };
+
 enum op_kind : uint8_t {
     kLeaf,        // a number from `low` to `low + range` in `width` bits, in memory a 32-bit word
     kGroup,       // leaves that lie together in `width` bits; part: leaves[], rest: groups[]
@@ -25,12 +28,22 @@ enum op_kind : uint8_t {
     kOpenType,    // part: open_types[]
     kIndirect,    // part: ops[], what is behind the pointer; low: bytes of its record
     kNull,
-    kWalker  // anything else: the walker reads and writes it by types[type]
+    kWalker,  // anything else: the walker reads and writes it by types[type]
+
+    // In ALIGNED PER alone (X.691 clause 11.5.7):
+    kAlignedLeaf,        // as kLeaf, from an octet boundary on
+    kAlignedGroup,       // as kGroup, the same
+    kMarkedLeaf,         // as kAlignedLeaf, behind an extension bit
+    kCountedLeaf,        // as kLeaf, in one to four octets behind two bits that count them
+    kCountedBigInteger,  // as kBigInteger, in octets behind `width` bits that count them
 };
 
 constexpr uint32_t kNone = UINT32_MAX;
 using per::kWindowBits;
 constexpr uint8_t kGeneralLength = 0xFF;  // `width` of a length: a general length determinant
+
+// Of lengths in ALIGNED PER: what begins on an octet boundary. A general length always does.
+constexpr uint8_t kAlignLength = 1, kAlignContents = 2;
 
 // The number of an extensible leaf, length or index has the extension bit on top: with the bit set it is beyond
 // `range`, as a number is that no valid encoding holds.
@@ -45,11 +58,13 @@ struct op {
     uint32_t low;        // of a leaf or length
     uint32_t range;      // the same, above `low`
     uint32_t type;       // types[]: the descriptor, behind tags
-    uint32_t extension;  // the extension bit in a field of `width` bits; 0 if there is none
+    uint8_t extensible;  // leaf, length or index: the top bit of the field is an extension bit
+    uint8_t alignment;   // of a length: kAlignLength, kAlignContents
+    uint8_t spare[2];
 };
 static_assert(sizeof(op) == 32);
 
-// A leaf of a group. A gate is the extension bit of a SEQUENCE whose components became leaves of the group: range 0,
+// A leaf of a group; between leaves there may be padding. A gate is the extension bit of a SEQUENCE whose components became leaves of the group: range 0,
 // and its place is that of the leaf behind it.
 struct leaf {
     uint32_t place;  // offset in the record << 8 | distance from the window's lowest bit

@@ -78,13 +78,18 @@ static void release_group(releaser* r, const op* o, uint8_t* record) {
 static void release_op(releaser* r, const op* o, uint8_t* value) {
     switch (o->kind) {
         case kLeaf:
+        case kAlignedLeaf:
+        case kMarkedLeaf:
+        case kCountedLeaf:
         case kNull: return;
+        case kAlignedGroup:
         case kGroup: return release_group(r, o, value);
         case kSequence: return release_sequence(r, &r->code->sequences[o->part], value);
         case kOctets:
         case kChars: return asn1_free(reinterpret_cast<asn1_string*>(value)->data);
         case kBits: return asn1_free(reinterpret_cast<asn1_bit_string*>(value)->data);
-        case kBigInteger: return asn1_integer_clear(reinterpret_cast<asn1_integer*>(value));
+        case kBigInteger:
+        case kCountedBigInteger: return asn1_integer_clear(reinterpret_cast<asn1_integer*>(value));
         case kChoice: return release_choice(r, o, value);
         case kList:
             if (!has_stack(&r->stack)) break;
@@ -106,7 +111,8 @@ using namespace orlenta::program;
 
 void orlenta_free_value(const orlenta_codec* codec, void* value) {
     if (!value) return;
-    releaser r = {&codec->program, orlenta::begin_stack()};
-    release_op(&r, &codec->program.ops[codec->root], static_cast<uint8_t*>(value));
+    const rule_program* code = codec->programs[kUnaligned];
+    releaser r = {&code->code, orlenta::begin_stack()};
+    release_op(&r, &code->code.ops[code->root], static_cast<uint8_t*>(value));
     asn1_free(value);
 }

@@ -94,7 +94,7 @@ static uint32_t find_facts_anew(builder* b, const asn1_type_desc* type) {
 static uint32_t find_facts(builder* b, const asn1_type_desc* type, const asn1_type_desc* enclosing) {
     type = behind_tags(type);
     if (kind_of(type) == ASN1_KIND_ANY) return facts_of_open_type(type, enclosing);
-    if (leaf_of(type).is_leaf) return 0;
+    if (leaf_of(b->aligned, type).is_leaf) return 0;
     uint32_t index = type_index(b, type);
     if (b->failed) return 0;
     if (b->known.items[index].facts != kNone) return b->known.items[index].facts;
@@ -119,7 +119,7 @@ static bool are_in_order(uint32_t lower, uint32_t upper) {
     return is_signed ? static_cast<int32_t>(lower) <= static_cast<int32_t>(upper) : lower <= upper;
 }
 
-leaf_form leaf_of(const asn1_type_desc* type) {
+leaf_form leaf_of(bool aligned, const asn1_type_desc* type) {
     uint32_t low = 0, high = 1;
     bool extensible = is_extensible(type);
     switch (kind_of(type)) {
@@ -137,9 +137,15 @@ leaf_form leaf_of(const asn1_type_desc* type) {
         }
         default: return {};
     }
-    uint32_t width = range_width(high - low) + (extensible ? 1 : 0);
-    if (!are_in_order(low, high) || width > 32) return {};
-    return {true, low, high - low, width, extensible ? UINT32_C(1) << (width - 1) : 0};
+    uint32_t range = high - low;
+    if (!are_in_order(low, high)) return {};
+    per::range_form form = per::range_form_of(aligned, range);
+    if (form != per::kBitField) {
+        bool is_leaf = !extensible && form != per::kCountedOctets;
+        return {is_leaf, true, false, low, range, form == per::kOneOctet ? 8u : 16u};
+    }
+    uint32_t width = range_width(range) + (extensible ? 1 : 0);
+    return {width <= 32, false, extensible, low, range, width};
 }
 
 }  // namespace orlenta::program

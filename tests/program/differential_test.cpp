@@ -11,8 +11,8 @@
 #include <random>
 
 #include "core/descriptor.hpp"
-#include "program/uper_decode.hpp"
-#include "program/uper_encode.hpp"
+#include "program/per_decode.hpp"
+#include "program/per_encode.hpp"
 #include "tests/per/per_types.hpp"
 #include "tests/program/image.hpp"
 #include "tests/roundtrip/values.hpp"
@@ -27,6 +27,27 @@ struct FreeCodec {
     void operator()(orlenta_codec* codec) const { orlenta_codec_free(codec); }
 };
 using Codec = std::unique_ptr<orlenta_codec, FreeCodec>;
+
+// What a set of encoding rules has for a program, and its walker.
+struct Rules {
+    const char* name;
+    int64_t (*walk)(void**, Type, const uint8_t*, uint64_t, asn1_error*);
+    int64_t (*walk_back)(uint8_t**, Type, const void*, asn1_error*);
+    int64_t (*decode)(const orlenta_codec*, void**, const uint8_t*, uint64_t, asn1_error*);
+    int64_t (*encode)(const orlenta_codec*, uint8_t**, const void*, asn1_error*);
+    int64_t (*decode_in_arena)(const orlenta_codec*, orlenta_arena*, orlenta_arena_value*, const uint8_t*,
+                               uint64_t, asn1_error*);
+    program::decode_result (*run_decode)(const orlenta_codec*, orlenta_arena*, void**, const uint8_t*,
+                                         uint64_t);
+    program::encode_result (*run_encode)(const orlenta_codec*, uint8_t**, const void*);
+};
+
+constexpr Rules kRules[] = {
+    {"UPER", asn1_uper_decode, asn1_uper_encode2, orlenta_uper_decode, orlenta_uper_encode2,
+     orlenta_uper_decode_arena, program::run_uper_decode, program::run_uper_encode},
+    {"APER", asn1_aper_decode, asn1_aper_encode2, orlenta_aper_decode, orlenta_aper_encode2,
+     orlenta_aper_decode_arena, program::run_aper_decode, program::run_aper_encode},
+};
 
 struct Tally {
     int decodes = 0, values = 0, encodes = 0;
@@ -58,7 +79,8 @@ std::string hex_of(const Bytes& bytes) {
 // A type under test.
 class Subject {
   public:
-    Subject(Type type, Tally& tally) : type_(type), codec_(orlenta_codec_new(type)), tally_(tally) {
+    Subject(const Rules& rules, Type type, Tally& tally)
+        : rules_(rules), type_(type), codec_(orlenta_codec_new(type)), tally_(tally) {
         EXPECT_NE(codec_, nullptr);
     }
 
@@ -69,9 +91,8 @@ class Subject {
         std::copy(bytes.begin(), bytes.end(), copy.get());
         asn1_error error[2] = {};
         void* value[2] = {};
-        int64_t result = asn1_uper_decode(&value[0], type_, copy.get(), bytes.size(), &error[0]);
-        int64_t by_program =
-            orlenta_uper_decode(codec_.get(), &value[1], copy.get(), bytes.size(), &error[1]);
+        int64_t result = rules_.walk(&value[0], type_, copy.get(), bytes.size(), &error[0]);
+        int64_t by_program = rules_.decode(codec_.get(), &value[1], copy.get(), bytes.size(), &error[1]);
         EXPECT_TRUE(result == by_program && error[0] == error[1] && !value[0] == !value[1])
             << hex_of(bytes) << "\nwalker:  " << text_of(error[0], result)
             << "\nprogram: " << text_of(error[1], by_program);
@@ -85,7 +106,7 @@ class Subject {
         decode_in_arena(bytes, value[0], result, error[0]);
         if (result < 0) {
             value[1] = &error;
-            EXPECT_EQ(orlenta_uper_decode(codec_.get(), &value[1], copy.get(), bytes.size(), nullptr), -1);
+            EXPECT_EQ(rules_.decode(codec_.get(), &value[1], copy.get(), bytes.size(), nullptr), -1);
             EXPECT_EQ(value[1], nullptr);
         }
         return walkers;
@@ -95,8 +116,8 @@ class Subject {
     Bytes encode(const void* value) {
         asn1_error error[2] = {};
         uint8_t* out[2] = {};
-        int64_t size = asn1_uper_encode2(&out[0], type_, value, &error[0]);
-        int64_t by_program = orlenta_uper_encode2(codec_.get(), &out[1], value, &error[1]);
+        int64_t size = rules_.walk_back(&out[0], type_, value, &error[0]);
+        int64_t by_program = rules_.encode(codec_.get(), &out[1], value, &error[1]);
         bool same = size == by_program && error[0] == error[1] && !out[0] == !out[1];
         EXPECT_TRUE(same) << "walker:  " << text_of(error[0], size)
                           << "\nprogram: " << text_of(error[1], by_program);
@@ -112,10 +133,10 @@ class Subject {
     void expect_taken(const Bytes& bytes, const void* value) {
         void* decoded = nullptr;
         program::decode_result in =
-            program::run_uper_decode(codec_.get(), nullptr, &decoded, bytes.data(), bytes.size());
+            rules_.run_decode(codec_.get(), nullptr, &decoded, bytes.data(), bytes.size());
         orlenta_free_value(codec_.get(), decoded);
         uint8_t* encoded = nullptr;
-        program::encode_result out = program::run_uper_encode(codec_.get(), &encoded, value);
+        program::encode_result out = rules_.run_encode(codec_.get(), &encoded, value);
         asn1_free(encoded);
         EXPECT_NE(in.how, program::kInvalid) << hex_of(bytes);
         tally_.values_left += (in.how != program::kDone) + !out.is_done;
@@ -145,8 +166,8 @@ class Subject {
     void decode_in_arena(const Bytes& bytes, void* value, int64_t result, const asn1_error& walkers_error) {
         asn1_error error = {};
         orlenta_arena_value in_arena;
-        int64_t used = orlenta_uper_decode_arena(codec_.get(), arena_.get(), &in_arena, bytes.data(),
-                                                 bytes.size(), &error);
+        int64_t used =
+            rules_.decode_in_arena(codec_.get(), arena_.get(), &in_arena, bytes.data(), bytes.size(), &error);
         EXPECT_TRUE(used == result && error == walkers_error && !value == !in_arena.record)
             << hex_of(bytes) << "\nwalker: " << text_of(walkers_error, result)
             << "\narena:  " << text_of(error, used);
@@ -167,6 +188,7 @@ class Subject {
         void operator()(orlenta_arena* arena) const { orlenta_arena_destroy(arena); }
     };
 
+    const Rules& rules_;
     Type type_;
     Codec codec_;
     std::unique_ptr<orlenta_arena, DestroyArena> arena_{orlenta_arena_create(1)};
@@ -197,24 +219,27 @@ void compare(Subject& subject, void* value, int rounds, std::mt19937& random) {
     }
 }
 
-void print(const char* name, const Tally& tally) {
+void print(const Rules& rules, const char* name, const Tally& tally) {
     std::printf(
-        "%s: %d decodes, %d of them to a value, %d encodes; of %d valid ones %d given up, %d parts by the "
+        "%s, %s: %d decodes, %d of them to a value, %d encodes; of %d valid ones %d given up, %d parts by "
+        "the "
         "walker\n",
-        name, tally.decodes, tally.values, tally.encodes, tally.whole, tally.values_left, tally.pieces);
+        rules.name, name, tally.decodes, tally.values, tally.encodes, tally.whole, tally.values_left,
+        tally.pieces);
 }
 
-class Tables : public testing::TestWithParam<Region> {};
+class Tables : public testing::TestWithParam<std::tuple<Rules, Region>> {};
 
 TEST_P(Tables, RandomValues) {
+    const auto& [rules, region] = GetParam();
     std::mt19937 random(7);
     Tally tally;
-    for (const orlenta_catalogue_entry& entry : GetParam().entries) {
+    for (const orlenta_catalogue_entry& entry : region.entries) {
         if (kind_of(entry.type) == ASN1_KIND_OBJECT_CLASS) continue;
         SCOPED_TRACE(entry.table);
         size_t before = live_blocks();
         {
-            Subject subject(entry.type, tally);
+            Subject subject(rules, entry.type, tally);
             for (uint32_t round = is_recursive(entry.type); round < 2; ++round) {
                 Sample sample = make_sample(entry.type, seed_of(entry, round));
                 compare(subject, sample.value.get(), 4, random);
@@ -223,11 +248,20 @@ TEST_P(Tables, RandomValues) {
         ASSERT_EQ(live_blocks(), before);
         if (HasFailure()) return;
     }
-    print(GetParam().name, tally);
+    print(rules, region.name, tally);
     EXPECT_EQ(tally.values_left, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Program, Tables, testing::ValuesIn(all_regions().begin(), all_regions().end()),
+INSTANTIATE_TEST_SUITE_P(Program, Tables,
+                         testing::Combine(testing::ValuesIn(kRules),
+                                          testing::ValuesIn(all_regions().begin(), all_regions().end())),
+                         [](const auto& info) {
+                             return std::string(std::get<0>(info.param).name) + std::get<1>(info.param).name;
+                         });
+
+class Program : public testing::TestWithParam<Rules> {};
+
+INSTANTIATE_TEST_SUITE_P(Program, Program, testing::ValuesIn(kRules),
                          [](const auto& info) { return std::string(info.param.name); });
 
 // ---- vectors ----------------------------------------------------------------------------------------------
@@ -245,6 +279,12 @@ const std::map<std::string, Type>& named_types() {
     return types;
 }
 
+Value value_of(const VectorRow& row, Type type) {
+    void* value = nullptr;
+    asn1_uper_decode(&value, type, row.uper.data(), row.uper.size(), nullptr);
+    return Value(value, {type});
+}
+
 // The rows of the sets that are built, with their types.
 std::vector<std::pair<VectorRow, Type>> vector_rows() {
     std::vector<std::pair<VectorRow, Type>> rows;
@@ -257,21 +297,23 @@ std::vector<std::pair<VectorRow, Type>> vector_rows() {
     return rows;
 }
 
-TEST(Program, Vectors) {
+// All other rows follow from that of UNALIGNED PER.
+TEST_P(Program, Vectors) {
     std::mt19937 random(11);
     Tally tally;
     for (const auto& [row, type] : vector_rows()) {
         SCOPED_TRACE(row.region + " line " + std::to_string(row.line));
-        Subject subject(type, tally);
-        Value value = subject.decode(row.uper);
+        Subject subject(GetParam(), type, tally);
+        Value value = value_of(row, type);
         ASSERT_NE(value, nullptr);
         compare(subject, value.get(), 12, random);
-        for (size_t size = 0; size < std::min<size_t>(row.uper.size(), 64); ++size) {
-            subject.decode(Bytes(row.uper.begin(), row.uper.begin() + static_cast<ptrdiff_t>(size)));
+        Bytes bytes = subject.encode(value.get());
+        for (size_t size = 0; size < std::min<size_t>(bytes.size(), 64); ++size) {
+            subject.decode(Bytes(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(size)));
         }
         if (HasFailure()) return;
     }
-    print("vectors", tally);
+    print(GetParam(), "vectors", tally);
     EXPECT_EQ(tally.values_left, 0);
     EXPECT_GT(tally.values, 2000);
 }
@@ -342,26 +384,26 @@ std::vector<std::pair<const char*, Type>> unusual_types() {
     };
 }
 
-TEST(Program, UnusualTypes) {
+TEST_P(Program, UnusualTypes) {
     std::mt19937 random(13);
     Tally tally;
     for (auto [name, type] : unusual_types()) {
         SCOPED_TRACE(name);
-        Subject subject(type, tally);
+        Subject subject(GetParam(), type, tally);
         for (uint32_t seed = 1; seed <= 300 && !HasFailure(); ++seed) {
             Value value(asn1_random(type, seed), {type});
             compare(subject, value.get(), 6, random);
         }
     }
-    print("unusual types", tally);
+    print(GetParam(), "unusual types", tally);
     EXPECT_GT(tally.pieces, 100);
 }
 
 // Fragments of 16K items, in strings, lists and open types.
-TEST(Program, Fragments) {
+TEST_P(Program, Fragments) {
     Tally tally;
     for (Type type : {kOctets, kBits, kRecord, list_of(kSmall, 0, -1), Type{kOpenRecord<kOpen>}}) {
-        Subject subject(type, tally);
+        Subject subject(GetParam(), type, tally);
         for (uint8_t marker : {0xC0, 0xC1, 0xC4, 0xC5, 0xFF}) {
             Bytes bytes(70000, 0x11);
             bytes[0] = marker;
@@ -371,15 +413,24 @@ TEST(Program, Fragments) {
     }
     Bytes long_octets(40000, 0x5A);
     asn1_string string = {long_octets.data(), long_octets.size()};
-    Subject octets(kOctets, tally);
+    Subject octets(GetParam(), kOctets, tally);
     octets.decode(octets.encode(&string));
     EXPECT_GT(tally.values, 3);
 }
 
 // ---- scarce memory and stack ------------------------------------------------------------------------------
 
+// One that has its program.
+Codec prepared_codec(const Rules& rules, Type type) {
+    Codec codec(orlenta_codec_new(type));
+    void* value = nullptr;
+    rules.decode(codec.get(), &value, nullptr, 0, nullptr);
+    orlenta_free_value(codec.get(), value);
+    return codec;
+}
+
 // Where memory runs out the report is the walker's, and nothing is left behind.
-TEST(Program, ScarceMemory) {
+TEST_P(Program, ScarceMemory) {
     int failures = 0;
     auto rows = vector_rows();
     for (size_t i = 0; i < rows.size(); i += 23) {
@@ -387,15 +438,14 @@ TEST(Program, ScarceMemory) {
         const asn1_type_desc* type = rows[i].second;
         if (row.uper.size() > 400) continue;
         SCOPED_TRACE(row.region + " line " + std::to_string(row.line));
-        Codec codec(orlenta_codec_new(type));
-        void* whole = nullptr;
-        ASSERT_GE(asn1_uper_decode(&whole, type, row.uper.data(), row.uper.size(), nullptr), 0);
-        Value value(whole, {type});
+        Codec codec = prepared_codec(GetParam(), type);
+        Value value = value_of(row, type);
+        Tally tally;
+        Bytes bytes = Subject(GetParam(), type, tally).encode(value.get());
         for_each_failed_allocation([&] {
             void* decoded = nullptr;
             asn1_error error = {};
-            int64_t used =
-                orlenta_uper_decode(codec.get(), &decoded, row.uper.data(), row.uper.size(), &error);
+            int64_t used = GetParam().decode(codec.get(), &decoded, bytes.data(), bytes.size(), &error);
             // One failure may be over when the walker comes to look for the report.
             EXPECT_TRUE(used >= 0 ||
                         (allocator_has_failed() && strcmp(error.message, "not enough memory") == 0));
@@ -406,7 +456,7 @@ TEST(Program, ScarceMemory) {
         for_each_failed_allocation([&] {
             uint8_t* out = nullptr;
             asn1_error error = {};
-            int64_t size = orlenta_uper_encode2(codec.get(), &out, value.get(), &error);
+            int64_t size = GetParam().encode(codec.get(), &out, value.get(), &error);
             EXPECT_TRUE(size >= 0 || allocator_has_failed());
             EXPECT_EQ(size < 0, out == nullptr);
             asn1_free(out);
@@ -421,20 +471,22 @@ TEST(Program, ScarceMemory) {
 }
 
 // As in the walker: the same block fails, and the report names its place.
-TEST(Program, ReportOfScarceMemory) {
+TEST_P(Program, ReportOfScarceMemory) {
     for (const auto& [row, type] : vector_rows()) {
         if (row.region != "CN")
             continue;  // which has no big integers: the walker takes blocks besides for these
-        Codec codec(orlenta_codec_new(type));
+        Codec codec = prepared_codec(GetParam(), type);
+        Tally tally;
+        Bytes bytes = Subject(GetParam(), type, tally).encode(value_of(row, type).get());
         for (uint64_t call = 1;; ++call) {
             asn1_error error[2] = {};
             void* value[2] = {};
             allocator_fails_at(call);
             int64_t by_program =
-                orlenta_uper_decode(codec.get(), &value[1], row.uper.data(), row.uper.size(), &error[1]);
+                GetParam().decode(codec.get(), &value[1], bytes.data(), bytes.size(), &error[1]);
             bool has_failed = allocator_has_failed();
             allocator_fails_at(call);
-            int64_t result = asn1_uper_decode(&value[0], type, row.uper.data(), row.uper.size(), &error[0]);
+            int64_t result = GetParam().walk(&value[0], type, bytes.data(), bytes.size(), &error[0]);
             allocator_never_fails();
             EXPECT_TRUE(result == by_program && error[0] == error[1])
                 << "walker:  " << text_of(error[0], result) << "\nprogram: " << text_of(error[1], by_program);
@@ -447,7 +499,7 @@ TEST(Program, ReportOfScarceMemory) {
 
 // What a large stack decodes is released on a small one, and encoded or refused there. How deep a walk gets depends on
 // how deep it begins: reports differ by their place alone.
-TEST(Program, SmallStacks) {
+TEST_P(Program, SmallStacks) {
     Bytes tree(5000, 1), chain(625, 0xFF);
     tree.push_back(0);
     chain.push_back(0);
@@ -456,17 +508,17 @@ TEST(Program, SmallStacks) {
     for (const std::pair<Type, Bytes>& row : rows) {
         Type type = row.first;
         const Bytes& bytes = row.second;
-        Subject subject(type, tally);
+        Subject subject(GetParam(), type, tally);
         Value value = subject.decode(bytes);
         ASSERT_NE(value, nullptr);
         EXPECT_EQ(subject.encode(value.get()), bytes);
         run_on_stack(kTightStack, [&] {
             asn1_error error = {};
             void* decoded = nullptr;
-            EXPECT_EQ(orlenta_uper_decode(subject.codec(), &decoded, bytes.data(), bytes.size(), &error), -1);
+            EXPECT_EQ(GetParam().decode(subject.codec(), &decoded, bytes.data(), bytes.size(), &error), -1);
             EXPECT_STREQ(error.message, "value nested too deeply");
             uint8_t* out = nullptr;
-            EXPECT_EQ(orlenta_uper_encode2(subject.codec(), &out, value.get(), &error), -1);
+            EXPECT_EQ(GetParam().encode(subject.codec(), &out, value.get(), &error), -1);
             EXPECT_STREQ(error.message, "value nested too deeply");
             orlenta_free_value(subject.codec(), value.release());
         });

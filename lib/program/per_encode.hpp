@@ -1,4 +1,4 @@
-// Encoding by a program.
+// Encoding PER by a program.
 #pragma once
 
 #include "program/codec.hpp"
@@ -13,5 +13,6 @@ struct encode_result {
 
 // A new block in `*out`, and null there if there is none.
 encode_result run_uper_encode(const orlenta_codec* codec, uint8_t** out, const void* value);
+encode_result run_aper_encode(const orlenta_codec* codec, uint8_t** out, const void* value);
 
 }  // namespace orlenta::program

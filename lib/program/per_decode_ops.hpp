@@ -1,0 +1,736 @@
+// PER by a program. The position travels in a register: each function takes it and returns the next one. Nothing is
+// recorded on the way: a failure ends the run, and the walker finds the report.
+//
+// Whoever includes this has said by `kIsAligned` which of the two it is to be: one source, compiled twice.
+#pragma once
+
+#include <orlenta/memory.h>
+#include <orlenta/type_info.h>
+
+#include "core/growing_list.hpp"
+#include "core/stack.hpp"
+#include "per/piece.hpp"
+#include "program/arena.hpp"
+#include "program/per_decode.hpp"
+
+namespace orlenta::program {
+
+namespace {
+
+using per::top_bits;
+
+// A position in bits, or a failure.
+typedef uint64_t bit_position;
+constexpr bit_position kRefused = UINT64_MAX;        // kInvalid
+constexpr bit_position kNoMemory = UINT64_MAX - 1;   // kOutOfMemory
+constexpr bit_position kNotMine = UINT64_MAX - 2;    // kGaveUp
+constexpr bit_position kOtherForm = UINT64_MAX - 3;  // of a length: the walker reads this part of the value
+inline bool is_failure(bit_position position) { return position >= kOtherForm; }
+
+struct decoder {
+    per::bit_source source;  // but for its position
+    const program* code;
+    const asn1_parent_frame* frames;
+    stack_guard stack;
+    decode_memory memory;
+    orlenta_arena* arena;  // that the blocks come from; null: each from the allocator
+    uint32_t walker_pieces;
+};
+
+}  // namespace
+
+#define HOT static inline __attribute__((always_inline))
+#define WARM static __attribute__((noinline))  // so that small ops pay for no large frame
+#define COLD static __attribute__((noinline, cold))
+
+static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_position position);
+static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* record, bit_position position);
+
+HOT bool has_bits(const decoder* d, bit_position position, uint64_t count) {
+    return position + count <= d->source.end;
+}
+HOT uint64_t window_at(const decoder* d, bit_position position) {
+    return per::window_at(d->source, position);
+}
+
+// The next octet boundary, which every end of contents is as well.
+HOT bit_position align(bit_position position) { return (position + 7) & ~UINT64_C(7); }
+
+// Whether a number has its extension bit set.
+HOT bool is_extended(const op* o, uint64_t number) {
+    return o->extensible != 0 && number >> (o->width - 1) != 0;
+}
+
+// ---- the walker ---------------------------------------------------------------------------------------------
+
+// The walker's blocks are no part of an arena.
+COLD bit_position by_walker(decoder* d, const op* o, void* value, bit_position position) {
+    if (d->arena && !is_flat(d->code->types[o->type])) return kNotMine;
+    ++d->walker_pieces;
+    per::decode_piece piece = {d->source, kIsAligned, d->frames, d->stack, d->memory};
+    piece.source.position = position;
+    int result = per::decode_one(&piece, d->code->types[o->type], value);
+    d->stack = piece.stack;
+    d->memory = piece.memory;
+    return result == 0 ? piece.source.position : kNotMine;
+}
+
+// What is not a number of the root: an extension's, which the walker reads, or none.
+COLD bit_position decode_other_leaf(decoder* d, const op* o, void* value, bit_position position) {
+    bool is_extension = o->extensible != 0 && has_bits(d, position, 1) && window_at(d, position) >> 63 != 0;
+    return is_extension ? by_walker(d, o, value, position) : kRefused;
+}
+
+// ---- blocks -------------------------------------------------------------------------------------------------
+
+// A block that counts; null leaves the count as it was.
+static void* take_block(decoder* d, uint64_t size) {
+    uint64_t left = d->memory.left;
+    void* block = nullptr;
+    if (!d->arena) {
+        block = allocate(&d->memory, size);
+    } else if (count_bytes(&d->memory, counted_size(size))) {
+        block = take(d->arena, size);
+    }
+    if (!block) d->memory.left = left;
+    return block;
+}
+
+static void* take_record(decoder* d, uint64_t size) {
+    void* record = take_block(d, size);
+    if (record) memset(record, 0, size);
+    return record;
+}
+
+// ---- leaves -------------------------------------------------------------------------------------------------
+
+HOT bit_position decode_leaf(decoder* d, const op* o, uint8_t* value, bit_position position) {
+    uint64_t number = top_bits(window_at(d, position), o->width);
+    if (__builtin_expect(!has_bits(d, position, o->width) || number > o->range, 0)) {
+        return decode_other_leaf(d, o, value, position);
+    }
+    store32(value, o->low + static_cast<uint32_t>(number));
+    return position + o->width;
+}
+
+// A group as the components that it was made of.
+COLD bit_position decode_singly(decoder* d, const op* o, uint8_t* record, bit_position position) {
+    const group* g = &d->code->groups[o->low];
+    const op* one = &d->code->ops[g->ops];
+    for (const op* end = one + g->op_count; one != end && !is_failure(position); ++one) {
+        position = decode_op(d, one, record + one->offset, position);
+    }
+    return position;
+}
+
+HOT bit_position decode_group(decoder* d, const op* o, uint8_t* record, bit_position position) {
+    if (__builtin_expect(!has_bits(d, position, o->width), 0)) return decode_singly(d, o, record, position);
+    uint64_t window = window_at(d, position);
+    uint64_t beyond = 0;  // its top bit, if a number is beyond its range
+    const leaf* one = &d->code->leaves[o->part];
+    const leaf* end = one + o->count;
+    do {
+        uint32_t number = static_cast<uint32_t>(window >> (one->place & 63)) & one->mask;
+        beyond |= uint64_t{one->range} - number;
+        store32(record + (one->place >> 8), one->low + number);
+    } while (++one != end);
+    if (__builtin_expect(beyond >> 63, 0)) return decode_singly(d, o, record, position);
+    return position + o->width;
+}
+
+// A count of octets, less one, in `width` bits, and the octets, eight at the most; stands behind them.
+HOT bit_position get_counted(decoder* d, bit_position position, uint32_t width, uint32_t* octets,
+                             uint64_t* number) {
+    if (!has_bits(d, position, width)) return kRefused;
+    *octets = static_cast<uint32_t>(top_bits(window_at(d, position), width)) + 1;
+    position = align(position + width);
+    if (!has_bits(d, position, 8 * *octets)) return kRefused;
+    *number = window_at(d, position) >> (64 - 8 * *octets);
+    return position + 8 * *octets;
+}
+
+HOT bit_position decode_marked_leaf(decoder* d, const op* o, uint8_t* value, bit_position position) {
+    if (!has_bits(d, position, 1)) return kRefused;
+    if (window_at(d, position) >> 63 != 0) return by_walker(d, o, value, position);
+    position = align(position + 1);
+    uint64_t number = top_bits(window_at(d, position), o->width);
+    if (!has_bits(d, position, o->width) || number > o->range) return kRefused;
+    store32(value, o->low + static_cast<uint32_t>(number));
+    return position + o->width;
+}
+
+HOT bit_position decode_counted_leaf(decoder* d, const op* o, uint8_t* value, bit_position position) {
+    uint32_t octets;
+    uint64_t number;
+    position = get_counted(d, position, 2, &octets, &number);
+    if (__builtin_expect(is_failure(position) || number > o->range, 0)) return kRefused;
+    store32(value, o->low + static_cast<uint32_t>(number));
+    return position;
+}
+
+// Stores a number in as many limbs as its field has.
+HOT bool set_limbs(decoder* d, asn1_integer* value, uint64_t number, uint32_t limbs) {
+    value->limbs = static_cast<uint32_t*>(take_block(d, limbs * sizeof(uint32_t)));
+    if (!value->limbs) return false;
+    value->size = value->capacity = limbs;
+    value->limbs[0] = static_cast<uint32_t>(number);
+    if (limbs > 1) value->limbs[1] = static_cast<uint32_t>(number >> 32);
+    asn1_integer_renorm(value);
+    return true;
+}
+
+WARM bit_position decode_big_integer(decoder* d, const op* o, asn1_integer* value, bit_position position) {
+    uint64_t number = 0;
+    uint32_t octets = 0, limbs = o->part;
+    if (o->kind == kCountedBigInteger) {
+        position = get_counted(d, position, o->width, &octets, &number);
+        limbs = (octets + 3) / 4;
+    } else if (has_bits(d, position, o->width)) {
+        number = top_bits(window_at(d, position), o->width);
+        position += o->width;
+    } else {
+        return kRefused;
+    }
+    if (is_failure(position) || number > (uint64_t{o->range} << 32 | o->low)) return kRefused;
+    return set_limbs(d, value, number, limbs) ? position : kNoMemory;
+}
+
+// ---- lengths ------------------------------------------------------------------------------------------------
+
+HOT bit_position get_general_length(decoder* d, bit_position position, uint32_t* length) {
+    if (kIsAligned) position = align(position);
+    if (!has_bits(d, position, 8)) return kRefused;
+    uint64_t window = window_at(d, position);
+    *length = static_cast<uint32_t>(window >> 56);
+    if (*length < 0x80) return position + 8;
+    if (*length >= 0xC0) return kOtherForm;  // fragments
+    if (!has_bits(d, position, 16)) return kRefused;
+    *length = static_cast<uint32_t>(window >> 48) & 0x3FFF;
+    return position + 16;
+}
+
+HOT bit_position get_length(decoder* d, const op* o, bit_position position, uint32_t* length) {
+    if (o->width == kGeneralLength) {
+        position = get_general_length(d, position, length);
+        return *length < o->low && !is_failure(position) ? kRefused : position;
+    }
+    if (kIsAligned && (o->alignment & kAlignLength) != 0) position = align(position);
+    if (!has_bits(d, position, o->width)) return o->extensible ? kOtherForm : kRefused;
+    uint64_t number = top_bits(window_at(d, position), o->width);
+    *length = o->low + static_cast<uint32_t>(number);
+    if (__builtin_expect(number > o->range, 0)) return is_extended(o, number) ? kOtherForm : kRefused;
+    return position + o->width;
+}
+
+// ---- strings ------------------------------------------------------------------------------------------------
+
+// The first `count` octets (1 to 8) of a window.
+HOT void store_top(uint8_t* out, uint64_t window, uint64_t count) {
+    uint8_t octets[8];
+    per::store_window(octets, window);
+    if (count >= 4) {
+        memcpy(out, octets, 4);
+        memcpy(out + count - 4, octets + count - 4, 4);
+    } else {
+        out[0] = octets[0];
+        out[count / 2] = octets[count / 2];
+        out[count - 1] = octets[count - 1];
+    }
+}
+
+// Copies `count` bits that are there to whole octets, the last one filled with zeros.
+static void copy_bits(decoder* d, bit_position position, uint8_t* out, uint64_t count) {
+    if (count > 2 * kWindowBits) {
+        copy_octets(d->source, position, out, count / 8);
+        out += count / 8;
+        position += count / 8 * 8;
+        count %= 8;
+    }
+    for (uint32_t now; count > 0; count -= now, position += now, out += 7) {
+        now = count < 56 ? static_cast<uint32_t>(count) : 56;
+        store_top(out, window_at(d, position) & UINT64_MAX << (64 - now), (now + 7) / 8);
+    }
+}
+
+// What strings have in common: the length, and a block for as many units of `unit_bits`. A general length of 0 makes no
+// block.
+template <typename String>
+HOT bit_position begin_string(decoder* d, const op* o, String* string, bit_position position,
+                              uint32_t unit_bits, uint32_t units_per_octet) {
+    uint32_t length;
+    position = get_length(d, o, position, &length);
+    if (__builtin_expect(is_failure(position), 0)) return position;
+    if (kIsAligned && (o->alignment & kAlignContents) != 0) position = align(position);
+    if (!has_bits(d, position, uint64_t{length} * unit_bits)) return kRefused;
+    if (length == 0 && o->width == kGeneralLength) return position;
+    uint64_t size = (uint64_t{length} + units_per_octet - 1) / units_per_octet;
+    string->data = static_cast<uint8_t*>(take_block(d, size));
+    if (!string->data) return kNoMemory;
+    string->length = length;
+    return position;
+}
+
+HOT bit_position fail_string(decoder* d, const op* o, void* string, bit_position position,
+                             bit_position failure) {
+    return failure == kOtherForm ? by_walker(d, o, string, position) : failure;
+}
+
+WARM bit_position decode_octets(decoder* d, const op* o, asn1_string* string, bit_position position) {
+    bit_position contents = begin_string(d, o, string, position, 8, 1);
+    if (is_failure(contents)) return fail_string(d, o, string, position, contents);
+    copy_bits(d, contents, string->data, string->length * 8);
+    return contents + string->length * 8;
+}
+
+WARM bit_position decode_bits(decoder* d, const op* o, asn1_bit_string* string, bit_position position) {
+    bit_position contents = begin_string(d, o, string, position, 1, 8);
+    if (is_failure(contents)) return fail_string(d, o, string, position, contents);
+    copy_bits(d, contents, string->data, string->length);
+    return contents + string->length;
+}
+
+WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit_position position) {
+    uint32_t width = o->count;
+    bit_position contents = begin_string(d, o, string, position, width, 1);
+    if (is_failure(contents)) return fail_string(d, o, string, position, contents);
+    uint32_t batch = kWindowBits / width;
+    for (uint64_t i = 0; i < string->length;) {
+        uint64_t window = window_at(d, contents);
+        uint64_t left = string->length - i;
+        uint32_t count = left < batch ? static_cast<uint32_t>(left) : batch;
+        contents += count * width;
+        for (; count > 0; --count, window <<= width) {
+            string->data[i++] = static_cast<uint8_t>(window >> (64 - width));
+        }
+    }
+    return contents;
+}
+
+// ---- lists --------------------------------------------------------------------------------------------------
+
+HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, uint64_t stride, uint64_t count,
+                                 bit_position position) {
+    const uint8_t* end = at + stride * count;
+    switch (element->kind) {
+        case kLeaf:
+            for (; at != end && !is_failure(position); at += stride)
+                position = decode_leaf(d, element, at, position);
+            break;
+        case kGroup:
+            for (; at != end && !is_failure(position); at += stride)
+                position = decode_group(d, element, at, position);
+            break;
+        case kAlignedGroup:
+            for (; at != end && !is_failure(position); at += stride)
+                position = decode_group(d, element, at, align(position));
+            break;
+        case kSequence: {
+            const sequence* s = &d->code->sequences[element->part];
+            for (; at != end && !is_failure(position); at += stride)
+                position = decode_sequence(d, s, at, position);
+            break;
+        }
+        default:
+            for (; at != end && !is_failure(position); at += stride)
+                position = decode_op(d, element, at, position);
+    }
+    return position;
+}
+
+// As grow_list() grows a list of `count` elements.
+static uint64_t next_capacity(const decoder* d, uint64_t capacity, uint64_t stride, uint64_t count) {
+    uint64_t trusted = kTrustedListBytes / stride;
+    uint64_t wanted = capacity > 1 ? capacity + capacity / 2 : capacity + 1;
+    if (capacity == 0 && trusted > 1) wanted = trusted;
+    if (wanted > count) wanted = count;
+    uint64_t payable = d->memory.left / stride;
+    return capacity == 0 || wanted < payable ? wanted : payable;
+}
+
+// In an arena outgrown blocks are left behind, and no longer count.
+static __attribute__((noinline)) bit_position decode_in_arena(decoder* d, const op* element,
+                                                              asn1_array* array, uint64_t stride,
+                                                              uint32_t count, bit_position position) {
+    uint64_t capacity = 0;
+    for (; array->count < count && !is_failure(position); ++array->count) {
+        if (array->count == capacity) {
+            uncount_bytes(&d->memory, capacity * stride);
+            uint64_t larger = next_capacity(d, capacity, stride, count);
+            void* block = larger > capacity ? take_record(d, larger * stride) : nullptr;
+            if (!block) return kNoMemory;
+            if (capacity != 0) memcpy(block, array->data, capacity * stride);
+            array->data = block;
+            capacity = larger;
+        }
+        uint8_t* at = static_cast<uint8_t*>(array->data) + array->count * stride;
+        position = decode_op(d, element, at, position);
+    }
+    return position;
+}
+
+// Elements of a list that is too long to be taken at its word.
+static __attribute__((noinline)) bit_position decode_growing(decoder* d, const op* element, asn1_array* array,
+                                                             uint64_t stride, uint32_t count,
+                                                             bit_position position) {
+    if (d->arena) return decode_in_arena(d, element, array, stride, count, position);
+    growing_list growing = begin_list(&d->memory, array, stride);
+    if (!claim_elements(&growing, count)) return kNoMemory;
+    for (; count > 0 && !is_failure(position); --count) {
+        void* at = add_element(&growing);
+        if (!at) return kNoMemory;
+        position = decode_op(d, element, static_cast<uint8_t*>(at), position);
+    }
+    return position;
+}
+
+WARM bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_position position) {
+    uint32_t count;
+    bit_position contents = get_length(d, o, position, &count);
+    if (contents == kOtherForm) return by_walker(d, o, array, position);
+    if (is_failure(contents)) return contents;
+    if (!has_stack(&d->stack)) return kNotMine;
+    if (count == 0 && o->width == kGeneralLength) return contents;
+    const list* l = &d->code->lists[o->part];
+    const op* element = &d->code->ops[l->element];
+    uint64_t size = l->stride * count;
+    if (__builtin_expect(size > kTrustedListBytes, 0)) {
+        return decode_growing(d, element, array, l->stride, count, contents);
+    }
+    array->data = take_record(d, size);
+    if (!array->data) return kNoMemory;
+    array->count = count;
+    return decode_elements(d, element, static_cast<uint8_t*>(array->data), l->stride, count, contents);
+}
+
+// ---- open types ---------------------------------------------------------------------------------------------
+
+namespace {
+
+// What an open type's contents take the place of.
+struct outside {
+    uint64_t end;
+    const asn1_parent_frame* frames;
+};
+
+}  // namespace
+
+// Stands at the contents; kOtherForm for fragments.
+HOT bit_position enter(decoder* d, outside* outer, bit_position position) {
+    if (!has_stack(&d->stack)) return kNotMine;
+    uint32_t length;
+    position = get_general_length(d, position, &length);
+    if (is_failure(position)) return position;
+    if (length == 0 || !has_bits(d, position, uint64_t{length} * 8)) return kRefused;
+    *outer = {d->source.end, d->frames};
+    d->source.end = position + uint64_t{length} * 8;
+    d->frames = nullptr;
+    return position;
+}
+
+// Stands behind the contents, whatever of them was read.
+HOT bit_position leave(decoder* d, const outside& outer, bit_position position) {
+    if (is_failure(position)) return position;
+    position = d->source.end;
+    d->source.end = outer.end;
+    d->frames = outer.frames;
+    return position;
+}
+
+static bit_position decode_wrapped(decoder* d, const op* o, uint8_t* value, bit_position position) {
+    outside outer;
+    position = enter(d, &outer, position);
+    if (is_failure(position)) return position;
+    return leave(d, outer, decode_op(d, o, value, position));
+}
+
+static bit_position skip_wrapped(decoder* d, bit_position position) {
+    outside outer;
+    position = enter(d, &outer, position);
+    return is_failure(position) ? position : leave(d, outer, position);
+}
+
+static const open_type_row* find_key(const decoder* d, const row_range& range, uint32_t key) {
+    const open_type_row* rows = &d->code->rows[range.first];
+    uint32_t low = 0, high = range.count;
+    while (low < high) {
+        uint32_t middle = (low + high) / 2;
+        if (rows[middle].key < key) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return low < range.count && rows[low].key == key ? &rows[low] : nullptr;
+}
+
+// The row of the type that an open type has; null, with a null type, if it has none. A type without a row can only come
+// from another object set than the descriptor's.
+static const open_type_row* find_row(decoder* d, const op* o, const uint8_t* value,
+                                     const asn1_type_desc** type) {
+    const open_type* open = &d->code->open_types[o->part];
+    const row_range& range = d->code->row_ranges[open->rows];
+    const open_type_row* row = nullptr;
+    *type = nullptr;
+    if (open->has_key) {
+        row = find_key(d, range, load32(value + open->key));
+    } else if (const asn1_type_desc* found = asn1_get_constrained_type(d->frames, d->code->types[o->type])) {
+        *type = found;
+        const open_type_row* end = &d->code->rows[range.first] + range.count;
+        for (row = end - range.count; row != end && d->code->types[row->type] != found;) ++row;
+        if (row == end) row = nullptr;
+    }
+    if (row) *type = d->code->types[row->type];
+    return row;
+}
+
+// An open type that has no type is kept as octets.
+static bit_position decode_raw(decoder* d, asn1_open_value* open, bit_position position) {
+    uint32_t length;
+    position = get_general_length(d, position, &length);
+    if (is_failure(position) || length == 0) return position;
+    if (!has_bits(d, position, uint64_t{length} * 8)) return kRefused;
+    open->data = take_block(d, length);
+    if (!open->data) return kNoMemory;
+    open->length = length;
+    copy_bits(d, position, static_cast<uint8_t*>(open->data), uint64_t{length} * 8);
+    return position + uint64_t{length} * 8;
+}
+
+WARM bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bit_position position) {
+    asn1_open_value* open = reinterpret_cast<asn1_open_value*>(value);
+    const asn1_type_desc* type;
+    const open_type_row* row = find_row(d, o, value, &type);
+    if (!row) return type ? kNotMine : decode_raw(d, open, position);
+    open->type = type;
+    open->data = take_record(d, row->size);
+    if (!open->data) return kNoMemory;
+    outside outer;
+    position = enter(d, &outer, position);
+    if (is_failure(position)) return position;
+    return leave(d, outer, decode_op(d, &d->code->ops[row->op], static_cast<uint8_t*>(open->data), position));
+}
+
+WARM bit_position decode_indirect(decoder* d, const op* o, uint8_t* value, bit_position position) {
+    if (!has_stack(&d->stack)) return kNotMine;
+    uint8_t* record = static_cast<uint8_t*>(take_record(d, o->low));
+    if (!record) return kNoMemory;
+    store_pointer(value, record);
+    return decode_op(d, &d->code->ops[o->part], record, position);
+}
+
+// ---- CHOICE -------------------------------------------------------------------------------------------------
+
+// An index below 64 behind the extension marker; a larger one is the walker's.
+static bit_position decode_extension(decoder* d, const op* o, uint8_t* record, bit_position position) {
+    if (!has_bits(d, position, 2)) return kRefused;
+    uint64_t window = window_at(d, position);
+    if (window >> 62 != 2) return by_walker(d, o, record, position);
+    if (!has_bits(d, position, 8)) return kRefused;
+    const choice* c = &d->code->choices[o->part];
+    uint32_t selector = c->root + (window >> 56 & 63);
+    store32(record + c->selector, selector);
+    position += 8;
+    if (selector >= c->total) return skip_wrapped(d, position);
+    return decode_wrapped(d, &d->code->ops[c->ops + selector], record + c->payload, position);
+}
+
+WARM bit_position decode_choice(decoder* d, const op* o, uint8_t* record, bit_position position) {
+    const choice* c = &d->code->choices[o->part];
+    if (!has_bits(d, position, o->width)) return kRefused;  // an extension is longer
+    uint64_t selector = top_bits(window_at(d, position), o->width);
+    if (__builtin_expect(selector > o->range, 0)) {
+        return is_extended(o, selector) ? decode_extension(d, o, record, position) : kRefused;
+    }
+    store32(record + c->selector, static_cast<uint32_t>(selector));
+    return decode_op(d, &d->code->ops[c->ops + selector], record + c->payload, position + o->width);
+}
+
+// ---- SEQUENCE -----------------------------------------------------------------------------------------------
+
+// The members of an extension addition group, `first` to `first + count - 1` of the additions.
+static bit_position decode_members(decoder* d, const sequence* s, const extension_unit& unit, uint8_t* record,
+                                   bit_position position) {
+    const op* member = &d->code->ops[s->additions + unit.first];
+    const uint8_t* has_bit = &d->code->flags[s->has_preamble_bit + unit.first];
+    uint32_t width = 0;
+    for (uint32_t i = 0; i < unit.count; ++i) width += has_bit[i];
+    if (width > kWindowBits) return kNotMine;
+    if (!has_bits(d, position, width)) return kRefused;
+    uint64_t preamble = window_at(d, position);
+    position += width;
+    for (uint32_t i = 0; i < unit.count && !is_failure(position); ++i, ++member) {
+        bool present = !has_bit[i] || preamble >> 63 != 0;
+        preamble <<= has_bit[i];
+        if (!present) continue;
+        if (member->presence != kNone) store32(record + member->presence, 1);
+        position = decode_op(d, member, record + member->offset, position);
+    }
+    return position;
+}
+
+static bit_position decode_unit(decoder* d, const sequence* s, const extension_unit& unit, uint8_t* record,
+                                bit_position position) {
+    const op* first = &d->code->ops[s->additions + unit.first];
+    if (!unit.is_group) {
+        if (first->presence != kNone) store32(record + first->presence, 1);
+        return decode_wrapped(d, first, record + first->offset, position);
+    }
+    outside outer;
+    position = enter(d, &outer, position);
+    if (is_failure(position)) return position;
+    return leave(d, outer, decode_members(d, s, unit, record, position));
+}
+
+// The bitmap and what it announces; one that is wider than a window is the walker's.
+static __attribute__((noinline)) bit_position decode_additions(decoder* d, const sequence* s, uint8_t* record,
+                                                               bit_position position) {
+    if (!has_bits(d, position, 7)) return kRefused;
+    uint64_t count = (window_at(d, position) >> 57) + 1;
+    if (count > kWindowBits) return kNotMine;
+    position += 7;
+    if (!has_bits(d, position, count)) return kRefused;
+    uint64_t bitmap = window_at(d, position) & UINT64_MAX << (64 - count);
+    position += count;
+    const extension_unit* units = &d->code->extension_units[s->units];
+    while (bitmap != 0 && !is_failure(position)) {
+        uint32_t i = static_cast<uint32_t>(__builtin_clzll(bitmap));
+        bitmap ^= UINT64_C(1) << 63 >> i;
+        position =
+            i < s->unit_count ? decode_unit(d, s, units[i], record, position) : skip_wrapped(d, position);
+    }
+    return position;
+}
+
+// Fills in the DEFAULTs whose preamble bit is 0; where an open type looks for its key all presence words are stored
+// before the first component.
+static void settle_options(decoder* d, const sequence* s, uint8_t* record, uint64_t preamble) {
+    const option* options = &d->code->options[s->options];
+    for (uint64_t absent = ~preamble & s->defaults; absent != 0;) {
+        uint32_t i = static_cast<uint32_t>(__builtin_clzll(absent));
+        absent ^= UINT64_C(1) << 63 >> i;
+        store32(record + options[i].offset, options[i].absent);
+    }
+    if (!s->needs_frame) return;
+    for (uint32_t i = 0; i < s->option_count; ++i) {
+        bool present = (preamble >> (63 - i) & 1) != 0;
+        if (present && (s->defaults >> (63 - i) & 1) == 0) store32(record + options[i].offset, 1);
+    }
+}
+
+// Runs ops: bit 63 is the first one's.
+HOT bit_position run_ops(decoder* d, const op* o, uint64_t todo, uint8_t* record, bit_position position) {
+    uint32_t no_presence;
+    for (; todo != 0; todo <<= 1, ++o) {
+        // A branch, not arithmetic: where op follows op its address does not wait for the preamble.
+        if (todo >> 63 == 0) {
+            uint32_t skipped = static_cast<uint32_t>(__builtin_clzll(todo));
+            todo <<= skipped;
+            o += skipped;
+        }
+        store32(o->presence == kNone ? static_cast<void*>(&no_presence) : record + o->presence, 1);
+        uint8_t* value = record + o->offset;
+        switch (o->kind) {
+            case kLeaf: position = decode_leaf(d, o, value, position); break;
+            case kGroup: position = decode_group(d, o, value, position); break;
+            case kAlignedGroup: position = decode_group(d, o, value, align(position)); break;
+            case kSequence:
+                position = decode_sequence(d, &d->code->sequences[o->part], value, position);
+                break;
+            case kList: position = decode_list(d, o, reinterpret_cast<asn1_array*>(value), position); break;
+            case kChoice: position = decode_choice(d, o, value, position); break;
+            default: position = decode_op(d, o, value, position); break;
+        }
+        if (__builtin_expect(is_failure(position), 0)) return position;
+    }
+    return position;
+}
+
+static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* record, bit_position position) {
+    uint64_t todo = s->always;
+    bool extended = false;
+    if (s->width != 0) {
+        if (!has_bits(d, position, s->width)) return kRefused;
+        uint64_t preamble = window_at(d, position);
+        position += s->width;
+        extended = (preamble >> 63 & s->extensible) != 0;
+        preamble <<= s->extensible;
+        const preamble_run* run = &d->code->preamble_runs[s->runs];
+        for (uint32_t i = s->run_count; i > 0; --i, ++run) todo |= (preamble & run->mask) >> run->shift;
+        if ((~preamble & s->defaults) != 0 || s->needs_frame) settle_options(d, s, record, preamble);
+    }
+    asn1_parent_frame frame;
+    if (s->needs_frame) {
+        frame = {d->frames, d->code->types[s->type], record};
+        d->frames = &frame;
+    }
+    position = run_ops(d, &d->code->ops[s->ops], todo, record, position);
+    if (__builtin_expect(extended, 0) && !is_failure(position))
+        position = decode_additions(d, s, record, position);
+    if (s->needs_frame) d->frames = frame.parent;
+    return position;
+}
+
+// ---- any op -------------------------------------------------------------------------------------------------
+
+static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_position position) {
+    switch (o->kind) {
+        case kLeaf: return decode_leaf(d, o, value, position);
+        case kGroup: return decode_group(d, o, value, position);
+        case kSequence: return decode_sequence(d, &d->code->sequences[o->part], value, position);
+        case kList: return decode_list(d, o, reinterpret_cast<asn1_array*>(value), position);
+        case kChoice: return decode_choice(d, o, value, position);
+        case kOctets: return decode_octets(d, o, reinterpret_cast<asn1_string*>(value), position);
+        case kBits: return decode_bits(d, o, reinterpret_cast<asn1_bit_string*>(value), position);
+        case kChars: return decode_chars(d, o, reinterpret_cast<asn1_string*>(value), position);
+        case kBigInteger: return decode_big_integer(d, o, reinterpret_cast<asn1_integer*>(value), position);
+        case kOpenType: return decode_open_type(d, o, value, position);
+        case kIndirect: return decode_indirect(d, o, value, position);
+        case kNull: return position;
+        case kAlignedLeaf: return decode_leaf(d, o, value, align(position));
+        case kAlignedGroup: return decode_group(d, o, value, align(position));
+        case kMarkedLeaf: return decode_marked_leaf(d, o, value, position);
+        case kCountedLeaf: return decode_counted_leaf(d, o, value, position);
+        case kCountedBigInteger:
+            return decode_big_integer(d, o, reinterpret_cast<asn1_integer*>(value), position);
+        case kWalker: break;
+    }
+    return by_walker(d, o, value, position);
+}
+
+// The outermost record does not count.
+static void* take_outermost(const decoder* d, uint64_t size) {
+    void* record = d->arena ? take(d->arena, size) : asn1_malloc(static_cast<size_t>(size));
+    if (record) memset(record, 0, size);
+    return record;
+}
+
+static outcome outcome_of(bit_position failure) {
+    return failure == kRefused ? kInvalid : failure == kNoMemory ? kOutOfMemory : kGaveUp;
+}
+
+static decode_result run_decode(const orlenta_codec* codec, rule rule, orlenta_arena* arena, void** out,
+                                const uint8_t* data, uint64_t size) {
+    const rule_program* code = program_for(codec, rule);
+    *out = nullptr;
+    if (!code) return {kGaveUp, 0, 0, false, 0};
+    decoder d;
+    per::short_input room;
+    d.source = per::begin_source(data, size, &room);
+    d.code = &code->code;
+    d.frames = nullptr;
+    d.stack = begin_stack();
+    d.memory = begin_decode_memory(size);
+    d.arena = arena;
+    d.walker_pieces = 0;
+    uint64_t allowed = d.memory.left;
+    *out = take_outermost(&d, codec->record_size);
+    if (!*out) return {kOutOfMemory, 0, 0, false, 0};
+    const op* root = &code->code.ops[code->root];
+    bit_position position = decode_op(&d, root, static_cast<uint8_t*>(*out), 0);
+    if (__builtin_expect(!is_failure(position), 1)) return {kDone, position, 0, true, d.walker_pieces};
+    if (!arena) orlenta_free_value(codec, *out);
+    *out = nullptr;
+    return {outcome_of(position), 0, allowed - d.memory.left, true, d.walker_pieces};
+}
+
+}  // namespace orlenta::program

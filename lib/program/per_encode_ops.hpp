@@ -1,0 +1,453 @@
+// PER by a program. What is unusual ends the run, and the walker encodes the value or finds the report.
+//
+// Whoever includes this has said by `kIsAligned` which of the two it is to be: one source, compiled twice.
+#pragma once
+
+#include <orlenta/memory.h>
+
+#include "core/stack.hpp"
+#include "per/piece.hpp"
+#include "per/widths.hpp"
+#include "program/per_encode.hpp"
+
+namespace orlenta::program {
+
+namespace {
+
+struct encoder {
+    per::bit_sink sink;
+    const program* code;
+    stack_guard stack;
+    uint32_t walker_pieces;
+};
+
+}  // namespace
+
+#define HOT static inline __attribute__((always_inline))
+#define COLD static __attribute__((noinline, cold))
+
+static bool encode_op(encoder* e, const op* o, const uint8_t* value);
+static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record);
+
+HOT void put(encoder* e, uint32_t width, uint64_t bits) { per::put_bits(&e->sink, width, bits); }
+
+HOT void put_field(encoder* e, uint32_t width, uint64_t bits) {
+    if (width != 0) put(e, width, bits);
+}
+
+// Fills up to an octet boundary.
+HOT void align(encoder* e) {
+    if (uint32_t padding = -e->sink.pending_count & 7; padding != 0) put(e, padding, 0);
+}
+
+// ---- the walker ---------------------------------------------------------------------------------------------
+
+COLD bool by_walker(encoder* e, const op* o, const void* value) {
+    ++e->walker_pieces;
+    return per::encode_one(&e->sink, kIsAligned, &e->stack, e->code->types[o->type], value) == 0;
+}
+
+// ---- leaves -------------------------------------------------------------------------------------------------
+
+HOT bool encode_leaf(encoder* e, const op* o, const uint8_t* value) {
+    uint32_t number = load32(value) - o->low;
+    if (__builtin_expect(number > o->range, 0)) return by_walker(e, o, value);
+    put_field(e, o->width, number);
+    return true;
+}
+
+HOT bool is_there(const option& one, const uint8_t* record) {
+    return load32(record + one.offset) != one.absent;
+}
+
+static bool any_there(const option* options, uint32_t count, const uint8_t* record) {
+    bool any = false;
+    for (uint32_t i = 0; i < count; ++i) any |= is_there(options[i], record);
+    return any;
+}
+
+// A group as the components that it was made of.
+COLD bool encode_singly(encoder* e, const group* g, const uint8_t* record) {
+    const op* one = &e->code->ops[g->ops];
+    for (const op* end = one + g->op_count; one != end; ++one) {
+        if (!encode_op(e, one, record + one->offset)) return false;
+    }
+    return true;
+}
+
+// The gates stay 0: with an addition behind one of them the group goes out singly.
+HOT bool encode_group(encoder* e, const op* o, const uint8_t* record) {
+    uint64_t bits = 0;
+    uint64_t beyond = 0;  // its top bit, if a number is beyond its range
+    const leaf* one = &e->code->leaves[o->part];
+    const leaf* end = one + o->count;
+    for (one += o->gates; one != end; ++one) {
+        uint32_t number = load32(record + (one->place >> 8)) - one->low;
+        beyond |= uint64_t{one->range} - number;
+        bits |= uint64_t{number} << (one->place & 63);
+    }
+    const group* g = &e->code->groups[o->low];
+    bool is_extended = o->gates != 0 && any_there(&e->code->options[g->options], g->option_count, record);
+    if (__builtin_expect(beyond >> 63 != 0 || is_extended, 0)) return encode_singly(e, g, record);
+    put_field(e, o->width, per::top_bits(bits, o->width));
+    return true;
+}
+
+HOT bool encode_aligned_group(encoder* e, const op* o, const uint8_t* record) {
+    align(e);
+    return encode_group(e, o, record);
+}
+
+HOT bool encode_marked_leaf(encoder* e, const op* o, const uint8_t* value) {
+    uint32_t number = load32(value) - o->low;
+    if (__builtin_expect(number > o->range, 0)) return by_walker(e, o, value);
+    put(e, 1, 0);
+    align(e);
+    put(e, o->width, number);
+    return true;
+}
+
+HOT void put_counted(encoder* e, uint32_t width, uint32_t octets, uint64_t number) {
+    put(e, width, octets - 1);
+    align(e);
+    put(e, 8 * octets, number);
+}
+
+HOT bool encode_counted_leaf(encoder* e, const op* o, const uint8_t* value) {
+    uint32_t number = load32(value) - o->low;
+    if (__builtin_expect(number > o->range, 0)) return by_walker(e, o, value);
+    put_counted(e, 2, per::octet_count(number), number);
+    return true;
+}
+
+static bool encode_big_integer(encoder* e, const op* o, const asn1_integer* value) {
+    bool is_plain = value->negative == 0 && value->size <= 2 && (value->size == 0 || value->limbs);
+    if (!is_plain || (value->size != 0 && value->limbs[value->size - 1] == 0)) return by_walker(e, o, value);
+    uint64_t number = value->size > 0 ? value->limbs[0] : 0;
+    if (value->size > 1) number |= uint64_t{value->limbs[1]} << 32;
+    if (number > (uint64_t{o->range} << 32 | o->low)) return false;
+    if (o->kind == kCountedBigInteger) {
+        put_counted(e, o->width, per::big_octet_count(value), number);
+    } else {
+        put(e, o->width, number);
+    }
+    return true;
+}
+
+// ---- strings and lists --------------------------------------------------------------------------------------
+
+HOT bool put_general_length(encoder* e, uint64_t length) {
+    if (length > 16383) return false;
+    if (kIsAligned) align(e);
+    if (length < 128) {
+        put(e, 8, length);
+    } else {
+        put(e, 16, 0x8000 | length);
+    }
+    return true;
+}
+
+// The length, and what stands between it and the contents. False, with nothing written, if the length has a form that the
+// walker knows, or none.
+HOT bool put_length(encoder* e, const op* o, uint64_t length) {
+    if (o->width == kGeneralLength) return length >= o->low && put_general_length(e, length);
+    if (length - o->low > o->range) return false;
+    if (kIsAligned && (o->alignment & kAlignLength) != 0) align(e);
+    put_field(e, o->width, length - o->low);
+    if (kIsAligned && (o->alignment & kAlignContents) != 0) align(e);
+    return true;
+}
+
+static bool encode_octets(encoder* e, const op* o, const asn1_string* string) {
+    if (string->length != 0 && !string->data) return false;
+    if (!put_length(e, o, string->length)) return by_walker(e, o, string);
+    put_bits_of(&e->sink, string->data, string->length * 8);
+    return true;
+}
+
+static bool encode_bits(encoder* e, const op* o, const asn1_bit_string* string) {
+    if (string->length != 0 && !string->data) return false;
+    if (!put_length(e, o, string->length)) return by_walker(e, o, string);
+    put_bits_of(&e->sink, string->data, string->length);
+    return true;
+}
+
+// A character that is too wide damages what is before it, in the walker's way.
+static bool encode_chars(encoder* e, const op* o, const asn1_string* string) {
+    if (string->length != 0 && !string->data) return false;
+    if (!put_length(e, o, string->length)) return by_walker(e, o, string);
+    uint32_t width = o->count;
+    uint32_t batch = kWindowBits / width;
+    uint32_t all = 0;
+    for (uint64_t i = 0; i < string->length;) {
+        uint64_t left = string->length - i;
+        uint32_t count = left < batch ? static_cast<uint32_t>(left) : batch;
+        uint64_t word = 0;
+        for (uint32_t k = 0; k < count; ++k, ++i) {
+            all |= string->data[i];
+            word = word << width | string->data[i];
+        }
+        if (all >> width != 0) return false;
+        put(e, count * width, word);
+    }
+    return true;
+}
+
+static bool encode_list(encoder* e, const op* o, const asn1_array* array) {
+    if ((array->count != 0 && !array->data) || !has_stack(&e->stack)) return false;
+    if (!put_length(e, o, array->count)) return by_walker(e, o, array);
+    const list* l = &e->code->lists[o->part];
+    const op* element = &e->code->ops[l->element];
+    const uint8_t* at = static_cast<const uint8_t*>(array->data);
+    const uint8_t* end = at + l->stride * array->count;
+    if (element->kind == kGroup) {
+        for (; at != end; at += l->stride) {
+            if (!encode_group(e, element, at)) return false;
+        }
+    } else if (element->kind == kSequence) {
+        const sequence* s = &e->code->sequences[element->part];
+        for (; at != end; at += l->stride) {
+            if (!encode_sequence(e, s, at)) return false;
+        }
+    } else {
+        for (; at != end; at += l->stride) {
+            if (!encode_op(e, element, at)) return false;
+        }
+    }
+    return true;
+}
+
+// ---- open types ---------------------------------------------------------------------------------------------
+
+// Contents are written in place behind one octet for their length. A length of two octets moves them up by one.
+HOT uint64_t begin_wrapped(encoder* e) {
+    if (kIsAligned) align(e);
+    uint64_t start = bits_written(e->sink);
+    put(e, 8, 0);
+    return start;
+}
+
+// Completes the contents: at least one octet, and whole ones. Their length in octets.
+static uint64_t complete_contents(encoder* e, uint64_t start) {
+    uint64_t bits = bits_written(e->sink) - start - 8;
+    if (bits == 0) put(e, 8, 0);
+    if (bits % 8 != 0) put(e, 8 - bits % 8, 0);
+    return (bits_written(e->sink) - start - 8) / 8;
+}
+
+// Adds bits to zeros in memory, 24 from the one at `start` on at the most.
+static void patch(uint8_t* octets, uint64_t start, uint32_t width, uint32_t bits) {
+    bits <<= 32 - width - start % 8;
+    for (octets += start / 8; bits != 0; bits <<= 8) *octets++ |= static_cast<uint8_t>(bits >> 24);
+}
+
+static bool end_wrapped(encoder* e, uint64_t start) {
+    uint64_t length = complete_contents(e, start);
+    per::bit_sink* sink = &e->sink;
+    asn1_byte_buffer* buffer = &sink->buffer;
+    if (length > 16383 || !per::make_room(buffer, 24) || buffer->failed) return false;
+    // All bits go to memory, zeros behind them, and those behind the last whole word are taken back at the end.
+    per::store_window(buffer->data + buffer->length, sink->pending);
+    if (length < 128) {
+        patch(buffer->data, start, 8, static_cast<uint32_t>(length));
+    } else {
+        // Of the octet in which the contents begin, the length has the bits above them, which are zero.
+        uint8_t* contents = buffer->data + start / 8 + 1;
+        uint8_t* end = buffer->data + buffer->length + sizeof sink->pending;
+        memmove(contents + 1, contents, static_cast<size_t>(end - contents));
+        *contents = 0;
+        patch(buffer->data, start, 16, 0x8000 | static_cast<uint32_t>(length));
+        sink->pending_count += 8;
+    }
+    if (sink->pending_count >= 64) {
+        buffer->length += 8;
+        sink->pending_count -= 64;
+    }
+    uint64_t last = per::load_window(buffer->data + buffer->length);
+    sink->pending = sink->pending_count == 0 ? 0 : last & UINT64_MAX << (64 - sink->pending_count);
+    return true;
+}
+
+static bool encode_wrapped(encoder* e, const op* o, const uint8_t* value) {
+    uint64_t start = begin_wrapped(e);
+    return has_stack(&e->stack) && encode_op(e, o, value) && end_wrapped(e, start);
+}
+
+static const open_type_row* find_row(const encoder* e, const op* o, const asn1_type_desc* type) {
+    const row_range& range = e->code->row_ranges[e->code->open_types[o->part].rows];
+    const open_type_row* row = &e->code->rows[range.first];
+    for (const open_type_row* end = row + range.count; row != end; ++row) {
+        if (e->code->types[row->type] == type) return row;
+    }
+    return nullptr;
+}
+
+static bool encode_open_type(encoder* e, const op* o, const asn1_open_value* open) {
+    if (!open->type) {
+        if (open->length != 0 && !open->data) return false;
+        if (!put_general_length(e, open->length)) return by_walker(e, o, open);
+        put_bits_of(&e->sink, static_cast<const uint8_t*>(open->data), open->length * 8);
+        return true;
+    }
+    const open_type_row* row = open->data ? find_row(e, o, open->type) : nullptr;
+    if (!row) return by_walker(e, o, open);
+    return encode_wrapped(e, &e->code->ops[row->op], static_cast<const uint8_t*>(open->data));
+}
+
+static bool encode_indirect(encoder* e, const op* o, const uint8_t* value) {
+    const void* inner = load_pointer(value);
+    if (!inner || !has_stack(&e->stack)) return false;
+    return encode_op(e, &e->code->ops[o->part], static_cast<const uint8_t*>(inner));
+}
+
+// ---- CHOICE -------------------------------------------------------------------------------------------------
+
+static bool encode_choice(encoder* e, const op* o, const uint8_t* record) {
+    const choice* c = &e->code->choices[o->part];
+    uint32_t selector = load32(record + c->selector);
+    const op* alternative = &e->code->ops[c->ops] + selector;
+    if (__builtin_expect(selector <= o->range, 1)) {
+        put_field(e, o->width, selector);
+        return encode_op(e, alternative, record + c->payload);
+    }
+    // An index of 64 or more behind the marker is the walker's.
+    if (selector >= c->total) return false;
+    if (selector - c->root >= 64) return by_walker(e, o, record);
+    put(e, 8, 0x80 | (selector - c->root));
+    return encode_wrapped(e, alternative, record + c->payload);
+}
+
+// ---- SEQUENCE -----------------------------------------------------------------------------------------------
+
+static bool encode_members(encoder* e, const sequence* s, const extension_unit& unit, const uint8_t* record) {
+    const op* member = &e->code->ops[s->additions + unit.first];
+    const option* options = &e->code->options[s->addition_options + unit.first];
+    const uint8_t* has_bit = &e->code->flags[s->has_preamble_bit + unit.first];
+    for (uint32_t i = 0; i < unit.count; ++i) {
+        if (has_bit[i]) put(e, 1, is_there(options[i], record));
+    }
+    for (uint32_t i = 0; i < unit.count; ++i, ++member) {
+        if (is_there(options[i], record) && !encode_op(e, member, record + member->offset)) return false;
+    }
+    return true;
+}
+
+static bool encode_unit(encoder* e, const sequence* s, const extension_unit& unit, const uint8_t* record) {
+    const op* first = &e->code->ops[s->additions + unit.first];
+    if (!unit.is_group) return encode_wrapped(e, first, record + first->offset);
+    uint64_t start = begin_wrapped(e);
+    return encode_members(e, s, unit, record) && end_wrapped(e, start);
+}
+
+// The bitmap and the units that are there; one wider than a window is the walker's.
+static __attribute__((noinline)) bool encode_additions(encoder* e, const sequence* s, const uint8_t* record) {
+    const extension_unit* units = &e->code->extension_units[s->units];
+    const option* options = &e->code->options[s->addition_options];
+    if (s->unit_count > kWindowBits) return false;
+    uint64_t bitmap = 0;
+    for (uint32_t i = 0; i < s->unit_count; ++i) {
+        bitmap = bitmap << 1 | any_there(options + units[i].first, units[i].count, record);
+    }
+    put(e, 7, s->unit_count - 1u);
+    put(e, s->unit_count, bitmap);
+    for (uint32_t i = 0; i < s->unit_count; ++i) {
+        bool is_present = bitmap >> (s->unit_count - 1 - i) & 1;
+        if (is_present && !encode_unit(e, s, units[i], record)) return false;
+    }
+    return true;
+}
+
+// Runs ops: bit 63 is the first one's.
+HOT bool run_ops(encoder* e, const op* o, uint64_t todo, const uint8_t* record) {
+    for (; todo != 0; todo <<= 1, ++o) {
+        // A branch, not arithmetic: where op follows op its address does not wait for the preamble.
+        if (todo >> 63 == 0) {
+            uint32_t skipped = static_cast<uint32_t>(__builtin_clzll(todo));
+            todo <<= skipped;
+            o += skipped;
+        }
+        const uint8_t* value = record + o->offset;
+        bool is_done;
+        switch (o->kind) {
+            case kLeaf: is_done = encode_leaf(e, o, value); break;
+            case kGroup: is_done = encode_group(e, o, value); break;
+            case kAlignedGroup: is_done = encode_aligned_group(e, o, value); break;
+            case kSequence: is_done = encode_sequence(e, &e->code->sequences[o->part], value); break;
+            default: is_done = encode_op(e, o, value); break;
+        }
+        if (!is_done) return false;
+    }
+    return true;
+}
+
+static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record) {
+    uint64_t todo = s->always;
+    bool is_extended = false;
+    if (s->width != 0) {
+        uint64_t preamble = 0;
+        if (s->addition_count != 0) {
+            is_extended = any_there(&e->code->options[s->addition_options], s->addition_count, record);
+            preamble = is_extended;
+        }
+        const option* one = &e->code->options[s->options];
+        for (const option* end = one + s->option_count; one != end; ++one) {
+            preamble = preamble << 1 | is_there(*one, record);
+        }
+        put(e, s->width, preamble);
+        preamble = preamble << (63 - s->option_count) << 1;
+        const preamble_run* run = &e->code->preamble_runs[s->runs];
+        for (uint32_t i = s->run_count; i > 0; --i, ++run) todo |= (preamble & run->mask) >> run->shift;
+    }
+    if (!run_ops(e, &e->code->ops[s->ops], todo, record)) return false;
+    return !is_extended || encode_additions(e, s, record);
+}
+
+// ---- any op -------------------------------------------------------------------------------------------------
+
+static bool encode_op(encoder* e, const op* o, const uint8_t* value) {
+    switch (o->kind) {
+        case kLeaf: return encode_leaf(e, o, value);
+        case kGroup: return encode_group(e, o, value);
+        case kSequence: return encode_sequence(e, &e->code->sequences[o->part], value);
+        case kList: return encode_list(e, o, reinterpret_cast<const asn1_array*>(value));
+        case kChoice: return encode_choice(e, o, value);
+        case kOctets: return encode_octets(e, o, reinterpret_cast<const asn1_string*>(value));
+        case kBits: return encode_bits(e, o, reinterpret_cast<const asn1_bit_string*>(value));
+        case kChars: return encode_chars(e, o, reinterpret_cast<const asn1_string*>(value));
+        case kBigInteger: return encode_big_integer(e, o, reinterpret_cast<const asn1_integer*>(value));
+        case kOpenType: return encode_open_type(e, o, reinterpret_cast<const asn1_open_value*>(value));
+        case kIndirect: return encode_indirect(e, o, value);
+        case kNull: return true;
+        case kAlignedLeaf: align(e); return encode_leaf(e, o, value);
+        case kAlignedGroup: return encode_aligned_group(e, o, value);
+        case kMarkedLeaf: return encode_marked_leaf(e, o, value);
+        case kCountedLeaf: return encode_counted_leaf(e, o, value);
+        case kCountedBigInteger:
+            return encode_big_integer(e, o, reinterpret_cast<const asn1_integer*>(value));
+        case kWalker: break;
+    }
+    return by_walker(e, o, value);
+}
+
+static encode_result run_encode(const orlenta_codec* codec, rule rule, uint8_t** out, const void* value) {
+    const rule_program* code = program_for(codec, rule);
+    *out = nullptr;
+    if (!code) return {false, 0, 0};
+    encoder e;
+    e.sink = {};
+    e.code = &code->code;
+    e.stack = begin_stack();
+    e.walker_pieces = 0;
+    const op* root = &code->code.ops[code->root];
+    bool is_done = encode_op(&e, root, static_cast<const uint8_t*>(value));
+    if (is_done && bits_written(e.sink) == 0) put(&e, 8, 0);  // X.691 clause 11.1
+    is_done = is_done && flush(&e.sink) == 0;
+    if (!is_done) {
+        asn1_free(e.sink.buffer.data);
+        e.sink.buffer = {};
+    }
+    *out = e.sink.buffer.data;
+    return {is_done, e.sink.buffer.length, e.walker_pieces};
+}
+
+}  // namespace orlenta::program
