@@ -7,7 +7,7 @@
 #include <set>
 
 #include "compiler/emit/c_types.hpp"
-#include "compiler/layout/records.hpp"
+#include "compiler/layout/constant_form.hpp"
 
 namespace orlentac {
 
@@ -36,11 +36,13 @@ Text initializer(const Word& word) {
         case Word::Sort::text: return fmt::format("{{.text = \"{}\"}}", word.text);
         case Word::Sort::object: break;
     }
-    const Object& object = *word.object;
-    if (object.sort == Object::Sort::octets) return fmt::format("{{.address = {}}}", object_name(object));
-    if (object.sort != Object::Sort::value) return fmt::format("{{.type = {}}}", object_name(object));
-    bool is_integer = object.type->kind == Kind::integer && is_big_integer(*object.type);
-    return fmt::format("{{.{} = &{}}}", is_integer ? "integer" : "address", object_name(object));
+    Text name = object_name(*word.object);
+    switch (form_of(*word.object).record) {
+        case ConstantForm::Record::words: return fmt::format("{{.type = {}}}", name);
+        case ConstantForm::Record::octets: return fmt::format("{{.address = {}}}", name);
+        case ConstantForm::Record::integer: return fmt::format("{{.integer = &{}}}", name);
+        default: return fmt::format("{{.address = &{}}}", name);
+    }
 }
 
 // The words, several a line.
@@ -64,71 +66,49 @@ void put_words(Text& out, const std::vector<Word>& words) {
 
 // ---- constants --------------------------------------------------------------------------------------------
 
-// Magnitude in limbs, least significant first, as asn1_integer holds it.
-std::vector<uint32_t> limbs_of(Number number) {
-    std::vector<uint32_t> limbs;
-    for (number = abs(number); number != 0; number >>= 32)
-        limbs.push_back(static_cast<uint32_t>(number & 0xFFFFFFFFu));
-    return limbs;
-}
-
-void put_big_integer(Text& out, const Object& object) {
-    std::vector<uint32_t> limbs = limbs_of(object.value.number);
+void put_limbs(Text& out, const Object& object, const ConstantForm& form) {
     Text data = "nullptr";
-    if (!limbs.empty()) {
+    if (!form.limbs.empty()) {
         data = fmt::format("asn1_value__local{}_data", object.local);
-        put(out, "static constinit const uint32_t {}[{}] = {{", data, limbs.size());
-        for (uint32_t limb : limbs) put(out, "0x{:X}, ", limb);
+        put(out, "static constinit const uint32_t {}[{}] = {{", data, form.limbs.size());
+        for (uint32_t limb : form.limbs) put(out, "0x{:X}, ", limb);
         out.replace(out.size() - 2, 2, "};\n");
         data = "const_cast<uint32_t*>(" + data + ")";
     }
     put(out, "static constinit const asn1_integer {} = {{{}, {}, {}, {}}};\n", object_name(object), data,
-        limbs.size(), limbs.size(), object.value.number < 0 ? 1 : 0);
+        form.limbs.size(), form.limbs.size(), form.negative ? 1 : 0);
 }
 
-void put_string(Text& out, const Object& object, const char* record, uint64_t length) {
-    const std::string& bytes = object.value.bytes;
+void put_bytes(Text& out, const Text& name, const std::string& bytes) {
+    put(out, "static constinit const uint8_t {}[{}] = {{", name, bytes.size());
+    for (char byte : bytes) put(out, "0x{:02X}, ", static_cast<uint8_t>(byte));
+    out.replace(out.size() - 2, 2, "};\n");
+}
+
+void put_string(Text& out, const Object& object, const ConstantForm& form, const char* record) {
     Text data = "nullptr";
-    if (!bytes.empty()) {
+    if (!form.bytes.empty()) {
         data = fmt::format("asn1_value__local{}_data", object.local);
-        put(out, "static constinit const uint8_t {}[{}] = {{", data, bytes.size());
-        for (char byte : bytes) put(out, "0x{:02X}, ", static_cast<uint8_t>(byte));
-        out.replace(out.size() - 2, 2, "};\n");
+        put_bytes(out, data, form.bytes);
         data = "const_cast<uint8_t*>(" + data + ")";
     }
-    put(out, "static constinit const {} {} = {{{}, {}}};\n", record, object_name(object), data, length);
-}
-
-void put_value(Text& out, const Object& object) {
-    const Value& value = object.value;
-    auto put_word = [&](uint32_t word) {
-        put(out, "static constinit const uint32_t {} = 0x{:X};\n", object_name(object), word);
-    };
-    switch (value.sort) {
-        case Value::Sort::boolean: return put_word(value.boolean);
-        case Value::Sort::item: return put_word(static_cast<uint32_t>(value.item));
-        case Value::Sort::number:
-            if (is_big_integer(*object.type)) return put_big_integer(out, object);
-            return put_word(static_cast<uint32_t>(static_cast<int64_t>(value.number)));
-        case Value::Sort::bits: return put_string(out, object, "asn1_bit_string", value.bit_count);
-        case Value::Sort::octets:
-        case Value::Sort::text:
-        case Value::Sort::oid: return put_string(out, object, "asn1_string", value.bytes.size());
-        case Value::Sort::null:
-            put(out, "static constinit const uint8_t {} = 0;\n", object_name(object));
-            return;
-        case Value::Sort::constructed:  // the layout has refused these two
-        case Value::Sort::real: return;
-    }
+    put(out, "static constinit const {} {} = {{{}, {}}};\n", record, object_name(object), data, form.length);
 }
 
 void put_object(Text& out, const Object& object) {
-    if (object.sort == Object::Sort::value) return put_value(out, object);
-    if (object.sort == Object::Sort::octets) {
-        put(out, "alignas(4) static constinit const uint8_t {}[{}] = {{", object_name(object),
-            object.value.bytes.size());
-        for (char byte : object.value.bytes) put(out, "0x{:02X}, ", static_cast<uint8_t>(byte));
-        return void(out.replace(out.size() - 2, 2, "};\n"));
+    ConstantForm form = form_of(object);
+    switch (form.record) {
+        case ConstantForm::Record::word:
+            return put(out, "static constinit const uint32_t {} = 0x{:X};\n", object_name(object), form.word);
+        case ConstantForm::Record::null:
+            return put(out, "static constinit const uint8_t {} = 0;\n", object_name(object));
+        case ConstantForm::Record::integer: return put_limbs(out, object, form);
+        case ConstantForm::Record::string: return put_string(out, object, form, "asn1_string");
+        case ConstantForm::Record::bit_string: return put_string(out, object, form, "asn1_bit_string");
+        case ConstantForm::Record::octets:
+            out += "alignas(4) ";
+            return put_bytes(out, object_name(object), form.bytes);
+        case ConstantForm::Record::words: break;
     }
     put(out, "static constinit const asn1_word {}[{}] = {{", object_name(object), object.words.size());
     put_words(out, object.words);

@@ -12,13 +12,15 @@
 
 namespace orlentac::test {
 
+inline SourceText source_of(const std::filesystem::path& path) {
+    std::ifstream file(path);
+    return {path, std::string(std::istreambuf_iterator<char>(file), {})};
+}
+
 inline std::vector<SourceText> region_sources(const std::string& region) {
     std::vector<SourceText> sources;
-    for (const auto& entry : std::filesystem::directory_iterator(ORLENTA_SCHEMA_DIR "/" + region)) {
-        if (entry.path().extension() != ".asn1") continue;
-        std::ifstream file(entry.path());
-        sources.push_back({entry.path(), std::string(std::istreambuf_iterator<char>(file), {})});
-    }
+    for (const auto& entry : std::filesystem::directory_iterator(ORLENTA_SCHEMA_DIR "/" + region))
+        if (entry.path().extension() == ".asn1") sources.push_back(source_of(entry.path()));
     auto by_name = [](const SourceText& a, const SourceText& b) { return a.name < b.name; };
     std::sort(sources.begin(), sources.end(), by_name);
     return sources;
