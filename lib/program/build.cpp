@@ -23,48 +23,26 @@ static void move_to(uint8_t** block, growing<T>* from, const T** to) {
 }
 
 static uint64_t total_size(const builder& b) {
-    return size_of(b.ops) + size_of(b.leaves) + size_of(b.groups) + size_of(b.options) +
-           size_of(b.preamble_runs) + size_of(b.sequences) + size_of(b.extension_units) + size_of(b.lists) +
-           size_of(b.choices) + size_of(b.open_types) + size_of(b.sets) + size_of(b.rows) + size_of(b.flags) +
-           size_of(b.types);
+    uint64_t size = 0;
+#define ORLENTA_ARRAY(type, name) size += size_of(b.name);
+    ORLENTA_PROGRAM_ARRAYS(ORLENTA_ARRAY)
+#undef ORLENTA_ARRAY
+    return size;
 }
 
 static void move_arrays(builder* b, uint8_t* block, program* to) {
-    move_to(&block, &b->ops, &to->ops);
-    move_to(&block, &b->leaves, &to->leaves);
-    move_to(&block, &b->groups, &to->groups);
-    move_to(&block, &b->options, &to->options);
-    move_to(&block, &b->preamble_runs, &to->preamble_runs);
-    move_to(&block, &b->sequences, &to->sequences);
-    move_to(&block, &b->extension_units, &to->extension_units);
-    move_to(&block, &b->lists, &to->lists);
-    move_to(&block, &b->choices, &to->choices);
-    move_to(&block, &b->open_types, &to->open_types);
-    move_to(&block, &b->sets, &to->row_ranges);
-    move_to(&block, &b->rows, &to->rows);
-    move_to(&block, &b->flags, &to->flags);
-    move_to(&block, &b->types, &to->types);
+#define ORLENTA_ARRAY(type, name) move_to(&block, &b->name, &to->name);
+    ORLENTA_PROGRAM_ARRAYS(ORLENTA_ARRAY)
+#undef ORLENTA_ARRAY
 }
 
 static void free_arrays(builder* b) {
-    void* blocks[] = {b->ops.items,
-                      b->leaves.items,
-                      b->groups.items,
-                      b->options.items,
-                      b->preamble_runs.items,
-                      b->sequences.items,
-                      b->extension_units.items,
-                      b->lists.items,
-                      b->choices.items,
-                      b->open_types.items,
-                      b->sets.items,
-                      b->rows.items,
-                      b->flags.items,
-                      b->types.items,
-                      b->known.items,
-                      b->type_at.entries,
-                      b->row_sets.entries};
-    for (void* block : blocks) asn1_free(block);
+#define ORLENTA_ARRAY(type, name) asn1_free(b->name.items);
+    ORLENTA_PROGRAM_ARRAYS(ORLENTA_ARRAY)
+#undef ORLENTA_ARRAY
+    asn1_free(b->known.items);
+    asn1_free(b->type_at.entries);
+    asn1_free(b->row_sets.entries);
 }
 
 static const rule_program* finish_program(builder* b, uint32_t root) {
@@ -80,7 +58,7 @@ static const rule_program* finish_program(builder* b, uint32_t root) {
 const rule_program* build_program(const asn1_type_desc* type, rule rule) {
     builder b = {};
     b.aligned = rule == kAligned;
-    reserve_item(&b, &b.sets);  // the set of no rows
+    reserve_item(&b, &b.row_ranges);  // the set of no rows
     uint32_t root = whole_op(&b, type);
     const rule_program* made = b.failed ? nullptr : finish_program(&b, root);
     free_arrays(&b);

@@ -35,20 +35,9 @@ struct known_type {
 };
 
 struct builder {
-    growing<op> ops;
-    growing<leaf> leaves;
-    growing<group> groups;
-    growing<option> options;
-    growing<preamble_run> preamble_runs;
-    growing<sequence> sequences;
-    growing<extension_unit> extension_units;
-    growing<list> lists;
-    growing<choice> choices;
-    growing<open_type> open_types;
-    growing<row_range> sets;
-    growing<open_type_row> rows;
-    growing<uint8_t> flags;
-    growing<const asn1_type_desc*> types;
+#define ORLENTA_ARRAY(type, name) growing<type> name;
+    ORLENTA_PROGRAM_ARRAYS(ORLENTA_ARRAY)
+#undef ORLENTA_ARRAY
     growing<known_type> known;
     address_map type_at;   // types[], known[]
     address_map row_sets;  // row_ranges[], by table constraint if sorted, else by open type

@@ -100,13 +100,13 @@ static uint32_t row_set(builder* b, const asn1_type_desc* type, bool has_key, ui
     const asn1_word* identity = has_key ? &table->sort : type;
     uint32_t known = find(b->row_sets, identity);
     if (known != kNone) return known;
-    uint32_t index = reserve_item(b, &b->sets);
+    uint32_t index = reserve_item(b, &b->row_ranges);
     put(b, &b->row_sets, identity, index);
     if (b->failed) return 0;
     growing<open_type_row> rows = {};
     read_rows(b, table, &rows, has_key, key_column);
     row_range range = {add_all(b, &b->rows, rows.items, rows.count), static_cast<uint32_t>(rows.count)};
-    b->sets.items[index] = range;
+    b->row_ranges.items[index] = range;
     asn1_free(rows.items);
     return index;
 }

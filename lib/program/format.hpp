@@ -149,21 +149,27 @@ struct open_type_row {
     uint32_t size;  // bytes of a record
 };
 
+// The arrays of a program by the type of their entries.
+#define ORLENTA_PROGRAM_ARRAYS(ARRAY)      \
+    ARRAY(op, ops)                         \
+    ARRAY(leaf, leaves)                    \
+    ARRAY(group, groups)                   \
+    ARRAY(option, options)                 \
+    ARRAY(preamble_run, preamble_runs)     \
+    ARRAY(sequence, sequences)             \
+    ARRAY(extension_unit, extension_units) \
+    ARRAY(list, lists)                     \
+    ARRAY(choice, choices)                 \
+    ARRAY(open_type, open_types)           \
+    ARRAY(row_range, row_ranges)           \
+    ARRAY(open_type_row, rows)             \
+    ARRAY(uint8_t, flags)                  \
+    ARRAY(const asn1_type_desc*, types)
+
 struct program {
-    const op* ops;
-    const leaf* leaves;
-    const group* groups;
-    const option* options;
-    const preamble_run* preamble_runs;
-    const sequence* sequences;
-    const extension_unit* extension_units;
-    const list* lists;
-    const choice* choices;
-    const open_type* open_types;
-    const row_range* row_ranges;
-    const open_type_row* rows;
-    const uint8_t* flags;
-    const asn1_type_desc* const* types;
+#define ORLENTA_ARRAY(type, name) type const* name;
+    ORLENTA_PROGRAM_ARRAYS(ORLENTA_ARRAY)
+#undef ORLENTA_ARRAY
 };
 
 }  // namespace orlenta::program
