@@ -9,13 +9,26 @@
 
 namespace cli {
 
-static std::string failure_text(const asn1_error& error, bool has_bits, const char* otherwise) {
-    std::string text = error.message[0] ? error.message : otherwise;
+std::string sentence(const Problem& problem) {
     std::string place;
-    if (has_bits) place = fmt::format("bit {}", error.bit_position);
-    if (error.path[0]) place += fmt::format("{}at {}", place.empty() ? "" : ", ", error.path);
-    return place.empty() ? text : fmt::format("{} ({})", text, place);
+    if (problem.bit >= 0) place = fmt::format("bit {}", problem.bit);
+    if (!problem.path.empty()) place += fmt::format("{}at {}", place.empty() ? "" : ", ", problem.path);
+    return place.empty() ? problem.text : fmt::format("{} ({})", problem.text, place);
 }
+
+CodedType coded(const asn1_type_desc* type, std::string name) {
+    return {type, std::move(name), Codec(orlenta_codec_new(type))};
+}
+
+static Problem problem_of(const asn1_error& error, bool has_bits, const char* otherwise) {
+    Problem problem;
+    problem.text = error.message[0] ? error.message : otherwise;
+    problem.path = error.path;
+    if (has_bits) problem.bit = error.bit_position;
+    return problem;
+}
+
+// ---- decoding ---------------------------------------------------------------------------------------------
 
 // A value that takes no bits is one zero octet in PER (X.691 clause 11.1.3), of which the decoder uses nothing.
 static bool is_empty_encoding(std::string_view input, int64_t used) {
@@ -31,58 +44,82 @@ static size_t trailing_offset(const Rules& rules, std::string_view input, int64_
     return static_cast<size_t>(std::find_if_not(rest, input.end(), is_space) - input.begin());
 }
 
-static std::string trailing_text(const Rules& rules, size_t offset, size_t left) {
-    return rules.is_text()
-               ? "there is more text behind the message"
-               : fmt::format("{} byte{} behind the message (bit {})", left, left == 1 ? "" : "s", offset * 8);
+static Problem trailing_problem(const Rules& rules, std::string_view input, size_t offset) {
+    Problem problem;
+    if (rules.is_text()) {
+        problem.text = "there is more text behind the message";
+        auto end = input.begin() + static_cast<std::ptrdiff_t>(offset);
+        problem.line = 1 + static_cast<int>(std::count(input.begin(), end, '\n'));
+    } else {
+        size_t left = input.size() - offset;
+        problem.text = fmt::format("{} byte{} behind the message", left, left == 1 ? "" : "s");
+        problem.bit = static_cast<int64_t>(8 * offset);
+    }
+    return problem;
 }
 
-Value decode(const Rules& rules, const asn1_type_desc* type, std::string_view input, bool allow_trailing,
-             int* line, std::string* problem) {
-    asn1_error error;
-    asn1_error_init(&error);
+static int64_t decode_by(const Rules& rules, const CodedType& type, orlenta_arena* arena,
+                         std::string_view input, Value* value, asn1_error* error) {
+    const uint8_t* data = reinterpret_cast<const uint8_t*>(input.data());
+    if (rules.decode_arena && type.codec && arena) {
+        orlenta_arena_value decoded = {nullptr};
+        int64_t used = rules.decode_arena(type.codec.get(), arena, &decoded, data, input.size(), error);
+        if (used >= 0) *value = Value(type.type, decoded);
+        return used;
+    }
     void* decoded = nullptr;
-    int64_t used =
-        rules.decode(&decoded, type, reinterpret_cast<const uint8_t*>(input.data()), input.size(), &error);
-    *line = 0;
-    if (used < 0) {
-        if (rules.is_text()) *line = error.line;
-        *problem = failure_text(error, !rules.is_text(), "the message cannot be decoded");
-        return Value(nullptr, {type});
-    }
-    Value value(decoded, {type});
-    size_t trailing = trailing_offset(rules, input, used);
-    if (trailing < input.size() && !allow_trailing) {
-        if (rules.is_text())
-            *line = 1 + static_cast<int>(std::count(
-                            input.begin(), input.begin() + static_cast<std::ptrdiff_t>(trailing), '\n'));
-        *problem = trailing_text(rules, trailing, input.size() - trailing);
-        value.reset();
-    }
-    return value;
+    int64_t used = rules.decode(&decoded, type.type, data, input.size(), error);
+    if (used >= 0) *value = Value(type.type, decoded);
+    return used;
 }
 
-bool check(const asn1_type_desc* type, const void* value, std::string* problem) {
+Value decode(const Rules& rules, const CodedType& type, orlenta_arena* arena, std::string_view input,
+             bool allow_trailing, Problem* problem) {
+    if (rules.is_text() && input.starts_with("\xEF\xBB\xBF")) {
+        problem->text = "the text begins with a byte order mark (EF BB BF), which is no part of it";
+        problem->line = 1;
+        return {};
+    }
     asn1_error error;
     asn1_error_init(&error);
-    if (asn1_check_constraints(type, value, &error)) return true;
-    *problem = failure_text(error, false, "a constraint is not met");
+    Value value;
+    int64_t used = decode_by(rules, type, arena, input, &value, &error);
+    if (used < 0) {
+        *problem = problem_of(error, !rules.is_text(), "the message cannot be decoded");
+        if (rules.is_text()) problem->line = error.line;
+        return {};
+    }
+    size_t trailing = trailing_offset(rules, input, used);
+    if (trailing == input.size() || allow_trailing) return value;
+    *problem = trailing_problem(rules, input, trailing);
+    return {};
+}
+
+// ---- checking and encoding --------------------------------------------------------------------------------
+
+bool check(const Value& value, Problem* problem) {
+    asn1_error error;
+    asn1_error_init(&error);
+    if (orlenta_check(value.type(), value.get(), &error)) return true;
+    *problem = problem_of(error, false, "a constraint is not met");
     return false;
 }
 
-bool encode(const Rules& rules, const asn1_type_desc* type, const void* value, const Style& style,
-            std::string* output, std::string* problem) {
+bool encode(const Rules& rules, const CodedType& type, const void* value, const Style& style,
+            std::string* output, Problem* problem) {
     asn1_error error;
     asn1_error_init(&error);
     uint8_t* data = nullptr;
-    int64_t size = rules.encode(&data, type, value, style, &error);
+    int64_t size = rules.encode_codec && type.codec
+                       ? rules.encode_codec(type.codec.get(), &data, value, &error)
+                       : rules.encode(&data, type.type, value, style, &error);
     if (size < 0) {
-        *problem = fmt::format(
-            "not encodable as {}: {}", rules.name,
-            failure_text(error, !rules.is_text() && error.message[0], "the value is not of its type"));
+        bool has_bits = !rules.is_text() && error.message[0];
+        *problem = problem_of(error, has_bits, "the value is not of its type");
+        problem->text = fmt::format("not encodable as {}: {}", rules.name, problem->text);
         return false;
     }
-    output->assign(reinterpret_cast<const char*>(data), static_cast<size_t>(size));
+    output->append(reinterpret_cast<const char*>(data), static_cast<size_t>(size));
     asn1_free(data);
     if (rules.is_text() && !output->ends_with('\n')) output->push_back('\n');
     return true;

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/convert.hpp"
 #include "cli/input.hpp"
 #include "cli/rules.hpp"
 
@@ -11,35 +12,36 @@ namespace cli {
 
 enum ExitStatus { kDone = 0, kBadInput = 1, kBadUsage = 2 };
 
+// How messages lie in files, on both sides.
+struct Layout {
+    bool lines = false;
+    int length_octets = 0;  // 0: no records
+    TextForm form = TextForm::none;
+};
+
 struct ConvertOptions {
     std::string type;
     const Rules* from = nullptr;
-    const Rules* to = nullptr;
+    const Rules* to = nullptr;  // null: the messages are checked and not written
     std::vector<std::string> files;
-    Framing framing;
+    Layout layout;
     Style style;
-    std::string output;
-    bool check = false;
+    std::string output, errors;
+    CheckPolicy check = CheckPolicy::by_target;
     bool keep_going = false;
     bool allow_trailing = false;
+    bool envelope = false;
+    unsigned jobs = 1;
 };
 int run_convert(const ConvertOptions& options);
-
-struct CheckOptions {
-    std::string type;
-    const Rules* from = nullptr;
-    std::vector<std::string> files;
-    Framing framing;
-    bool allow_trailing = false;
-};
-int run_check(const CheckOptions& options);
 
 struct RandomOptions {
     std::string type;
     const Rules* to = nullptr;
     uint32_t seed = 1;
     uint32_t count = 1;
-    Framing framing;
+    bool valid = false;
+    Layout layout;
     Style style;
     std::string output;
     bool keep_going = false;

@@ -7,13 +7,14 @@
 #include <map>
 
 #include "cli/commands.hpp"
+#include "cli/help.hpp"
 
 namespace {
 
 using namespace cli;
 
 // Options that several commands share, as the user writes them.
-struct Layout {
+struct TextStyle {
     int indent = 2;
     bool compact = false;
     bool no_empty_tags = false, boolean_text = false, enumerated_text = false;
@@ -25,19 +26,27 @@ struct Layout {
     CLI::Option* indent_option = nullptr;
 };
 
+struct ByteLayout {
+    bool lines = false, hex = false, base64 = false;
+    std::string framing;
+};
+
 struct Arguments {
-    ConvertOptions convert;
-    CheckOptions check;
+    ConvertOptions convert, check;
     RandomOptions random;
     TypesOptions types;
     ShowOptions show;
-    std::string region;
+    std::string region, topic, shell;
     std::string convert_from, convert_to, check_from, random_to;
-    Layout convert_layout, random_layout;
+    TextStyle convert_style, random_style;
+    ByteLayout convert_layout, check_layout, random_layout;
+    bool must_pass = false, no_check = false;
     bool recursive = false;
 };
 
 }  // namespace
+
+// ---- the options ------------------------------------------------------------------------------------------
 
 static CLI::Validator rule_name() {
     std::vector<std::string> names;
@@ -45,76 +54,89 @@ static CLI::Validator rule_name() {
     return CLI::IsMember(names).name("RULES");
 }
 
-static std::string rules_help() {
-    std::string text = "Encoding rules:\n";
-    for (const Rules& rules : all_rules()) text += fmt::format("  {:<6}{}\n", rules.name, rules.about);
-    return text + "Exit status: 0 done, 1 bad input, 2 bad usage.";
+static CLI::Option* add_layout(CLI::App* command, ByteLayout* layout) {
+    CLI::Option* hex = command->add_flag("--hex", layout->hex,
+                                         "Bytes are hexadecimal text; read is base64 too, where it is whole");
+    command->add_flag("--base64", layout->base64, "Bytes are base64")->excludes(hex);
+    return command->add_flag("--lines", layout->lines, "One message a line, in the input and in the output");
 }
 
-static void add_framing(CLI::App* command, Framing* framing) {
-    command->add_flag("--hex", framing->hex, "Bytes are hexadecimal text, in the input and in the output");
-    command->add_flag("--lines", framing->lines, "One message a line, in the input and in the output");
+static void add_framing(CLI::App* command, ByteLayout* layout, CLI::Option* lines) {
+    command
+        ->add_option(
+            "--framing", layout->framing,
+            "Bytes lie in files as records behind their lengths of 16 or 32 bits, the most significant "
+            "octet first; texts one a line")
+        ->check(CLI::IsMember({"length16", "length32"}).name("length16|length32"))
+        ->excludes(lines)
+        ->excludes("--hex")
+        ->excludes("--base64");
 }
 
-static void add_layout(CLI::App* command, Layout* layout) {
-    layout->indent_option =
-        command->add_option("--indent", layout->indent, "Spaces for each level of text (2)")
-            ->check(CLI::Range(0, 16));
-    command->add_flag("--compact", layout->compact, "Text on one line")->excludes("--indent");
-    command->add_flag("--no-empty-tags", layout->no_empty_tags, "xer: <x></x> for <x/>");
-    command->add_flag("--boolean-text", layout->boolean_text, "xer: BOOLEAN as text, not as <true/>");
-    command->add_flag("--enumerated-text", layout->enumerated_text,
-                      "xer: ENUMERATED as text, not as <item/>");
-    command->add_flag("--indefinite", layout->indefinite, "ber: indefinite lengths");
-    command->add_option("--segment", layout->segment, "ber: strings in segments of so many octets")
+static void add_style(CLI::App* command, TextStyle* style) {
+    style->indent_option = command->add_option("--indent", style->indent, "Spaces for each level of text (2)")
+                               ->check(CLI::Range(0, 16));
+    command->add_flag("--compact", style->compact, "Text on one line")->excludes("--indent");
+    command->add_flag("--no-empty-tags", style->no_empty_tags, "xer: <x></x> for <x/>");
+    command->add_flag("--boolean-text", style->boolean_text, "xer: BOOLEAN as text, not as <true/>");
+    command->add_flag("--enumerated-text", style->enumerated_text, "xer: ENUMERATED as text, not as <item/>");
+    command->add_flag("--indefinite", style->indefinite, "ber: indefinite lengths");
+    command->add_option("--segment", style->segment, "ber: strings in segments of so many octets")
         ->check(CLI::Range(2, INT_MAX));
 }
 
-static CLI::App* add_convert(CLI::App* app, Arguments* arguments) {
+static void add_input(CLI::App* command, ConvertOptions* options, std::string* from, ByteLayout* layout) {
+    command
+        ->add_option("--type,-t", options->type,
+                     "Type of the messages, as CN.MessageFrame; auto or EU.auto finds it")
+        ->required()
+        ->type_name("NAME");
+    command->add_option("--from,-f", *from, "Rules of the input")->required()->check(rule_name());
+    command->add_option("FILE", options->files, "Input files (standard input)")->type_name("");
+    add_framing(command, layout, add_layout(command, layout));
+    command->add_option("--errors", options->errors, "File of errors, one JSON object each")
+        ->type_name("FILE");
+    command->add_option("--jobs,-j", options->jobs, "Threads (1); 0 for one a processor");
+    command->add_flag("--allow-trailing", options->allow_trailing, "Ignore bytes behind the message");
+}
+
+static void add_convert(CLI::App* app, Arguments* arguments) {
     ConvertOptions* options = &arguments->convert;
     CLI::App* command = app->add_subcommand("convert", "Convert messages from one encoding to another");
-    command->add_option("--type,-t", options->type, "Type of the messages, as CN.MessageFrame")->required();
-    command->add_option("--from,-f", arguments->convert_from, "Rules of the input")
-        ->required()
-        ->check(rule_name());
+    add_input(command, options, &arguments->convert_from, &arguments->convert_layout);
     command->add_option("--to", arguments->convert_to, "Rules of the output")->required()->check(rule_name());
-    command->add_option("FILE", options->files, "Input files (standard input)");
-    command->add_option("--output,-o", options->output, "Output file (standard output)");
-    add_framing(command, &options->framing);
-    add_layout(command, &arguments->convert_layout);
-    command->add_flag("--check", options->check, "Refuse values that do not meet the type's constraints");
-    command->add_flag("--keep-going,-k", options->keep_going, "Report a bad message and go on with the next");
-    command->add_flag("--allow-trailing", options->allow_trailing, "Ignore bytes behind the message");
-    return command;
+    command->add_option("--output,-o", options->output, "Output file (standard output)")->type_name("FILE");
+    add_style(command, &arguments->convert_style);
+    CLI::Option* check =
+        command->add_flag("--check", arguments->must_pass,
+                          "Refuse values that break a constraint as text too, not only as bytes");
+    command->add_flag("--no-check", arguments->no_check, "Check no constraints")->excludes(check);
+    command->add_flag(
+        "--keep-going,-k", options->keep_going,
+        "Report a bad message, put null, an empty line or an empty record in its place, and go on");
+    command->add_flag("--envelope", options->envelope, "jer: {\"type\": ..., \"value\": ...}");
 }
 
-static CLI::App* add_check(CLI::App* app, Arguments* arguments) {
-    CheckOptions* options = &arguments->check;
+static void add_check(CLI::App* app, Arguments* arguments) {
     CLI::App* command =
         app->add_subcommand("check", "Tell which messages do not decode or do not meet constraints");
-    command->add_option("--type,-t", options->type, "Type of the messages")->required();
-    command->add_option("--from,-f", arguments->check_from, "Rules of the input")
-        ->required()
-        ->check(rule_name());
-    command->add_option("FILE", options->files, "Input files (standard input)");
-    add_framing(command, &options->framing);
-    command->add_flag("--allow-trailing", options->allow_trailing, "Ignore bytes behind the message");
-    return command;
+    add_input(command, &arguments->check, &arguments->check_from, &arguments->check_layout);
 }
 
-static CLI::App* add_random(CLI::App* app, Arguments* arguments) {
+static void add_random(CLI::App* app, Arguments* arguments) {
     RandomOptions* options = &arguments->random;
     CLI::App* command = app->add_subcommand("random", "Make values from seeds and encode them");
-    command->add_option("--type,-t", options->type, "Type of the values")->required();
+    command->add_option("--type,-t", options->type, "Type of the values")->required()->type_name("NAME");
     command->add_option("--to", arguments->random_to, "Rules of the output")->required()->check(rule_name());
     command->add_option("--seed", options->seed, "First seed (1); each further value has the next one");
     command->add_option("--count,-n", options->count, "How many values (1)");
-    command->add_option("--output,-o", options->output, "Output file (standard output)");
-    add_framing(command, &options->framing);
+    command->add_flag("--valid", options->valid,
+                      "Values of moderate size that meet all constraints, open types with their keys");
+    command->add_option("--output,-o", options->output, "Output file (standard output)")->type_name("FILE");
     add_layout(command, &arguments->random_layout);
+    add_style(command, &arguments->random_style);
     command->add_flag("--keep-going,-k", options->keep_going,
                       "Report a value that has no encoding and go on");
-    return command;
 }
 
 static void add_catalogue_commands(CLI::App* app, Arguments* arguments) {
@@ -132,70 +154,117 @@ static void add_catalogue_commands(CLI::App* app, Arguments* arguments) {
     roots->add_option("REGION", arguments->region, "CN, EU or US")->required();
 }
 
+static void add_help(CLI::App* app, Arguments* arguments) {
+    CLI::App* help = app->add_subcommand("help", "Tell about a command, or about the encoding rules");
+    help->add_option("TOPIC", arguments->topic, "The command, or rules");
+    CLI::App* completion = app->add_subcommand("completion", "Print a script that completes command lines");
+    completion->add_option("SHELL", arguments->shell, "bash, zsh or fish")
+        ->required()
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+}
+
 // ---- what the parser cannot tell by itself ----------------------------------------------------------------
 
 static void require(bool condition, const std::string& text) {
     if (!condition) throw CLI::ValidationError(text);
 }
 
-// Encodings in bytes have no separator, so that only their hexadecimal form can stand on lines.
-static void check_lines(const Framing& framing, const Rules* rules) {
-    if (!framing.lines || !rules) return;
-    require(rules->is_text() || framing.hex, fmt::format("--lines needs --hex for {}", rules->name));
+static Layout layout_of(const ByteLayout& given) {
+    Layout layout;
+    layout.lines = given.lines;
+    if (given.hex) layout.form = TextForm::hex;
+    if (given.base64) layout.form = TextForm::base64;
+    if (!given.framing.empty()) layout.length_octets = given.framing == "length16" ? 2 : 4;
+    return layout;
 }
 
-static Style style_of(const Layout& layout, bool lines, const Rules* to) {
-    bool on_one_line = layout.compact || layout.indent == 0;
-    require(!layout.xml_given() || to == find_rules("xer"),
+// Encodings in bytes have no separator, so that only their text can stand on lines.
+static void check_lines(const Layout& layout, const Rules* rules) {
+    if (!layout.lines || !rules) return;
+    require(rules->is_text() || layout.form != TextForm::none,
+            fmt::format("--lines needs --hex or --base64 for {}", rules->name));
+}
+
+static Style style_of(const TextStyle& given, bool lines, const Rules* to) {
+    bool on_one_line = given.compact || given.indent == 0;
+    require(!given.xml_given() || to == find_rules("xer"),
             "--no-empty-tags, --boolean-text and --enumerated-text are for xer");
-    require(!layout.ber_given() || to == find_rules("ber"), "--indefinite and --segment are for ber");
+    require(!given.ber_given() || to == find_rules("ber"), "--indefinite and --segment are for ber");
     if (!to->is_text()) {
-        require(!layout.indent_given() && !layout.compact,
+        require(!given.indent_given() && !given.compact,
                 fmt::format("--indent and --compact are for text, which {} is not", to->name));
-        return {.indefinite = layout.indefinite, .segment = layout.segment};
+        return {.indefinite = given.indefinite, .segment = given.segment};
     }
-    require(!lines || on_one_line || !layout.indent_given(), "--lines and --indent exclude each other");
+    require(!lines || on_one_line || !given.indent_given(), "--lines and --indent exclude each other");
     on_one_line = on_one_line || lines;
     require(!on_one_line || to->fits_one_line(), fmt::format("{} cannot be written on one line", to->name));
-    require(on_one_line || layout.indent == 2 || to->shape == Shape::any_indent,
+    require(on_one_line || given.indent == 2 || to->shape == Shape::any_indent,
             fmt::format("{} is indented by 2", to->name));
-    return {.indent = on_one_line ? 0 : layout.indent,
-            .empty_tags = !layout.no_empty_tags,
-            .boolean_text = layout.boolean_text,
-            .enumerated_text = layout.enumerated_text};
+    return {.indent = on_one_line ? 0 : given.indent,
+            .empty_tags = !given.no_empty_tags,
+            .boolean_text = given.boolean_text,
+            .enumerated_text = given.enumerated_text};
+}
+
+// ---- the commands -----------------------------------------------------------------------------------------
+
+static int run_convert_command(Arguments* arguments) {
+    ConvertOptions& options = arguments->convert;
+    options.from = find_rules(arguments->convert_from);
+    options.to = find_rules(arguments->convert_to);
+    options.layout = layout_of(arguments->convert_layout);
+    check_lines(options.layout, options.from);
+    check_lines(options.layout, options.to);
+    bool lines = options.layout.lines || options.layout.length_octets > 0;
+    options.style = style_of(arguments->convert_style, lines, options.to);
+    require(!options.envelope || options.to == find_rules("jer"), "--envelope is for jer");
+    if (arguments->must_pass) options.check = CheckPolicy::refuse;
+    if (arguments->no_check) options.check = CheckPolicy::none;
+    return run_convert(options);
+}
+
+static int run_check_command(Arguments* arguments) {
+    ConvertOptions& options = arguments->check;
+    options.from = find_rules(arguments->check_from);
+    options.layout = layout_of(arguments->check_layout);
+    check_lines(options.layout, options.from);
+    options.check = CheckPolicy::refuse;
+    options.keep_going = true;
+    return run_convert(options);
+}
+
+static int run_random_command(Arguments* arguments) {
+    RandomOptions& options = arguments->random;
+    options.to = find_rules(arguments->random_to);
+    options.layout = layout_of(arguments->random_layout);
+    check_lines(options.layout, options.to);
+    require(options.count <= 1 || options.to->is_text() || options.layout.form != TextForm::none,
+            fmt::format("--count needs --hex or --base64 for {}", options.to->name));
+    options.style = style_of(arguments->random_style, options.layout.lines, options.to);
+    return run_random(options);
+}
+
+static int run_help(const CLI::App& app, const std::string& topic) {
+    std::string text = help_text(app, topic);
+    require(!text.empty(), fmt::format("there is no help on {}; see orlenta help", topic));
+    fmt::print("{}", text);
+    return kDone;
 }
 
 static int run_command(const CLI::App& app, Arguments* arguments) {
     require(!app.get_subcommands().empty(), "no command is given");
-    if (app.got_subcommand("convert")) {
-        ConvertOptions& options = arguments->convert;
-        options.from = find_rules(arguments->convert_from);
-        options.to = find_rules(arguments->convert_to);
-        check_lines(options.framing, options.from);
-        check_lines(options.framing, options.to);
-        options.style = style_of(arguments->convert_layout, options.framing.lines, options.to);
-        return run_convert(options);
-    }
-    if (app.got_subcommand("check")) {
-        arguments->check.from = find_rules(arguments->check_from);
-        check_lines(arguments->check.framing, arguments->check.from);
-        return run_check(arguments->check);
-    }
-    if (app.got_subcommand("random")) {
-        RandomOptions& options = arguments->random;
-        options.to = find_rules(arguments->random_to);
-        check_lines(options.framing, options.to);
-        require(options.count <= 1 || options.to->is_text() || options.framing.hex,
-                fmt::format("--count needs --hex for {}", options.to->name));
-        options.style = style_of(arguments->random_layout, options.framing.lines, options.to);
-        return run_random(options);
-    }
+    if (app.got_subcommand("convert")) return run_convert_command(arguments);
+    if (app.got_subcommand("check")) return run_check_command(arguments);
+    if (app.got_subcommand("random")) return run_random_command(arguments);
     if (app.got_subcommand("types")) return run_types(arguments->types);
-    if (app.got_subcommand("show")) {
-        if (arguments->recursive) arguments->show.depth = UINT_MAX;
-        return run_show(arguments->show);
+    if (app.got_subcommand("help")) return run_help(app, arguments->topic);
+    if (app.got_subcommand("roots")) return run_roots(arguments->region);
+    if (app.got_subcommand("completion")) {
+        fmt::print("{}", completion_script(app, arguments->shell));
+        return kDone;
     }
-    return run_roots(arguments->region);
+    if (arguments->recursive) arguments->show.depth = UINT_MAX;
+    return run_show(arguments->show);
 }
 
 static int refuse_usage(const CLI::App& app, const CLI::ParseError& error) {
@@ -206,16 +275,18 @@ static int refuse_usage(const CLI::App& app, const CLI::ParseError& error) {
         {"types", "types [--all] [PATTERN]"},
         {"show", "show [--depth N | --recursive] TYPE"},
         {"roots", "roots REGION"},
+        {"help", "help [COMMAND | rules]"},
+        {"completion", "completion bash | zsh | fish"},
     };
     auto given = app.get_subcommands();
     auto usage = given.empty() ? usages.end() : usages.find(given.front()->get_name());
     report(error.what());
     if (usage == usages.end())
         fmt::print(stderr,
-                   "usage: orlenta convert | check | random | types | show | roots ...\n"
-                   "see orlenta --help\n");
+                   "usage: orlenta convert | check | random | types | show | roots | help ...\n"
+                   "see orlenta help\n");
     else
-        fmt::print(stderr, "usage: orlenta {}\nsee orlenta {} --help\n", usage->second, usage->first);
+        fmt::print(stderr, "usage: orlenta {}\nsee orlenta help {}\n", usage->second, usage->first);
     return kBadUsage;
 }
 
@@ -224,11 +295,13 @@ int main(int argc, char** argv) {
     Arguments arguments;
     app.set_version_flag("--version", "orlenta " ORLENTA_VERSION);
     app.require_subcommand(0, 1);
-    app.footer(rules_help());
-    for (CLI::App* command :
-         {add_convert(&app, &arguments), add_check(&app, &arguments), add_random(&app, &arguments)})
-        command->footer(rules_help());
+    app.footer(
+        "Exit status: 0 done, 1 bad input, 2 bad usage. More: orlenta help COMMAND, orlenta help rules");
+    add_convert(&app, &arguments);
+    add_check(&app, &arguments);
+    add_random(&app, &arguments);
     add_catalogue_commands(&app, &arguments);
+    add_help(&app, &arguments);
     try {
         app.parse(argc, argv);
         int status = run_command(app, &arguments);

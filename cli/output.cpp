@@ -56,6 +56,8 @@ bool Output::write(const std::string& text, std::string* problem) {
     return fwrite(text.data(), 1, text.size(), file_) == text.size() || fail(problem);
 }
 
+bool Output::flush(std::string* problem) { return fflush(file_) == 0 || fail(problem); }
+
 bool Output::commit(std::string* problem) {
     bool written = fflush(file_) == 0 && !ferror(file_);
     if (file_ != stdout) written = fclose(file_) == 0 && written;

@@ -17,6 +17,7 @@ class Output {
     // These return false with one line in `problem`.
     bool open(std::string* problem);
     bool write(const std::string& text, std::string* problem);
+    bool flush(std::string* problem);
     // Flushes, and gives the file its name.
     bool commit(std::string* problem);
 

@@ -103,14 +103,16 @@ static size_t xml_end(std::string_view text) {
 }
 
 static const Rules kRules[] = {
-    {"uper", "unaligned PER, X.691", Shape::bytes, asn1_uper_decode, encode_uper, nullptr},
-    {"aper", "aligned PER, X.691", Shape::bytes, asn1_aper_decode, encode_aper, nullptr},
-    {"oer", "OER, X.696", Shape::bytes, asn1_oer_decode, encode_oer, nullptr},
-    {"ber", "BER, X.690", Shape::bytes, asn1_ber_decode, encode_ber, nullptr},
-    {"der", "DER, X.690; read as BER", Shape::bytes, asn1_ber_decode, encode_der, nullptr},
-    {"jer", "JSON, X.697", Shape::any_indent, asn1_jer_decode, encode_jer, json_end},
-    {"xer", "XML, X.693", Shape::line_or_lines, asn1_xer_decode, encode_xer, xml_end},
-    {"gser", "GSER, RFC 3641", Shape::lines, asn1_gser_decode, encode_gser, nullptr},
+    {"uper", "unaligned PER, X.691", Shape::bytes, asn1_uper_decode, encode_uper, nullptr,
+     orlenta_uper_decode_arena, orlenta_uper_encode2},
+    {"aper", "aligned PER, X.691", Shape::bytes, asn1_aper_decode, encode_aper, nullptr,
+     orlenta_aper_decode_arena, orlenta_aper_encode2},
+    {"oer", "OER, X.696", Shape::bytes, asn1_oer_decode, encode_oer, nullptr, nullptr, nullptr},
+    {"ber", "BER, X.690", Shape::bytes, asn1_ber_decode, encode_ber, nullptr, nullptr, nullptr},
+    {"der", "DER, X.690; read as BER", Shape::bytes, asn1_ber_decode, encode_der, nullptr, nullptr, nullptr},
+    {"jer", "JSON, X.697", Shape::any_indent, asn1_jer_decode, encode_jer, json_end, nullptr, nullptr},
+    {"xer", "XML, X.693", Shape::line_or_lines, asn1_xer_decode, encode_xer, xml_end, nullptr, nullptr},
+    {"gser", "GSER, RFC 3641", Shape::lines, asn1_gser_decode, encode_gser, nullptr, nullptr, nullptr},
 };
 
 std::span<const Rules> all_rules() { return kRules; }

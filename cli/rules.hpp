@@ -1,6 +1,7 @@
 // The encoding rules that the command knows by name.
 #pragma once
 
+#include <orlenta/codec.h>
 #include <orlenta/error.h>
 #include <orlenta/type.h>
 
@@ -40,6 +41,10 @@ struct Rules {
                       asn1_error* error);
     // Text only, may be null: where the message at the start of a well formed text ends, which no decoder tells.
     size_t (*message_end)(std::string_view text);
+    // The same by a codec, where there is one; may be null.
+    int64_t (*decode_arena)(const orlenta_codec* codec, orlenta_arena* arena, orlenta_arena_value* out,
+                            const uint8_t* data, uint64_t size, asn1_error* error);
+    int64_t (*encode_codec)(const orlenta_codec* codec, uint8_t** out, const void* value, asn1_error* error);
 
     bool is_text() const { return shape != Shape::bytes; }
     bool fits_one_line() const { return shape == Shape::line_or_lines || shape == Shape::any_indent; }

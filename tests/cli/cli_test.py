@@ -1,5 +1,6 @@
 """The orlenta command: command line and standard input to standard output, standard error and exit status."""
 import os
+import select
 import subprocess
 import sys
 import tempfile
@@ -16,9 +17,16 @@ UPER = "310fa1ca0000"
 APER = "03100fa1ca0000"
 PRETTY = '{\n  "lon": -1216,\n  "lat": 2001,\n  "vert": 75,\n  "yaw": -32767\n}\n'
 CAPTURE = f"{UPER}\n\n{UPER[:8]}\n{UPER[:4]} {UPER[4:]}\r\nxy\n{UPER}00\n"
+NO_DIGIT = "'x' is no hexadecimal digit, and the text no base64"
 ERRORS = ("orlenta: <stdin>:3: reading after end of stream (bit 32, at yaw)\n"
-          "orlenta: <stdin>:5: 'x' is no hexadecimal digit\n"
+          f"orlenta: <stdin>:5:1: {NO_DIGIT}\n"
           "orlenta: <stdin>:6: 1 byte behind the message (bit 48)\n")
+SUMMARY = f'orlenta: 5 messages, 3 bad: 1 "{NO_DIGIT}", 1 "1 byte behind the message", 1 "reading'
+HIGH = JSON.replace("75", "128")
+TOO_HIGH = "integer range is -127 .. 127 (at vert)\n"
+FRAMES = bytes.fromhex("0006" + UPER) * 2
+
+MESSAGES = ["MessageFrame", "CAM", "DENM", "IVIM"]
 
 # Command line, standard input, exit status, standard output, standard error. An output that begins with "..." must
 # contain the rest; others must be the same.
@@ -44,9 +52,35 @@ CASES = [
     (f"convert {SET4} --from uper --to jer --hex --lines", f"{UPER}\n\n{UPER}", 0, f"{JSON}\n{JSON}\n", ""),
     (f"convert {SET4} --from jer --to aper --hex --lines", f"{JSON}\r\n{JSON}\n", 0, f"{APER}\n{APER}\n", ""),
     (f"convert {SET4} --from uper --to jer --hex --lines", CAPTURE, 1, JSON + "\n", ERRORS.split("\n")[0] + "\n"),
-    (f"convert {SET4} --from uper --to aper --hex --lines -k", CAPTURE, 1, f"{APER}\n{APER}\n", ERRORS),
-    (f"check {SET4} --from uper --hex --lines", CAPTURE, 1, "", ERRORS),
+    # A bad message leaves its line, and the last line tells how it went.
+    (f"convert {SET4} --from uper --to aper --hex --lines -k", CAPTURE, 1, f"{APER}\n\n{APER}\n\n\n",
+     "..." + ERRORS + SUMMARY),
+    (f"convert {SET4} --from uper --to jer --hex --lines -k", CAPTURE, 1, f"{JSON}\nnull\n{JSON}\nnull\nnull\n",
+     "...messages a second\n"),
+    (f"check {SET4} --from uper --hex --lines", CAPTURE, 1, "", "..." + ERRORS + SUMMARY),
+    # Bytes as text, and as records.
+    (f"convert {SET4} --from uper --to aper --hex --lines", f"# none\n0x31 0x0f:A1 ca0000\n{'MQ+hygAA'}\n", 0,
+     f"{APER}\n{APER}\n", ""),
+    (f"convert {SET4} --from jer --to uper --base64", JSON, 0, "MQ+hygAA\n", ""),
+    (f"convert {SET4} --from uper --to jer --compact --base64", "MQ-hyg\n AA", 0, JSON + "\n", ""),
+    (f"convert {SET4} --from uper --to jer --compact --base64", "MQ+hygA!", 1, "",
+     "orlenta: <stdin>:1:8: '!' is no base64 digit\n"),
+    (f"convert {SET4} --from uper --to jer --hex", "310", 1, "", "orlenta: <stdin>:1:3: odd number of hexadecimal digits\n"),
+    (f"convert {SET4} --from uper --to jer --framing length16", FRAMES, 0, f"{JSON}\n{JSON}\n", ""),
+    (f"convert {SET4} --from jer --to uper --framing length16", f"{JSON}\n{JSON}\n", 0, FRAMES, ""),
+    (f"convert {SET4} --from uper --to oer --framing length32 -k", bytes.fromhex(f"00000006{UPER}00000001310000000631"),
+     1, bytes.fromhex("00000007fb4007d14b800100000000"), "...record 2: reading"),
+    (f"convert {SET4} --from uper --to jer --framing length32", b"\x7f" * 8, 1, "",
+     "orlenta: <stdin>, record 1: a record of 2139062143 octets; none is longer than 16777216\n"),
+    # Types found.
+    ("convert --type auto --from jer --to uper --hex --lines", '{"lon":1}\n', 1, "",
+     "orlenta: <stdin>:1: no type fits\n"),
+    ("convert --type cn.auto --from uper --to jer --hex --envelope --compact", "00", 1, "",
+     "...no type fits; it begins with 00\n"),
+    ("check --type xx.auto --from uper", "", 2, "", "...no types of XX can be found by themselves\n"),
     # What is wrong with text.
+    (f"convert {SET4} --from jer --to uper", "\ufeff" + JSON, 1, "",
+     "orlenta: <stdin>:1: the text begins with a byte order mark (EF BB BF), which is no part of it\n"),
     (f"convert {SET4} --from jer --to uper", '{"lon":1,\n"lot":2}', 1, "",
      "orlenta: <stdin>:2: sequence/set component 'lot' not found\n"),
     (f"convert {SET4} --from jer --to uper", JSON + "\n\n{}", 1, "",
@@ -56,14 +90,13 @@ CASES = [
     (f"convert {LIMIT} --from xer --to uper", XML.replace("1", "\n-x"), 1, "",
      "orlenta: <stdin>:2: expecting integer value\n"),
     # Constraints: the checker's own words, and those of the encoder.
-    (f"check {SET4} --from jer --lines", f'{JSON}\n{JSON.replace("75", "128")}', 1, "",
-     "orlenta: <stdin>:2: integer range is -127 .. 127 (at vert)\n"),
-    (f"convert {SET4} --from jer --to jer --compact --check", JSON.replace("75", "128"), 1, "",
-     "orlenta: <stdin>: integer range is -127 .. 127 (at vert)\n"),
-    (f"convert {SET4} --from jer --to jer --compact", JSON.replace("75", "128"), 0, JSON.replace("75", "128") + "\n",
-     ""),
-    (f"convert {SET4} --from jer --to uper", JSON.replace("75", "128"), 1, "",
-     "...<stdin>: not encodable as uper: "),
+    (f"check {SET4} --from jer --lines", f"{JSON}\n{HIGH}", 1, "", "...orlenta: <stdin>:2: " + TOO_HIGH),
+    (f"convert {SET4} --from jer --to jer --compact --check", HIGH, 1, "", "orlenta: <stdin>: " + TOO_HIGH),
+    (f"convert {SET4} --from jer --to jer --compact", HIGH, 0, HIGH + "\n", "orlenta: <stdin>: warning: " + TOO_HIGH),
+    (f"convert {SET4} --from jer --to jer --compact --no-check", HIGH, 0, HIGH + "\n", ""),
+    (f"convert {SET4} --from jer --to uper", HIGH, 1, "", "orlenta: <stdin>: " + TOO_HIGH),
+    (f"convert {SET4} --from jer --to uper --no-check", HIGH, 1, "", "...<stdin>: not encodable as uper: "),
+    ("convert --type CN.DescriptiveName --from jer --to uper --hex", '"\u00e9"', 1, "", "...is not allowed"),
     # Files that cannot be read.
     (f"convert {SET4} --from jer --to uper nowhere.json", "", 1, "",
      "orlenta: nowhere.json: cannot be read: No such file or directory\n"),
@@ -72,14 +105,20 @@ CASES = [
     ("", "", 2, "", "...usage: orlenta convert | check"),
     ("convert", "", 2, "", "...usage: orlenta convert --type TYPE --from RULES"),
     (f"convert {SET4} --from uper --to morse", "", 2, "", "...morse"),
-    (f"convert {SET4} --from uper --to jer --lines", "", 2, "", "...--lines needs --hex for uper\n"),
+    (f"convert {SET4} --from uper --to jer --lines", "", 2, "", "...--lines needs --hex or --base64 for uper\n"),
     (f"convert {SET4} --from jer --to uper --indent 2", "", 2, "", "...for text"),
     (f"convert {SET4} --from jer --to gser --lines", "", 2, "", "...gser cannot be written on one line\n"),
     (f"convert {SET4} --from jer --to xer --indent 4", "", 2, "", "...xer is indented by 2\n"),
+    (f"convert {SET4} --from jer --to uper --envelope", "", 2, "", "...--envelope is for jer\n"),
+    ("help morse", "", 2, "", "...there is no help on morse; see orlenta help\n"),
+    ("help rules", "", 0, "...  gser  GSER, RFC 3641\n", ""),
+    ("help check", "", 0, "...orlenta check [OPTIONS]", ""),
+    ("completion bash", "", 0, "...complete -o default -F _orlenta orlenta\n", ""),
+    ("completion tcsh", "", 2, "", "...tcsh"),
     (f"convert {SET4} --from uper --to jer --boolean-text", "", 2, "", "...are for xer\n"),
     (f"convert {SET4} --from uper --to der --indefinite", "", 2, "", "...are for ber\n"),
     (f"convert {SET4} --from uper --to ber --segment 1", "", 2, "", "...--segment"),
-    (f"random {SET4} --to uper --count 2", "", 2, "", "...--count needs --hex for uper\n"),
+    (f"random {SET4} --to uper --count 2", "", 2, "", "...--count needs --hex or --base64 for uper\n"),
     ("convert --type CN.BasicSafteyMessage --from uper --to jer", "", 2, "",
      "...orlenta: no type is named CN.BasicSafteyMessage; the nearest: CN.BasicSafetyMessage"),
     ("roots XX", "", 2, "", "...orlenta: no region is named XX; there are: CN"),
@@ -142,7 +181,7 @@ def test_several_files(folder):
     line = f"convert {SET4} --from uper --to jer --hex --lines one.hex - two.hex"
     result = orlenta(line.split(), UPER, folder)
     expect(line, "standard output", f"{JSON}\n" * 3, result.stdout)
-    expect(line, "standard error", "orlenta: two.hex:2: 'z' is no hexadecimal digit\n", result.stderr)
+    expect(line, "standard error", "...orlenta: two.hex:2:1: 'z' is no hexadecimal digit", result.stderr)
 
 
 def test_output_files(folder):
@@ -152,12 +191,16 @@ def test_output_files(folder):
     orlenta(line.split(), UPER)
     expect(line, "new file", f"{JSON}\n", out.read_bytes())
     out.chmod(0o640)
-    orlenta(line.split(), CAPTURE)
-    expect(line, "file after a failure", f"{JSON}\n", out.read_bytes())
+    result = orlenta(line.split(), f"{UPER}\n{UPER}\nxy\n")
+    expect(line, "file after a failure", f"{JSON}\n{JSON}\n", out.read_bytes())
+    expect(line, "what it says then", f"...stopped at <stdin>:3:1: {out} has the 2 messages before it\n", result.stderr)
+    result = orlenta(line.split(), "xy\n")
+    expect(line, "file without a good message", f"{JSON}\n{JSON}\n", out.read_bytes())
+    expect(line, "what it says then", f"...{out} is not written\n", result.stderr)
     link = folder / "link.txt"
     link.symlink_to(out)
     orlenta([*line.split()[:-1], str(link), "-k"], CAPTURE)
-    expect(line, "file after --keep-going", f"{JSON}\n{JSON}\n", out.read_bytes())
+    expect(line, "file after --keep-going", f"{JSON}\nnull\n{JSON}\nnull\nnull\n", out.read_bytes())
     expect(line, "mode of the file", 0o640, out.stat().st_mode & 0o777)
     expect(line, "what is left behind", str(["link.txt", "out.txt"]),
            str(sorted(each.name for each in folder.iterdir())).encode())
@@ -187,13 +230,60 @@ def test_example_capture():
     line = "convert --type CN.MessageFrame --from uper --to jer --hex --lines --keep-going examples/capture.hex"
     result = orlenta(line.split(), folder=SOURCE)
     expect(line, "exit status", 1, result.returncode)
-    expect(line, "good messages", 2, result.stdout.count(b"\n"))
+    expect(line, "good messages", 2, result.stdout.count(b'\n{"') + 1)
+    expect(line, "lines", 3, result.stdout.count(b"\n"))
     expect(line, "standard error", "...orlenta: examples/capture.hex:2: reading after end of stream (bit ", result.stderr)
     expect(line, "standard error", "..., at rsmFrame.participants[0].", result.stderr)
 
 
+def test_live():
+    """What comes through a pipe is answered at once."""
+    line = f"convert {SET4} --from uper --to jer --hex --lines"
+    with subprocess.Popen([ORLENTA, *line.split()], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as process:
+        for _ in range(3):
+            process.stdin.write(f"{UPER}\n".encode())
+            process.stdin.flush()
+            if not select.select([process.stdout], [], [], 20)[0]:
+                failures.append(f"orlenta {line}\n  no answer in 20 s, the input being open")
+                process.kill()
+                break
+            expect(line, "answer", f"{JSON}\n", process.stdout.readline())
+        process.stdin.close()
+
+
+def test_mixed_log():
+    """Real messages of several types in one file, the same by every rule."""
+    rows = [row.split("\t") for row in (SOURCE / "bench/messages.tsv").read_text().splitlines() if row[0] != "#"]
+    known = orlenta("types *.MessageFrame".split()).stdout + orlenta("types EU.*".split()).stdout
+    rows = [row for row in rows if row[1].encode() + b" " in known and row[1].split(".")[1] in MESSAGES]
+    same = [orlenta(f"convert --type {row[1]} --from jer --to jer --envelope --compact".split(), row[3]) for row in rows]
+    wanted = b"".join(result.stdout for result in same)
+    texts = "".join(f"{row[3]}\n" for row in rows)
+    for rules in ("uper", "oer", "der"):
+        coded = orlenta(f"convert --type auto --from jer --to {rules} --hex --lines".split(), texts).stdout
+        line = f"convert --type auto --from {rules} --to jer --hex --lines --envelope"
+        expect(line, "standard output", wanted, orlenta(line.split(), coded).stdout)
+    if len(rows) < 3:
+        failures.append("bench/messages.tsv has too few messages whose types can be found")
+
+
+def test_jobs(folder):
+    """Order and bytes do not depend on how many threads there are, and a bad message stops them all."""
+    good = (UPER + "\n") * 40000
+    (folder / "log.hex").write_text(good + "00\n" + good)
+    line = f"convert {SET4} --from uper --to jer --hex --lines --errors {folder}/errors.json log.hex"
+    one, two = (orlenta([*line.split(), "--jobs", jobs], folder=folder) for jobs in "13")
+    expect(line, "lines up to the bad one", 40000, one.stdout.count(b"\n"))
+    expect(line, "output of three threads", one.stdout, two.stdout)
+    expect(line, "errors of three threads", one.stderr, two.stderr)
+    expect(line, "file of errors", '{"file":"log.hex","line":40001,"bit":0,"path":"lon","message":"reading after end of '
+           'stream","input":"00"}\n', (folder / "errors.json").read_bytes())
+
+
 test_cases()
-for test in (test_several_files, test_output_files):
+test_live()
+test_mixed_log()
+for test in (test_several_files, test_output_files, test_jobs):
     with tempfile.TemporaryDirectory() as name:
         test(Path(name))
 test_random()
