@@ -8,8 +8,9 @@ static uint64_t small_magnitude(const asn1_integer* a) {
 }
 
 int asn1_integer_get_si_ov(const asn1_integer* a, int32_t* v) {
-    int64_t wide;
-    if (a->size > 1 || asn1_integer_get_si64_ov(a, &wide) != 0) return -1;
+    if (a->size > 1) return -1;
+    int64_t magnitude = static_cast<int64_t>(small_magnitude(a)),
+            wide = a->negative != 0 ? -magnitude : magnitude;
     if (wide < INT32_MIN || wide > INT32_MAX) return -1;
     *v = static_cast<int32_t>(wide);
     return 0;

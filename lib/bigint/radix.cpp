@@ -45,12 +45,11 @@ void subtract_from(uint32_t* out, const uint32_t* a, size_t n) {
     for (out += n; borrow != 0; ++out) *out = subtract_digit<base>(*out, 0, &borrow);
 }
 
-// out = |a - b|, of `n` digits as a; b has no more. Whether b is the larger.
+// out = |a - b|, of `n` digits as both. Whether b is the larger.
 template <uint64_t base>
-bool difference(uint32_t* out, const uint32_t* a, size_t n, const uint32_t* b, size_t b_size) {
+bool difference(uint32_t* out, const uint32_t* a, const uint32_t* b, size_t n) {
     uint64_t borrow = 0;
-    for (size_t i = 0; i < b_size; ++i) out[i] = subtract_digit<base>(a[i], b[i], &borrow);
-    for (size_t i = b_size; i < n; ++i) out[i] = subtract_digit<base>(a[i], 0, &borrow);
+    for (size_t i = 0; i < n; ++i) out[i] = subtract_digit<base>(a[i], b[i], &borrow);
     if (borrow == 0) return false;
     borrow = 0;
     for (size_t i = 0; i < n; ++i) out[i] = subtract_digit<base>(0, out[i], &borrow);
@@ -59,8 +58,10 @@ bool difference(uint32_t* out, const uint32_t* a, size_t n, const uint32_t* b, s
 
 // ---- multiplication ---------------------------------------------------------------------------------------
 
-// Operands of fewer digits are multiplied digit by digit.
+// Operands of fewer digits are multiplied digit by digit. All others have an even number of them: they are joined from
+// parts, which are smaller than that, two by two.
 constexpr size_t kKaratsubaDigits = 40;
+static_assert(kFewResult < kKaratsubaDigits);
 
 // Row by row, for base 2^32, whose carries are shifts.
 void multiply_rows(uint32_t* out, const uint32_t* a, const uint32_t* b, size_t n) {
@@ -120,35 +121,31 @@ void multiply_few(uint32_t* out, const uint32_t* a, const uint32_t* b, size_t n)
 }
 
 // Digits of scratch that multiply() needs.
-size_t scratch_size(size_t n) {
-    if (n < kKaratsubaDigits) return 0;
-    size_t low = (n + 1) / 2, inner = scratch_size(low);
-    return 2 * low + (inner > 2 * low + 1 ? inner : 2 * low + 1);
-}
+size_t scratch_size(size_t n) { return n < kKaratsubaDigits ? 0 : 2 * n + 1; }
 
 // out = a * b, which have `n` digits each and out twice as many.
 template <uint64_t base>
 void multiply(uint32_t* out, const uint32_t* a, const uint32_t* b, size_t n, uint32_t* scratch) {
     if (n < kKaratsubaDigits) return multiply_few<base>(out, a, b, n);
-    size_t low = (n + 1) / 2, high = n - low;
+    size_t half = n / 2;
     uint32_t* cross = scratch;
-    uint32_t* rest = scratch + 2 * low;
-    bool a_negative = difference<base>(out, a, low, a + low, high);
-    bool b_negative = difference<base>(out + low, b, low, b + low, high);
-    multiply<base>(cross, out, out + low, low, rest);
-    multiply<base>(out, a, b, low, rest);
-    multiply<base>(out + 2 * low, a + low, b + low, high, rest);
+    uint32_t* rest = scratch + n;
+    bool a_negative = difference<base>(out, a, a + half, half);
+    bool b_negative = difference<base>(out + half, b, b + half, half);
+    multiply<base>(cross, out, out + half, half, rest);
+    multiply<base>(out, a, b, half, rest);
+    multiply<base>(out + n, a + half, b + half, half, rest);
     // the middle: both products less (a_low - a_high) * (b_low - b_high)
     uint32_t* middle = rest;
-    memcpy(middle, out, 2 * low * sizeof *out);
-    middle[2 * low] = 0;
-    add_to<base>(middle, out + 2 * low, 2 * high);
+    memcpy(middle, out, n * sizeof *out);
+    middle[n] = 0;
+    add_to<base>(middle, out + n, n);
     if (a_negative != b_negative) {
-        add_to<base>(middle, cross, 2 * low);
+        add_to<base>(middle, cross, n);
     } else {
-        subtract_from<base>(middle, cross, 2 * low);
+        subtract_from<base>(middle, cross, n);
     }
-    add_to<base>(out + low, middle, 2 * low + 1);
+    add_to<base>(out + half, middle, n + 1);
 }
 
 // ---- conversion -------------------------------------------------------------------------------------------
@@ -187,10 +184,10 @@ void convert_chunks(const uint32_t* source, size_t count, size_t chunk, uint32_t
     }
 }
 
-// Makes one number of all parts, in their place. `product` is scratch.
+// Makes one number of all parts, two or more, in their place. `product` is scratch.
 template <uint64_t to>
 void join_parts(uint32_t* parts, size_t part, size_t part_count, uint32_t* power, uint32_t* product) {
-    for (; part_count > 1; part_count /= 2, part *= 2) {
+    for (;; part_count /= 2, part *= 2) {
         uint32_t* scratch = product + 2 * part;
         for (uint32_t* low = parts; low < parts + part_count * part; low += 2 * part) {
             multiply<to>(product, low + part, power, part, scratch);

@@ -206,9 +206,19 @@ TEST(BigInteger, TwosComplement) {
     asn1_integer_from_2comp(&lowest);
     EXPECT_EQ(text_of(lowest), "-2147483648");
     zero.negative = 1;
-    asn1_integer_from_2comp(&zero);
-    EXPECT_EQ(zero.size, 0u);
+    for (int round = 0; round < 2; ++round) {  // of two limbs, then of none
+        EXPECT_EQ(asn1_integer_from_2comp(&zero), 0);
+        EXPECT_EQ(zero.size, 0u);
+    }
     EXPECT_EQ(zero.negative, 0);
+}
+
+// Limbs of 0 on top say nothing.
+TEST(BigInteger, HighZeros) {
+    number a{std::vector<uint32_t>{7, 0, 0}};
+    EXPECT_EQ(text_of(a), "7");
+    EXPECT_EQ(asn1_integer_get_bit_size(&a), 64u);  // of a normal one alone
+    EXPECT_EQ(text_of(number{std::string(700, '0')}), "0");
 }
 
 TEST(BigInteger, FromText) {
@@ -284,6 +294,11 @@ TEST(BigInteger, PrintsToAStream) {
     char text[64] = "";
     FILE* stream = fmemopen(text, sizeof text, "w");
     EXPECT_EQ(asn1_integer_out_str(stream, &a), 0);
+    for_each_failed_allocation([&] {
+        bool failed = asn1_integer_out_str(stream, &a) != 0;
+        EXPECT_EQ(failed, allocator_has_failed());
+        rewind(stream);
+    });
     fclose(stream);
     EXPECT_STREQ(text, "-18446744073709551616");
 }
@@ -291,9 +306,10 @@ TEST(BigInteger, PrintsToAStream) {
 TEST(BigInteger, WithoutMemory) {
     const number large{"-340282366920938463463374607431768211455"}, one{"1"};
     for_each_failed_allocation([&] {
-        number r, shorter;
+        number r, shorter, sum, none;
         bool failed = asn1_integer_set(&shorter, &one) != 0 ||
                       asn1_integer_add_internal(&shorter, &shorter, &large, 1) != 0 ||
+                      asn1_integer_add_internal(&sum, &large, &none, 0) != 0 ||
                       asn1_integer_add_internal(&r, &large, &one, 1) != 0;
         EXPECT_EQ(failed, allocator_has_failed());
     });
