@@ -63,10 +63,14 @@ TEST(BerEncode, FollowsItsParameters) {
 
 TEST(BerEncode, PutsShorterOfTwoAlikeFirst) {
     uint8_t bytes[] = {1, 0};
-    asn1_open_value elements[] = {{nullptr, bytes, 2}, {nullptr, bytes, 1}};
-    asn1_array list = {elements, 2};
+    asn1_open_value elements[] = {{nullptr, bytes, 2},
+                                  {nullptr, bytes, 1},
+                                  {nullptr, bytes, 0},
+                                  {nullptr, bytes, 2},
+                                  {nullptr, bytes, 1}};
+    asn1_array list = {elements, 5};
     const asn1_word kAnySet[] = {head(ASN1_KIND_SET_OF, kLower, 17), num(0), num(24), ref(kAny), num(0)};
-    EXPECT_EQ(encode(asn1_der_encode, kAnySet, &list), "31 03 01 01 00");
+    EXPECT_EQ(encode(asn1_der_encode, kAnySet, &list), "31 06 01 01 01 00 01 00");
 }
 
 TEST(BerEncode, RefusesImpossibleValues) {
@@ -75,6 +79,10 @@ TEST(BerEncode, RefusesImpossibleValues) {
     uint32_t no_alternative[6] = {3};
     EXPECT_EQ(encode(asn1_der_encode, kChoice, no_alternative), "failed");
     EXPECT_EQ(encode(asn1_der_encode, kClass, &no_item), "failed");
+    asn1_string endless = {nullptr, UINT64_C(1) << 63};
+    asn1_array endless_list = {nullptr, UINT64_C(1) << 62};
+    EXPECT_EQ(encode(asn1_der_encode, kBmp, &endless), "failed");
+    EXPECT_EQ(encode(asn1_der_encode, kOctetsSet, &endless_list), "failed");
 
     decoded set = decode(asn1_ber_decode, kSet, from_digits("31 05 04 01 AA 05 00"));
     uint32_t* selector = reinterpret_cast<uint32_t*>(static_cast<uint8_t*>(set.value.get()) + 16);

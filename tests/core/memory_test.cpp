@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <orlenta/memory.h>
 #include <string.h>
+#include <wchar.h>
 
 #include <string>
 
@@ -54,6 +55,16 @@ TEST(ByteBuffer, RequestBeyondTheLimitFailsForGood) {
         EXPECT_EQ(buf.capacity, 16u);
         asn1_free(buf.data);
     }
+}
+
+TEST(ByteBuffer, TextThatCannotBePrintedFailsForGood) {
+    asn1_byte_buffer buf;
+    asn1_byte_buffer_init(&buf);
+    asn1_printf(&buf, "kept%s", "");
+    asn1_printf(&buf, "%lc", static_cast<wint_t>(0x7FFFFFFF));
+    EXPECT_EQ(buf.failed, 1);
+    EXPECT_EQ(text_of(buf), "kept");
+    asn1_free(buf.data);
 }
 
 int print(asn1_byte_buffer* buf, const char* format, ...) {

@@ -128,6 +128,8 @@ TEST(JerDecode, RefusedTokens) {
         {kIa5, R"("\u12G4")", "invalid escape code"},
         {kIa5, R"("\u12)", "invalid escape code"},
         {kIa5, R"("\ud83d\u00)", "invalid escape code"},
+        {kIa5, R"("\ud83d\u00zz")", "invalid escape code"},
+        {kIa5, R"("\ud83d\x0041")", "invalid escape code"},
         {kIa5, R"("\ud83d\u0041")", "invalid surrogate pair"},
         {kIa5, R"("\ud800\udbff")", "invalid surrogate pair"},
         {kIa5, R"("\udbff\ue000")", "invalid surrogate pair"},

@@ -11,7 +11,11 @@ TEST(OerEncode, RefusesImpossibleValues) {
     uint32_t third[6] = {3}, fourth = 4;
     uint8_t bytes[4] = {};
     asn1_bit_string bits = {bytes, 13};
-    asn1_string string = {bytes, 3};
+    asn1_string string = {bytes, 3}, endless = {nullptr, UINT64_C(1) << 63};
+    const asn1_word kNothing[] = {head(ASN1_KIND_CHOICE), num(0), num(8), num(0), num(4)};
+    const asn1_word kInner[] = {head(ASN1_KIND_TAGGED), ref(kNothing)};
+    const asn1_word kEmptyInside[] = {
+        head(ASN1_KIND_CHOICE), num(1), num(16), num(0), num(8), ref(kInner), txt("inner")};
     const asn1_word kNoTag[] = {
         head(ASN1_KIND_CHOICE), num(1), num(32), num(0), num(8), ref(kAny), txt("any")};
     uint32_t first[8] = {};
@@ -24,6 +28,8 @@ TEST(OerEncode, RefusesImpossibleValues) {
     } kCases[] = {
         {kChoice, third, "invalid choice value (3 >= 3)"},
         {kNoTag, first, "could not find choice tag"},
+        {kEmptyInside, first, "could not find choice tag"},
+        {kBmp, &endless, "not enough memory"},
         {kEnum, &fourth, "invalid enumerated value (4 >= 4)"},
         {kBits12, &bits, "invalid bit string size (13 expected=12)"},
         {kOctets2, &string, "invalid octet string size (3 expected=2)"},
@@ -54,8 +60,9 @@ TEST(OerEncode, LeavesWidthsAsTheyAre) {
     EXPECT_EQ(encode(asn1_oer_encode, kBig, &unsigned_32), "05 00 FF FF FF FF");
     // Without a value table an item's index is its number, in range or not.
     const asn1_word kPlain[] = {head(ASN1_KIND_ENUMERATED, 0, 10), num(1), txt("only")};
-    uint32_t item = 200;
+    uint32_t item = 200, far_item = 0x7FFFFFFF;
     EXPECT_EQ(encode(asn1_oer_encode, kPlain, &item), "82 00 C8");
+    EXPECT_EQ(encode(asn1_oer_encode, kPlain, &far_item), "84 7F FF FF FF");
     uint8_t text[] = {0x61, 0x62, 0x63};
     asn1_string string = {text, 3};
     EXPECT_EQ(encode(asn1_oer_encode, kIa5Size2, &string), "61 62 63");

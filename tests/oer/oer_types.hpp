@@ -53,6 +53,19 @@ inline const asn1_word kNulls[] = {head(ASN1_KIND_SEQUENCE_OF, kLower, 16), num(
 
 inline const asn1_word kEmpty[] = {head(ASN1_KIND_SEQUENCE, 0, 16), num(0), num(1)};
 inline const asn1_word kEmptyExt[] = {head(ASN1_KIND_SEQUENCE, kExt, 16), num(0), num(1)};
+// SEQUENCE { ..., [[ x INTEGER (0..255) DEFAULT 5, y INTEGER (0..255) OPTIONAL ]] }
+inline const asn1_word kDefaultInGroup[] = {
+    head(ASN1_KIND_SEQUENCE, kExt, 16),
+    num(2),
+    num(12),
+    field(0, ASN1_OPTION_DEFAULT, kAddition | ASN1_FIELD_OPENS_GROUP),
+    ref(kByte),
+    num(5),
+    txt("x"),
+    field(8, ASN1_OPTION_OPTIONAL, kAddition | ASN1_FIELD_CLOSES_GROUP),
+    ref(kByte),
+    num(4),
+    txt("y")};
 // SEQUENCE { ..., x INTEGER (0..255) DEFAULT 5 }
 inline const asn1_word kDefaultAddition[] = {head(ASN1_KIND_SEQUENCE, kExt, 16),
                                              num(1),

@@ -339,7 +339,34 @@ Type record_with_open_type() {
     return sequence({{kOid, "id"}, {open, "value"}, {kSmall, "last", kOptional}});
 }
 
+// An open type whose set has two rows for 2, one for 3 without a type, and at last one without a key; 4 and REAL stand in
+// if the class has defaults.
+Type open_type(bool has_defaults, int64_t rows, const Words& selectors) {
+    static const uint32_t keys[] = {1, 2, 3, 4};
+    auto key = [](int i) { return asn1_word{.address = &keys[i - 1]}; };
+    Type object_class =
+        keep({head(ASN1_KIND_OBJECT_CLASS, ASN1_WORD0_HAS_NAME), num(2), num(ASN1_CLASS_FIELD_VALUE),
+              ref(kSmall), has_defaults ? key(4) : num(0), txt("&id"), num(ASN1_CLASS_FIELD_TYPE),
+              ref(has_defaults ? kReal : nullptr), num(0), txt("&Type"), txt("CLASS")});
+    Type set = keep({key(1), ref(kBoolean), key(2), ref(kNull), key(2), ref(kSmall), key(3), num(0), num(0),
+                     ref(kOctets)});
+    Words table = {num(ASN1_CONSTRAINT_TABLE),
+                   ref(object_class),
+                   num(1),
+                   ref(set),
+                   num(rows),
+                   num(static_cast<int64_t>(selectors.size() / 3))};
+    table.insert(table.end(), selectors.begin(), selectors.end());
+    return keep({head(ASN1_KIND_ANY, ASN1_WORD0_CONSTRAINED), ref(keep(table))});
+}
+
 std::vector<std::pair<const char*, Type>> unusual_types() {
+    const Words by_first = {num(0), num(ASN1_SELECTOR_LAST), num(0)},
+                by_outer = {num(1), num(ASN1_SELECTOR_LAST), num(0)};
+    Words twice = by_first;
+    twice.insert(twice.end(), by_first.begin(), by_first.end());
+    Type plain = open_type(false, 3, by_first), asking = open_type(false, 5, by_first);
+    static const asn1_integer zero = {};
     Type byte = integer(0, 255), extensible = integer(0, 9, kExt), wide = integer(INT32_MIN, INT32_MAX, kExt);
     Type flat =
         sequence({{byte, "a"}, {extensible, "b"}, {kBoolean, "c", kOptional, ASN1_FIELD_ADDITION}}, kExt);
@@ -379,6 +406,27 @@ std::vector<std::pair<const char*, Type>> unusual_types() {
         {"an open type with a key of octets", record_with_open_type()},
         {"an open type as an addition",
          sequence({{byte, "a"}, {kAny, "b", kOptional, ASN1_FIELD_ADDITION}}, kExt)},
+        {"rows of defaults",
+         sequence({{kSmall, "id"}, {open_type(true, 5, by_first), "v"}}, 0, ASN1_KIND_SET)},
+        {"a row without a type", sequence({{kSmall, "id"}, {open_type(false, 4, by_first), "v"}})},
+        {"a row without a key", list_of(sequence({{kSmall, "id"}, {asking, "v"}}), 0, 3)},
+        {"a record that is asked", sequence({{sequence({{kSmall, "id"}, {asking, "v"}}), "in"}})},
+        {"an optional key", sequence({{kSmall, "id", kOptional}, {plain, "v"}})},
+        {"a key in an addition",
+         sequence({{kSmall, "id", ASN1_OPTION_MANDATORY, ASN1_FIELD_ADDITION}, {plain, "v"}}, kExt)},
+        {"a key of two parts", sequence({{kSmall, "id"}, {open_type(false, 3, twice), "v"}})},
+        {"a key further out",
+         sequence({{kSmall, "id"}, {sequence({{open_type(false, 4, by_outer), "v"}}), "in"}})},
+        {"no key at all", list_of(plain, 0, 3)},
+        {"extensions alone", sequence({{choice(3, components_of(3, byte, ASN1_OPTION_MANDATORY)), "c"},
+                                       {enumerated(0, 3), "e"}})},
+        {"leaves of no bits",
+         sequence(with(components_of(210, integer(5, 5), ASN1_OPTION_MANDATORY), {{kBoolean, "z"}}))},
+        {"flat leaves of no bits",
+         list_of(sequence(components_of(60, integer(5, 5), ASN1_OPTION_MANDATORY)), 0, 3)},
+        {"a flat record with a big addition",
+         list_of(sequence({{byte, "a"}, {kBig, "b", kDefault, ASN1_FIELD_ADDITION, big(&zero)}}, kExt), 0,
+                 3)},
         {"nothing", sequence({})},
         {"nothing, extensible", sequence({{kNull, "n"}, {kNull, "o", kOptional}}, kExt)},
     };
@@ -460,6 +508,15 @@ TEST_P(Program, ScarceMemory) {
             EXPECT_TRUE(size >= 0 || allocator_has_failed());
             EXPECT_EQ(size < 0, out == nullptr);
             asn1_free(out);
+        });
+        for_each_failed_allocation([&, chunk_size = i % 2 * 1000] {
+            orlenta_arena* arena = orlenta_arena_create(chunk_size);
+            orlenta_arena_value held = {};
+            bool is_held = arena && orlenta_uper_decode_arena(codec.get(), arena, &held, row.uper.data(),
+                                                              row.uper.size(), nullptr) >= 0;
+            EXPECT_TRUE(is_held || allocator_has_failed());
+            EXPECT_EQ(is_held, held.record != nullptr);
+            orlenta_arena_destroy(arena);
         });
         if (HasFailure()) return;
     }

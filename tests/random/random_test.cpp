@@ -308,6 +308,19 @@ const asn1_word kBranch[] = {
 const asn1_word kEndlessTree[5] = {head(ASN1_KIND_SEQUENCE_OF, kLower), num(2), num(24), ref(kBranch),
                                    num(0)};
 
+// CHOICE { tree Tree, set SET { b BOOLEAN DEFAULT FALSE, c CHOICE ... }, list SET (SIZE (1)) OF c, c CHOICE { none SEQUENCE {} } }
+// clang-format off
+const asn1_word kDeepest[] = {
+    head(ASN1_KIND_CHOICE), num(1), num(24), num(0), num(8), ref(kEmpty), txt("none")};
+const asn1_word kDeepSet[] = {
+    head(ASN1_KIND_SET), num(2), num(32),
+    field(0, ASN1_OPTION_DEFAULT), ref(kBoolean), num(0), txt("b"), field(8), ref(kDeepest), num(0), txt("c")};
+const asn1_word kDeepList[] = {head(ASN1_KIND_SET_OF, kBounds), num(1), num(1), num(24), ref(kDeepest), num(0)};
+const asn1_word kDeep[] = {
+    head(ASN1_KIND_CHOICE), num(4), num(40), num(0), num(8),
+    ref(kEndlessTree), txt("tree"), ref(kDeepSet), txt("set"), ref(kDeepList), txt("list"), ref(kDeepest), txt("c")};
+// clang-format on
+
 // Once the limit of levels is met, what is still to come gets its smallest content.
 TEST(Random, SmallestContentBehindTheLimit) {
     static const struct {
@@ -321,6 +334,7 @@ TEST(Random, SmallestContentBehindTheLimit) {
         {kOctets5, "5:0000000000"}, {kOctetsExt, "2:0000"}, {kNumeric, "1:20"}, {kTwoRanges, "2:00010001"},
         {kUtf8, "0:"}, {kGeneral, "0:"}, {kOid, "1:00"}, {kRelativeOid, "1:00"}, {kAny, "2:0400"}, {kList, "[0]"},
         {kListExt, "[0]"}, {kThreeWays, "0:(0)"}, {kBranch, "2:({})"}, {kEndlessTree, "[2:({}),2:({})]"},
+        {kDeep, "3:(0:({}))"},
         {kSequence, "{0,-,9,-,-,-,9,-}"}, {kEmpty, "{}"},
         // clang-format on
     };

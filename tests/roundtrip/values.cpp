@@ -22,10 +22,21 @@ static const asn1_word kSomeUniversal[] = {
     chars(28), num(ASN1_STRING_UNIVERSAL), num(0), num(2), num(0x20), num(0x7E), num(0x1F300), num(0x1F5FF)};
 static const asn1_word kGeneral[] = {head(ASN1_KIND_CHAR_STRING, 0, 27), num(ASN1_STRING_GENERAL)};
 static uint32_t limbs_of_2_32_and_5[] = {5, 1};
-static const asn1_integer kZero = {}, k2To32And5 = {limbs_of_2_32_and_5, 2, 2, 0};
+static uint32_t limbs_of_200[] = {200};
+static const asn1_integer kZero = {}, k2To32And5 = {limbs_of_2_32_and_5, 2, 2, 0},
+                          k200 = {limbs_of_200, 1, 1, 0};
 static const asn1_word kBigRange[] = {head(ASN1_KIND_INTEGER, kBounds | ASN1_WORD0_BIG, 2), big(&kZero),
                                       big(&k2To32And5)};
 static const asn1_word kBigLower[] = {head(ASN1_KIND_INTEGER, kLower | ASN1_WORD0_BIG, 2), big(&k2To32And5)};
+template <const asn1_integer* low, const asn1_integer* high, uint32_t flags = 0>
+static const asn1_word kBigFrom[] = {head(ASN1_KIND_INTEGER, kBounds | ASN1_WORD0_BIG | flags, 2), big(low),
+                                     big(high)};
+template <uint32_t type, uint32_t first, uint32_t last>
+static const asn1_word kLetters[] = {chars(22), num(type), num(0), num(1), num(first), num(last)};
+template <uint32_t low, uint32_t high, uint32_t flags = 0>
+static const asn1_word kOctetsFrom[] = {head(ASN1_KIND_OCTET_STRING, kBounds | flags, 4), num(low),
+                                        num(high)};
+static const asn1_word kListOfAny[] = {head(ASN1_KIND_SEQUENCE_OF, 0, 16), num(24), ref(kAny), num(0)};
 // clang-format off
 static const asn1_word kDigits[] = {
     head(ASN1_KIND_CHAR_STRING, kBounds, 18), num(ASN1_STRING_NUMERIC), num(0), num(9), num(1), num('0'), num('9')};
@@ -40,11 +51,24 @@ static const asn1_word kPlainSet[] = {
     field(16), ref(kTagged<0, kSomeBmp>), num(0), txt("b"),
     field(32), ref(kExplicitChoice), num(0), txt("c"),
 };
+// SET OF at most one, since DER sorts them; an indirect component without a tag of its own.
+static const asn1_word kSetOfOne[] = {head(ASN1_KIND_SET_OF, kBounds, 17), num(0), num(1), num(16), ref(kOctets), num(0)};
+static const asn1_word kPointer[] = {head(ASN1_KIND_TAGGED, ASN1_WORD0_INDIRECT), ref(kSetOfOne)};
+static const asn1_word kTagsInside[] = {
+    head(ASN1_KIND_SET, kExt, 17), num(3), num(56),
+    field(0), ref(kPointer), num(0), txt("a"),
+    field(8), ref(kTaggedChoice), num(0), txt("b"),
+    field(40, ASN1_OPTION_OPTIONAL, kAddition), ref(kTagged<2, kOctets>), num(32), txt("c"),
+};
 #define kind(type) {#type, "", type}
 static const orlenta_catalogue_entry kKinds[] = {
     kind(kBig), kind(kBigRange), kind(kBigLower), kind(kDigits), kind(kDefaults), kind(kReal), kind(kRelativeOid), kind(kAny), kind(kSomeBmp), kind(kSomeUniversal), kind(kGeneral),
     kind(kPlainSet), kind(kRecord), kind(kChoice), kind(kOuterChoice), kind(kTaggedChoice),
     kind(kOpenRecord<kOpen>), kind(kOpenRecord<kTaggedOpen>),
+    kind((kBigFrom<&kZero, &k200>)), kind((kBigFrom<&kZero, &kZero>)), kind((kBigFrom<&k200, &k2To32And5, kExt>)),
+    kind((kLetters<ASN1_STRING_IA5, 'A', 'A'>)), kind((kLetters<ASN1_STRING_IA5, '0', '1'>)),
+    kind((kLetters<ASN1_STRING_BMP, 0, 255>)), kind((kOctetsFrom<2, 70000>)), kind((kOctetsFrom<0, 70000, kExt>)),
+    kind((kOctetsFrom<1, 3000000000>)), kind(kListOfAny), kind(kTagsInside),
 };
 #undef kind
 // clang-format on
