@@ -40,9 +40,11 @@ def branches(path, file):
         passes = file["segments"][bisect.bisect_right(starts, [line, column]) - 1][2]
         if passes and not taken and not not_taken:
             continue  # folded: code runs here and nothing is decided
-        source = text[line - 1][column - 1:]
+        before, source = text[line - 1][:column - 1], text[line - 1][column - 1:]
         if source.startswith(("case ", "default:")):
             yield line, column, source, taken
+        elif before.endswith("switch ("):  # one without a default
+            yield line, column, f"none: {source}", taken
         else:
             yield line, column, f"true: {source}", taken
             yield line, column, f"false: {source}", not_taken

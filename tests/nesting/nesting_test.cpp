@@ -154,6 +154,24 @@ std::vector<Consumer> consumers() {
     return all;
 }
 
+// Nobody tells how far a coroutine's stack goes: it is taken to bear an allowance.
+TEST(Coroutine, DecodesWhatTheAllowanceBears) {
+    Stack stack(kTightStack);
+    for (const Nest& nest : kNests) {
+        SCOPED_TRACE(nest.name);
+        octets deep_input = make(nest, 5000), shallow_input = make(nest, 2);
+        decoded deep, shallow;
+        stack.run_as_coroutine([&] {
+            deep = decode(nest.decode, nest.type, deep_input);
+            shallow = decode(nest.decode, nest.type, shallow_input);
+        });
+        EXPECT_EQ(shallow.consumed, static_cast<int64_t>(shallow_input.size()));
+        bool may_be_flat = std::string(nest.name) == "OER Filter";
+        EXPECT_TRUE(deep.consumed < 0 || may_be_flat);
+        if (deep.consumed < 0) expect_too_deep(deep.error);
+    }
+}
+
 class Nesting : public testing::TestWithParam<Nest> {};
 
 TEST_P(Nesting, DecodedHereUsedThere) {

@@ -28,6 +28,16 @@ TEST(PerOpenTypes, ResolvedAndRaw) {
     expect_encode_error(kUnaligned, kMessage, &bad, "integer outside range (8 0-7)", 0, "value");
 }
 
+// The size of no input: the bytes are there as far as the type goes.
+TEST(PerEntryPoints, LargestSize) {
+    const uint8_t bytes[] = {0x80, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+    for (const Variant& variant : kVariants) {
+        void* value = nullptr;
+        EXPECT_EQ(variant.decode(&value, kBoolean, bytes, UINT64_MAX, nullptr), 1);
+        asn1_free_value(kBoolean, value);
+    }
+}
+
 // A key one level up is found, but not through the wall of an open type.
 TEST(PerOpenTypes, KeyOfAnOuterSequence) {
     Words one_up(kTable, kTable + 9);

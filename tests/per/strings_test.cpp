@@ -85,6 +85,8 @@ TEST(PerStrings, EncodeErrors) {
         expect_encode_error(variant, bit_string(6, 70000), "'01010'B", "");
         expect_encode_error(variant, char_string(kNumeric, 0, -1, kDigits), "\"12a\"", "");
         expect_encode_error(variant, char_string(kIa5Kind, 0, 9, {}), "\"12a\"", "");
+        std::string early = "\"a" + std::string(20000, '1') + "\"";  // in the first of two fragments
+        expect_encode_error(variant, char_string(kNumeric, 0, -1, kDigits), early.c_str(), "");
         asn1_string huge = {nullptr, uint64_t{1} << 32 | 2};
         expect_encode_error(variant, octet_string(0, 4), &huge, "integer outside range (4294967295 0-4)");
     }

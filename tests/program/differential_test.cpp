@@ -360,6 +360,15 @@ Type open_type(bool has_defaults, int64_t rows, const Words& selectors) {
     return keep({head(ASN1_KIND_ANY, ASN1_WORD0_CONSTRAINED), ref(keep(table))});
 }
 
+Type big_integer(uint64_t upper) {
+    static std::deque<asn1_integer> bounds;
+    asn1_integer& bound = bounds.emplace_back();
+    asn1_integer_set_ui64(&bound, upper);
+    static const asn1_integer zero = {};
+    return keep({head(ASN1_KIND_INTEGER, kBounds | ASN1_WORD0_BIG), big(&zero), big(&bound)});
+}
+const Type big_to_200 = big_integer(200), big_to_2_33 = big_integer(UINT64_C(1) << 33);
+
 std::vector<std::pair<const char*, Type>> unusual_types() {
     const Words by_first = {num(0), num(ASN1_SELECTOR_LAST), num(0)},
                 by_outer = {num(1), num(ASN1_SELECTOR_LAST), num(0)};
@@ -391,6 +400,7 @@ std::vector<std::pair<const char*, Type>> unusual_types() {
         {"an optional flat record", sequence({{flat, "f", kOptional}, {byte, "g", kDefault, 0, num(7)}})},
         {"an extensible list", list_of(extensible, 2, 3, kExt)},
         {"a long list", list_of(octet_string(0, 3), 0, -1)},
+        {"big numbers of few bits", list_of(sequence({{big_to_200, "a"}, {big_to_2_33, "b"}}), 0, 3)},
         {"numbers of all widths", sequence({{wide, "w"},
                                             {integer(5, 5), "n"},
                                             {integer(-3, 60000), "m"},
@@ -402,6 +412,7 @@ std::vector<std::pair<const char*, Type>> unusual_types() {
                               {bit_string(0, 70), "b"},
                               {octet_string(3, 3), "o"},
                               {octet_string(0, 5, kExt), "x"},
+                              {octet_string(2, -1), "y"},
                               {bit_string(1, -1), "g"}})},
         {"an open type with a key of octets", record_with_open_type()},
         {"an open type as an addition",
@@ -445,6 +456,31 @@ TEST_P(Program, UnusualTypes) {
     }
     print(GetParam(), "unusual types", tally);
     EXPECT_GT(tally.pieces, 100);
+}
+
+// What no decoder gives: numbers and lengths out of their bounds, characters that are too wide.
+TEST(Program, ValuesOutOfBounds) {
+    uint32_t limbs[] = {201, 0, 1}, item = 9;
+    uint8_t data[2] = {0xFF, 0xFF};
+    asn1_integer negative = {limbs, 1, 1, 1}, above = {limbs, 1, 1, 0}, long_one = {limbs, 3, 3, 0},
+                 padded = {limbs, 2, 2, 0};
+    asn1_string string = {data, 1}, wide = {data, 2};
+    asn1_array list = {data, 1};
+    const std::pair<Type, const void*> rows[] = {
+        {big_to_200, &negative},
+        {big_to_200, &above},
+        {big_to_200, &long_one},
+        {big_to_200, &padded},
+        {octet_string(2, -1), &string},
+        {octet_string(2, 9), &string},
+        {list_of(kBoolean, 2, -1), &list},
+        {char_string(ASN1_STRING_IA5, 0, 9, {{0, 127}}), &wide},
+        {choice(-1, components_of(3, kBoolean, ASN1_OPTION_MANDATORY)), &item},
+        {enumerated(3, -1), &item},
+    };
+    Tally tally;
+    for (const auto& [type, value] : rows) Subject(type, tally).encode(value);
+    EXPECT_EQ(orlenta_codec_new(kClass), nullptr);
 }
 
 // Fragments of 16K items, in strings, lists and open types.

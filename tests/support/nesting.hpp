@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <sys/mman.h>
+#include <ucontext.h>
 
 #include <algorithm>
 #include <functional>
@@ -43,6 +44,20 @@ class Stack {
         ASSERT_EQ(pthread_create(&thread, &attributes, start, const_cast<std::function<void()>*>(&body)), 0);
         pthread_join(thread, nullptr);
         pthread_attr_destroy(&attributes);
+    }
+
+    // Runs `body` on the caller's thread, as a coroutine.
+    void run_as_coroutine(const std::function<void()>& body) {
+        static const std::function<void()>* current;
+        current = &body;
+        ucontext_t here, there;
+        ASSERT_EQ(getcontext(&there), 0);
+        there.uc_stack.ss_sp = lowest_;
+        there.uc_stack.ss_size = size_;
+        there.uc_link = &here;
+        makecontext(
+            &there, [] { (*current)(); }, 0);
+        ASSERT_EQ(swapcontext(&here, &there), 0);
     }
 
     // The bytes of the stack that running `body` changes.
