@@ -6,6 +6,13 @@
 
 namespace orlentac {
 
+// Each only once a file.
+static void tell_notes(const Ast& ast, Diagnostics& diags) {
+    std::set<std::pair<const std::string*, std::string>> told;
+    for (const Diagnostic& note : ast.notes)
+        if (told.emplace(note.place.file, note.text).second) diags.notes.push_back(note);
+}
+
 // Published modules make less than one type a token, all instances and copies counted.
 static constexpr size_t kTypesPerToken = 20;
 
@@ -59,8 +66,13 @@ bool load_schema(const std::vector<SourceText>& sources, const SchemaOptions& op
     for (const SourceText& source : sources) {
         const std::string* name = &out.file_names.emplace_back(source.name);
         diags.files.push_back(name);
+        size_t errors = diags.errors.size();
         const std::vector<Token>& tokens = ast.files.emplace_back(tokenize(name, source.text, diags));
-        readable &= parse_file(ast, tokens, diags);
+        bool is_module = starts_module(tokens, diags.errors.size() == errors);
+        readable &= is_module && parse_file(ast, tokens, diags);
+        if (is_module) continue;
+        diags.errors.resize(errors);  // of its characters
+        error(diags, tokens.front().place, "expected an ASN.1 module, found {}", token_text(tokens.front()));
     }
     if (!readable) {
         sort_errors(diags);
@@ -74,6 +86,7 @@ bool load_schema(const std::vector<SourceText>& sources, const SchemaOptions& op
     } catch (const TooLarge& fault) {
         error(diags, fault.place, "here the types or references grow beyond what the modules should need");
     }
+    tell_notes(ast, diags);
     sort_errors(diags);
     return diags.errors.empty();
 }

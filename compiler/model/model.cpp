@@ -25,4 +25,12 @@ std::string_view kind_name(Kind kind) {
     return "";
 }
 
+std::string_view string_kind_name(StringKind kind) {
+    static constexpr std::string_view kNames[] = {"NumericString", "PrintableString", "VisibleString",
+                                                  "IA5String",     "BMPString",       "UniversalString",
+                                                  "UTF8String",    "GeneralString",   "GraphicString",
+                                                  "TeletexString", "VideotexString"};
+    return kNames[static_cast<int>(kind)];
+}
+
 }  // namespace orlentac

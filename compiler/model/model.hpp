@@ -58,6 +58,8 @@ enum class StringKind {
     videotex
 };
 
+std::string_view string_kind_name(StringKind kind);
+
 // Effective bounds of a value or of a size; an absent one is MIN or MAX. A size without constraint has neither.
 struct Bounds {
     std::optional<Number> lower;

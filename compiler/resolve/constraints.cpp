@@ -89,20 +89,6 @@ void unite_parts(std::optional<Part>& part, const std::optional<Part>& by) {
     if (!by) part.reset();
 }
 
-// The characters of UTF-8 text; stray bytes stand for themselves.
-std::vector<uint32_t> characters(const std::string& text) {
-    std::vector<uint32_t> codes;
-    for (size_t i = 0; i < text.size();) {
-        unsigned char lead = static_cast<unsigned char>(text[i++]);
-        int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
-        uint32_t code = more == 0 ? lead : lead & (0x3F >> more);
-        for (; more > 0 && i < text.size(); more--)
-            code = code << 6 | (static_cast<unsigned char>(text[i++]) & 0x3F);
-        codes.push_back(code);
-    }
-    return codes;
-}
-
 std::optional<std::vector<uint32_t>> character_value(const Evaluation& evaluation, const AstValue& ast) {
     std::optional<Value> value = resolve_value(evaluation.resolver, ast, evaluation.scope,
                                                *evaluation.base.type, *evaluation.base.scope);
@@ -217,6 +203,19 @@ Effect evaluate_alphabet(const Evaluation& evaluation, const AstConstraint& cons
     return effect;
 }
 
+// FROM ({0, 13})
+Effect evaluate_character_list(const Evaluation& evaluation, const AstConstraint& constraint) {
+    AstValue list;
+    list.sort = AstValue::Sort::braces;
+    list.braces = constraint.braces;
+    list.place = constraint.place;
+    AstConstraint single;
+    single.lower = single.upper = &list;
+    Effect effect;
+    effect.alphabet = evaluate_characters(evaluation, single);
+    return effect;
+}
+
 Effect evaluate_subtype(const Evaluation& evaluation, const AstConstraint& constraint) {
     if (evaluation.kind == Kind::open_type) return {};
     Type* type = resolve_in_place(evaluation.resolver, *constraint.type, evaluation.scope);
@@ -286,6 +285,8 @@ Effect evaluate_element(const Evaluation& evaluation, const AstConstraint& const
         case AstConstraint::Sort::except:
             return constraint.parts.empty() ? Effect{} : evaluate(evaluation, *constraint.parts[0]);
         case AstConstraint::Sort::braces:
+            if (evaluation.in_alphabet) return evaluate_character_list(evaluation, constraint);
+            break;
         case AstConstraint::Sort::no_trace: break;
     }
     return {};

@@ -125,7 +125,7 @@ void resolve_imports(Resolver& resolver, ModuleNames& names) {
 }
 
 // Levenshtein's distance, without regard to case.
-size_t distance(const std::string& a, const std::string& b) {
+size_t distance(std::string_view a, std::string_view b) {
     std::vector<size_t> row(b.size() + 1);
     std::iota(row.begin(), row.end(), 0);
     for (size_t i = 0; i < a.size(); i++) {
@@ -141,26 +141,46 @@ size_t distance(const std::string& a, const std::string& b) {
     return row.back();
 }
 
-// What may have been meant: a name not imported, or one that looks much the same.
-std::string hint(const Resolver& resolver, const std::string& name) {
-    auto known = resolver.region_names.find(name);
-    if (known != resolver.region_names.end()) {
-        return fmt::format("; {} {} it, but it is not imported", definers(resolver, name),
-                           known->second.size() == 1 ? "defines" : "define");
-    }
-    const std::string* best = nullptr;
-    size_t best_distance = name.size() < 4 ? 1 : name.size() < 8 ? 2 : 3;
+struct Candidate {
+    size_t distance;
+    std::string text;
+    auto operator<=>(const Candidate&) const = default;
+};
+
+// "did you mean 'Latitude' or 'Altitude' of module 'B'?"; empty if nothing looks much the same.
+std::string nearest_names(const Resolver& resolver, const ModuleNames& module, const std::string& name,
+                          bool is_type) {
+    constexpr size_t kMost = 3;
+    size_t limit = name.size() < 4 ? 1 : name.size() < 8 ? 2 : 3;
+    std::vector<Candidate> candidates;
+    auto consider = [&](std::string_view other, std::string text) {
+        size_t gap = std::max(other.size(), name.size()) - std::min(other.size(), name.size());
+        if (gap >= limit) return;
+        size_t found = distance(name, other);
+        if (found < limit) candidates.push_back({found, std::move(text)});
+    };
     for (const auto& [other, modules] : resolver.region_names) {
         if (std::isupper(other[0]) != std::isupper(name[0])) continue;
-        size_t gap = other.size() > name.size() ? other.size() - name.size() : name.size() - other.size();
-        if (gap >= best_distance) continue;
-        size_t found = distance(name, other);
-        if (found < best_distance || (best && found == best_distance && other < *best)) {
-            best = &other;
-            best_distance = found;
-        }
+        bool here = module.own.contains(other) || module.imported.contains(other);
+        consider(other,
+                 here ? "'" + other + "'" : fmt::format("'{}' of {}", other, definers(resolver, other)));
     }
-    return best ? fmt::format("; did you mean '{}'?", *best) : "";
+    if (is_type)
+        for (std::string_view word : reserved_words()) consider(word, std::string(word));
+    std::sort(candidates.begin(), candidates.end());
+    std::string text;
+    for (size_t i = 0; i < std::min(candidates.size(), kMost); i++)
+        text += (i == 0 ? "" : " or ") + candidates[i].text;
+    return text.empty() ? "" : fmt::format("; did you mean {}?", text);
+}
+
+// What may have been meant: a name not imported, or one that looks much the same.
+std::string hint(const Resolver& resolver, const ModuleNames& module, const std::string& name,
+                 std::string_view what) {
+    auto known = resolver.region_names.find(name);
+    if (known == resolver.region_names.end()) return nearest_names(resolver, module, name, what == "type");
+    return fmt::format("; {} {} it, but it is not imported", definers(resolver, name),
+                       known->second.size() == 1 ? "defines" : "define");
 }
 
 enum class Search { found, broken, missing };
@@ -203,6 +223,11 @@ Meaning peek_name(const Resolver& resolver, const Scope& scope, const AstReferen
     return search(resolver, scope, reference, meaning) == Search::found ? meaning : Meaning{};
 }
 
+// Once for each name in a module: one mistake should not look like many.
+static bool tell_unknown(Resolver& resolver, const Scope& scope, const AstReference& reference) {
+    return resolver.unknown.emplace(scope.module, reference.module + "." + reference.name).second;
+}
+
 Meaning find_name(Resolver& resolver, const Scope& scope, const AstReference& reference,
                   std::string_view what) {
     Meaning meaning;
@@ -210,14 +235,14 @@ Meaning find_name(Resolver& resolver, const Scope& scope, const AstReference& re
     if (result == Search::broken) {
         const Diagnostic& vain = scope.module->missing.at(reference.name);
         if (!vain.text.empty()) add_error(resolver.diags, vain.place, vain.text);
-    } else if (result == Search::missing) {
+    } else if (result == Search::missing && tell_unknown(resolver, scope, reference)) {
         if (!reference.module.empty()) {
             bool known = resolver.module_names.contains(reference.module);
             error(resolver.diags, reference.place, "unknown {} '{}.{}'{}", what, reference.module,
                   reference.name, known ? "" : ": there is no such module");
         } else {
             error(resolver.diags, reference.place, "unknown {} '{}'{}", what, reference.name,
-                  hint(resolver, reference.name));
+                  hint(resolver, *scope.module, reference.name, what));
         }
     }
     if (meaning.assignment && meaning.assignment->sort == AstAssignment::Sort::broken) return {};

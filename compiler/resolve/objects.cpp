@@ -28,9 +28,12 @@ void read_value(ObjectReader& reader, const AstField& field, Setting& setting, R
     if (!entry->value) {
         entry->value.emplace();
     } else {
+        // The class may have no types yet.
         int column = reader.info.columns[&field - reader.info.ast->fields.data()];
-        check_value_later(reader.resolver, reader.info.object_class->fields[column].type, *entry->value,
-                          field.name);
+        const ClassField* of_class = &reader.info.object_class->fields[column];
+        reader.resolver.later.push_back([&resolver = reader.resolver, of_class, value = *entry->value] {
+            if (of_class->type) check_value(resolver, *of_class->type, value, of_class->name);
+        });
     }
 }
 
@@ -392,7 +395,7 @@ FieldTarget follow_chain(Resolver& resolver, const ClassInfo* info, Members memb
     if (!info) return {};
     int index = find_field(resolver, *info, type.fields.back(), type.place);
     if (index < 0) return {};
-    return {info, index, members.empty() ? nullptr : members[0]};
+    return {info, index, members.empty() ? nullptr : members[0], std::move(members)};
 }
 
 }  // namespace
@@ -507,6 +510,51 @@ ObjectSet* set_behind_fields(Resolver& resolver, ObjectSet* set, const ClassInfo
     return behind;
 }
 
+// What an object says of a field of values; null if nothing.
+static AstConstraint* values_in_field(Resolver& resolver, const InfoObject& object, int index) {
+    const AstField& field = object.info->ast->fields[index];
+    const Setting& setting = object.settings[index];
+    AstConstraint* constraint = nullptr;
+    if (field.sort == AstField::Sort::value) {
+        const AstValue* value = setting.present ? setting.value : field.default_value;
+        if (!value) return nullptr;
+        constraint = &resolver.ast.constraints.emplace_back();
+        constraint->sort = AstConstraint::Sort::range;
+        constraint->lower = constraint->upper = const_cast<AstValue*>(value);
+        constraint->place = value->place;
+    } else if (setting.present || field.has_default_set) {
+        Parser parser = parse_range(resolver.ast, setting.present ? setting.set : field.default_set);
+        try {
+            constraint = parse_element_sets(parser);
+            expect_end(parser, "'|', ',' or '}' in a value set");
+        } catch (const SyntaxError& fault) {
+            error(resolver.diags, fault.place, "{}", fault.text);
+            return nullptr;
+        }
+    }
+    if (constraint) constraint->scope = setting.present ? setting.scope : object.info->scope;
+    return constraint;
+}
+
+const AstType* type_of_values(Resolver& resolver, const AstType& path, const Scope& scope,
+                              const FieldTarget& target) {
+    if (target.objects.empty()) return target.field().type;
+    const AstType*& type = resolver.value_types[{&path, &scope}];
+    if (type) return type;
+    type = target.field().type;
+    AstConstraint values;
+    values.sort = AstConstraint::Sort::any_of;
+    values.extensible = target.extensible;
+    values.place = path.place;
+    for (const InfoObject* object : target.objects)
+        if (AstConstraint* part = values_in_field(resolver, *object, target.index))
+            values.parts.push_back(part);
+    if (values.parts.empty()) return type;
+    AstType& narrowed = resolver.ast.types.emplace_back(*type);
+    narrowed.constraints.push_back(&resolver.ast.constraints.emplace_back(std::move(values)));
+    return type = &narrowed;
+}
+
 FieldTarget find_field_target(Resolver& resolver, const AstType& type, const Scope& scope) {
     if (const ClassInfo* info = peek_class(resolver, scope, type.reference)) {
         FieldTarget target = follow_chain(resolver, info, {}, type);
@@ -521,7 +569,14 @@ FieldTarget find_field_target(Resolver& resolver, const AstType& type, const Sco
             find_class(resolver, scope, type.reference);  // for the error alone
             return {};
         }
-        return follow_chain(resolver, info, {}, type);
+        ObjectSet* set = find_set(resolver, scope, type.reference, *info);
+        if (!set) return {};
+        Members members;
+        if (!resolver.filling.contains(set)) members = resolver.members[set];
+        FieldTarget target = follow_chain(resolver, info, std::move(members), type);
+        target.object = nullptr;
+        target.extensible = set->extensible;
+        return target;
     }
     const ClassInfo* info = nullptr;
     const InfoObject* object = find_any_object(resolver, scope, type.reference, info);

@@ -86,6 +86,8 @@ struct FieldTarget {
     const ClassInfo* info = nullptr;
     int index = 0;
     const InfoObject* object = nullptr;
+    std::vector<const InfoObject*> objects = {};  // all that the set has; empty for a class
+    bool extensible = false;                      // the set
     const AstField& field() const { return info->ast->fields[index]; }
     explicit operator bool() const { return info; }
 };
@@ -139,9 +141,12 @@ struct Resolver {
     size_t most_types = 0;
     bool are_classes_declared = false;
     std::map<std::pair<const AstAssignment*, std::string>, NamedType*> open_instances = {};  // being resolved
+    std::set<std::pair<const ModuleNames*, std::string>> unknown = {};  // names that were told of
     std::unordered_set<const void*> busy = {};  // guards against values and sets of themselves
     std::set<std::pair<const AstType*, const Scope*>> copying = {};  // and against copies within themselves
     bool endless = false;  // an instance was found to go on for ever
+
+    std::map<std::pair<const AstType*, const Scope*>, const AstType*> value_types = {};  // by path
 
     std::vector<Type*> enclosing = {};
     size_t in_contents = 0;  // how many of them are around the innermost CONTAINING
@@ -219,7 +224,10 @@ std::optional<Value> resolve_value(Resolver& resolver, const AstValue& value, co
                                    const AstType& governor, const Scope& governor_scope);
 std::optional<Number> resolve_number(Resolver& resolver, const AstValue& value, const Scope& scope);
 std::string value_text(const AstValue& value);
-// Looks, when all types are known, whether the value is within the bounds of its type.
+// The characters of UTF-8 text; stray bytes stand for themselves.
+std::vector<uint32_t> characters(const std::string& text);
+// Looks whether the value is within the bounds of its type; all types must be known.
+void check_value(Resolver& resolver, const Type& type, const Value& value, std::string_view what);
 void check_value_later(Resolver& resolver, const Type* type, const Value& value, std::string what);
 
 // ---- constraints.cpp --------------------------------------------------------------------------------------
@@ -252,6 +260,9 @@ const InfoObject* find_object(Resolver& resolver, const Scope& scope, const AstR
 const InfoObject* find_any_object(Resolver& resolver, const Scope& scope, const AstReference& reference,
                                   const ClassInfo*& info);
 FieldTarget find_field_target(Resolver& resolver, const AstType& type, const Scope& scope);
+// The type that a field of values has: under the values of the objects, if it is taken from some (X.681 clause 15).
+const AstType* type_of_values(Resolver& resolver, const AstType& path, const Scope& scope,
+                              const FieldTarget& target);
 ObjectSet* find_set(Resolver& resolver, const Scope& scope, const AstReference& reference,
                     const ClassInfo& info);
 // For CLASS.&objects.&Type: the set of what the objects of `set` have in their field &objects.

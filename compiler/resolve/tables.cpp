@@ -106,6 +106,20 @@ static Type* open_field(Resolver& resolver, const AstType& ast, const Scope& sco
     return type;
 }
 
+// CLASS.&field (0..9): the field's type under what is not a table constraint.
+static const AstType* narrowed(Resolver& resolver, const AstType& ast, const Scope& scope,
+                               const AstType* values) {
+    AstType* type = nullptr;
+    for (const AstConstraint* constraint : ast.constraints) {
+        if (constraint == table_constraint(ast)) continue;
+        if (!type) type = &resolver.ast.types.emplace_back(*values);
+        AstConstraint& own = resolver.ast.constraints.emplace_back(*constraint);
+        if (!own.scope) own.scope = &scope;
+        type->constraints.push_back(&own);
+    }
+    return type ? type : values;
+}
+
 // A field of values has the type that the class gives.
 static Type* fixed_field(Resolver& resolver, const AstType& ast, const Scope& scope,
                          const FieldTarget& target) {
@@ -118,10 +132,13 @@ static Type* fixed_field(Resolver& resolver, const AstType& ast, const Scope& sc
     const AstConstraint* constraint = table_constraint(ast);
     const ClassInfo* info = constraint ? peek_class(resolver, scope, ast.reference) : nullptr;
     if (info) resolve_set(resolver, scope, constraint->braces, *info, constraint->place);  // for errors alone
-    Type* type = resolve_type(resolver, *field.type, *target.info->scope);
+    const AstType* values = type_of_values(resolver, ast, scope, target);
+    Type* type = resolve_type(resolver, *narrowed(resolver, ast, scope, values), *target.info->scope);
     type->place = ast.place;
-    type->fixed_from = target.info->object_class;
-    type->fixed_column = target.info->columns[target.index];
+    if (int column = target.info->columns[target.index]; column >= 0) {
+        type->fixed_from = target.info->object_class;
+        type->fixed_column = column;
+    }
     return type;
 }
 

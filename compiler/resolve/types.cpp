@@ -43,7 +43,7 @@ Base next_base(Resolver& resolver, const Base& base) {
         bool is_open = field.sort == AstField::Sort::type || field.sort == AstField::Sort::variable_value ||
                        field.sort == AstField::Sort::variable_set;
         if (is_open) return {&type, base.scope, true};
-        return {field.type, target.info->scope};
+        return {type_of_values(resolver, type, *base.scope, target), target.info->scope};
     }
     Meaning meaning = find_name(resolver, *base.scope, type.reference, "type");
     if (!meaning) return {};

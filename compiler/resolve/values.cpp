@@ -1,5 +1,6 @@
 // Values: of a DEFAULT, a value assignment, a bound, a field of an object.
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdlib>
 
@@ -27,6 +28,10 @@ Value make_value(const Governed& governed, Value::Sort sort) {
     value.sort = sort;
     value.place = governed.value.place;
     return value;
+}
+
+Parser parse_inner(Resolver& resolver, const AstValue& value) {
+    return parse_range(resolver.ast, value.braces);
 }
 
 const AstItem* find_item(const AstType& type, const std::string& name) {
@@ -141,15 +146,86 @@ std::optional<Value> resolve_digits(Resolver& resolver, const Governed& governed
     return value;
 }
 
+// ---- characters ----
+
+// Two bytes and more for what is beyond ASCII, six for the last of UniversalString.
+void append_character(std::string& text, uint32_t code) {
+    if (code < 0x80) return text.push_back(static_cast<char>(code));
+    int more = 1;
+    while (more < 5 && code >> (5 * more + 6) != 0) more++;
+    text += static_cast<char>((0xFF00 >> (more + 1) & 0xFF) | code >> 6 * more);
+    while (more-- > 0) text += static_cast<char>(0x80 | (code >> 6 * more & 0x3F));
+}
+
+std::optional<Value> checked_text(Resolver& resolver, const Governed& governed, Value value) {
+    StringKind kind = governed.base.type->string_kind;
+    std::vector<CodeRange> alphabet = full_alphabet(kind);
+    auto allowed = [&](uint32_t code) {
+        return std::any_of(alphabet.begin(), alphabet.end(), [code](const CodeRange& range) {
+            return code >= range.first && code <= range.last;
+        });
+    };
+    for (uint32_t code : characters(value.bytes)) {
+        if (alphabet.empty() || allowed(code)) continue;
+        std::string character;
+        append_character(character, code);
+        bool printable = code >= 0x20 && code != 0x7F;
+        error(resolver.diags, governed.value.place, "a {} has no character {} (X.680 clause 41)",
+              string_kind_name(kind), printable ? "'" + character + "'" : fmt::format("0x{:02X}", code));
+        return std::nullopt;
+    }
+    return value;
+}
+
 std::optional<Value> resolve_text(Resolver& resolver, const Governed& governed) {
     if (base_kind(governed.base) != Kind::char_string) return wrong_kind(resolver, governed);
     Value value = make_value(governed, Value::Sort::text);
     value.bytes = governed.value.text;
-    return value;
+    return checked_text(resolver, governed, std::move(value));
 }
 
-Parser parse_inner(Resolver& resolver, const AstValue& value) {
-    return parse_range(resolver.ast, value.braces);
+// X.680 clause 41.8: column and row of IA5String, or group, plane, row and cell of ISO/IEC 10646.
+std::optional<uint32_t> parse_character(Resolver& resolver, Parser& parser, StringKind kind) {
+    Place place = parser.at->place;
+    std::vector<Number> parts;
+    do {
+        if (!is_sort(parser, Token::Sort::number)) fail_expected(parser, "a number");
+        parts.emplace_back(parser.at++->text);
+    } while (accept_symbol(parser, ","));
+    bool tuple = kind == StringKind::ia5 && parts.size() == 2 && parts[0] < 8 && parts[1] < 16;
+    if (tuple) return static_cast<uint32_t>(parts[0] * 16 + parts[1]);
+    bool wide = kind == StringKind::universal || kind == StringKind::bmp || kind == StringKind::utf8;
+    bool fits = std::all_of(parts.begin(), parts.end(), [](const Number& part) { return part < 256; });
+    if (wide && parts.size() == 4 && fits && parts[0] < 128)
+        return static_cast<uint32_t>(((parts[0] * 256 + parts[1]) * 256 + parts[2]) * 256 + parts[3]);
+    error(resolver.diags, place,
+          "expected {{column, row}} of an IA5String, or {{group, plane, row, cell}} of a UniversalString, "
+          "BMPString "
+          "or UTF8String (X.680 clause 41.8)");
+    return std::nullopt;
+}
+
+// {0, 13}, {"abc", {0, 13}, name}
+std::optional<Value> resolve_character_list(Resolver& resolver, const Governed& governed) {
+    StringKind kind = governed.base.type->string_kind;
+    Value value = make_value(governed, Value::Sort::text);
+    Parser parser = parse_inner(resolver, governed.value);
+    do {
+        bool alone = is_sort(parser, Token::Sort::number);
+        if (alone || accept_symbol(parser, "{")) {
+            std::optional<uint32_t> code = parse_character(resolver, parser, kind);
+            if (!code) return std::nullopt;
+            append_character(value.bytes, *code);
+            if (!alone) expect_symbol(parser, "}");
+        } else {
+            std::optional<Value> part = resolve_value(resolver, *parse_value(parser), governed.scope,
+                                                      *governed.base.type, *governed.base.scope);
+            if (!part) return std::nullopt;
+            value.bytes += part->bytes;
+        }
+    } while (accept_symbol(parser, ","));
+    expect_end(parser, "',' or '}' behind a character");
+    return checked_text(resolver, governed, std::move(value));
 }
 
 // { name, name }: named bits.
@@ -360,6 +436,7 @@ std::vector<MemberValue> resolve_members(Resolver& resolver, const Governed& gov
     const auto& components = governed.base.type->components;
     std::vector<MemberValue> members;
     size_t errors = resolver.diags.errors.size();
+    auto unknown = resolver.unknown;
     try {
         Parser parser = parse_inner(resolver, governed.value);
         while (!at_end(parser)) {
@@ -378,6 +455,7 @@ std::vector<MemberValue> resolve_members(Resolver& resolver, const Governed& gov
     }
     if (resolver.diags.errors.size() == errors) return members;
     resolver.diags.errors.resize(errors);
+    resolver.unknown = std::move(unknown);
     return {};
 }
 
@@ -399,6 +477,7 @@ std::optional<Value> resolve_braces(Resolver& resolver, const Governed& governed
             case Kind::object_identifier:
             case Kind::relative_oid: return resolve_oid(resolver, governed);
             case Kind::real: return resolve_real_parts(resolver, governed);
+            case Kind::char_string: return resolve_character_list(resolver, governed);
             case Kind::sequence:
             case Kind::sequence_of:
             case Kind::set:
@@ -511,11 +590,26 @@ std::string value_text(const AstValue& value) {
     return text + " }";
 }
 
+std::vector<uint32_t> characters(const std::string& text) {
+    std::vector<uint32_t> codes;
+    for (size_t i = 0; i < text.size();) {
+        unsigned char lead = static_cast<unsigned char>(text[i++]);
+        int more = lead >= 0xC0 && lead < 0xFE ? std::countl_one(lead) - 1 : 0;
+        uint32_t code = more == 0 ? lead : lead & (0x3F >> more);
+        for (; more > 0 && i < text.size(); more--)
+            code = code << 6 | (static_cast<unsigned char>(text[i++]) & 0x3F);
+        codes.push_back(code);
+    }
+    return codes;
+}
+
+void check_value(Resolver& resolver, const Type& type, const Value& value, std::string_view what) {
+    std::string text = misfit(type, value);
+    if (!text.empty()) error(resolver.diags, value.place, "{}{}", what, text);
+}
+
 void check_value_later(Resolver& resolver, const Type* type, const Value& value, std::string what) {
-    resolver.later.push_back([&resolver, type, value, what] {
-        std::string text = misfit(*type, value);
-        if (!text.empty()) error(resolver.diags, value.place, "{}{}", what, text);
-    });
+    resolver.later.push_back([&resolver, type, value, what] { check_value(resolver, *type, value, what); });
 }
 
 }  // namespace orlentac

@@ -341,6 +341,8 @@ std::string token_text(const Token& token) {
     }
 }
 
+std::span<const std::string_view> reserved_words() { return kReserved; }
+
 bool is_reserved(std::string_view word) {
     return std::find(std::begin(kReserved), std::end(kReserved), word) != std::end(kReserved);
 }

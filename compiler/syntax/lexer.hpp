@@ -1,6 +1,7 @@
 // ASN.1 text into tokens (X.680 clause 12).
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,5 +44,6 @@ std::string token_text(const Token& token);
 
 // X.680 clause 12.38: words that cannot name anything.
 bool is_reserved(std::string_view word);
+std::span<const std::string_view> reserved_words();
 
 }  // namespace orlentac

@@ -83,6 +83,13 @@ static AstConstraint* parse_braces_constraint(Parser& parser) {
     return &table;
 }
 
+// {0, 0}..{7, 15}
+static bool starts_character_range(Parser parser) {
+    expect_symbol(parser, "{");
+    read_braces(parser);
+    return is_symbol(parser, "..") || is_symbol(parser, "<");
+}
+
 static AstConstraint* parse_with(Parser& parser) {
     AstConstraint& inner = new_constraint(parser, AstConstraint::Sort::no_trace);
     parser.at++;
@@ -123,9 +130,29 @@ static AstConstraint* parse_no_trace(Parser& parser) {
     return &constraint;
 }
 
+// object.&Values, Module.object.&Values
+static bool starts_field_set(const Parser& parser) {
+    size_t at = 0;
+    if (is_sort(parser, Token::Sort::upper_word) && is_symbol(parser, ".", 1)) at = 2;
+    if (!is_sort(parser, Token::Sort::lower_word, at)) return false;
+    const std::string* last = nullptr;
+    for (at++; is_symbol(parser, ".", at) && is_sort(parser, Token::Sort::field, at + 1); at += 2)
+        last = &parser.at[at + 1].text;
+    return last && (*last)[1] >= 'A' && (*last)[1] <= 'Z';
+}
+
+static AstConstraint* parse_subtype(Parser& parser) {
+    AstConstraint& subtype = new_constraint(parser, AstConstraint::Sort::contained_subtype);
+    accept_word(parser, "INCLUDES");
+    subtype.type = parse_type(parser);
+    return &subtype;
+}
+
 static AstConstraint* parse_elements(Parser& parser) {
     if (is_symbol(parser, "(")) return parse_constraint(parser);
-    if (is_symbol(parser, "{")) return parse_braces_constraint(parser);
+    if (is_symbol(parser, "{") && !starts_character_range(parser)) return parse_braces_constraint(parser);
+    if (is_symbol(parser, "{")) return parse_value_range(parser);
+    if (starts_field_set(parser)) return parse_subtype(parser);
     if (starts_value(parser)) return parse_value_range(parser);
     if (is_word(parser, "SIZE") || is_word(parser, "FROM")) {
         AstConstraint& constraint = new_constraint(
@@ -142,10 +169,7 @@ static AstConstraint* parse_elements(Parser& parser) {
     }
     if (!is_sort(parser, Token::Sort::upper_word) && !is_symbol(parser, "["))
         fail_expected(parser, "a constraint");
-    AstConstraint& subtype = new_constraint(parser, AstConstraint::Sort::contained_subtype);
-    accept_word(parser, "INCLUDES");
-    subtype.type = parse_type(parser);
-    return &subtype;
+    return parse_subtype(parser);
 }
 
 // What EXCEPT takes away has no effect on bounds, but is read.

@@ -177,6 +177,7 @@ void parse_header(Parser& parser, AstModule& module) {
     if (accept_symbol(parser, "{")) read_braces(parser);
     if (is_sort(parser, Token::Sort::text)) parser.at++;
     expect_word(parser, "DEFINITIONS");
+    if (is_word(parser, "INSTRUCTIONS", 1)) parser.at += 2;  // of what prefixes without a reference are
     module.tags_place = parser.at->place;
     for (std::string_view tags : {"AUTOMATIC", "EXPLICIT", "IMPLICIT"}) {
         if (accept_word(parser, tags)) {
@@ -202,7 +203,7 @@ void parse_module(Parser& parser, AstModule& module, Diagnostics& diags) {
     }
     parse_assignments(parser, module, diags);
     if (is_word(parser, "ENCODING-CONTROL")) {
-        note(diags, parser.at->place, "encoding instructions have no effect (X.693, X.695)");
+        parser.ast->notes.push_back({parser.at->place, std::string(kInstructionsNote)});
         while (!at_end(parser) && !(is_word(parser, "END") && parser.at->first_in_line)) parser.at++;
     }
     if (!accept_word(parser, "END"))
@@ -211,9 +212,17 @@ void parse_module(Parser& parser, AstModule& module, Diagnostics& diags) {
 
 }  // namespace
 
+bool starts_module(const std::vector<Token>& tokens, bool is_clean) {
+    using Sort = Token::Sort;
+    if (tokens[0].sort == Sort::upper_word && is_clean) return true;
+    if (tokens.size() < 3 || (tokens[0].sort != Sort::upper_word && tokens[0].sort != Sort::lower_word))
+        return false;
+    auto is = [](const Token& token, std::string_view text) { return token.text == text; };
+    return is(tokens[1], "DEFINITIONS") || is(tokens[1], "{") || is(tokens[2], "DEFINITIONS");
+}
+
 bool parse_file(Ast& ast, const std::vector<Token>& tokens, Diagnostics& diags) {
     Parser parser = parse_range(ast, {tokens.data(), tokens.data() + tokens.size() - 1});
-    if (at_end(parser)) error(diags, parser.at->place, "expected a module, found {}", token_text(*parser.at));
     while (!at_end(parser)) {
         AstModule& module = ast.modules.emplace_back();
         try {

@@ -34,13 +34,15 @@ constexpr std::array kSimpleTypes = {
     SimpleType{"VideotexString", Kind::char_string, StringKind::videotex},
     SimpleType{"UTCTime", Kind::char_string, StringKind::visible, 23},
     SimpleType{"GeneralizedTime", Kind::char_string, StringKind::visible, 24},
+    SimpleType{"TIME", Kind::char_string, StringKind::visible, 14},
+    SimpleType{"DATE", Kind::char_string, StringKind::visible, 31},
+    SimpleType{"TIME-OF-DAY", Kind::char_string, StringKind::visible, 32},
+    SimpleType{"DATE-TIME", Kind::char_string, StringKind::visible, 33},
+    SimpleType{"DURATION", Kind::char_string, StringKind::visible, 34},
     SimpleType{"OID-IRI", Kind::char_string, StringKind::utf8, 35},
     SimpleType{"RELATIVE-OID-IRI", Kind::char_string, StringKind::utf8, 36},
     SimpleType{"ObjectDescriptor", Kind::char_string, StringKind::graphic, 7},
 };
-
-// Part of the language, but without a table form.
-constexpr std::string_view kUnsupported[] = {"DATE", "DATE-TIME", "DURATION", "TIME", "TIME-OF-DAY"};
 
 AstValue* parse_parenthesised_value(Parser& parser) {
     expect_symbol(parser, "(");
@@ -195,12 +197,28 @@ void parse_sequence_or_set(Parser& parser, AstType& type, Kind kind) {
     fail_expected(parser, fmt::format("'{{' or OF behind {}", kind == Kind::sequence ? "SEQUENCE" : "SET"));
 }
 
+// X.680 clause 38.
+bool is_time_type(const SimpleType& type) {
+    return type.string_kind == StringKind::visible && type.universal_tag >= 0 && type.universal_tag != 23 &&
+           type.universal_tag != 24;
+}
+
+void note_time_type(Parser& parser, Place place, std::string_view name) {
+    std::string text = fmt::format(
+        "{} is taken as a VisibleString of its contents in BER (X.690 clause 8.26); PER and OER have other "
+        "forms "
+        "(X.691 clause 32)",
+        name);
+    parser.ast->notes.push_back({place, std::move(text)});
+}
+
 bool parse_simple_type(Parser& parser, AstType& type) {
     for (const SimpleType& simple : kSimpleTypes) {
         if (!accept_word(parser, simple.name)) continue;
         type.kind = simple.kind;
         type.string_kind = simple.string_kind;
         if (simple.universal_tag >= 0) type.universal_tag = simple.universal_tag;
+        if (is_time_type(simple)) note_time_type(parser, type.place, simple.name);
         return true;
     }
     return false;
@@ -250,18 +268,21 @@ bool parse_builtin_type(Parser& parser, AstType& type) {
     return true;
 }
 
-void refuse_unsupported(const Parser& parser) {
-    for (std::string_view word : kUnsupported) {
-        if (is_word(parser, word)) {
-            throw SyntaxError{parser.at->place,
-                              fmt::format("the type {} is not supported (X.680 clause 38)", word)};
-        }
-    }
+// [XER:ATTRIBUTE], or [ATTRIBUTE] where that is what prefixes are by default; [TAG:3] is a tag.
+bool skip_encoding_instruction(Parser& parser) {
+    if (!is_sort(parser, Token::Sort::upper_word, 1) || is_symbol(parser, ".", 2)) return false;
+    for (std::string_view word : {"UNIVERSAL", "APPLICATION", "PRIVATE", "TAG"})
+        if (is_word(parser, word, 1)) return false;
+    parser.ast->notes.push_back({parser.at->place, std::string(kInstructionsNote)});
+    while (!at_end(parser) && !is_symbol(parser, "]")) parser.at++;
+    expect_symbol(parser, "]");
+    return true;
 }
 
 AstTag parse_tag(Parser& parser) {
     AstTag tag;
     tag.place = expect_symbol(parser, "[").place;
+    if (accept_word(parser, "TAG")) expect_symbol(parser, ":");
     if (accept_word(parser, "UNIVERSAL")) tag.tag_class = TagClass::universal;
     if (accept_word(parser, "APPLICATION")) tag.tag_class = TagClass::application;
     if (accept_word(parser, "PRIVATE")) tag.tag_class = TagClass::private_use;
@@ -369,7 +390,8 @@ AstType* parse_type(Parser& parser) {
     Nesting nesting(parser);
     AstType& type = parser.ast->types.emplace_back();
     type.place = parser.at->place;
-    while (is_symbol(parser, "[")) type.tags.push_back(parse_tag(parser));
+    while (is_symbol(parser, "["))
+        if (!skip_encoding_instruction(parser)) type.tags.push_back(parse_tag(parser));
     if (is_sort(parser, Token::Sort::lower_word) && is_symbol(parser, "<", 1)) {
         type.sort = AstType::Sort::selection;
         type.alternative = parser.at->text;
@@ -377,7 +399,6 @@ AstType* parse_type(Parser& parser) {
         type.inner = parse_type(parser);
         return &type;
     }
-    refuse_unsupported(parser);
     if (!parse_useful_type(parser, type) && !parse_instance_of(parser, type) &&
         !parse_builtin_type(parser, type))
         parse_referenced_type(parser, type);

@@ -48,6 +48,8 @@ TokenRange read_braces(Parser& parser);
 // The same, cut at the commas outside of inner brackets.
 std::vector<TokenRange> read_brace_list(Parser& parser);
 
+constexpr std::string_view kInstructionsNote = "encoding instructions have no effect (X.693, X.695)";
+
 AstType* parse_type(Parser& parser);
 AstValue* parse_value(Parser& parser);
 AstReference parse_type_reference(Parser& parser, std::string_view what);
@@ -64,6 +66,8 @@ AstConstraint* parse_constraint(Parser& parser);
 AstConstraint* parse_element_sets(Parser& parser);
 AstClass* parse_class(Parser& parser);
 
+// Whether the head of a module is what the file begins with; of clean text, a name may do.
+bool starts_module(const std::vector<Token>& tokens, bool is_clean);
 // All modules of one file. False if what should be the head of a module is none, so that nothing behind it can be read.
 bool parse_file(Ast& ast, const std::vector<Token>& tokens, Diagnostics& diags);
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "compiler/model/diagnostics.hpp"
 #include "compiler/model/model.hpp"
 #include "compiler/model/tags.hpp"
 #include "compiler/syntax/lexer.hpp"
@@ -210,6 +211,7 @@ struct Ast {
     std::deque<AstConstraint> constraints;
     std::deque<AstClass> classes;
     std::set<std::string> useful_types;  // EXTERNAL and the like, as far as they occur
+    std::vector<Diagnostic> notes;       // of what has another effect than its writer may think
 };
 
 }  // namespace orlentac

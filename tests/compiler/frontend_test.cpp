@@ -110,6 +110,10 @@ INSTANTIATE_TEST_SUITE_P(
                     TypeCase{"A ::= B (FROM (\"0\"..\"z\"))\nB ::= VisibleString (FROM (\"A\"..MAX))",
                              "Visible 41-7A from B"},
                     TypeCase{"A ::= BMPString (FROM (\"\xC3\xA4\"))", "BMP E4-E4"},
+                    TypeCase{"A ::= IA5String (FROM ({0,9} | {{0,13}, \"ab\", z}))\nz IA5String ::= {7, 10}",
+                             "IA5 9-9 D-D 61-62 7A-7A"},
+                    TypeCase{"A ::= UniversalString (FROM ({0,0,4,1}..{127,0,0,9}))",
+                             "Universal 401-7F000009"},
                     TypeCase{"A ::= UTF8String (SIZE (1..9))", "UTF8 (1..9)"},
                     TypeCase{"A ::= GeneralizedTime", "Visible 20-7E tag 24"},
                     TypeCase{"A ::= UTCTime", "Visible 20-7E tag 23"},
@@ -274,6 +278,13 @@ INSTANTIATE_TEST_SUITE_P(
             "both {Id : n} OUT ::= { &Ins { seven | { TYPE NULL ID n } | More {{ seven }} } }\n"
             "More {CLS : S} CLS ::= { S EXCEPT one }",
             "SEQUENCE { t: B; v: INTEGER (0..7); w: OPEN column 1 of { < 7 B - > < 4 NULL - > }; }"},
+        // Values of objects as sets of values (X.681 clause 15); a field's type under a constraint.
+        ClassCase{
+            "A ::= SEQUENCE { a Pair.&id, b INTEGER (o.&Some), c o.&Some, d CLS2.&id ({Pair}) (2..8) }\n"
+            "CLS2 ::= CLASS { &id INTEGER, &Some INTEGER OPTIONAL } WITH SYNTAX { &id [IN &Some] }\n"
+            "o CLS2 ::= { 2 IN { 1 | 5..max } } max INTEGER ::= 9\nPair CLS2 ::= { o | { 7 IN {3} } }",
+            "SEQUENCE { a: INTEGER (2..7) as CLS2.0; b: INTEGER (1..9); c: INTEGER (1..9); "
+            "d: INTEGER (2..8) as CLS2.0; }"},
         // A set of values as a parameter; a class as one.
         ClassCase{"A ::= SEQUENCE { a V {{1..4}}, k K {CLS, {one}} }\nV {INTEGER : S} ::= INTEGER (S)\n"
                   "K {C, C : S} ::= SEQUENCE { id C.&id ({S}) }",
@@ -329,8 +340,15 @@ TEST(Modules, NamesComeThroughImports) {
 
 TEST(Modules, AreToldOfOnceIfTheyAreNone) {
     EXPECT_EQ(load({{"a.asn1", "#include <stdio.h>\nint main(void) { return 0; }\n"}})->errors,
-              "1:1: expected ASN.1, found the character '#'\n1:2: expected the name of a module, found "
-              "'include'\n");
+              "1:2: expected an ASN.1 module, found 'include'\n");
+    EXPECT_EQ(load({{"a.asn1",
+                     "\x7F"
+                     "ELF \x02\x01"}})
+                  ->errors,
+              "1:2: expected an ASN.1 module, found 'ELF'\n");
+    EXPECT_EQ(load({{"a.asn1", "M DEFINITION ::= BEGIN END"}})->errors,
+              "1:3: expected DEFINITIONS, found 'DEFINITION'\n");
+    EXPECT_EQ(load({{"a.asn1", ""}})->errors, "1:1: expected an ASN.1 module, found the end of the file\n");
 }
 
 TEST(Modules, ErrorsOfSeveralFilesComeInTheirOrder) {
@@ -388,10 +406,14 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCase{"A ::= SEQUENCE SIZE (1) BOOLEAN", "2:25: expected OF, found 'BOOLEAN'\n"},
         WrongCase{"A ::= SEQUENCE { a NULL, [[ b NULL ]] }",
                   "2:26: expected an extension marker before '[[', found '[['\n"},
-        WrongCase{"A ::= SEQUENCE { a DATE }", "2:20: the type DATE is not supported (X.680 clause 38)\n"},
+        WrongCase{"A ::= SEQUENCE { a DATE, b DATE }",
+                  "2:20: note: DATE is taken as a VisibleString of its contents in BER (X.690 clause 8.26); "
+                  "PER and "
+                  "OER have other forms (X.691 clause 32)\n"},
         WrongCase{"A ::= INTEGER (0..08)", "2:19: expected a number without leading zeros, found '08'\n"},
-        WrongCase{"ENCODING-CONTROL XER GLOBAL-DEFAULTS",
-                  "2:1: note: encoding instructions have no effect (X.693, X.695)\n"},
+        WrongCase{"A ::= [XER:NAME AS \"b\"] [TAG:3] SEQUENCE { a [LIST] B }\nB ::= SEQUENCE OF NULL\n"
+                  "ENCODING-CONTROL XER GLOBAL-DEFAULTS",
+                  "2:7: note: encoding instructions have no effect (X.693, X.695)\n"},
         WrongCase{"A ::= CHOICE { a NULL OPTIONAL }",
                   "2:23: expected ',' or '}' behind an alternative, found 'OPTIONAL'\n"},
         WrongCase{"A ::= OCTET STRING ('0G'H)", "2:21: expected hexadecimal (0 to F) digits, found 'G'\n"},
@@ -413,6 +435,10 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         WrongCase{"A ::= Latitud\nLatitude ::= NULL",
                   "2:7: unknown type 'Latitud'; did you mean 'Latitude'?\n"},
+        // Once, however often it is used.
+        WrongCase{"A ::= SEQUENCE { a Integer, b Integer, c Integr }",
+                  "2:20: unknown type 'Integer'; did you mean INTEGER?\n"
+                  "2:42: unknown type 'Integr'; did you mean INTEGER?\n"},
         WrongCase{"A ::= NULL\nA ::= NULL", "3:1: 'A' is defined already, at 2:1\n"},
         WrongCase{"A ::= SEQUENCE { a NULL, b NULL, a NULL }",
                   "2:34: the component 'a' is there already, at 2:18\n"},
@@ -449,18 +475,27 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Constraints, Wrong,
-    testing::Values(
-        WrongCase{"A ::= INTEGER (5..1)", "2:16: the lower bound 5 is above the upper bound 1\n"},
-        WrongCase{"A ::= B (20..30)\nB ::= INTEGER (0..10)",
-                  "2:10: the constraint leaves no value of 0..10\n"},
-        WrongCase{"A ::= OCTET STRING (SIZE (-1..4))", "2:21: a size cannot be negative\n"},
-        WrongCase{"A ::= B (SIZE (4))\nB ::= BOOLEAN", "2:10: SIZE does not apply to BOOLEAN\n"},
-        WrongCase{"A ::= INTEGER (1 | \"x\")", "2:20: expected a value of INTEGER, found \"x\"\n"},
-        WrongCase{"A ::= IA5String (FROM (\"z\"..\"a\"))",
-                  "2:24: the first character of the range comes after the last one\n"},
-        WrongCase{"A ::= NumericString (FROM (\"a\"))", "2:22: the constraint leaves no character\n"},
-        WrongCase{"A ::= INTEGER (CONTAINING NULL)",
-                  "2:16: CONTAINING applies to OCTET STRING and BIT STRING, not to INTEGER\n"}));
+    testing::Values(WrongCase{"A ::= INTEGER (5..1)", "2:16: the lower bound 5 is above the upper bound 1\n"},
+                    WrongCase{"A ::= B (20..30)\nB ::= INTEGER (0..10)",
+                              "2:10: the constraint leaves no value of 0..10\n"},
+                    WrongCase{"A ::= OCTET STRING (SIZE (-1..4))", "2:21: a size cannot be negative\n"},
+                    WrongCase{"A ::= B (SIZE (4))\nB ::= BOOLEAN", "2:10: SIZE does not apply to BOOLEAN\n"},
+                    WrongCase{"A ::= INTEGER (1 | \"x\")",
+                              "2:20: expected a value of INTEGER, found \"x\"\n"},
+                    WrongCase{"A ::= IA5String (FROM (\"z\"..\"a\"))",
+                              "2:24: the first character of the range comes after the last one\n"},
+                    WrongCase{"A ::= NumericString (FROM (\"0\"..\"9\" | \"x\"))",
+                              "2:39: a NumericString has no character 'x' (X.680 clause 41)\n"},
+                    WrongCase{"A ::= SEQUENCE { a PrintableString DEFAULT \"a@b\" }",
+                              "2:44: a PrintableString has no character '@' (X.680 clause 41)\n"},
+                    WrongCase{"A ::= IA5String (FROM (\"a\")) (FROM (\"b\"))",
+                              "2:31: the constraint leaves no character\n"},
+                    WrongCase{"A ::= IA5String (FROM ({0,0,0,1}))",
+                              "2:25: expected {column, row} of an IA5String, or {group, plane, row, cell} of "
+                              "a UniversalString, "
+                              "BMPString or UTF8String (X.680 clause 41.8)\n"},
+                    WrongCase{"A ::= INTEGER (CONTAINING NULL)",
+                              "2:16: CONTAINING applies to OCTET STRING and BIT STRING, not to INTEGER\n"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Tags, Wrong,
