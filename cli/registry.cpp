@@ -5,11 +5,17 @@
 #include <algorithm>
 #include <cctype>
 #include <numeric>
+#include <set>
 #include <unordered_map>
 
 #include "cli/regions.hpp"
 
+#define REGION_DECLARATION(name)                                     \
+    extern const orlenta_catalogue_entry orlenta_catalogue_##name[]; \
+    extern const size_t orlenta_catalogue_##name##_count;
 #define REGION_ROW(name) {#name, {orlenta_catalogue_##name, orlenta_catalogue_##name##_count}},
+
+CLI_REGIONS(REGION_DECLARATION)
 
 namespace cli {
 
@@ -28,14 +34,23 @@ bool is_named(const Entry& entry) { return entry.name[0] != '\0'; }
 
 bool is_listed(const Entry& entry) { return std::string_view(entry.table).substr(0, 7) != "_local_"; }
 
-std::string full_name(const Region& region, const Entry& entry) {
-    return fmt::format("{}.{}", region.name, is_named(entry) ? entry.name : entry.table);
+// Whether the region has types of that name in several modules.
+static bool is_shared_name(const Region& region, const Entry& entry) {
+    static const std::set<std::pair<std::string_view, std::string_view>> shared = [] {
+        std::set<std::pair<std::string_view, std::string_view>> seen, twice;
+        for (const Region& each : all_regions())
+            for (const Entry& one : each.entries)
+                if (is_named(one) && !seen.emplace(each.name, one.name).second)
+                    twice.emplace(each.name, one.name);
+        return twice;
+    }();
+    return shared.contains({region.name, entry.name});
 }
 
-static const Entry* find_entry(const Region& region, std::string_view name) {
-    for (const Entry& entry : region.entries)
-        if (name == entry.name || name == entry.table) return &entry;
-    return nullptr;
+std::string full_name(const Region& region, const Entry& entry) {
+    if (!is_named(entry)) return fmt::format("{}.{}", region.name, entry.table);
+    if (is_shared_name(region, entry)) return fmt::format("{}.{}.{}", region.name, entry.module, entry.name);
+    return fmt::format("{}.{}", region.name, entry.name);
 }
 
 // ---- nearest names ----------------------------------------------------------------------------------------
@@ -63,17 +78,33 @@ static size_t edit_distance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
-// The region's part of the name and the rest; no region is an empty first part.
-static std::pair<std::string, std::string> split_name(const std::string& name) {
+// [Region.][Module.]Type, cut at the points; an asn1_type_ name is its region and the rest.
+static std::vector<std::string> split_name(const std::string& name) {
     static constexpr std::string_view prefix = "asn1_type_";
     if (name.starts_with(prefix))
         for (const Region& region : all_regions()) {
             std::string start = fmt::format("{}{}_", prefix, region.name);
             if (name.starts_with(start)) return {region.name, name.substr(start.size())};
         }
-    size_t dot = name.find('.');
-    if (dot == std::string::npos) return {"", name};
-    return {name.substr(0, dot), name.substr(dot + 1)};
+    std::vector<std::string> parts(1);
+    for (char c : name) {
+        if (c == '.')
+            parts.emplace_back();
+        else
+            parts.back() += c;
+    }
+    return parts;
+}
+
+static bool is_called(const std::vector<std::string>& parts, const Region& region, const Entry& entry) {
+    const std::string& type = parts.back();
+    if (type != entry.name && type != entry.table) return false;
+    switch (parts.size()) {
+        case 1: return true;
+        case 2: return parts[0] == region.name || parts[0] == entry.module;
+        case 3: return parts[0] == region.name && parts[1] == entry.module;
+        default: return false;
+    }
 }
 
 static std::string nearest_names(const std::string& region_name, const std::string& rest) {
@@ -101,17 +132,16 @@ static std::string nearest_names(const std::string& region_name, const std::stri
 }
 
 Type find_type(const std::string& name, std::string* problem) {
-    auto [region_name, rest] = split_name(name);
+    const std::vector<std::string> parts = split_name(name);
     std::vector<Type> found;
-    for (const Region& region : all_regions()) {
-        if (!region_name.empty() && region_name != region.name) continue;
-        if (const Entry* entry = find_entry(region, rest)) found.push_back({&region, entry});
-    }
+    for (const Region& region : all_regions())
+        for (const Entry& entry : region.entries)
+            if (is_called(parts, region, entry)) found.push_back({&region, &entry});
     if (found.size() == 1) return found[0];
 
     std::string names;
     if (found.empty()) {
-        names = nearest_names(region_name, rest);
+        names = nearest_names(parts.size() > 1 ? parts[0] : "", parts.back());
         *problem = names.empty() ? fmt::format("no type is named {}; see orlenta types", name)
                                  : fmt::format("no type is named {}; the nearest: {}", name, names);
     } else {

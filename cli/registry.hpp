@@ -24,7 +24,8 @@ std::span<const Region> all_regions();
 // Null for an unknown region.
 const Region* find_region(std::string_view name);
 
-// "CN.Position-LL-24B" for a named type, "EU.Lpn_1" for a nested and "CN._local_12" for an anonymous one.
+// "CN.Position-LL-24B" for a named type, "EU.Lpn_1" for a nested and "CN._local_12" for an anonymous one; where modules
+// of the region share a name, the module's stands between: "EU.DSRC.Heading".
 std::string full_name(const Region& region, const Entry& entry);
 
 // A type that the schema names or that stands in place with components of its own: not an anonymous simple one.
@@ -36,8 +37,9 @@ struct Type {
     const Entry* entry = nullptr;
 };
 
-// The type of a name: "CN.Position-LL-24B", "CN.Position_LL_24B", "asn1_type_CN_Position_LL_24B", or without a region
-// if just one region has it. Otherwise an empty Type, and one line in `problem` that tells the nearest names.
+// The type of a name: [Region.][Module.]Type, with parts left out while just one type is so called, where the type is
+// "Position-LL-24B" or "Position_LL_24B"; or "asn1_type_CN_Position_LL_24B". Otherwise an empty Type, and one line in
+// `problem` that tells all that are so called, or the nearest names.
 Type find_type(const std::string& name, std::string* problem);
 
 // The entry of a descriptor, or null.

@@ -8,6 +8,7 @@ struct orlenta_catalogue_entry {
     const char* table;  // behind the region in the table's name: "Latitude", "Lpn_1", "_local_12"
     const char* name;   // the schema's name, with hyphens; "" for a table without one
     const asn1_type_desc* type;
+    const char* module;  // of the type, or of the one around it; "" for what standards of the language define
 };
 
 // Defined for each region that is built.

@@ -26,6 +26,7 @@ struct Builder {
     std::unordered_map<std::string, int> nested_count;  // by enclosing type
     std::unordered_set<std::string> symbols;
     std::string enclosing;  // C name of the type that nested tables are named after
+    std::string module;     // and its module
 };
 
 // ---- layout.cpp: which table a reference means ------------------------------------------------------------

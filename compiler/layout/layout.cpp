@@ -15,6 +15,7 @@ namespace {
 Table* new_table(Builder& builder, Table::Class table_class) {
     Table* table = &builder.out.table_pool.emplace_back();
     table->table_class = table_class;
+    table->module = builder.module;
     return table;
 }
 
@@ -119,23 +120,30 @@ const Table* type_table(Builder& builder, const Type* type, bool in_place) {
 
 namespace {
 
+// A name with a point is none that a module can have.
+std::string shown_module(const std::string& module) {
+    return module.find('.') == std::string::npos ? module : "";
+}
+
 // Named tables are made before any is filled, for a table may point at those behind it.
 void declare_all(Builder& builder, const Schema& schema) {
-    auto declare = [&](const std::string& name, const std::string& symbol) {
+    auto declare = [&](const auto& named) {
+        builder.module = shown_module(named.module);
         Table* table = new_table(builder, Table::Class::named);
-        table->name = name;
-        table->symbol = builder.out.region + "_" + symbol;
+        table->name = named.name;
+        table->symbol = builder.out.region + "_" + builder.names.at(&named);
         builder.symbols.insert(table->symbol);
         return table;
     };
     // An alias has a table only if it has a tag to hold.
     for (const NamedType* type : schema.types)
-        if (!type->is_alias || builder.references.folded.contains(type))
-            builder.named[type] = declare(type->name, builder.names.at(type));
+        if (!type->is_alias || builder.references.folded.contains(type)) builder.named[type] = declare(*type);
     for (const ObjectClass* object_class : schema.classes)
-        builder.classes[object_class] = declare(object_class->name, builder.names.at(object_class));
-    for (const NamedType* type : schema.instances)
+        builder.classes[object_class] = declare(*object_class);
+    for (const NamedType* type : schema.instances) {
+        builder.module = shown_module(type->module);
         builder.named[type] = new_table(builder, Table::Class::nested);
+    }
 }
 
 // The table of a name: the type itself, or the outermost tag before it.
@@ -172,6 +180,7 @@ void fill_named(Builder& builder, const NamedType* type) {
     if (found == builder.named.end()) return;
     Table& table = *found->second;
     builder.enclosing = builder.names.at(type);
+    builder.module = table.module;
     fill_tables_of(builder, table, *type);
     if (table.symbol.empty()) name_nested(builder, table);
     builder.out.tables.push_back(&table);
@@ -192,19 +201,23 @@ bool make_layout(const Schema& schema, const LayoutOptions& options, Layout& out
                        .classes = {},
                        .nested_count = {},
                        .symbols = {},
-                       .enclosing = {}};
+                       .enclosing = {},
+                       .module = {}};
     builder.records.references = &builder.references;
     declare_all(builder, schema);
     for (const NamedType* type : schema.types) fill_named(builder, type);
     for (const NamedType* type : schema.instances) fill_named(builder, type);
     for (const ObjectClass* object_class : schema.classes) {
         builder.enclosing = builder.names.at(object_class);
+        builder.module = shown_module(object_class->module);
         fill_class(builder, *builder.classes[object_class], *object_class);
         out.tables.push_back(builder.classes[object_class]);
     }
     for (const NamedType* type : schema.types)
         if (!builder.named.contains(type))
-            out.aliases.push_back({builder.names.at(type), builder.named[real_type(type)]});
+            out.aliases.push_back({builder.names.at(type), builder.named[real_type(type)], type->name,
+                                   shown_module(type->module)});
+    out.lists_aliases = !schema.shipped_forms;
     for (const NamedType* type : builder.references.roots) out.roots.push_back(builder.named[type]);
     sort_errors(diags);
     return diags.errors.empty();

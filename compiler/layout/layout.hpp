@@ -48,6 +48,7 @@ struct Table {
     enum class Class { named, nested, anonymous } table_class = Class::named;
     std::string symbol;          // without "asn1_type_": CN_Latitude, US_Lpn_1, EU__local_17
     std::string name;            // the schema's, for a named one
+    std::string module;          // of the type, or of the one around it
     const Type* type = nullptr;  // null for an OBJECT_CLASS; what is referred to for a TAGGED
     uint32_t kind = 0;           // ASN1_KIND_...
     std::vector<Word> words;
@@ -59,6 +60,8 @@ struct Table {
 struct Alias {
     std::string name;  // in C, behind the region
     const Table* table = nullptr;
+    std::string schema_name = {};
+    std::string module = {};
 };
 
 struct Layout {
@@ -66,6 +69,7 @@ struct Layout {
     std::vector<const Table*> tables;  // schema order, nested ones before the type around them
     std::vector<const Table*> roots;   // named types that no other type refers to
     std::vector<Alias> aliases;        // type names without a table
+    bool lists_aliases = true;         // the catalogue has them too
     std::deque<Table> table_pool;
     std::deque<Object> object_pool;
 };

@@ -60,7 +60,7 @@ static const asn1_word kTagsInside[] = {
     field(8), ref(kTaggedChoice), num(0), txt("b"),
     field(40, ASN1_OPTION_OPTIONAL, kAddition), ref(kTagged<2, kOctets>), num(32), txt("c"),
 };
-#define kind(type) {#type, "", type}
+#define kind(type) {#type, "", type, ""}
 static const orlenta_catalogue_entry kKinds[] = {
     kind(kBig), kind(kBigRange), kind(kBigLower), kind(kDigits), kind(kDefaults), kind(kReal), kind(kRelativeOid), kind(kAny), kind(kSomeBmp), kind(kSomeUniversal), kind(kGeneral),
     kind(kPlainSet), kind(kRecord), kind(kChoice), kind(kOuterChoice), kind(kTaggedChoice),
