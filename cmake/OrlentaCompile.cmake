@@ -71,6 +71,7 @@ function(orlenta_add_schema target)
         cmake_path(ABSOLUTE_PATH file)
         list(APPEND modules ${file})
     endforeach()
+    list(REMOVE_DUPLICATES modules)
     set(sources ${folder}/${region}_records.cpp)
     foreach(part RANGE 1 ${parts})
         list(APPEND sources ${folder}/${region}_tables_${part}.cpp)
@@ -88,6 +89,15 @@ function(orlenta_add_schema target)
         DEPENDS ${modules} ${depends}
         COMMENT "Compiling the schema of ${arg_REGION}" VERBATIM COMMAND_EXPAND_LISTS)
     add_custom_target(${target}_sources DEPENDS ${stamp})
+    # Make knows no byproducts: without one of them, the stamp is no good.
+    if(CMAKE_GENERATOR MATCHES "Makefiles")
+        set(made ${sources} ${include_dir}/${header} ${include_dir}/${local_header})
+        set(script ${folder}/check_made.cmake)
+        file(WRITE ${script} "set(made \"${made}\")\nforeach(file IN LISTS made)\n    if(NOT EXISTS \"\${file}\")\n"
+            "        file(REMOVE \"${stamp}\")\n    endif()\nendforeach()\n")
+        add_custom_target(${target}_made COMMAND ${CMAKE_COMMAND} -P ${script} VERBATIM)
+        add_dependencies(${target}_sources ${target}_made)
+    endif()
 
     if(arg_OBJECT)
         add_library(${target} OBJECT ${sources})

@@ -194,11 +194,18 @@ def check_own_schema(args):
         (folder / "app.c").write_text(OWN_PROGRAM)
         (folder / "CMakeLists.txt").write_text(
             "cmake_minimum_required(VERSION 3.25)\nproject(own LANGUAGES C CXX)\nadd_executable(app app.c)\n" + recipe)
-        run("cmake", "-G", "Ninja", "-S", folder, "-B", folder / "build", f"-DCMAKE_PREFIX_PATH={prefix}",
-            f"-DCMAKE_C_COMPILER={args.cc}", f"-DCMAKE_CXX_COMPILER={args.cxx}")
-        run("cmake", "--build", folder / "build")
-        # Extension bit, presence bit, 8 bits of id, extension bit and 1 bit of level: 12 bits.
-        expect(run(folder / "build" / "app") == "2 bytes: id 200, level 1\n", "another value came back")
+        for generator in ("Ninja", "Unix Makefiles"):
+            build = folder / generator
+            run("cmake", "-G", generator, "-S", folder, "-B", build, f"-DCMAKE_PREFIX_PATH={prefix}",
+                f"-DCMAKE_C_COMPILER={args.cc}", f"-DCMAKE_CXX_COMPILER={args.cxx}")
+            run("cmake", "--build", build)
+            # Extension bit, presence bit, 8 bits of id, extension bit and 1 bit of level: 12 bits.
+            expect(run(build / "app") == "2 bytes: id 200, level 1\n", "another value came back")
+            for pattern in ("my_tables_1.cpp", "my.h"):  # what is deleted is made again
+                made = next(build.glob(f"**/{pattern}"))
+                made.unlink()
+                run("cmake", "--build", build)
+                expect(made.exists(), f"{generator}: {made} is gone")
 
 
 def check_readme(args):
