@@ -95,9 +95,14 @@ static uint32_t list_part(builder* b, uint32_t type, const list_layout& layout) 
     uint32_t part = reserve_item(b, &b->lists);
     b->known.items[type].part = part;
     if (b->failed) return 0;
+    b->lists.items[part].owns = 1;  // for who asks before it is complete
     op element = make_fused_op(b, layout.element, 0, kNone);
     uint32_t index = add_all(b, &b->ops, &element, 1);
-    b->lists.items[part] = {layout.stride, index, facts_of(b, layout.element).owns};
+    uint64_t leaves = element.kind == kGroup || element.kind == kAlignedGroup ? element.count
+                      : element.kind == kLeaf || element.kind == kAlignedLeaf ? 1
+                                                                              : 0;
+    bool dense = element.gates == 0 && leaves * sizeof(uint32_t) == layout.stride;
+    b->lists.items[part] = {layout.stride, index, facts_of(b, layout.element).owns, dense};
     return part;
 }
 
@@ -174,8 +179,8 @@ op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t pre
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET:
-            made.kind = kSequence;
             made.part = sequence_part(b, made.type);
+            made.kind = b->failed || b->sequences.items[made.part].variants == kNone ? kSequence : kFork;
             break;
         case ASN1_KIND_SEQUENCE_OF:
         case ASN1_KIND_SET_OF: set_list(b, &made, type); break;

@@ -9,11 +9,13 @@ namespace {
 constexpr uint32_t kMaxOps = 64;
 constexpr uint32_t kMaxLeaves = 200;                // of a group
 constexpr uint32_t kMaxOffset = UINT32_C(1) << 24;  // of a leaf of a group
+constexpr uint32_t kMaxVariantOptions = 2;
 
 // Room that leaves take one behind the other.
 struct span {
     uint32_t leaves, width;
     bool aligned;  // begins on an octet boundary
+    bool fixed;    // begins where it does
 };
 
 // A group that is being filled.
@@ -26,12 +28,15 @@ struct open_group {
 
 struct sequence_parts {
     builder* b;
+    bool in_head;  // the group is the head of a variant
+    variant head;
     open_group group;
     growing<op> ops, additions, releases;
     growing<option> options, addition_options;
     growing<uint32_t> option_places;  // of their ops
     growing<extension_unit> units;
     growing<uint8_t> flags;
+    growing<variant> variants;
 };
 
 }  // namespace
@@ -53,6 +58,7 @@ static void free_parts(sequence_parts* parts) {
     asn1_free(parts->option_places.items);
     asn1_free(parts->units.items);
     asn1_free(parts->flags.items);
+    asn1_free(parts->variants.items);
 }
 
 static bool is_record(const asn1_type_desc* type) {
@@ -78,7 +84,7 @@ static uint32_t presence_of(const asn1_field* field, uint32_t base) {
 static bool extend(span* room, const leaf_form& form) {
     ++room->leaves;
     if (form.aligned) {
-        if (room->width == 0) room->aligned = true;
+        if (room->width == 0 && !room->fixed) room->aligned = true;
         if (!room->aligned) return false;
         room->width = (room->width + 7) & ~UINT32_C(7);
     }
@@ -112,9 +118,22 @@ static op finish_group(builder* b, const open_group* group, uint32_t presence) {
     return made;
 }
 
+static void finish_head(sequence_parts* parts) {
+    op made = finish_group(parts->b, &parts->group, kNone);
+    parts->head = {made.part, made.width, made.count, made.gates, 0, 0, 0, 0};
+    if (!parts->b->failed) {
+        const group& made_of = parts->b->groups.items[made.low];
+        parts->head.options = made_of.options;
+        parts->head.option_count = made_of.option_count;
+    }
+    parts->in_head = false;
+}
+
 static void close_group(sequence_parts* parts) {
     open_group* group = &parts->group;
-    if (group->ops.count == 1 && group->gates.count == 0) {
+    if (parts->in_head) {
+        finish_head(parts);
+    } else if (group->ops.count == 1 && group->gates.count == 0) {
         add(parts->b, &parts->ops, group->ops.items[0]);
     } else if (group->ops.count != 0) {
         add(parts->b, &parts->ops, finish_group(parts->b, group, kNone));
@@ -176,16 +195,26 @@ static void add_flat(builder* b, open_group* group, const asn1_type_desc* type, 
     }
 }
 
+// The op of the one leaf of a flat record.
+static op only_leaf(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence) {
+    while (is_record(type)) {
+        offset += field_offset(components(type));
+        type = behind_tags(field_type(components(type)));
+    }
+    return make_op(b, type, offset, presence);
+}
+
 op make_fused_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence) {
     op plain = make_op(b, type, offset, presence);
     type = behind_tags(type);
     span room = {};
-    if (plain.kind != kSequence || !extend_by_record(&room, b->aligned, type, offset)) return plain;
+    if (b->failed || plain.kind != kSequence || !extend_by_record(&room, b->aligned, type, offset))
+        return plain;
     open_group group = {};
     add_flat(b, &group, type, offset);
     plain.presence = kNone;
     add(b, &group.ops, plain);
-    op made = finish_group(b, &group, presence);
+    op made = room.leaves == 1 ? only_leaf(b, type, offset, presence) : finish_group(b, &group, presence);
     free_group(&group);
     return made;
 }
@@ -264,6 +293,55 @@ static void add_root(sequence_parts* parts, const asn1_type_desc* type, uint32_t
     }
 }
 
+// What a preamble sets: presence words, and DEFAULTs that it leaves out.
+static void add_settings(sequence_parts* parts, const asn1_type_desc* type, uint32_t preamble,
+                         uint32_t option_count) {
+    open_group* group = &parts->group;
+    for (const asn1_field* field = components(type); option_count > 0; ++field) {
+        if (!is_root_option(field)) continue;
+        bool present = preamble >> --option_count & 1;
+        if (present && is_presence_flagged(field)) {
+            add(parts->b, &group->gates, {presence_offset(field) << 8, 1, 0, 0});
+            ++group->room.leaves;
+        } else if (!present && field_option(field) == ASN1_OPTION_DEFAULT) {
+            add(parts->b, &group->gates, {field_offset(field) << 8, low32(field->extra), 0, 0});
+            ++group->room.leaves;
+        }
+    }
+}
+
+static void add_variant(sequence_parts* parts, const asn1_type_desc* type, uint32_t preamble,
+                        uint32_t option_count) {
+    parts->in_head = true;
+    parts->ops.count = 0;
+    parts->group.room.width = option_count + (is_extensible(type) ? 1 : 0);
+    parts->group.room.fixed = true;
+    add_settings(parts, type, preamble, option_count);
+    for (uint32_t i = 0; i < component_count(type); ++i) {
+        const asn1_field* field = &components(type)[i];
+        if (is_addition(field)) continue;
+        bool present = !is_root_option(field) || (preamble >> --option_count & 1) != 0;
+        if (present) add_mandatory(parts, type, field, 0);
+    }
+    close_group(parts);
+    parts->head.ops = add_all(parts->b, &parts->b->ops, parts->ops.items, parts->ops.count);
+    parts->head.op_count = static_cast<uint8_t>(parts->ops.count);
+    add(parts->b, &parts->variants, parts->head);
+}
+
+// One variant for each preamble, where there are few; elsewhere none.
+static uint32_t add_variants(sequence_parts* parts, const asn1_type_desc* type) {
+    builder* b = parts->b;
+    uint32_t option_count = static_cast<uint32_t>(parts->options.count);
+    span room = {};
+    bool is_flat_record = extend_by_record(&room, b->aligned, type, 0);
+    if (option_count > kMaxVariantOptions || is_flat_record || record_size(type) >= kMaxOffset) return kNone;
+    if (facts_of(b, type).needs_frame) return kNone;
+    for (uint32_t preamble = 0; preamble < UINT32_C(1) << option_count; ++preamble)
+        add_variant(parts, type, preamble, option_count);
+    return add_all(b, &b->variants, parts->variants.items, parts->variants.count);
+}
+
 static void add_additions(sequence_parts* parts, const asn1_type_desc* type) {
     builder* b = parts->b;
     const asn1_field* end = components(type) + component_count(type);
@@ -280,6 +358,12 @@ static void add_additions(sequence_parts* parts, const asn1_type_desc* type) {
     }
 }
 
+// Whether a value owns one block at the most, the one that its first word points to.
+static bool is_single_block(const builder* b, const op& o) {
+    return o.kind == kOctets || o.kind == kChars || o.kind == kBits || o.kind == kBigInteger ||
+           o.kind == kCountedBigInteger || (o.kind == kList && b->lists.items[o.part].owns == 0);
+}
+
 // The components that may own blocks, those of nested records in their place.
 static void add_releases(sequence_parts* parts, const asn1_type_desc* type, uint32_t base) {
     builder* b = parts->b;
@@ -290,7 +374,9 @@ static void add_releases(sequence_parts* parts, const asn1_type_desc* type, uint
         if (is_record(inner) && !is_presence_flagged(field)) {
             add_releases(parts, inner, base + field_offset(field));
         } else {
-            add(b, &parts->releases, make_component_op(b, type, field, base, presence_of(field, base)));
+            op made = make_component_op(b, type, field, base, presence_of(field, base));
+            if (!b->failed && is_single_block(b, made)) made.kind = kBlock;
+            add(b, &parts->releases, made);
         }
     }
 }
@@ -321,6 +407,7 @@ static sequence make_walkers_sequence(builder* b, const asn1_type_desc* type) {
     made.always = UINT64_C(1) << 63;
     made.ops = made.releases = add_all(b, &b->ops, &self, 1);
     made.release_count = 1;
+    made.variants = kNone;
     return made;
 }
 
@@ -364,6 +451,7 @@ static sequence finish_sequence(sequence_parts* parts, const asn1_type_desc* typ
     made.addition_options = add_all(b, &b->options, parts->addition_options.items, parts->additions.count);
     made.has_preamble_bit = add_all(b, &b->flags, parts->flags.items, parts->flags.count);
     made.releases = add_all(b, &b->ops, parts->releases.items, parts->releases.count);
+    made.variants = add_variants(parts, type);
     return made;
 }
 
@@ -373,6 +461,7 @@ uint32_t sequence_part(builder* b, uint32_t type_at) {
     uint32_t part = reserve_item(b, &b->sequences);
     b->known.items[type_at].part = part;
     if (b->failed) return 0;
+    b->sequences.items[part].variants = kNone;
     bool supported = is_supported(type);
     sequence_parts parts = {};
     parts.b = b;

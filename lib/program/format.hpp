@@ -19,6 +19,8 @@ enum op_kind : uint8_t {
     kLeaf,        // a number from `low` to `low + range` in `width` bits, in memory a 32-bit word
     kGroup,       // leaves that lie together in `width` bits; part: leaves[], rest: groups[]
     kSequence,    // part: sequences[]
+    kFork,        // the same, of one with variants
+    kBlock,       // among releases: a block that owns none
     kList,        // count as a length; part: lists[]
     kChoice,      // index as a leaf from 0; part: choices[]
     kOctets,      // length
@@ -115,12 +117,23 @@ struct sequence {
     uint32_t addition_options;  // options[], the same
     uint32_t has_preamble_bit;  // flags[], the same: in a group it is not mandatory
     uint32_t releases;          // ops[] of the components that own blocks
+    uint32_t variants;          // variants[], one for each preamble without extension bit, or kNone
+};
+
+// A SEQUENCE whose preamble is known: what is absent, is not there, so that leaves join over it. The head is a group that
+// begins with the preamble; its gates set presence words and DEFAULTs as well.
+struct variant {
+    uint32_t leaves;
+    uint8_t width, count, gates, op_count;
+    uint32_t ops;  // those behind the head
+    uint32_t options, option_count;
 };
 
 struct list {
     uint64_t stride;   // bytes of an element
     uint32_t element;  // ops[]
-    uint32_t owns;     // elements own blocks
+    uint16_t owns;     // elements own blocks
+    uint16_t dense;    // elements are leaves and nothing else, so that no byte of them stays as it is
 };
 
 struct choice {
@@ -157,6 +170,7 @@ struct open_type_row {
     ARRAY(option, options)                 \
     ARRAY(preamble_run, preamble_runs)     \
     ARRAY(sequence, sequences)             \
+    ARRAY(variant, variants)               \
     ARRAY(extension_unit, extension_units) \
     ARRAY(list, lists)                     \
     ARRAY(choice, choices)                 \

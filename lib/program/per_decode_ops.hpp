@@ -45,6 +45,7 @@ struct decoder {
 
 static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_position position);
 static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* record, bit_position position);
+static bit_position decode_fork(decoder* d, const sequence* s, uint8_t* record, bit_position position);
 
 HOT bool has_bits(const decoder* d, bit_position position, uint64_t count) {
     return position + count <= d->source.end;
@@ -84,7 +85,7 @@ COLD bit_position decode_other_leaf(decoder* d, const op* o, void* value, bit_po
 // ---- blocks -------------------------------------------------------------------------------------------------
 
 // A block that counts; null leaves the count as it was.
-static void* take_block(decoder* d, uint64_t size) {
+HOT void* take_block(decoder* d, uint64_t size) {
     uint64_t left = d->memory.left;
     void* block = nullptr;
     if (!d->arena) {
@@ -96,9 +97,25 @@ static void* take_block(decoder* d, uint64_t size) {
     return block;
 }
 
-static void* take_record(decoder* d, uint64_t size) {
+// Most records are small, for which a call costs more than the stores.
+HOT void zero(void* block, uint64_t size) {
+    uint8_t* at = static_cast<uint8_t*>(block);
+    if (size > 128) {
+        memset(at, 0, size);
+    } else if (size >= 16) {
+        for (uint64_t done = 0; done + 16 < size; done += 16) memset(at + done, 0, 16);
+        memset(at + size - 16, 0, 16);
+    } else if (size >= 8) {
+        memset(at, 0, 8);
+        memset(at + size - 8, 0, 8);
+    } else {
+        for (uint64_t i = 0; i < size; ++i) at[i] = 0;
+    }
+}
+
+HOT void* take_record(decoder* d, uint64_t size) {
     void* record = take_block(d, size);
-    if (record) memset(record, 0, size);
+    if (__builtin_expect(record != nullptr, 1)) zero(record, size);
     return record;
 }
 
@@ -113,6 +130,17 @@ HOT bit_position decode_leaf(decoder* d, const op* o, uint8_t* value, bit_positi
     return position + o->width;
 }
 
+// Stores the leaves of a window; true if a number is beyond its range.
+HOT bool store_leaves(const leaf* one, const leaf* end, uint64_t window, uint8_t* record) {
+    uint64_t beyond = 0;  // its top bit
+    for (; one != end; ++one) {
+        uint32_t number = static_cast<uint32_t>(window >> (one->place & 63)) & one->mask;
+        beyond |= uint64_t{one->range} - number;
+        store32(record + (one->place >> 8), one->low + number);
+    }
+    return beyond >> 63 != 0;
+}
+
 // A group as the components that it was made of.
 COLD bit_position decode_singly(decoder* d, const op* o, uint8_t* record, bit_position position) {
     const group* g = &d->code->groups[o->low];
@@ -125,16 +153,9 @@ COLD bit_position decode_singly(decoder* d, const op* o, uint8_t* record, bit_po
 
 HOT bit_position decode_group(decoder* d, const op* o, uint8_t* record, bit_position position) {
     if (__builtin_expect(!has_bits(d, position, o->width), 0)) return decode_singly(d, o, record, position);
-    uint64_t window = window_at(d, position);
-    uint64_t beyond = 0;  // its top bit, if a number is beyond its range
-    const leaf* one = &d->code->leaves[o->part];
-    const leaf* end = one + o->count;
-    do {
-        uint32_t number = static_cast<uint32_t>(window >> (one->place & 63)) & one->mask;
-        beyond |= uint64_t{one->range} - number;
-        store32(record + (one->place >> 8), one->low + number);
-    } while (++one != end);
-    if (__builtin_expect(beyond >> 63, 0)) return decode_singly(d, o, record, position);
+    const leaf* leaves = &d->code->leaves[o->part];
+    bool is_beyond = store_leaves(leaves, leaves + o->count, window_at(d, position), record);
+    if (__builtin_expect(is_beyond, 0)) return decode_singly(d, o, record, position);
     return position + o->width;
 }
 
@@ -308,14 +329,36 @@ WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit
 
 // ---- lists --------------------------------------------------------------------------------------------------
 
+// Elements that are leaves, as many at a time as a window holds.
+HOT bit_position decode_leaves(decoder* d, const op* element, uint8_t* at, uint64_t stride, uint64_t count,
+                               bit_position position) {
+    uint32_t width = element->width;
+    at += element->offset;
+    uint8_t* end = at + stride * count;
+    if (__builtin_expect(width != 0 && has_bits(d, position, width * count), 1)) {
+        uint64_t beyond = 0;  // its top bit, if a number is beyond its range
+        uint32_t batch = kWindowBits / width;
+        bit_position next = position;
+        for (uint8_t* each = at; each != end;) {
+            uint64_t window = window_at(d, next);
+            for (uint32_t left = batch; left > 0 && each != end; --left, each += stride, next += width) {
+                uint64_t number = top_bits(window, width);
+                window <<= width;
+                beyond |= element->range - number;
+                store32(each, element->low + static_cast<uint32_t>(number));
+            }
+        }
+        if (__builtin_expect(beyond >> 63 == 0, 1)) return next;
+    }
+    for (; at != end && !is_failure(position); at += stride) position = decode_leaf(d, element, at, position);
+    return position;
+}
+
 HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, uint64_t stride, uint64_t count,
                                  bit_position position) {
     const uint8_t* end = at + stride * count;
     switch (element->kind) {
-        case kLeaf:
-            for (; at != end && !is_failure(position); at += stride)
-                position = decode_leaf(d, element, at, position);
-            break;
+        case kLeaf: return decode_leaves(d, element, at, stride, count, position);
         case kGroup:
             for (; at != end && !is_failure(position); at += stride)
                 position = decode_group(d, element, at, position);
@@ -330,9 +373,15 @@ HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, uin
                 position = decode_sequence(d, s, at, position);
             break;
         }
+        case kFork: {
+            const sequence* s = &d->code->sequences[element->part];
+            for (; at != end && !is_failure(position); at += stride)
+                position = decode_fork(d, s, at, position);
+            break;
+        }
         default:
             for (; at != end && !is_failure(position); at += stride)
-                position = decode_op(d, element, at, position);
+                position = decode_op(d, element, at + element->offset, position);
     }
     return position;
 }
@@ -363,7 +412,7 @@ static __attribute__((noinline)) bit_position decode_in_arena(decoder* d, const 
             capacity = larger;
         }
         uint8_t* at = static_cast<uint8_t*>(array->data) + array->count * stride;
-        position = decode_op(d, element, at, position);
+        position = decode_op(d, element, at + element->offset, position);
     }
     return position;
 }
@@ -378,7 +427,7 @@ static __attribute__((noinline)) bit_position decode_growing(decoder* d, const o
     for (; count > 0 && !is_failure(position); --count) {
         void* at = add_element(&growing);
         if (!at) return kNoMemory;
-        position = decode_op(d, element, static_cast<uint8_t*>(at), position);
+        position = decode_op(d, element, static_cast<uint8_t*>(at) + element->offset, position);
     }
     return position;
 }
@@ -396,9 +445,10 @@ WARM bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_po
     if (__builtin_expect(size > kTrustedListBytes, 0)) {
         return decode_growing(d, element, array, l->stride, count, contents);
     }
-    array->data = take_record(d, size);
+    array->data = take_block(d, size);
     if (!array->data) return kNoMemory;
     array->count = count;
+    if (!l->dense) zero(array->data, size);
     return decode_elements(d, element, static_cast<uint8_t*>(array->data), l->stride, count, contents);
 }
 
@@ -636,6 +686,7 @@ HOT bit_position run_ops(decoder* d, const op* o, uint64_t todo, uint8_t* record
             case kSequence:
                 position = decode_sequence(d, &d->code->sequences[o->part], value, position);
                 break;
+            case kFork: position = decode_fork(d, &d->code->sequences[o->part], value, position); break;
             case kList: position = decode_list(d, o, reinterpret_cast<asn1_array*>(value), position); break;
             case kChoice: position = decode_choice(d, o, value, position); break;
             default: position = decode_op(d, o, value, position); break;
@@ -670,6 +721,32 @@ static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* reco
     return position;
 }
 
+// A SEQUENCE with variants. What does not fit one is decoded in the general way.
+static bit_position decode_fork(decoder* d, const sequence* s, uint8_t* record, bit_position position) {
+    if (__builtin_expect(!has_bits(d, position, s->width), 0)) return kRefused;
+    uint64_t window = window_at(d, position);
+    uint64_t preamble = top_bits(window, s->width);
+    if (__builtin_expect(preamble >> s->option_count != 0, 0)) return decode_sequence(d, s, record, position);
+    const variant* v = &d->code->variants[s->variants + preamble];
+    const leaf* leaves = &d->code->leaves[v->leaves];
+    bool is_beyond = store_leaves(leaves, leaves + v->count, window, record);
+    if (__builtin_expect(is_beyond || !has_bits(d, position, v->width), 0)) {
+        return decode_sequence(d, s, record, position);
+    }
+    position += v->width;
+    const op* o = &d->code->ops[v->ops];
+    for (uint32_t left = v->op_count; left > 0 && !is_failure(position); --left, ++o) {
+        uint8_t* value = record + o->offset;
+        switch (o->kind) {
+            case kLeaf: position = decode_leaf(d, o, value, position); break;
+            case kGroup: position = decode_group(d, o, value, position); break;
+            case kList: position = decode_list(d, o, reinterpret_cast<asn1_array*>(value), position); break;
+            default: position = decode_op(d, o, value, position); break;
+        }
+    }
+    return position;
+}
+
 // ---- any op -------------------------------------------------------------------------------------------------
 
 static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_position position) {
@@ -677,6 +754,7 @@ static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_posit
         case kLeaf: return decode_leaf(d, o, value, position);
         case kGroup: return decode_group(d, o, value, position);
         case kSequence: return decode_sequence(d, &d->code->sequences[o->part], value, position);
+        case kFork: return decode_fork(d, &d->code->sequences[o->part], value, position);
         case kList: return decode_list(d, o, reinterpret_cast<asn1_array*>(value), position);
         case kChoice: return decode_choice(d, o, value, position);
         case kOctets: return decode_octets(d, o, reinterpret_cast<asn1_string*>(value), position);
@@ -692,6 +770,7 @@ static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_posit
         case kCountedLeaf: return decode_counted_leaf(d, o, value, position);
         case kCountedBigInteger:
             return decode_big_integer(d, o, reinterpret_cast<asn1_integer*>(value), position);
+        case kBlock:
         case kWalker: break;
     }
     return by_walker(d, o, value, position);

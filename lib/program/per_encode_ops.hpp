@@ -28,6 +28,7 @@ struct encoder {
 
 static bool encode_op(encoder* e, const op* o, const uint8_t* value);
 static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record);
+static bool encode_fork(encoder* e, const sequence* s, const uint8_t* record);
 
 HOT void put(encoder* e, uint32_t width, uint64_t bits) { per::put_bits(&e->sink, width, bits); }
 
@@ -60,7 +61,7 @@ HOT bool is_there(const option& one, const uint8_t* record) {
     return load32(record + one.offset) != one.absent;
 }
 
-static bool any_there(const option* options, uint32_t count, const uint8_t* record) {
+HOT bool any_there(const option* options, uint32_t count, const uint8_t* record) {
     bool any = false;
     for (uint32_t i = 0; i < count; ++i) any |= is_there(options[i], record);
     return any;
@@ -75,20 +76,25 @@ COLD bool encode_singly(encoder* e, const group* g, const uint8_t* record) {
     return true;
 }
 
+// Adds leaves to a window; true if a number is beyond its range.
+HOT bool load_leaves(const leaf* one, const leaf* end, const uint8_t* record, uint64_t* window) {
+    uint64_t beyond = 0;  // its top bit
+    for (; one != end; ++one) {
+        uint32_t number = load32(record + (one->place >> 8)) - one->low;
+        beyond |= uint64_t{one->range} - number;
+        *window |= uint64_t{number} << (one->place & 63);
+    }
+    return beyond >> 63 != 0;
+}
+
 // The gates stay 0: with an addition behind one of them the group goes out singly.
 HOT bool encode_group(encoder* e, const op* o, const uint8_t* record) {
     uint64_t bits = 0;
-    uint64_t beyond = 0;  // its top bit, if a number is beyond its range
-    const leaf* one = &e->code->leaves[o->part];
-    const leaf* end = one + o->count;
-    for (one += o->gates; one != end; ++one) {
-        uint32_t number = load32(record + (one->place >> 8)) - one->low;
-        beyond |= uint64_t{one->range} - number;
-        bits |= uint64_t{number} << (one->place & 63);
-    }
+    const leaf* leaves = &e->code->leaves[o->part];
+    bool is_beyond = load_leaves(leaves + o->gates, leaves + o->count, record, &bits);
     const group* g = &e->code->groups[o->low];
     bool is_extended = o->gates != 0 && any_there(&e->code->options[g->options], g->option_count, record);
-    if (__builtin_expect(beyond >> 63 != 0 || is_extended, 0)) return encode_singly(e, g, record);
+    if (__builtin_expect(is_beyond || is_extended, 0)) return encode_singly(e, g, record);
     put_field(e, o->width, per::top_bits(bits, o->width));
     return true;
 }
@@ -200,7 +206,16 @@ static bool encode_list(encoder* e, const op* o, const asn1_array* array) {
     const op* element = &e->code->ops[l->element];
     const uint8_t* at = static_cast<const uint8_t*>(array->data);
     const uint8_t* end = at + l->stride * array->count;
-    if (element->kind == kGroup) {
+    if (element->kind == kLeaf) {
+        for (at += element->offset, end += element->offset; at != end; at += l->stride) {
+            if (!encode_leaf(e, element, at)) return false;
+        }
+    } else if (element->kind == kFork) {
+        const sequence* s = &e->code->sequences[element->part];
+        for (; at != end; at += l->stride) {
+            if (!encode_fork(e, s, at)) return false;
+        }
+    } else if (element->kind == kGroup) {
         for (; at != end; at += l->stride) {
             if (!encode_group(e, element, at)) return false;
         }
@@ -211,7 +226,7 @@ static bool encode_list(encoder* e, const op* o, const asn1_array* array) {
         }
     } else {
         for (; at != end; at += l->stride) {
-            if (!encode_op(e, element, at)) return false;
+            if (!encode_op(e, element, at + element->offset)) return false;
         }
     }
     return true;
@@ -373,6 +388,7 @@ HOT bool run_ops(encoder* e, const op* o, uint64_t todo, const uint8_t* record) 
             case kGroup: is_done = encode_group(e, o, value); break;
             case kAlignedGroup: is_done = encode_aligned_group(e, o, value); break;
             case kSequence: is_done = encode_sequence(e, &e->code->sequences[o->part], value); break;
+            case kFork: is_done = encode_fork(e, &e->code->sequences[o->part], value); break;
             default: is_done = encode_op(e, o, value); break;
         }
         if (!is_done) return false;
@@ -402,6 +418,35 @@ static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record
     return !is_extended || encode_additions(e, s, record);
 }
 
+// A SEQUENCE with variants. What does not fit one is encoded in the general way.
+static bool encode_fork(encoder* e, const sequence* s, const uint8_t* record) {
+    uint64_t preamble = 0;
+    const option* one = &e->code->options[s->options];
+    for (const option* end = one + s->option_count; one != end; ++one) {
+        preamble = preamble << 1 | is_there(*one, record);
+    }
+    const variant* v = &e->code->variants[s->variants + preamble];
+    const leaf* leaves = &e->code->leaves[v->leaves];
+    uint64_t bits = preamble << 1 << (63 - s->width);
+    bool is_other = load_leaves(leaves + v->gates, leaves + v->count, record, &bits);
+    is_other |= any_there(&e->code->options[v->options], v->option_count, record);
+    is_other |= any_there(&e->code->options[s->addition_options], s->addition_count, record);
+    if (__builtin_expect(is_other, 0)) return encode_sequence(e, s, record);
+    put_field(e, v->width, per::top_bits(bits, v->width));
+    const op* o = &e->code->ops[v->ops];
+    for (uint32_t left = v->op_count; left > 0; --left, ++o) {
+        const uint8_t* value = record + o->offset;
+        bool is_done;
+        switch (o->kind) {
+            case kLeaf: is_done = encode_leaf(e, o, value); break;
+            case kGroup: is_done = encode_group(e, o, value); break;
+            default: is_done = encode_op(e, o, value); break;
+        }
+        if (!is_done) return false;
+    }
+    return true;
+}
+
 // ---- any op -------------------------------------------------------------------------------------------------
 
 static bool encode_op(encoder* e, const op* o, const uint8_t* value) {
@@ -409,6 +454,7 @@ static bool encode_op(encoder* e, const op* o, const uint8_t* value) {
         case kLeaf: return encode_leaf(e, o, value);
         case kGroup: return encode_group(e, o, value);
         case kSequence: return encode_sequence(e, &e->code->sequences[o->part], value);
+        case kFork: return encode_fork(e, &e->code->sequences[o->part], value);
         case kList: return encode_list(e, o, reinterpret_cast<const asn1_array*>(value));
         case kChoice: return encode_choice(e, o, value);
         case kOctets: return encode_octets(e, o, reinterpret_cast<const asn1_string*>(value));
@@ -424,6 +470,7 @@ static bool encode_op(encoder* e, const op* o, const uint8_t* value) {
         case kCountedLeaf: return encode_counted_leaf(e, o, value);
         case kCountedBigInteger:
             return encode_big_integer(e, o, reinterpret_cast<const asn1_integer*>(value));
+        case kBlock:
         case kWalker: break;
     }
     return by_walker(e, o, value);

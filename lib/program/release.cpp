@@ -22,7 +22,12 @@ static void release_sequence(releaser* r, const sequence* s, uint8_t* record) {
     const op* one = &r->code->ops[s->releases];
     for (const op* end = one + s->release_count; one != end; ++one) {
         if (one->presence != kNone && load32(record + one->presence) == 0) continue;
-        release_op(r, one, record + one->offset);
+        uint8_t* value = record + one->offset;
+        if (one->kind == kBlock) {
+            asn1_free(load_pointer(value));
+        } else {
+            release_op(r, one, value);
+        }
     }
 }
 
@@ -32,7 +37,7 @@ static void release_list(releaser* r, const op* o, asn1_array* array) {
         const op* element = &r->code->ops[l->element];
         uint8_t* at = static_cast<uint8_t*>(array->data);
         uint8_t* end = at + l->stride * array->count;
-        if (element->kind == kSequence) {
+        if (element->kind == kSequence || element->kind == kFork) {
             const sequence* s = &r->code->sequences[element->part];
             for (; at != end; at += l->stride) release_sequence(r, s, at);
         } else {
@@ -84,7 +89,9 @@ static void release_op(releaser* r, const op* o, uint8_t* value) {
         case kNull: return;
         case kAlignedGroup:
         case kGroup: return release_group(r, o, value);
-        case kSequence: return release_sequence(r, &r->code->sequences[o->part], value);
+        case kSequence:
+        case kFork: return release_sequence(r, &r->code->sequences[o->part], value);
+        case kBlock: return asn1_free(load_pointer(value));
         case kOctets:
         case kChars: return asn1_free(reinterpret_cast<asn1_string*>(value)->data);
         case kBits: return asn1_free(reinterpret_cast<asn1_bit_string*>(value)->data);
