@@ -174,6 +174,7 @@ op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t pre
         made.low = form.low;
         made.range = form.range;
         made.extensible = form.extensible;
+        made.count = static_cast<uint8_t>(form.width == 0 ? 255 : kWindowBits / form.width);
         return made;
     }
     switch (kind_of(type)) {

@@ -52,7 +52,7 @@ constexpr uint8_t kAlignLength = 1, kAlignContents = 2;
 struct op {
     op_kind kind;
     uint8_t width;
-    uint8_t count;       // kGroup: its leaves; kChars: see there
+    uint8_t count;       // kGroup: its leaves; kLeaf: as many as a window holds; kChars: see there
     uint8_t gates;       // kGroup: those of its leaves that are extension bits, which come first
     uint32_t offset;     // of the value in the record
     uint32_t presence;   // offset of the presence word, or kNone
@@ -185,5 +185,20 @@ struct program {
     ORLENTA_PROGRAM_ARRAYS(ORLENTA_ARRAY)
 #undef ORLENTA_ARRAY
 };
+
+// The variant of a preamble of two bits at the most. By branches, which are foreseen: what comes next does not wait for the
+// preamble.
+inline const variant* choose_variant(const program* code, const sequence* s, uint64_t preamble) {
+    const variant* chosen = &code->variants[s->variants];
+    if ((preamble & 1) != 0) {
+        ++chosen;
+        __asm__("" : "+r"(chosen));  // no arithmetic in place of the branch
+    }
+    if ((preamble & 2) != 0) {
+        chosen += 2;
+        __asm__("" : "+r"(chosen));
+    }
+    return chosen;
+}
 
 }  // namespace orlenta::program

@@ -45,7 +45,7 @@ struct decoder {
 
 static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_position position);
 static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* record, bit_position position);
-static bit_position decode_fork(decoder* d, const sequence* s, uint8_t* record, bit_position position);
+WARM bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_position position);
 
 HOT bool has_bits(const decoder* d, bit_position position, uint64_t count) {
     return position + count <= d->source.end;
@@ -98,10 +98,12 @@ HOT void* take_block(decoder* d, uint64_t size) {
 }
 
 // Most records are small, for which a call costs more than the stores.
+WARM void zero_many(uint8_t* at, uint64_t size) { memset(at, 0, size); }
+
 HOT void zero(void* block, uint64_t size) {
     uint8_t* at = static_cast<uint8_t*>(block);
     if (size > 128) {
-        memset(at, 0, size);
+        zero_many(at, size);
     } else if (size >= 16) {
         for (uint64_t done = 0; done + 16 < size; done += 16) memset(at + done, 0, 16);
         memset(at + size - 16, 0, 16);
@@ -327,38 +329,76 @@ WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit
     return contents;
 }
 
+// ---- SEQUENCE with variants ---------------------------------------------------------------------------------
+
+// Reads the preamble and the leaves that follow it; null if they do not fit a variant.
+HOT const variant* decode_head(const decoder* d, const sequence* s, uint8_t* record, bit_position position) {
+    if (__builtin_expect(!has_bits(d, position, s->width), 0)) return nullptr;
+    uint64_t window = window_at(d, position);
+    uint64_t preamble = top_bits(window, s->width);
+    if (__builtin_expect(preamble >> s->option_count != 0, 0)) return nullptr;
+    const variant* v = choose_variant(d->code, s, preamble);
+    const leaf* leaves = &d->code->leaves[v->leaves];
+    bool is_beyond = store_leaves(leaves, leaves + v->count, window, record);
+    if (__builtin_expect(is_beyond || !has_bits(d, position, v->width), 0)) return nullptr;
+    return v;
+}
+
+WARM bit_position decode_tail(decoder* d, const variant* v, uint8_t* record, bit_position position) {
+    const op* o = &d->code->ops[v->ops];
+    for (const op* end = o + v->op_count; o != end && !is_failure(position); ++o) {
+        uint8_t* value = record + o->offset;
+        switch (o->kind) {
+            case kLeaf: position = decode_leaf(d, o, value, position); break;
+            case kGroup: position = decode_group(d, o, value, position); break;
+            case kList: position = decode_list(d, o, reinterpret_cast<asn1_array*>(value), position); break;
+            default: position = decode_op(d, o, value, position); break;
+        }
+    }
+    return position;
+}
+
+// What fits no variant is decoded in the general way.
+HOT bit_position decode_fork(decoder* d, const sequence* s, uint8_t* record, bit_position position) {
+    const variant* v = decode_head(d, s, record, position);
+    if (__builtin_expect(v == nullptr, 0)) return decode_sequence(d, s, record, position);
+    position += v->width;
+    return v->op_count == 0 ? position : decode_tail(d, v, record, position);
+}
+
 // ---- lists --------------------------------------------------------------------------------------------------
 
 // Elements that are leaves, as many at a time as a window holds.
-HOT bit_position decode_leaves(decoder* d, const op* element, uint8_t* at, uint64_t stride, uint64_t count,
-                               bit_position position) {
-    uint32_t width = element->width;
-    at += element->offset;
-    uint8_t* end = at + stride * count;
-    if (__builtin_expect(width != 0 && has_bits(d, position, width * count), 1)) {
-        uint64_t beyond = 0;  // its top bit, if a number is beyond its range
-        uint32_t batch = kWindowBits / width;
-        bit_position next = position;
-        for (uint8_t* each = at; each != end;) {
-            uint64_t window = window_at(d, next);
-            for (uint32_t left = batch; left > 0 && each != end; --left, each += stride, next += width) {
-                uint64_t number = top_bits(window, width);
-                window <<= width;
-                beyond |= element->range - number;
-                store32(each, element->low + static_cast<uint32_t>(number));
-            }
+HOT bit_position decode_leaves(decoder* d, const op* element, uint8_t* at, const uint8_t* end,
+                               uint64_t stride, bit_position position) {
+    uint32_t width = element->width, low = element->low;
+    uint64_t range = element->range;
+    uint64_t beyond = 0;  // its top bit, if a number is beyond its range
+    bit_position next = position;
+    uint8_t* each = at;
+    while (each != end) {
+        uint64_t window = window_at(d, next);
+        uint32_t left = element->count;
+        for (; left > 0 && each != end; --left, each += stride) {
+            uint64_t number = top_bits(window, width);
+            window <<= width;
+            beyond |= range - number;
+            store32(each, low + static_cast<uint32_t>(number));
         }
-        if (__builtin_expect(beyond >> 63 == 0, 1)) return next;
+        next += (element->count - left) * width;
+        if (__builtin_expect(next > d->source.end, 0)) break;
     }
+    if (__builtin_expect(beyond >> 63 == 0 && next <= d->source.end, 1)) return next;
     for (; at != end && !is_failure(position); at += stride) position = decode_leaf(d, element, at, position);
     return position;
 }
 
-HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, uint64_t stride, uint64_t count,
-                                 bit_position position) {
-    const uint8_t* end = at + stride * count;
+HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, const uint8_t* end,
+                                 uint64_t stride, bit_position position) {
+    at += element->offset;
+    end += element->offset;
     switch (element->kind) {
-        case kLeaf: return decode_leaves(d, element, at, stride, count, position);
+        case kLeaf: return decode_leaves(d, element, at, end, stride, position);
         case kGroup:
             for (; at != end && !is_failure(position); at += stride)
                 position = decode_group(d, element, at, position);
@@ -381,7 +421,7 @@ HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, uin
         }
         default:
             for (; at != end && !is_failure(position); at += stride)
-                position = decode_op(d, element, at + element->offset, position);
+                position = decode_op(d, element, at, position);
     }
     return position;
 }
@@ -449,7 +489,8 @@ WARM bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_po
     if (!array->data) return kNoMemory;
     array->count = count;
     if (!l->dense) zero(array->data, size);
-    return decode_elements(d, element, static_cast<uint8_t*>(array->data), l->stride, count, contents);
+    uint8_t* first = static_cast<uint8_t*>(array->data);
+    return decode_elements(d, element, first, first + size, l->stride, contents);
 }
 
 // ---- open types ---------------------------------------------------------------------------------------------
@@ -671,12 +712,8 @@ static void settle_options(decoder* d, const sequence* s, uint8_t* record, uint6
 HOT bit_position run_ops(decoder* d, const op* o, uint64_t todo, uint8_t* record, bit_position position) {
     uint32_t no_presence;
     for (; todo != 0; todo <<= 1, ++o) {
-        // A branch, not arithmetic: where op follows op its address does not wait for the preamble.
-        if (todo >> 63 == 0) {
-            uint32_t skipped = static_cast<uint32_t>(__builtin_clzll(todo));
-            todo <<= skipped;
-            o += skipped;
-        }
+        // A branch, not arithmetic: the address of an op does not wait for the preamble.
+        if (todo >> 63 == 0) continue;
         store32(o->presence == kNone ? static_cast<void*>(&no_presence) : record + o->presence, 1);
         uint8_t* value = record + o->offset;
         switch (o->kind) {
@@ -718,32 +755,6 @@ static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* reco
     if (__builtin_expect(extended, 0) && !is_failure(position))
         position = decode_additions(d, s, record, position);
     if (s->needs_frame) d->frames = frame.parent;
-    return position;
-}
-
-// A SEQUENCE with variants. What does not fit one is decoded in the general way.
-static bit_position decode_fork(decoder* d, const sequence* s, uint8_t* record, bit_position position) {
-    if (__builtin_expect(!has_bits(d, position, s->width), 0)) return kRefused;
-    uint64_t window = window_at(d, position);
-    uint64_t preamble = top_bits(window, s->width);
-    if (__builtin_expect(preamble >> s->option_count != 0, 0)) return decode_sequence(d, s, record, position);
-    const variant* v = &d->code->variants[s->variants + preamble];
-    const leaf* leaves = &d->code->leaves[v->leaves];
-    bool is_beyond = store_leaves(leaves, leaves + v->count, window, record);
-    if (__builtin_expect(is_beyond || !has_bits(d, position, v->width), 0)) {
-        return decode_sequence(d, s, record, position);
-    }
-    position += v->width;
-    const op* o = &d->code->ops[v->ops];
-    for (uint32_t left = v->op_count; left > 0 && !is_failure(position); --left, ++o) {
-        uint8_t* value = record + o->offset;
-        switch (o->kind) {
-            case kLeaf: position = decode_leaf(d, o, value, position); break;
-            case kGroup: position = decode_group(d, o, value, position); break;
-            case kList: position = decode_list(d, o, reinterpret_cast<asn1_array*>(value), position); break;
-            default: position = decode_op(d, o, value, position); break;
-        }
-    }
     return position;
 }
 

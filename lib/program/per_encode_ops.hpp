@@ -24,11 +24,13 @@ struct encoder {
 }  // namespace
 
 #define HOT static inline __attribute__((always_inline))
+#define WARM static __attribute__((noinline))  // so that small ops pay for no large frame
 #define COLD static __attribute__((noinline, cold))
 
 static bool encode_op(encoder* e, const op* o, const uint8_t* value);
 static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record);
-static bool encode_fork(encoder* e, const sequence* s, const uint8_t* record);
+WARM bool encode_list(encoder* e, const op* o, const asn1_array* array);
+WARM bool encode_choice(encoder* e, const op* o, const uint8_t* record);
 
 HOT void put(encoder* e, uint32_t width, uint64_t bits) { per::put_bits(&e->sink, width, bits); }
 
@@ -126,7 +128,7 @@ HOT bool encode_counted_leaf(encoder* e, const op* o, const uint8_t* value) {
     return true;
 }
 
-static bool encode_big_integer(encoder* e, const op* o, const asn1_integer* value) {
+WARM bool encode_big_integer(encoder* e, const op* o, const asn1_integer* value) {
     bool is_plain = value->negative == 0 && value->size <= 2 && (value->size == 0 || value->limbs);
     if (!is_plain || (value->size != 0 && value->limbs[value->size - 1] == 0)) return by_walker(e, o, value);
     uint64_t number = value->size > 0 ? value->limbs[0] : 0;
@@ -138,6 +140,49 @@ static bool encode_big_integer(encoder* e, const op* o, const asn1_integer* valu
         put(e, o->width, number);
     }
     return true;
+}
+
+// ---- SEQUENCE with variants ---------------------------------------------------------------------------------
+
+// Writes the preamble and the leaves that follow it; null, with nothing written, if they do not fit a variant.
+HOT const variant* encode_head(encoder* e, const sequence* s, const uint8_t* record) {
+    uint64_t preamble = 0;
+    const option* one = &e->code->options[s->options];
+    for (const option* end = one + s->option_count; one != end; ++one) {
+        preamble = preamble << 1 | is_there(*one, record);
+    }
+    const variant* v = choose_variant(e->code, s, preamble);
+    const leaf* leaves = &e->code->leaves[v->leaves];
+    uint64_t bits = preamble << 1 << (63 - s->width);
+    bool is_other = load_leaves(leaves + v->gates, leaves + v->count, record, &bits);
+    is_other |= any_there(&e->code->options[v->options], v->option_count, record);
+    is_other |= any_there(&e->code->options[s->addition_options], s->addition_count, record);
+    if (__builtin_expect(is_other, 0)) return nullptr;
+    put_field(e, v->width, per::top_bits(bits, v->width));
+    return v;
+}
+
+WARM bool encode_tail(encoder* e, const variant* v, const uint8_t* record) {
+    const op* o = &e->code->ops[v->ops];
+    bool is_done = true;
+    for (const op* end = o + v->op_count; o != end && is_done; ++o) {
+        const uint8_t* value = record + o->offset;
+        switch (o->kind) {
+            case kLeaf: is_done = encode_leaf(e, o, value); break;
+            case kGroup: is_done = encode_group(e, o, value); break;
+            case kList: is_done = encode_list(e, o, reinterpret_cast<const asn1_array*>(value)); break;
+            case kChoice: is_done = encode_choice(e, o, value); break;
+            default: is_done = encode_op(e, o, value); break;
+        }
+    }
+    return is_done;
+}
+
+// What fits no variant is encoded in the general way.
+HOT bool encode_fork(encoder* e, const sequence* s, const uint8_t* record) {
+    const variant* v = encode_head(e, s, record);
+    if (__builtin_expect(v == nullptr, 0)) return encode_sequence(e, s, record);
+    return v->op_count == 0 || encode_tail(e, v, record);
 }
 
 // ---- strings and lists --------------------------------------------------------------------------------------
@@ -164,14 +209,14 @@ HOT bool put_length(encoder* e, const op* o, uint64_t length) {
     return true;
 }
 
-static bool encode_octets(encoder* e, const op* o, const asn1_string* string) {
+WARM bool encode_octets(encoder* e, const op* o, const asn1_string* string) {
     if (string->length != 0 && !string->data) return false;
     if (!put_length(e, o, string->length)) return by_walker(e, o, string);
     put_bits_of(&e->sink, string->data, string->length * 8);
     return true;
 }
 
-static bool encode_bits(encoder* e, const op* o, const asn1_bit_string* string) {
+WARM bool encode_bits(encoder* e, const op* o, const asn1_bit_string* string) {
     if (string->length != 0 && !string->data) return false;
     if (!put_length(e, o, string->length)) return by_walker(e, o, string);
     put_bits_of(&e->sink, string->data, string->length);
@@ -179,7 +224,7 @@ static bool encode_bits(encoder* e, const op* o, const asn1_bit_string* string) 
 }
 
 // A character that is too wide damages what is before it, in the walker's way.
-static bool encode_chars(encoder* e, const op* o, const asn1_string* string) {
+WARM bool encode_chars(encoder* e, const op* o, const asn1_string* string) {
     if (string->length != 0 && !string->data) return false;
     if (!put_length(e, o, string->length)) return by_walker(e, o, string);
     uint32_t width = o->count;
@@ -199,7 +244,7 @@ static bool encode_chars(encoder* e, const op* o, const asn1_string* string) {
     return true;
 }
 
-static bool encode_list(encoder* e, const op* o, const asn1_array* array) {
+WARM bool encode_list(encoder* e, const op* o, const asn1_array* array) {
     if ((array->count != 0 && !array->data) || !has_stack(&e->stack)) return false;
     if (!put_length(e, o, array->count)) return by_walker(e, o, array);
     const list* l = &e->code->lists[o->part];
@@ -297,7 +342,7 @@ static const open_type_row* find_row(const encoder* e, const op* o, const asn1_t
     return nullptr;
 }
 
-static bool encode_open_type(encoder* e, const op* o, const asn1_open_value* open) {
+WARM bool encode_open_type(encoder* e, const op* o, const asn1_open_value* open) {
     if (!open->type) {
         if (open->length != 0 && !open->data) return false;
         if (!put_general_length(e, open->length)) return by_walker(e, o, open);
@@ -309,7 +354,7 @@ static bool encode_open_type(encoder* e, const op* o, const asn1_open_value* ope
     return encode_wrapped(e, &e->code->ops[row->op], static_cast<const uint8_t*>(open->data));
 }
 
-static bool encode_indirect(encoder* e, const op* o, const uint8_t* value) {
+WARM bool encode_indirect(encoder* e, const op* o, const uint8_t* value) {
     const void* inner = load_pointer(value);
     if (!inner || !has_stack(&e->stack)) return false;
     return encode_op(e, &e->code->ops[o->part], static_cast<const uint8_t*>(inner));
@@ -317,7 +362,7 @@ static bool encode_indirect(encoder* e, const op* o, const uint8_t* value) {
 
 // ---- CHOICE -------------------------------------------------------------------------------------------------
 
-static bool encode_choice(encoder* e, const op* o, const uint8_t* record) {
+WARM bool encode_choice(encoder* e, const op* o, const uint8_t* record) {
     const choice* c = &e->code->choices[o->part];
     uint32_t selector = load32(record + c->selector);
     const op* alternative = &e->code->ops[c->ops] + selector;
@@ -375,12 +420,8 @@ static __attribute__((noinline)) bool encode_additions(encoder* e, const sequenc
 // Runs ops: bit 63 is the first one's.
 HOT bool run_ops(encoder* e, const op* o, uint64_t todo, const uint8_t* record) {
     for (; todo != 0; todo <<= 1, ++o) {
-        // A branch, not arithmetic: where op follows op its address does not wait for the preamble.
-        if (todo >> 63 == 0) {
-            uint32_t skipped = static_cast<uint32_t>(__builtin_clzll(todo));
-            todo <<= skipped;
-            o += skipped;
-        }
+        // A branch, not arithmetic: the address of an op does not wait for the preamble.
+        if (todo >> 63 == 0) continue;
         const uint8_t* value = record + o->offset;
         bool is_done;
         switch (o->kind) {
@@ -389,6 +430,8 @@ HOT bool run_ops(encoder* e, const op* o, uint64_t todo, const uint8_t* record) 
             case kAlignedGroup: is_done = encode_aligned_group(e, o, value); break;
             case kSequence: is_done = encode_sequence(e, &e->code->sequences[o->part], value); break;
             case kFork: is_done = encode_fork(e, &e->code->sequences[o->part], value); break;
+            case kList: is_done = encode_list(e, o, reinterpret_cast<const asn1_array*>(value)); break;
+            case kChoice: is_done = encode_choice(e, o, value); break;
             default: is_done = encode_op(e, o, value); break;
         }
         if (!is_done) return false;
@@ -416,35 +459,6 @@ static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record
     }
     if (!run_ops(e, &e->code->ops[s->ops], todo, record)) return false;
     return !is_extended || encode_additions(e, s, record);
-}
-
-// A SEQUENCE with variants. What does not fit one is encoded in the general way.
-static bool encode_fork(encoder* e, const sequence* s, const uint8_t* record) {
-    uint64_t preamble = 0;
-    const option* one = &e->code->options[s->options];
-    for (const option* end = one + s->option_count; one != end; ++one) {
-        preamble = preamble << 1 | is_there(*one, record);
-    }
-    const variant* v = &e->code->variants[s->variants + preamble];
-    const leaf* leaves = &e->code->leaves[v->leaves];
-    uint64_t bits = preamble << 1 << (63 - s->width);
-    bool is_other = load_leaves(leaves + v->gates, leaves + v->count, record, &bits);
-    is_other |= any_there(&e->code->options[v->options], v->option_count, record);
-    is_other |= any_there(&e->code->options[s->addition_options], s->addition_count, record);
-    if (__builtin_expect(is_other, 0)) return encode_sequence(e, s, record);
-    put_field(e, v->width, per::top_bits(bits, v->width));
-    const op* o = &e->code->ops[v->ops];
-    for (uint32_t left = v->op_count; left > 0; --left, ++o) {
-        const uint8_t* value = record + o->offset;
-        bool is_done;
-        switch (o->kind) {
-            case kLeaf: is_done = encode_leaf(e, o, value); break;
-            case kGroup: is_done = encode_group(e, o, value); break;
-            default: is_done = encode_op(e, o, value); break;
-        }
-        if (!is_done) return false;
-    }
-    return true;
 }
 
 // ---- any op -------------------------------------------------------------------------------------------------
