@@ -69,6 +69,12 @@ static bool is_root_option(const asn1_field* field) {
     return !is_addition(field) && field_option(field) != ASN1_OPTION_MANDATORY;
 }
 
+static uint32_t preamble_width(const asn1_type_desc* type) {
+    uint32_t width = is_extensible(type) ? 1 : 0;
+    for (uint32_t i = 0; i < component_count(type); ++i) width += is_root_option(&components(type)[i]);
+    return width;
+}
+
 static option option_of(const asn1_field* field, uint32_t base) {
     if (field_option(field) == ASN1_OPTION_DEFAULT) return {base + field_offset(field), low32(field->extra)};
     return {base + presence_offset(field), 0};
@@ -120,7 +126,10 @@ static op finish_group(builder* b, const open_group* group, uint32_t presence) {
 
 static void finish_head(sequence_parts* parts) {
     op made = finish_group(parts->b, &parts->group, kNone);
-    parts->head = {made.part, made.width, made.count, made.gates, 0, 0, 0, 0};
+    parts->head.leaves = made.part;
+    parts->head.width = made.width;
+    parts->head.count = made.count;
+    parts->head.gates = made.gates;
     if (!parts->b->failed) {
         const group& made_of = parts->b->groups.items[made.low];
         parts->head.options = made_of.options;
@@ -313,8 +322,9 @@ static void add_settings(sequence_parts* parts, const asn1_type_desc* type, uint
 static void add_variant(sequence_parts* parts, const asn1_type_desc* type, uint32_t preamble,
                         uint32_t option_count) {
     parts->in_head = true;
+    parts->head.preamble = option_count == 0 ? 0 : uint64_t{preamble} << (64 - preamble_width(type));
     parts->ops.count = 0;
-    parts->group.room.width = option_count + (is_extensible(type) ? 1 : 0);
+    parts->group.room.width = preamble_width(type);
     parts->group.room.fixed = true;
     add_settings(parts, type, preamble, option_count);
     for (uint32_t i = 0; i < component_count(type); ++i) {
@@ -382,12 +392,6 @@ static void add_releases(sequence_parts* parts, const asn1_type_desc* type, uint
 }
 
 // ---- the whole ----------------------------------------------------------------------------------------------
-
-static uint32_t preamble_width(const asn1_type_desc* type) {
-    uint32_t width = is_extensible(type) ? 1 : 0;
-    for (uint32_t i = 0; i < component_count(type); ++i) width += is_root_option(&components(type)[i]);
-    return width;
-}
 
 // What is left to the walker from the start: a preamble wider than a window, and DEFAULTs that are no words.
 static bool is_supported(const asn1_type_desc* type) {

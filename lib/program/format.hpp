@@ -123,6 +123,7 @@ struct sequence {
 // A SEQUENCE whose preamble is known: what is absent, is not there, so that leaves join over it. The head is a group that
 // begins with the preamble; its gates set presence words and DEFAULTs as well.
 struct variant {
+    uint64_t preamble;  // on top
     uint32_t leaves;
     uint8_t width, count, gates, op_count;
     uint32_t ops;  // those behind the head
@@ -186,19 +187,13 @@ struct program {
 #undef ORLENTA_ARRAY
 };
 
-// The variant of a preamble of two bits at the most. By branches, which are foreseen: what comes next does not wait for the
-// preamble.
-inline const variant* choose_variant(const program* code, const sequence* s, uint64_t preamble) {
-    const variant* chosen = &code->variants[s->variants];
-    if ((preamble & 1) != 0) {
-        ++chosen;
-        __asm__("" : "+r"(chosen));  // no arithmetic in place of the branch
+// What comes next does not wait for `bit`: the processor foresees the branch, and no arithmetic takes its place.
+inline const variant* step_if(const variant* v, bool bit, uint32_t step) {
+    if (bit) {
+        v += step;
+        __asm__("" : "+r"(v));
     }
-    if ((preamble & 2) != 0) {
-        chosen += 2;
-        __asm__("" : "+r"(chosen));
-    }
-    return chosen;
+    return v;
 }
 
 }  // namespace orlenta::program

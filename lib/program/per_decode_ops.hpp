@@ -333,11 +333,16 @@ WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit
 
 // Reads the preamble and the leaves that follow it; null if they do not fit a variant.
 HOT const variant* decode_head(const decoder* d, const sequence* s, uint8_t* record, bit_position position) {
-    if (__builtin_expect(!has_bits(d, position, s->width), 0)) return nullptr;
     uint64_t window = window_at(d, position);
-    uint64_t preamble = top_bits(window, s->width);
-    if (__builtin_expect(preamble >> s->option_count != 0, 0)) return nullptr;
-    const variant* v = choose_variant(d->code, s, preamble);
+    uint64_t preamble = window << s->extensible;
+    if (__builtin_expect((window & uint64_t{s->extensible} << 63) != 0, 0)) return nullptr;
+    const variant* v = &d->code->variants[s->variants];
+    if (s->option_count == 1) {
+        v = step_if(v, preamble >> 63 != 0, 1);
+    } else if (s->option_count == 2) {
+        v = step_if(v, preamble >> 63 != 0, 2);
+        v = step_if(v, (preamble >> 62 & 1) != 0, 1);
+    }
     const leaf* leaves = &d->code->leaves[v->leaves];
     bool is_beyond = store_leaves(leaves, leaves + v->count, window, record);
     if (__builtin_expect(is_beyond || !has_bits(d, position, v->width), 0)) return nullptr;

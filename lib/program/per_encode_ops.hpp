@@ -29,6 +29,7 @@ struct encoder {
 
 static bool encode_op(encoder* e, const op* o, const uint8_t* value);
 static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record);
+WARM bool encode_fork(encoder* e, const sequence* s, const uint8_t* record);
 WARM bool encode_list(encoder* e, const op* o, const asn1_array* array);
 WARM bool encode_choice(encoder* e, const op* o, const uint8_t* record);
 
@@ -146,14 +147,16 @@ WARM bool encode_big_integer(encoder* e, const op* o, const asn1_integer* value)
 
 // Writes the preamble and the leaves that follow it; null, with nothing written, if they do not fit a variant.
 HOT const variant* encode_head(encoder* e, const sequence* s, const uint8_t* record) {
-    uint64_t preamble = 0;
-    const option* one = &e->code->options[s->options];
-    for (const option* end = one + s->option_count; one != end; ++one) {
-        preamble = preamble << 1 | is_there(*one, record);
+    const option* options = &e->code->options[s->options];
+    const variant* v = &e->code->variants[s->variants];
+    if (s->option_count == 1) {
+        v = step_if(v, is_there(options[0], record), 1);
+    } else if (s->option_count == 2) {
+        v = step_if(v, is_there(options[0], record), 2);
+        v = step_if(v, is_there(options[1], record), 1);
     }
-    const variant* v = choose_variant(e->code, s, preamble);
     const leaf* leaves = &e->code->leaves[v->leaves];
-    uint64_t bits = preamble << 1 << (63 - s->width);
+    uint64_t bits = v->preamble;
     bool is_other = load_leaves(leaves + v->gates, leaves + v->count, record, &bits);
     is_other |= any_there(&e->code->options[v->options], v->option_count, record);
     is_other |= any_there(&e->code->options[s->addition_options], s->addition_count, record);
@@ -162,7 +165,7 @@ HOT const variant* encode_head(encoder* e, const sequence* s, const uint8_t* rec
     return v;
 }
 
-WARM bool encode_tail(encoder* e, const variant* v, const uint8_t* record) {
+HOT bool run_tail(encoder* e, const variant* v, const uint8_t* record) {
     const op* o = &e->code->ops[v->ops];
     bool is_done = true;
     for (const op* end = o + v->op_count; o != end && is_done; ++o) {
@@ -170,6 +173,7 @@ WARM bool encode_tail(encoder* e, const variant* v, const uint8_t* record) {
         switch (o->kind) {
             case kLeaf: is_done = encode_leaf(e, o, value); break;
             case kGroup: is_done = encode_group(e, o, value); break;
+            case kFork: is_done = encode_fork(e, &e->code->sequences[o->part], value); break;
             case kList: is_done = encode_list(e, o, reinterpret_cast<const asn1_array*>(value)); break;
             case kChoice: is_done = encode_choice(e, o, value); break;
             default: is_done = encode_op(e, o, value); break;
@@ -178,11 +182,27 @@ WARM bool encode_tail(encoder* e, const variant* v, const uint8_t* record) {
     return is_done;
 }
 
+WARM bool encode_tail(encoder* e, const variant* v, const uint8_t* record) { return run_tail(e, v, record); }
+
 // What fits no variant is encoded in the general way.
-HOT bool encode_fork(encoder* e, const sequence* s, const uint8_t* record) {
+WARM bool encode_fork(encoder* e, const sequence* s, const uint8_t* record) {
     const variant* v = encode_head(e, s, record);
     if (__builtin_expect(v == nullptr, 0)) return encode_sequence(e, s, record);
-    return v->op_count == 0 || encode_tail(e, v, record);
+    return run_tail(e, v, record);
+}
+
+// The same, in a list, whose elements often have nothing behind the head.
+HOT bool encode_forks(encoder* e, const sequence* s, const uint8_t* at, const uint8_t* end, uint64_t stride) {
+    bool is_done = true;
+    for (; at != end && is_done; at += stride) {
+        const variant* v = encode_head(e, s, at);
+        if (__builtin_expect(v == nullptr, 0)) {
+            is_done = encode_sequence(e, s, at);
+        } else if (v->op_count != 0) {
+            is_done = encode_tail(e, v, at);
+        }
+    }
+    return is_done;
 }
 
 // ---- strings and lists --------------------------------------------------------------------------------------
@@ -256,10 +276,7 @@ WARM bool encode_list(encoder* e, const op* o, const asn1_array* array) {
             if (!encode_leaf(e, element, at)) return false;
         }
     } else if (element->kind == kFork) {
-        const sequence* s = &e->code->sequences[element->part];
-        for (; at != end; at += l->stride) {
-            if (!encode_fork(e, s, at)) return false;
-        }
+        return encode_forks(e, &e->code->sequences[element->part], at, end, l->stride);
     } else if (element->kind == kGroup) {
         for (; at != end; at += l->stride) {
             if (!encode_group(e, element, at)) return false;
