@@ -45,7 +45,9 @@ struct decoder {
 
 static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_position position);
 static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* record, bit_position position);
+WARM bit_position decode_fork(decoder* d, const sequence* s, uint8_t* record, bit_position position);
 WARM bit_position decode_list(decoder* d, const op* o, asn1_array* array, bit_position position);
+WARM bit_position decode_choice(decoder* d, const op* o, uint8_t* record, bit_position position);
 
 HOT bool has_bits(const decoder* d, bit_position position, uint64_t count) {
     return position + count <= d->source.end;
@@ -262,7 +264,7 @@ HOT void store_top(uint8_t* out, uint64_t window, uint64_t count) {
 }
 
 // Copies `count` bits that are there to whole octets, the last one filled with zeros.
-static void copy_bits(decoder* d, bit_position position, uint8_t* out, uint64_t count) {
+WARM void copy_many_bits(decoder* d, bit_position position, uint8_t* out, uint64_t count) {
     if (count > 2 * kWindowBits) {
         copy_octets(d->source, position, out, count / 8);
         out += count / 8;
@@ -273,6 +275,11 @@ static void copy_bits(decoder* d, bit_position position, uint8_t* out, uint64_t 
         now = count < 56 ? static_cast<uint32_t>(count) : 56;
         store_top(out, window_at(d, position) & UINT64_MAX << (64 - now), (now + 7) / 8);
     }
+}
+
+HOT void copy_bits(decoder* d, bit_position position, uint8_t* out, uint64_t count) {
+    if (count > 56) return copy_many_bits(d, position, out, count);
+    if (count != 0) store_top(out, window_at(d, position) & UINT64_MAX << (64 - count), (count + 7) / 8);
 }
 
 // What strings have in common: the length, and a block for as many units of `unit_bits`. A general length of 0 makes no
@@ -329,6 +336,18 @@ WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit
     return contents;
 }
 
+// An op of a SEQUENCE; what is frequent in ALIGNED PER goes without a call.
+HOT bit_position decode_next(decoder* d, const op* o, uint8_t* value, bit_position position) {
+    if (!kIsAligned) return decode_op(d, o, value, position);
+    switch (o->kind) {
+        case kAlignedLeaf: return decode_leaf(d, o, value, align(position));
+        case kAlignedGroup: return decode_group(d, o, value, align(position));
+        case kMarkedLeaf: return decode_marked_leaf(d, o, value, position);
+        case kCountedLeaf: return decode_counted_leaf(d, o, value, position);
+        default: return decode_op(d, o, value, position);
+    }
+}
+
 // ---- SEQUENCE with variants ---------------------------------------------------------------------------------
 
 // Reads the preamble and the leaves that follow it; null if they do not fit a variant.
@@ -349,26 +368,46 @@ HOT const variant* decode_head(const decoder* d, const sequence* s, uint8_t* rec
     return v;
 }
 
-WARM bit_position decode_tail(decoder* d, const variant* v, uint8_t* record, bit_position position) {
+HOT bit_position run_tail(decoder* d, const variant* v, uint8_t* record, bit_position position) {
     const op* o = &d->code->ops[v->ops];
     for (const op* end = o + v->op_count; o != end && !is_failure(position); ++o) {
         uint8_t* value = record + o->offset;
         switch (o->kind) {
             case kLeaf: position = decode_leaf(d, o, value, position); break;
             case kGroup: position = decode_group(d, o, value, position); break;
+            case kFork: position = decode_fork(d, &d->code->sequences[o->part], value, position); break;
             case kList: position = decode_list(d, o, reinterpret_cast<asn1_array*>(value), position); break;
-            default: position = decode_op(d, o, value, position); break;
+            case kChoice: position = decode_choice(d, o, value, position); break;
+            default: position = decode_next(d, o, value, position); break;
         }
     }
     return position;
 }
 
+WARM bit_position decode_tail(decoder* d, const variant* v, uint8_t* record, bit_position position) {
+    return run_tail(d, v, record, position);
+}
+
 // What fits no variant is decoded in the general way.
-HOT bit_position decode_fork(decoder* d, const sequence* s, uint8_t* record, bit_position position) {
+WARM bit_position decode_fork(decoder* d, const sequence* s, uint8_t* record, bit_position position) {
     const variant* v = decode_head(d, s, record, position);
     if (__builtin_expect(v == nullptr, 0)) return decode_sequence(d, s, record, position);
-    position += v->width;
-    return v->op_count == 0 ? position : decode_tail(d, v, record, position);
+    return run_tail(d, v, record, position + v->width);
+}
+
+// The same, in a list, whose elements often have nothing behind the head.
+HOT bit_position decode_forks(decoder* d, const sequence* s, uint8_t* at, const uint8_t* end, uint64_t stride,
+                              bit_position position) {
+    for (; at != end && !is_failure(position); at += stride) {
+        const variant* v = decode_head(d, s, at, position);
+        if (__builtin_expect(v == nullptr, 0)) {
+            position = decode_sequence(d, s, at, position);
+        } else {
+            position += v->width;
+            if (v->op_count != 0) position = decode_tail(d, v, at, position);
+        }
+    }
+    return position;
 }
 
 // ---- lists --------------------------------------------------------------------------------------------------
@@ -418,12 +457,7 @@ HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, con
                 position = decode_sequence(d, s, at, position);
             break;
         }
-        case kFork: {
-            const sequence* s = &d->code->sequences[element->part];
-            for (; at != end && !is_failure(position); at += stride)
-                position = decode_fork(d, s, at, position);
-            break;
-        }
+        case kFork: return decode_forks(d, &d->code->sequences[element->part], at, end, stride, position);
         default:
             for (; at != end && !is_failure(position); at += stride)
                 position = decode_op(d, element, at, position);
@@ -724,14 +758,13 @@ HOT bit_position run_ops(decoder* d, const op* o, uint64_t todo, uint8_t* record
         switch (o->kind) {
             case kLeaf: position = decode_leaf(d, o, value, position); break;
             case kGroup: position = decode_group(d, o, value, position); break;
-            case kAlignedGroup: position = decode_group(d, o, value, align(position)); break;
             case kSequence:
                 position = decode_sequence(d, &d->code->sequences[o->part], value, position);
                 break;
             case kFork: position = decode_fork(d, &d->code->sequences[o->part], value, position); break;
             case kList: position = decode_list(d, o, reinterpret_cast<asn1_array*>(value), position); break;
             case kChoice: position = decode_choice(d, o, value, position); break;
-            default: position = decode_op(d, o, value, position); break;
+            default: position = decode_next(d, o, value, position); break;
         }
         if (__builtin_expect(is_failure(position), 0)) return position;
     }

@@ -39,9 +39,14 @@ HOT void put_field(encoder* e, uint32_t width, uint64_t bits) {
     if (width != 0) put(e, width, bits);
 }
 
-// Fills up to an octet boundary.
-HOT void align(encoder* e) {
-    if (uint32_t padding = -e->sink.pending_count & 7; padding != 0) put(e, padding, 0);
+// Bits up to the next octet boundary behind `width` more.
+HOT uint32_t padding_behind(const encoder* e, uint32_t width) { return -(e->sink.pending_count + width) & 7; }
+
+HOT void align(encoder* e) { put_field(e, padding_behind(e, 0), 0); }
+
+// A field that begins on an octet boundary.
+HOT void put_aligned(encoder* e, uint32_t width, uint64_t bits) {
+    put_field(e, padding_behind(e, 0) + width, bits);
 }
 
 // ---- the walker ---------------------------------------------------------------------------------------------
@@ -57,6 +62,13 @@ HOT bool encode_leaf(encoder* e, const op* o, const uint8_t* value) {
     uint32_t number = load32(value) - o->low;
     if (__builtin_expect(number > o->range, 0)) return by_walker(e, o, value);
     put_field(e, o->width, number);
+    return true;
+}
+
+HOT bool encode_aligned_leaf(encoder* e, const op* o, const uint8_t* value) {
+    uint32_t number = load32(value) - o->low;
+    if (__builtin_expect(number > o->range, 0)) return by_walker(e, o, value);
+    put_aligned(e, o->width, number);
     return true;
 }
 
@@ -91,41 +103,31 @@ HOT bool load_leaves(const leaf* one, const leaf* end, const uint8_t* record, ui
 }
 
 // The gates stay 0: with an addition behind one of them the group goes out singly.
-HOT bool encode_group(encoder* e, const op* o, const uint8_t* record) {
+HOT bool encode_group(encoder* e, const op* o, const uint8_t* record, bool aligned = false) {
     uint64_t bits = 0;
     const leaf* leaves = &e->code->leaves[o->part];
     bool is_beyond = load_leaves(leaves + o->gates, leaves + o->count, record, &bits);
     const group* g = &e->code->groups[o->low];
     bool is_extended = o->gates != 0 && any_there(&e->code->options[g->options], g->option_count, record);
     if (__builtin_expect(is_beyond || is_extended, 0)) return encode_singly(e, g, record);
-    put_field(e, o->width, per::top_bits(bits, o->width));
+    uint32_t padding = aligned ? padding_behind(e, 0) : 0;
+    put_field(e, padding + o->width, per::top_bits(bits, o->width));
     return true;
-}
-
-HOT bool encode_aligned_group(encoder* e, const op* o, const uint8_t* record) {
-    align(e);
-    return encode_group(e, o, record);
 }
 
 HOT bool encode_marked_leaf(encoder* e, const op* o, const uint8_t* value) {
     uint32_t number = load32(value) - o->low;
     if (__builtin_expect(number > o->range, 0)) return by_walker(e, o, value);
-    put(e, 1, 0);
-    align(e);
-    put(e, o->width, number);
+    put(e, 1 + padding_behind(e, 1) + o->width, number);
     return true;
-}
-
-HOT void put_counted(encoder* e, uint32_t width, uint32_t octets, uint64_t number) {
-    put(e, width, octets - 1);
-    align(e);
-    put(e, 8 * octets, number);
 }
 
 HOT bool encode_counted_leaf(encoder* e, const op* o, const uint8_t* value) {
     uint32_t number = load32(value) - o->low;
     if (__builtin_expect(number > o->range, 0)) return by_walker(e, o, value);
-    put_counted(e, 2, per::octet_count(number), number);
+    uint32_t octets = per::octet_count(number);
+    uint32_t width = padding_behind(e, 2) + 8 * octets;
+    put(e, 2 + width, uint64_t{octets - 1} << width | number);
     return true;
 }
 
@@ -136,11 +138,26 @@ WARM bool encode_big_integer(encoder* e, const op* o, const asn1_integer* value)
     if (value->size > 1) number |= uint64_t{value->limbs[1]} << 32;
     if (number > (uint64_t{o->range} << 32 | o->low)) return false;
     if (o->kind == kCountedBigInteger) {
-        put_counted(e, o->width, per::big_octet_count(value), number);
+        uint32_t octets = per::big_octet_count(value);
+        put(e, o->width, octets - 1);
+        align(e);
+        put(e, 8 * octets, number);
     } else {
         put(e, o->width, number);
     }
     return true;
+}
+
+// An op of a SEQUENCE; what is frequent in ALIGNED PER goes without a call.
+HOT bool encode_next(encoder* e, const op* o, const uint8_t* value) {
+    if (!kIsAligned) return encode_op(e, o, value);
+    switch (o->kind) {
+        case kAlignedLeaf: return encode_aligned_leaf(e, o, value);
+        case kAlignedGroup: return encode_group(e, o, value, true);
+        case kMarkedLeaf: return encode_marked_leaf(e, o, value);
+        case kCountedLeaf: return encode_counted_leaf(e, o, value);
+        default: return encode_op(e, o, value);
+    }
 }
 
 // ---- SEQUENCE with variants ---------------------------------------------------------------------------------
@@ -176,7 +193,7 @@ HOT bool run_tail(encoder* e, const variant* v, const uint8_t* record) {
             case kFork: is_done = encode_fork(e, &e->code->sequences[o->part], value); break;
             case kList: is_done = encode_list(e, o, reinterpret_cast<const asn1_array*>(value)); break;
             case kChoice: is_done = encode_choice(e, o, value); break;
-            default: is_done = encode_op(e, o, value); break;
+            default: is_done = encode_next(e, o, value); break;
         }
     }
     return is_done;
@@ -444,12 +461,11 @@ HOT bool run_ops(encoder* e, const op* o, uint64_t todo, const uint8_t* record) 
         switch (o->kind) {
             case kLeaf: is_done = encode_leaf(e, o, value); break;
             case kGroup: is_done = encode_group(e, o, value); break;
-            case kAlignedGroup: is_done = encode_aligned_group(e, o, value); break;
             case kSequence: is_done = encode_sequence(e, &e->code->sequences[o->part], value); break;
             case kFork: is_done = encode_fork(e, &e->code->sequences[o->part], value); break;
             case kList: is_done = encode_list(e, o, reinterpret_cast<const asn1_array*>(value)); break;
             case kChoice: is_done = encode_choice(e, o, value); break;
-            default: is_done = encode_op(e, o, value); break;
+            default: is_done = encode_next(e, o, value); break;
         }
         if (!is_done) return false;
     }
@@ -495,8 +511,8 @@ static bool encode_op(encoder* e, const op* o, const uint8_t* value) {
         case kOpenType: return encode_open_type(e, o, reinterpret_cast<const asn1_open_value*>(value));
         case kIndirect: return encode_indirect(e, o, value);
         case kNull: return true;
-        case kAlignedLeaf: align(e); return encode_leaf(e, o, value);
-        case kAlignedGroup: return encode_aligned_group(e, o, value);
+        case kAlignedLeaf: return encode_aligned_leaf(e, o, value);
+        case kAlignedGroup: return encode_group(e, o, value, true);
         case kMarkedLeaf: return encode_marked_leaf(e, o, value);
         case kCountedLeaf: return encode_counted_leaf(e, o, value);
         case kCountedBigInteger:

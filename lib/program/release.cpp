@@ -16,6 +16,8 @@ struct releaser {
 
 }  // namespace
 
+#define WARM static __attribute__((noinline))  // so that small ops pay for no large frame
+
 static void release_op(releaser* r, const op* o, uint8_t* value);
 
 static void release_sequence(releaser* r, const sequence* s, uint8_t* record) {
@@ -31,7 +33,7 @@ static void release_sequence(releaser* r, const sequence* s, uint8_t* record) {
     }
 }
 
-static void release_list(releaser* r, const op* o, asn1_array* array) {
+WARM void release_list(releaser* r, const op* o, asn1_array* array) {
     const list* l = &r->code->lists[o->part];
     if (l->owns && array->data) {
         const op* element = &r->code->ops[l->element];
@@ -47,13 +49,13 @@ static void release_list(releaser* r, const op* o, asn1_array* array) {
     asn1_free(array->data);
 }
 
-static void release_choice(releaser* r, const op* o, uint8_t* record) {
+WARM void release_choice(releaser* r, const op* o, uint8_t* record) {
     const choice* c = &r->code->choices[o->part];
     uint32_t selector = load32(record + c->selector);
     if (selector < c->total) release_op(r, &r->code->ops[c->ops + selector], record + c->payload);
 }
 
-static void release_open_type(releaser* r, const op* o, asn1_open_value* open) {
+WARM void release_open_type(releaser* r, const op* o, asn1_open_value* open) {
     if (open->type && open->data) {
         const row_range& range = r->code->row_ranges[r->code->open_types[o->part].rows];
         const open_type_row* row = &r->code->rows[range.first];
@@ -65,14 +67,14 @@ static void release_open_type(releaser* r, const op* o, asn1_open_value* open) {
     asn1_free(open->data);
 }
 
-static void release_indirect(releaser* r, const op* o, uint8_t* value) {
+WARM void release_indirect(releaser* r, const op* o, uint8_t* value) {
     uint8_t* inner = static_cast<uint8_t*>(load_pointer(value));
     if (inner) release_op(r, &r->code->ops[o->part], inner);
     asn1_free(inner);
 }
 
 // A group owns blocks through additions behind its gates at the most.
-static void release_group(releaser* r, const op* o, uint8_t* record) {
+WARM void release_group(releaser* r, const op* o, uint8_t* record) {
     if (o->gates == 0) return;
     const group* g = &r->code->groups[o->low];
     const op* one = &r->code->ops[g->ops];
