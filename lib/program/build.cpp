@@ -41,8 +41,9 @@ static void free_arrays(builder* b) {
     ORLENTA_PROGRAM_ARRAYS(ORLENTA_ARRAY)
 #undef ORLENTA_ARRAY
     asn1_free(b->known.items);
-    asn1_free(b->type_at.entries);
+    asn1_free(b->type_at.slots);
     asn1_free(b->row_sets.entries);
+    free_spare_parts(b);
 }
 
 static const rule_program* finish_program(builder* b, uint32_t root) {

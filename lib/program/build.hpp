@@ -27,6 +27,12 @@ struct address_map {
     uint64_t count;
 };
 
+// Indices of types[], by address and one more than they are: 0 is free.
+struct type_map {
+    uint32_t* slots;
+    uint64_t size;  // a power of two, or 0
+};
+
 // What is known of types[] of the same index; kNone: nothing yet.
 struct known_type {
     uint32_t part;   // op::part
@@ -34,15 +40,18 @@ struct known_type {
     uint32_t facts;  // see type_facts
 };
 
+struct sequence_parts;
+
 struct builder {
 #define ORLENTA_ARRAY(type, name) growing<type> name;
     ORLENTA_PROGRAM_ARRAYS(ORLENTA_ARRAY)
 #undef ORLENTA_ARRAY
     growing<known_type> known;
-    address_map type_at;   // types[], known[]
-    address_map row_sets;  // row_ranges[], by table constraint if sorted, else by open type
-    bool aligned;          // for ALIGNED PER
-    bool failed;           // memory
+    type_map type_at;
+    address_map row_sets;   // row_ranges[], by table constraint if sorted, else by open type
+    sequence_parts* spare;  // done with, with room for the next
+    bool aligned;           // for ALIGNED PER
+    bool failed;            // memory
 };
 
 // Makes room for `count` more items; false, with `failed` set, without memory.
@@ -129,8 +138,13 @@ inline op plain_op(op_kind kind, uint32_t offset, uint32_t presence, uint32_t ty
 // The op of a value at `offset` of its record.
 op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence);
 
+// The same, of a leaf.
+op leaf_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence, const leaf_form& form);
+
 // The same, where a SEQUENCE of nothing but leaves is one group.
 op make_fused_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence);
+
+void free_spare_parts(builder* b);
 
 // Indices of parts. Each type has one, open types apart: their keys lie in the record around them.
 uint32_t sequence_part(builder* b, uint32_t type);

@@ -163,20 +163,23 @@ static void set_indirect(builder* b, op* made, const asn1_type_desc* type) {
 
 // ---- any type -------------------------------------------------------------------------------------------------
 
+op leaf_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence,
+           const leaf_form& form) {
+    op made = plain_op(form.aligned ? kAlignedLeaf : kLeaf, offset, presence, type_index(b, type));
+    made.width = static_cast<uint8_t>(form.width);
+    made.low = form.low;
+    made.range = form.range;
+    made.extensible = form.extensible;
+    made.count = static_cast<uint8_t>(form.width == 0 ? 255 : kWindowBits / form.width);
+    return made;
+}
+
 op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence) {
     type = behind_tags(type);
+    leaf_form form = leaf_of(b->aligned, type);
+    if (form.is_leaf) return leaf_op(b, type, offset, presence, form);
     op made = plain_op(kWalker, offset, presence, type_index(b, type));
     if (b->failed) return made;
-    leaf_form form = leaf_of(b->aligned, type);
-    if (form.is_leaf) {
-        made.kind = form.aligned ? kAlignedLeaf : kLeaf;
-        made.width = static_cast<uint8_t>(form.width);
-        made.low = form.low;
-        made.range = form.range;
-        made.extensible = form.extensible;
-        made.count = static_cast<uint8_t>(form.width == 0 ? 255 : kWindowBits / form.width);
-        return made;
-    }
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET:

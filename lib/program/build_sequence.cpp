@@ -26,9 +26,13 @@ struct open_group {
     span room;
 };
 
+}  // namespace
+
+// What a SEQUENCE is put together from.
 struct sequence_parts {
     builder* b;
-    bool in_head;  // the group is the head of a variant
+    sequence_parts* next;  // among those to spare
+    bool in_head;          // the group is the head of a variant
     variant head;
     open_group group;
     growing<op> ops, additions, releases;
@@ -39,13 +43,33 @@ struct sequence_parts {
     growing<variant> variants;
 };
 
-}  // namespace
-
 static void free_group(open_group* group) {
     asn1_free(group->gates.items);
     asn1_free(group->leaves.items);
     asn1_free(group->ops.items);
     asn1_free(group->options.items);
+}
+
+// Parts without anything in them; null without memory. They come back by give_back().
+static sequence_parts* take_parts(builder* b) {
+    sequence_parts* parts = b->spare;
+    if (parts) {
+        b->spare = parts->next;
+    } else {
+        parts = static_cast<sequence_parts*>(asn1_mallocz(sizeof(sequence_parts)));
+        b->failed |= !parts;
+    }
+    if (parts) parts->b = b;
+    return parts;
+}
+
+static void give_back(sequence_parts* parts) {
+    parts->in_head = false;
+    parts->ops.count = parts->additions.count = parts->releases.count = 0;
+    parts->options.count = parts->addition_options.count = parts->option_places.count = 0;
+    parts->units.count = parts->flags.count = parts->variants.count = 0;
+    parts->next = parts->b->spare;
+    parts->b->spare = parts;
 }
 
 static void free_parts(sequence_parts* parts) {
@@ -59,6 +83,14 @@ static void free_parts(sequence_parts* parts) {
     asn1_free(parts->units.items);
     asn1_free(parts->flags.items);
     asn1_free(parts->variants.items);
+    asn1_free(parts);
+}
+
+void free_spare_parts(builder* b) {
+    while (sequence_parts* parts = b->spare) {
+        b->spare = parts->next;
+        free_parts(parts);
+    }
 }
 
 static bool is_record(const asn1_type_desc* type) {
@@ -108,14 +140,19 @@ static void add_leaf(builder* b, open_group* group, growing<leaf>* to, uint32_t 
     add(b, to, {offset << 8 | shift, form.low, form.range, mask});
 }
 
+static uint32_t add_leaves(builder* b, const open_group& group) {
+    uint32_t first = add_all(b, &b->leaves, group.gates.items, group.gates.count);
+    add_all(b, &b->leaves, group.leaves.items, group.leaves.count);
+    return first;
+}
+
 // The op of a group that is complete.
 static op finish_group(builder* b, const open_group* group, uint32_t presence) {
     op made = plain_op(group->room.aligned ? kAlignedGroup : kGroup, 0, presence, 0);
     made.width = static_cast<uint8_t>(group->room.width);
     made.count = static_cast<uint8_t>(group->room.leaves);
     made.gates = static_cast<uint8_t>(group->gates.count);
-    made.part = add_all(b, &b->leaves, group->gates.items, group->gates.count);
-    add_all(b, &b->leaves, group->leaves.items, group->leaves.count);
+    made.part = add_leaves(b, *group);
     made.low = static_cast<uint32_t>(b->groups.count);
     add(b, &b->groups,
         {add_all(b, &b->ops, group->ops.items, group->ops.count), static_cast<uint32_t>(group->ops.count),
@@ -125,16 +162,14 @@ static op finish_group(builder* b, const open_group* group, uint32_t presence) {
 }
 
 static void finish_head(sequence_parts* parts) {
-    op made = finish_group(parts->b, &parts->group, kNone);
-    parts->head.leaves = made.part;
-    parts->head.width = made.width;
-    parts->head.count = made.count;
-    parts->head.gates = made.gates;
-    if (!parts->b->failed) {
-        const group& made_of = parts->b->groups.items[made.low];
-        parts->head.options = made_of.options;
-        parts->head.option_count = made_of.option_count;
-    }
+    const open_group& group = parts->group;
+    variant* head = &parts->head;
+    head->leaves = add_leaves(parts->b, group);
+    head->width = static_cast<uint8_t>(group.room.width);
+    head->count = static_cast<uint8_t>(group.room.leaves);
+    head->gates = static_cast<uint8_t>(group.gates.count);
+    head->options = add_all(parts->b, &parts->b->options, group.options.items, group.options.count);
+    head->option_count = static_cast<uint32_t>(group.options.count);
     parts->in_head = false;
 }
 
@@ -272,13 +307,13 @@ static void add_mandatory(sequence_parts* parts, const asn1_type_desc* record, c
     if (form.is_leaf && offset < kMaxOffset) {
         span room = parts->group.room;
         if (!extend(&room, form)) close_group(parts);
-        add(b, &parts->group.ops, make_op(b, type, offset, kNone));
+        if (!parts->in_head) add(b, &parts->group.ops, leaf_op(b, type, offset, kNone, form));
         add_leaf(b, &parts->group, &parts->group.leaves, offset, form);
     } else if (is_record(type) && !is_extensible(type) && !has_options(type) &&
                !facts_of(b, type).needs_frame) {
         add_root(parts, type, offset);
     } else if (make_room_for_record(parts, type, offset)) {
-        add(b, &parts->group.ops, make_op(b, type, offset, kNone));
+        if (!parts->in_head) add(b, &parts->group.ops, make_op(b, type, offset, kNone));
         add_flat(b, &parts->group, type, offset);
     } else {
         close_group(parts);
@@ -467,20 +502,20 @@ uint32_t sequence_part(builder* b, uint32_t type_at) {
     if (b->failed) return 0;
     b->sequences.items[part].variants = kNone;
     bool supported = is_supported(type);
-    sequence_parts parts = {};
-    parts.b = b;
+    sequence_parts* parts = take_parts(b);
+    if (!parts) return 0;
     if (supported) {
-        add_root(&parts, type, 0);
-        close_group(&parts);
-        add_additions(&parts, type);
-        add_releases(&parts, type, 0);
-        supported = parts.ops.count <= kMaxOps;
+        add_root(parts, type, 0);
+        close_group(parts);
+        add_additions(parts, type);
+        add_releases(parts, type, 0);
+        supported = parts->ops.count <= kMaxOps;
     }
     if (!b->failed) {
-        sequence made = supported ? finish_sequence(&parts, type) : make_walkers_sequence(b, type);
+        sequence made = supported ? finish_sequence(parts, type) : make_walkers_sequence(b, type);
         b->sequences.items[part] = made;
     }
-    free_parts(&parts);
+    give_back(parts);
     return part;
 }
 

@@ -7,8 +7,12 @@ namespace orlenta::program {
 
 // ---- the map ------------------------------------------------------------------------------------------------
 
+static uint64_t hash_of(const asn1_word* key) {
+    return (reinterpret_cast<uintptr_t>(key) * UINT64_C(0x9E3779B97F4A7C15)) >> 32;
+}
+
 static map_entry* slot_of(const address_map& map, const asn1_word* key) {
-    uint64_t hash = (reinterpret_cast<uintptr_t>(key) * UINT64_C(0x9E3779B97F4A7C15)) >> 32;
+    uint64_t hash = hash_of(key);
     for (;; ++hash) {
         map_entry* entry = &map.entries[hash & (map.size - 1)];
         if (!entry->key || entry->key == key) return entry;
@@ -42,14 +46,34 @@ void put(builder* b, address_map* map, const asn1_word* key, uint32_t value) {
     ++map->count;
 }
 
+static uint32_t* slot_of_type(const builder* b, const asn1_type_desc* type) {
+    const type_map& map = b->type_at;
+    for (uint64_t hash = hash_of(type);; ++hash) {
+        uint32_t* slot = &map.slots[hash & (map.size - 1)];
+        if (*slot == 0 || b->types.items[*slot - 1] == type) return slot;
+    }
+}
+
+static bool grow_type_map(builder* b) {
+    uint64_t size = b->type_at.size == 0 ? 128 : b->type_at.size * 4;
+    uint32_t* slots = static_cast<uint32_t*>(asn1_mallocz(size * sizeof(uint32_t)));
+    if (!slots) return false;
+    asn1_free(b->type_at.slots);
+    b->type_at = {slots, size};
+    for (uint32_t i = 0; i < b->types.count; ++i) *slot_of_type(b, b->types.items[i]) = i + 1;
+    return true;
+}
+
 uint32_t type_index(builder* b, const asn1_type_desc* type) {
-    uint32_t index = find(b->type_at, type);
-    if (index != kNone) return index;
-    index = static_cast<uint32_t>(b->types.count);
+    if (b->types.count * 2 >= b->type_at.size && !grow_type_map(b)) b->failed = true;
+    if (b->failed) return 0;
+    uint32_t* slot = slot_of_type(b, type);
+    if (*slot != 0) return *slot - 1;
     add(b, &b->types, type);
     add(b, &b->known, {kNone, kNone, kNone});
-    put(b, &b->type_at, type, index);
-    return index;
+    if (b->failed) return 0;
+    *slot = static_cast<uint32_t>(b->types.count);
+    return *slot - 1;
 }
 
 // ---- facts --------------------------------------------------------------------------------------------------
@@ -87,14 +111,14 @@ static uint32_t find_facts_anew(builder* b, const asn1_type_desc* type) {
         case ASN1_KIND_SEQUENCE_OF:
         case ASN1_KIND_SET_OF: return kOwns | find_facts(b, list_of(type).element, nullptr);
         case ASN1_KIND_TAGGED: return kOwns | find_facts(b, tagged_inner(type), nullptr);
-        default: return is_flat(type) ? 0 : kOwns;
+        default: return kOwns;
     }
 }
 
 static uint32_t find_facts(builder* b, const asn1_type_desc* type, const asn1_type_desc* enclosing) {
     type = behind_tags(type);
     if (kind_of(type) == ASN1_KIND_ANY) return facts_of_open_type(type, enclosing);
-    if (leaf_of(b->aligned, type).is_leaf) return 0;
+    if (is_flat(type)) return 0;
     uint32_t index = type_index(b, type);
     if (b->failed) return 0;
     if (b->known.items[index].facts != kNone) return b->known.items[index].facts;
