@@ -36,7 +36,12 @@ static void move_arrays(builder* b, uint8_t* block, program* to) {
 #undef ORLENTA_ARRAY
 }
 
-static void free_arrays(builder* b) {
+void begin_builder(builder* b, rule rule) {
+    b->aligned = rule == kAligned;
+    reserve_item(b, &b->row_ranges);  // the set of no rows
+}
+
+void free_builder(builder* b) {
 #define ORLENTA_ARRAY(type, name) asn1_free(b->name.items);
     ORLENTA_PROGRAM_ARRAYS(ORLENTA_ARRAY)
 #undef ORLENTA_ARRAY
@@ -47,32 +52,34 @@ static void free_arrays(builder* b) {
 }
 
 static const rule_program* finish_program(builder* b, uint32_t root) {
-    uint64_t head = padded(sizeof(rule_program));
+    uint64_t head = padded(sizeof(rule_program)) + padded(sizeof(program));
     uint8_t* block = static_cast<uint8_t*>(asn1_malloc(head + total_size(*b)));
     if (!block) return nullptr;
     rule_program* made = reinterpret_cast<rule_program*>(block);
-    made->root = root;
-    move_arrays(b, block + head, &made->code);
+    program* code = reinterpret_cast<program*>(block + padded(sizeof(rule_program)));
+    *made = {root, code};
+    move_arrays(b, block + head, code);
     return made;
 }
 
 const rule_program* build_program(const asn1_type_desc* type, rule rule) {
     builder b = {};
-    b.aligned = rule == kAligned;
-    reserve_item(&b, &b.row_ranges);  // the set of no rows
+    begin_builder(&b, rule);
     uint32_t root = whole_op(&b, type);
     const rule_program* made = b.failed ? nullptr : finish_program(&b, root);
-    free_arrays(&b);
+    free_builder(&b);
     return made;
 }
 
 static void free_program(const rule_program* made) { asn1_free(const_cast<rule_program*>(made)); }
 
 const rule_program* make_program(const orlenta_codec* codec, rule rule) {
+    if (codec->is_constant) return nullptr;
     const rule_program* made = build_program(codec->type, rule);
     const rule_program* first = nullptr;
-    if (!made || __atomic_compare_exchange_n(&codec->programs[rule], &first, made, false, __ATOMIC_ACQ_REL,
-                                             __ATOMIC_ACQUIRE)) {
+    auto* place = const_cast<const rule_program**>(&codec->programs[rule]);
+    if (!made ||
+        __atomic_compare_exchange_n(place, &first, made, false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE)) {
         return made;
     }
     free_program(made);  // another thread was faster
@@ -87,6 +94,7 @@ orlenta_codec* orlenta_codec_new(const asn1_type_desc* type) {
     if (orlenta::kind_of(type) > ASN1_KIND_ANY) return nullptr;  // no values
     orlenta_codec* codec = static_cast<orlenta_codec*>(asn1_mallocz(sizeof(orlenta_codec)));
     if (!codec) return nullptr;
+    codec->format = kFormat;
     codec->type = type;
     codec->record_size = static_cast<uint64_t>(asn1_get_size(type));
     if (make_program(codec, kUnaligned)) return codec;

@@ -102,6 +102,11 @@ void put(builder* b, address_map* map, const asn1_word* key, uint32_t value);
 // Index of a type in types[] and known[]. It stays, but what is known may move with every new type.
 uint32_t type_index(builder* b, const asn1_type_desc* type);
 
+// Makes a builder of zeros ready for types; whole_op() adds one.
+void begin_builder(builder* b, rule rule);
+// Releases all arrays.
+void free_builder(builder* b);
+
 // ---- what is asked of a type --------------------------------------------------------------------------------
 
 struct type_facts {

@@ -12,6 +12,10 @@
 
 namespace orlenta::program {
 
+// Raised with any change of what follows here: programs in constant tables may come from another orlentac than the one
+// of this library, and are then passed over.
+constexpr uint32_t kFormat = 1;
+
 // Each set of encoding rules has a program of its own.
 enum rule : uint8_t { kUnaligned, kAligned, kRuleCount };
 
@@ -62,7 +66,7 @@ struct op {
     uint32_t type;       // types[]: the descriptor, behind tags
     uint8_t extensible;  // leaf, length or index: the top bit of the field is an extension bit
     uint8_t alignment;   // of a length: kAlignLength, kAlignContents
-    uint8_t spare[2];
+    uint16_t spare;
 };
 static_assert(sizeof(op) == 32);
 

@@ -844,7 +844,7 @@ static decode_result run_decode(const orlenta_codec* codec, rule rule, orlenta_a
     decoder d;
     per::short_input room;
     d.source = per::begin_source(data, size, &room);
-    d.code = &code->code;
+    d.code = code->code;
     d.frames = nullptr;
     d.stack = begin_stack();
     d.memory = begin_decode_memory(size);
@@ -853,7 +853,7 @@ static decode_result run_decode(const orlenta_codec* codec, rule rule, orlenta_a
     uint64_t allowed = d.memory.left;
     *out = take_outermost(&d, codec->record_size);
     if (!*out) return {kOutOfMemory, 0, 0, false, 0};
-    const op* root = &code->code.ops[code->root];
+    const op* root = &code->code->ops[code->root];
     bit_position position = decode_op(&d, root, static_cast<uint8_t*>(*out), 0);
     if (__builtin_expect(!is_failure(position), 1)) return {kDone, position, 0, true, d.walker_pieces};
     if (!arena) orlenta_free_value(codec, *out);

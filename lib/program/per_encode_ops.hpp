@@ -529,10 +529,10 @@ static encode_result run_encode(const orlenta_codec* codec, rule rule, uint8_t**
     if (!code) return {false, 0, 0};
     encoder e;
     e.sink = {};
-    e.code = &code->code;
+    e.code = code->code;
     e.stack = begin_stack();
     e.walker_pieces = 0;
-    const op* root = &code->code.ops[code->root];
+    const op* root = &code->code->ops[code->root];
     bool is_done = encode_op(&e, root, static_cast<const uint8_t*>(value));
     if (is_done && bits_written(e.sink) == 0) put(&e, 8, 0);  // X.691 clause 11.1
     is_done = is_done && flush(&e.sink) == 0;

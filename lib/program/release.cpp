@@ -120,8 +120,8 @@ using namespace orlenta::program;
 
 void orlenta_free_value(const orlenta_codec* codec, void* value) {
     if (!value) return;
-    const rule_program* code = codec->programs[kUnaligned];
-    releaser r = {&code->code, orlenta::begin_stack()};
-    release_op(&r, &code->code.ops[code->root], static_cast<uint8_t*>(value));
+    const rule_program* code = program_for(codec, kUnaligned);
+    releaser r = {code->code, orlenta::begin_stack()};
+    release_op(&r, &code->code->ops[code->root], static_cast<uint8_t*>(value));
     asn1_free(value);
 }
