@@ -9,6 +9,13 @@ if(TARGET orlenta_cli)
     install(TARGETS orlenta_cli)
 endif()
 
+# What orlentac's programs are written against: no interface, and good for the library of the same installation alone.
+set(internal_dir ${CMAKE_INSTALL_INCLUDEDIR}/orlenta/internal)
+foreach(header core/descriptor.hpp entry/index.hpp per/bit_source.hpp program/codec.hpp program/format.hpp)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES ${PROJECT_SOURCE_DIR}/lib/${header} DESTINATION ${internal_dir}/${folder})
+endforeach()
+
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orlenta)
 # A compiler that runs on the build machine alone is of no use where the library goes.
 if(TARGET orlentac AND NOT ORLENTA_HOST_ORLENTAC)
@@ -16,7 +23,7 @@ if(TARGET orlentac AND NOT ORLENTA_HOST_ORLENTAC)
 endif()
 install(EXPORT orlentaTargets NAMESPACE orlenta:: DESTINATION ${package_dir})
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/orlentaConfig.cmake.in
-    ${PROJECT_BINARY_DIR}/orlentaConfig.cmake INSTALL_DESTINATION ${package_dir})
+    ${PROJECT_BINARY_DIR}/orlentaConfig.cmake INSTALL_DESTINATION ${package_dir} PATH_VARS internal_dir)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/orlentaConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/orlentaConfig.cmake ${PROJECT_BINARY_DIR}/orlentaConfigVersion.cmake
     DESTINATION ${package_dir})

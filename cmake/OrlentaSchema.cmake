@@ -15,9 +15,15 @@ function(orlenta_region name)
     set(target orlenta_tables_${folder})
     orlenta_add_schema(${target} REGION ${name} FILES ${modules}
         HEADER orlenta/${folder}.h INCLUDE_DIR ${PROJECT_BINARY_DIR}/include
-        PARTS ${arg_PARTS} FIRST_LOCAL ${arg_FIRST_LOCAL} OBJECT SHIPPED_FORMS)
-    orlenta_library_options(${target})
-    set_property(GLOBAL APPEND PROPERTY ORLENTA_TABLE_OBJECTS ${target})
+        PARTS ${arg_PARTS} FIRST_LOCAL ${arg_FIRST_LOCAL} OBJECT SHIPPED_FORMS
+        PROGRAMS common single PROGRAM_LIST ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/programs.list)
+    foreach(objects ${target} ${target}_common ${target}_single ${target}_index)
+        orlenta_library_options(${objects})
+    endforeach()
+    # The shared library has all programs anyhow, so they are one; of the static one a program takes what it names.
+    set_property(GLOBAL APPEND PROPERTY ORLENTA_TABLE_OBJECTS ${target} ${target}_index)
+    set_property(GLOBAL APPEND PROPERTY ORLENTA_SHARED_PROGRAMS ${target}_common)
+    set_property(GLOBAL APPEND PROPERTY ORLENTA_STATIC_PROGRAMS ${target}_single)
     orlenta_list_tables(orlenta_catalogue ${name} SHIPPED_FORMS FIRST_LOCAL ${arg_FIRST_LOCAL} FILES ${modules})
 endfunction()
 

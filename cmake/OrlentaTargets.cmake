@@ -83,18 +83,27 @@ endfunction()
 # orlenta (shared) and orlenta_static, from one set of objects.
 function(orlenta_make_libraries)
     get_property(tables GLOBAL PROPERTY ORLENTA_TABLE_OBJECTS)
+    get_property(shared_programs GLOBAL PROPERTY ORLENTA_SHARED_PROGRAMS)
+    get_property(static_programs GLOBAL PROPERTY ORLENTA_STATIC_PROGRAMS)
     set(objects $<TARGET_OBJECTS:orlenta_objects>)
     foreach(table IN LISTS tables)
         list(APPEND objects $<TARGET_OBJECTS:${table}>)
     endforeach()
+    list(TRANSFORM shared_programs REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>")
+    list(TRANSFORM static_programs REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>")
 
     # The version's first number changes with the layout of any table: a program may hold copies of the tables that
     # it names, made by the loader, and these have the size that the program was linked with.
-    add_library(orlenta SHARED ${objects})
+    add_library(orlenta SHARED ${objects} ${shared_programs})
     set_target_properties(orlenta PROPERTIES SOVERSION 1 VERSION ${PROJECT_VERSION})
     orlenta_shared_link_options(orlenta)
+    # Second names of tables, by which programs refer to them, have no use once they are linked.
+    if(CMAKE_OBJCOPY)
+        add_custom_command(TARGET orlenta POST_BUILD VERBATIM
+            COMMAND ${CMAKE_OBJCOPY} --wildcard --strip-symbol=orlenta_own_* $<TARGET_FILE:orlenta>)
+    endif()
 
-    add_library(orlenta_static STATIC ${objects})
+    add_library(orlenta_static STATIC ${objects} ${static_programs})
     set_target_properties(orlenta_static PROPERTIES OUTPUT_NAME orlenta LINKER_LANGUAGE C)
     target_link_libraries(orlenta_static PUBLIC m)
 

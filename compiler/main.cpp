@@ -15,11 +15,13 @@
 
 #include "compiler/emit/catalogue.hpp"
 #include "compiler/emit/header.hpp"
+#include "compiler/emit/programs.hpp"
 #include "compiler/emit/summary.hpp"
 #include "compiler/emit/tables.hpp"
 #include "compiler/frontend.hpp"
 #include "compiler/layout/layout.hpp"
 #include "compiler/model/diagnostics.hpp"
+#include "compiler/programs/coded_types.hpp"
 
 namespace fs = std::filesystem;
 using namespace orlentac;
@@ -37,6 +39,8 @@ struct Options {
     std::string include_name;
     std::string list;
     std::string names = "short";
+    std::vector<std::string> programs;
+    std::string program_list;
     size_t parts = 1;
     bool summary = false;
     std::vector<std::string> modules;
@@ -95,6 +99,19 @@ void declare_options(CLI::App& app, Options& options) {
            "always, so that a module added later renames nothing")
         ->check(CLI::IsMember({"short", "module"}))
         ->capture_default_str();
+    app.add_option("-P,--programs", options.programs,
+                   "Compile types to programs, which the library runs in place of walking the tables: "
+                   "'common' makes one "
+                   "for all, for programs that use many of them, 'single' one a type, for those that name a "
+                   "few. With "
+                   "--header, <header>_codecs.h declares them")
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember({"common", "single"}));
+    app.add_option("-L,--program-list", options.program_list,
+                   "File of the types that get programs: a type a line, Type.* for its alternatives, 'roots' "
+                   "for types "
+                   "that no other refers to, 'rows' for those in object sets; without it, roots and rows")
+        ->needs("--programs");
     // As the message sets of the library stand; of no use to others.
     app.add_flag("--shipped-forms", options.schema.shipped_forms)->group("");
     app.add_flag("-s,--summary", options.summary, "Print how many tables there are of each sort and kind");
@@ -178,24 +195,59 @@ std::string lower(std::string text) {
     return text;
 }
 
-std::vector<OutputFile> output_files(const Layout& layout, const Options& options) {
+bool has_programs(const Options& options, const char* sort) {
+    for (const std::string& chosen : options.programs)
+        if (chosen == sort) return true;
+    return false;
+}
+
+void add_program_files(std::vector<OutputFile>& files, const CodedRegion& region, const Options& options,
+                       const std::string& stem) {
+    if (has_programs(options, "common"))
+        files.push_back({stem + "_program.cpp", emit_common_program(region)});
+    if (has_programs(options, "single")) {
+        std::vector<std::string> programs = emit_single_programs(region, options.parts);
+        for (size_t i = 0; i < programs.size(); i++)
+            files.push_back({fmt::format("{}_programs_{}.cpp", stem, i + 1), programs[i]});
+    }
+    files.push_back({stem + "_index.cpp", emit_index(region, !options.schema.shipped_forms)});
+}
+
+// `region` is null if no types get programs.
+std::vector<OutputFile> output_files(const Layout& layout, const CodedRegion* region,
+                                     const Options& options) {
     std::vector<OutputFile> files;
     std::string include_name = options.include_name;
     if (include_name.empty()) include_name = fs::path(options.header).filename().string();
     if (!options.header.empty()) {
         files.push_back({options.header, emit_header(layout, include_name)});
         files.push_back({local_header_name(options.header), emit_local_header(layout, include_name)});
+        if (region)
+            files.push_back({codecs_header_name(options.header), emit_codecs_header(*region, include_name)});
     }
     if (!options.list.empty()) files.push_back({options.list, emit_catalogue(layout)});
     if (options.tables_dir.empty()) return files;
 
     std::string stem = options.tables_dir + "/" + lower(layout.region);
-    std::vector<std::string> tables = emit_tables(layout, options.parts);
+    bool needs_own = region && has_programs(options, "common");
+    std::vector<std::string> tables = emit_tables(
+        layout, options.parts, needs_own ? own_tables(*region) : std::unordered_set<const Table*>());
     for (size_t i = 0; i < tables.size(); i++)
         files.push_back({fmt::format("{}_tables_{}.cpp", stem, i + 1), tables[i]});
     if (!options.header.empty())
         files.push_back({stem + "_records.cpp", emit_record_checks(layout, include_name)});
+    if (region) add_program_files(files, *region, options, stem);
     return files;
+}
+
+// The list of the types that get programs, if there is one; `lists` is where it stays.
+bool read_list(const Options& options, std::vector<SourceText>& lists, Diagnostics& diags) {
+    return options.program_list.empty() || read_sources({options.program_list}, lists, diags);
+}
+
+int report_errors(const Diagnostics& diags) {
+    std::cerr << errors_text(diags);
+    return kSchemaError;
 }
 
 int run(const Options& options) {
@@ -205,13 +257,17 @@ int run(const Options& options) {
     std::vector<SourceText> sources;
     if (!read_sources(options.modules, sources, diags) ||
         !load_schema(sources, options.schema, schema, diags) ||
-        !make_layout(schema, options.layout, layout, diags)) {
-        std::cerr << errors_text(diags);
-        return kSchemaError;
-    }
+        !make_layout(schema, options.layout, layout, diags))
+        return report_errors(diags);
+    std::optional<CodedRegion> region;
+    std::vector<SourceText> lists;
+    if (!options.programs.empty() && read_list(options, lists, diags))
+        region.emplace(
+            make_coded_region(layout, find_coded_types(layout, lists.empty() ? nullptr : &lists[0], diags)));
+    if (!diags.errors.empty()) return report_errors(diags);
     std::cerr << notes_text(diags);
     std::string problem;
-    if (!write_files(output_files(layout, options), problem)) {
+    if (!write_files(output_files(layout, region ? &*region : nullptr, options), problem)) {
         std::cerr << "orlentac: " << problem << "\n";
         return kSchemaError;
     }

@@ -288,21 +288,21 @@ void put_manual(Writer& writer, const std::string& header) {
     put(writer, " */\n");
 }
 
-std::string guard_of(const std::string& header) {
+}  // namespace
+
+std::string header_guard(const std::string& header) {
     std::string guard;
     for (char c : header)
         guard += std::isalnum(static_cast<unsigned char>(c)) ? static_cast<char>(std::toupper(c)) : '_';
     return guard;
 }
 
-}  // namespace
-
 std::string emit_header(const Layout& layout, const std::string& header) {
     Writer writer = {layout, {}, {}, {}};
     for (const Table* table : layout.tables)
         if (has_record(*table)) writer.names.insert(record_name(*table));
     for (const Alias& alias : layout.aliases) writer.names.insert("asn1_" + layout.region + "_" + alias.name);
-    std::string guard = guard_of(header);
+    std::string guard = header_guard(header);
     put_manual(writer, header);
     put(writer,
         "#ifndef {0}\n#define {0}\n\n"
@@ -317,12 +317,13 @@ std::string emit_header(const Layout& layout, const std::string& header) {
     return writer.out;
 }
 
-// orlenta/us.h is orlenta/us_local.h.
-std::string local_header_name(const std::string& header) {
+std::string header_beside(const std::string& header, const char* suffix) {
     size_t stem = header.find_last_of("/.");
     if (stem == std::string::npos || header[stem] == '/') stem = header.size();
-    return header.substr(0, stem) + "_local" + header.substr(stem);
+    return header.substr(0, stem) + suffix + header.substr(stem);
 }
+
+std::string local_header_name(const std::string& header) { return header_beside(header, "_local"); }
 
 std::string emit_local_header(const Layout& layout, const std::string& header) {
     Writer writer = {layout, {}, {}, {}};
@@ -335,7 +336,7 @@ std::string emit_local_header(const Layout& layout, const std::string& header) {
         "#ifndef {0}\n#define {0}\n\n"
         "#include <orlenta/type.h>\n\n"
         "#ifdef __cplusplus\nextern \"C\" {{\n#endif\n",
-        guard_of(local_header_name(header)));
+        header_guard(local_header_name(header)));
     put_descriptors(writer, "descriptors in place", Table::Class::anonymous);
     put(writer, "\n#ifdef __cplusplus\n}}\n#endif\n\n#endif\n");
     return writer.out;

@@ -14,4 +14,8 @@ std::string emit_header(const Layout& layout, const std::string& header);
 std::string local_header_name(const std::string& header);
 std::string emit_local_header(const Layout& layout, const std::string& header);
 
+// orlenta/us.h and _local are orlenta/us_local.h.
+std::string header_beside(const std::string& header, const char* suffix);
+std::string header_guard(const std::string& header);
+
 }  // namespace orlentac

@@ -122,7 +122,21 @@ void collect_tables(std::set<std::string>& names, const std::vector<Word>& words
             names.insert(fmt::format("asn1_type_{}[{}]", word.table->symbol, word.table->words.size()));
 }
 
-Text file_text(const Layout& layout, const Table* const* begin, const Table* const* end) {
+// Second names, of which the linker lets none refer to another module's table.
+void put_own_names(Text& out, const Table* const* begin, const Table* const* end,
+                   const std::unordered_set<const Table*>& own) {
+    out += "\nextern \"C\" {\n";
+    for (auto table = begin; table != end; table++)
+        if (own.contains(*table))
+            put(out,
+                "[[gnu::alias(\"asn1_type_{}\"), gnu::visibility(\"hidden\")]] extern const asn1_type_desc "
+                "{}[{}];\n",
+                (*table)->symbol, own_name(**table), (*table)->words.size());
+    out += "}\n";
+}
+
+Text file_text(const Layout& layout, const Table* const* begin, const Table* const* end,
+               const std::unordered_set<const Table*>& own) {
     Text out = fmt::format(
         "// Tables of the region {}. Made by orlentac; not to be edited.\n"
         "#include <orlenta/integer.h>\n"
@@ -146,12 +160,16 @@ Text file_text(const Layout& layout, const Table* const* begin, const Table* con
             (*table)->words.size());
         put_words(out, (*table)->words);
     }
+    put_own_names(out, begin, end, own);
     return out;
 }
 
 }  // namespace
 
-std::vector<std::string> emit_tables(const Layout& layout, size_t parts) {
+std::string own_name(const Table& table) { return "orlenta_own_" + table.symbol; }
+
+std::vector<std::string> emit_tables(const Layout& layout, size_t parts,
+                                     const std::unordered_set<const Table*>& own) {
     size_t total = 0;
     for (const Table* table : layout.tables) total += table->words.size();
     std::vector<std::string> files;
@@ -159,7 +177,7 @@ std::vector<std::string> emit_tables(const Layout& layout, size_t parts) {
     for (size_t part = 1; part <= parts; part++) {
         while (end < layout.tables.size() && (words < total * part / parts || part == parts))
             words += layout.tables[end++]->words.size();
-        files.push_back(file_text(layout, layout.tables.data() + begin, layout.tables.data() + end));
+        files.push_back(file_text(layout, layout.tables.data() + begin, layout.tables.data() + end, own));
         begin = end;
     }
     return files;

@@ -60,7 +60,7 @@ def declared_names(args):
     for header in public_headers(args):
         text = re.sub(r"/\*.*?\*/|^#.*?(?<!\\)$", " ", header.read_text(), flags=re.S | re.M)
         for declaration in re.findall(r"\bORLENTA_API\b([^;{]*)[;{]", text):
-            data = re.search(r"\bextern\b.*?(\w+)\s*\[", declaration, re.S)
+            data = re.search(r"\bextern\b[^(]*?(\w+)\s*(?:\[.*)?$", declaration, re.S)
             function = re.search(r"(\w+)\s*\(", declaration)
             names.add((data or function).group(1))
     return names
