@@ -24,7 +24,12 @@ typedef struct orlenta_codec orlenta_codec;
  * the type has no values. */
 ORLENTA_API orlenta_codec* orlenta_codec_new(const asn1_type_desc* type);
 
-/* Releases a codec; null is allowed. Values outlive it. */
+/* The codec of `type` that is compiled in, if there is one, else null: those of the message sets and of other schemas for
+ * which orlentac has written programs. asn1_uper_decode() and its like look for it by themselves; who decodes into an
+ * arena asks once. It stays for ever, and orlenta_codec_free() is not for it. */
+ORLENTA_API const orlenta_codec* orlenta_codec_find(const asn1_type_desc* type);
+
+/* Releases a codec of orlenta_codec_new; null is allowed. Values outlive it. */
 ORLENTA_API void orlenta_codec_free(orlenta_codec* codec);
 
 /* ---- UNALIGNED PER ----------------------------------------------------------------------------------------*/

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <orlenta/memory.h>
-#include <orlenta/value.h>
 
 #include "core/descriptor.hpp"
+#include "core/stackless.hpp"
 
 namespace orlenta {
 
@@ -14,7 +14,7 @@ inline void free_failed_value(const asn1_type_desc* type, void* value) {
     if (kind_of(type) > ASN1_KIND_ANY) {
         asn1_free(value);
     } else {
-        asn1_free_value(type, value);
+        release_value(begin_stack(), type, value);
     }
 }
 

@@ -233,5 +233,3 @@ void asn1_free_value_struct(const asn1_type_desc* desc, void* value) {
     release_walk walk = {begin_stack(), nullptr, 0, 0, false};
     release_record(&walk, desc, value);
 }
-
-void asn1_free_value(const asn1_type_desc* desc, void* value) { release_value(begin_stack(), desc, value); }

@@ -6,6 +6,7 @@
 #include "core/failed_value.hpp"
 #include "per/decode_type.hpp"
 #include "per/piece.hpp"
+#include "per/walk.hpp"
 
 namespace orlenta::per {
 
@@ -45,7 +46,7 @@ static int decode_to_new_value(asn1_per_decoder* decoder, void** out, const asn1
     return hand_out_error(error, &decoder->error);
 }
 
-static int64_t asn1_per_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,
+int64_t asn1_per_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,
                                int32_t aligned, asn1_error* error) {
     asn1_per_decoder decoder;
     begin(&decoder, data, size);
@@ -86,16 +87,6 @@ static int64_t decode_to_addr(void* value, const asn1_type_desc* type, const uin
 }
 
 }  // namespace orlenta::per
-
-int64_t asn1_uper_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,
-                         asn1_error* error) {
-    return orlenta::per::asn1_per_decode(out, type, data, size, 0, error);
-}
-
-int64_t asn1_aper_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,
-                         asn1_error* error) {
-    return orlenta::per::asn1_per_decode(out, type, data, size, 1, error);
-}
 
 int64_t asn1_uper_decode_ng(void** out, const asn1_type_desc* type, uint32_t start_bit, const uint8_t* data,
                             uint64_t size, asn1_error* error, int32_t* bits) {

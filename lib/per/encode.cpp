@@ -2,6 +2,7 @@
 
 #include "core/error.hpp"
 #include "per/encode_type.hpp"
+#include "per/walk.hpp"
 
 namespace orlenta::per {
 
@@ -29,7 +30,7 @@ static int64_t encode_to_block(asn1_per_encoder* encoder, uint8_t** out, const a
     return hand_out_error(error, &encoder->error);
 }
 
-static int64_t asn1_per_encode(uint8_t** out, const asn1_type_desc* type, const void* value,
+int64_t asn1_per_encode(uint8_t** out, const asn1_type_desc* type, const void* value,
                                asn1_error* error, int32_t aligned) {
     asn1_per_encoder encoder;
     return encode_to_block(&encoder, out, type, value, error, aligned);
@@ -44,22 +45,6 @@ static int64_t encode_counting_bits(uint8_t** out, const asn1_type_desc* type, c
 }
 
 }  // namespace orlenta::per
-
-int64_t asn1_uper_encode(uint8_t** out, const asn1_type_desc* type, const void* value) {
-    return orlenta::per::asn1_per_encode(out, type, value, nullptr, 0);
-}
-
-int64_t asn1_aper_encode(uint8_t** out, const asn1_type_desc* type, const void* value) {
-    return orlenta::per::asn1_per_encode(out, type, value, nullptr, 1);
-}
-
-int64_t asn1_uper_encode2(uint8_t** out, const asn1_type_desc* type, const void* value, asn1_error* error) {
-    return orlenta::per::asn1_per_encode(out, type, value, error, 0);
-}
-
-int64_t asn1_aper_encode2(uint8_t** out, const asn1_type_desc* type, const void* value, asn1_error* error) {
-    return orlenta::per::asn1_per_encode(out, type, value, error, 1);
-}
 
 int64_t asn1_uper_encode2_ng(uint8_t** out, const asn1_type_desc* type, const void* value, asn1_error* error,
                              int32_t* bits) {

@@ -4,7 +4,9 @@
 #include <orlenta/value.h>
 
 #include "core/error.hpp"
+#include "core/stackless.hpp"
 #include "per/piece.hpp"
+#include "per/walk.hpp"
 #include "program/arena.hpp"
 #include "program/per_decode.hpp"
 #include "program/per_encode.hpp"
@@ -24,8 +26,7 @@ static decode_result run_decode(rule rule, const orlenta_codec* codec, orlenta_a
 
 static int64_t decode_by_walker(rule rule, const orlenta_codec* codec, void** out, const uint8_t* data,
                                 uint64_t size, asn1_error* error) {
-    if (rule == kAligned) return asn1_aper_decode(out, codec->type, data, size, error);
-    return asn1_uper_decode(out, codec->type, data, size, error);
+    return per::asn1_per_decode(out, codec->type, data, size, rule == kAligned, error);
 }
 
 // The walker comes to the same block when it may hold no more than the program did, and fails there.
@@ -54,7 +55,7 @@ static int64_t decode_into_heap(const decode_result& result, rule rule, const or
     int64_t used = decode_otherwise(result, rule, codec, &value, data, size, error);
     if (used < 0) return -1;
     if (!adopt(arena, codec->type, value)) {
-        asn1_free_value(codec->type, value);
+        release_value(begin_stack(), codec->type, value);
         if (error) report_no_record(error);
         return -1;
     }
@@ -116,12 +117,12 @@ int64_t orlenta_uper_encode2(const orlenta_codec* codec, uint8_t** out, const vo
                              asn1_error* error) {
     encode_result result = run_uper_encode(codec, out, value);
     if (__builtin_expect(result.is_done, 1)) return static_cast<int64_t>(result.octets);
-    return asn1_uper_encode2(out, codec->type, value, error);
+    return orlenta::per::asn1_per_encode(out, codec->type, value, error, 0);
 }
 
 int64_t orlenta_aper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,
                              asn1_error* error) {
     encode_result result = run_aper_encode(codec, out, value);
     if (__builtin_expect(result.is_done, 1)) return static_cast<int64_t>(result.octets);
-    return asn1_aper_encode2(out, codec->type, value, error);
+    return orlenta::per::asn1_per_encode(out, codec->type, value, error, 1);
 }

@@ -2,7 +2,7 @@
 #include <orlenta/memory.h>
 #include <orlenta/value.h>
 
-#include "core/stack.hpp"
+#include "core/stackless.hpp"
 #include "program/codec.hpp"
 
 namespace orlenta::program {
@@ -61,7 +61,7 @@ WARM void release_open_type(releaser* r, const op* o, asn1_open_value* open) {
         const open_type_row* row = &r->code->rows[range.first];
         const open_type_row* end = row + range.count;
         while (row != end && r->code->types[row->type] != open->type) ++row;
-        if (row == end) return asn1_free_value(open->type, open->data);
+        if (row == end) return release_value(r->stack, open->type, open->data);
         release_op(r, &r->code->ops[row->op], static_cast<uint8_t*>(open->data));
     }
     asn1_free(open->data);
@@ -121,6 +121,7 @@ using namespace orlenta::program;
 void orlenta_free_value(const orlenta_codec* codec, void* value) {
     if (!value) return;
     const rule_program* code = program_for(codec, kUnaligned);
+    if (!code) return orlenta::release_value(orlenta::begin_stack(), codec->type, value);
     releaser r = {code->code, orlenta::begin_stack()};
     release_op(&r, &code->code->ops[code->root], static_cast<uint8_t*>(value));
     asn1_free(value);

@@ -5,6 +5,10 @@
 #include <orlenta/random.h>
 #include <orlenta/value.h>
 
+#include "core/stackless.hpp"
+
+#include "core/stackless.hpp"
+
 namespace orlenta::random {
 
 // -1: the value can't end.
@@ -176,7 +180,7 @@ void* asn1_random(const asn1_type_desc* type, uint32_t seed) {
     asn1_random_type(&params, type, value);
     asn1_free(state);
     if (!params.is_refused) return value;
-    asn1_free_value(type, value);
+    orlenta::release_value(orlenta::begin_stack(), type, value);
     return nullptr;
 }
 

@@ -161,7 +161,10 @@ END
 """
 OWN_PROGRAM = """
 #include <my.h>
+#include <my_codecs.h>
 #include <my_local.h>
+#include <other.h>
+#include <other_codecs.h>
 #include <orlenta/per.h>
 #include <orlenta/value.h>
 #include <stdio.h>
@@ -174,6 +177,9 @@ int main(void) {
     const asn1_MY_Reading* back = value;
     if (asn1_type_MY_Reading[4].type != asn1_type_MY__local_1) return 1; /* what id is */
     printf("%d bytes: id %d, level %d\\n", (int)size, (int)back->id, (int)back->level);
+    if (orlenta_codec_find(asn1_type_MY_Reading) != &orlenta_codec_MY_Reading) return 2;
+    if (orlenta_codec_find(asn1_type_OTHER_Unit) != &orlenta_codec_OTHER_Unit) return 3;
+    if (orlenta_codec_find(asn1_type_MY_Level) != NULL) return 4; /* no root */
     asn1_free_value(asn1_type_MY_Reading, value);
     asn1_free(bytes);
     return 0;
@@ -192,15 +198,22 @@ def check_own_schema(args):
         (folder / "Sensors.asn1").write_text(OWN_MODULE)
         (folder / "Common.asn1").write_text("Common DEFINITIONS AUTOMATIC TAGS ::= BEGIN Unit ::= NULL END\n")
         (folder / "app.c").write_text(OWN_PROGRAM)
+        more = ("orlenta_add_schema(more REGION OTHER FILES Common.asn1)\n"
+                "target_link_libraries(app PRIVATE more)\n"
+                "add_executable(static_app app.c)\n"
+                "target_link_libraries(static_app PRIVATE my_messages more orlenta::orlenta_static)\n"
+                "target_link_options(static_app PRIVATE -Wl,--gc-sections)\n")
         (folder / "CMakeLists.txt").write_text(
-            "cmake_minimum_required(VERSION 3.25)\nproject(own LANGUAGES C CXX)\nadd_executable(app app.c)\n" + recipe)
+            "cmake_minimum_required(VERSION 3.25)\nproject(own LANGUAGES C CXX)\nadd_executable(app app.c)\n" +
+            recipe + more)
         for generator in ("Ninja", "Unix Makefiles"):
             build = folder / generator
             run("cmake", "-G", generator, "-S", folder, "-B", build, f"-DCMAKE_PREFIX_PATH={prefix}",
                 f"-DCMAKE_C_COMPILER={args.cc}", f"-DCMAKE_CXX_COMPILER={args.cxx}")
             run("cmake", "--build", build)
             # Extension bit, presence bit, 8 bits of id, extension bit and 1 bit of level: 12 bits.
-            expect(run(build / "app") == "2 bytes: id 200, level 1\n", "another value came back")
+            for app in ("app", "static_app"):
+                expect(run(build / app) == "2 bytes: id 200, level 1\n", f"another value came back to {app}")
             for pattern in ("my_tables_1.cpp", "my.h"):  # what is deleted is made again
                 made = next(build.glob(f"**/{pattern}"))
                 made.unlink()
