@@ -98,10 +98,10 @@ function(orlenta_make_libraries)
     add_library(orlenta SHARED ${objects} ${shared_programs})
     set_target_properties(orlenta PROPERTIES SOVERSION 1 VERSION ${PROJECT_VERSION})
     orlenta_shared_link_options(orlenta)
-    # Second names of tables, by which programs refer to them, have no use once they are linked.
+    # Names of tables, their second ones among them, that have done their part: .dynsym has those that programs need.
     if(CMAKE_OBJCOPY)
-        add_custom_command(TARGET orlenta POST_BUILD VERBATIM
-            COMMAND ${CMAKE_OBJCOPY} --wildcard --strip-symbol=orlenta_own_* $<TARGET_FILE:orlenta>)
+        add_custom_command(TARGET orlenta POST_BUILD VERBATIM COMMAND ${CMAKE_OBJCOPY} --wildcard
+            --strip-symbol=orlenta_own_* --strip-symbol=asn1_type_* $<TARGET_FILE:orlenta>)
     endif()
 
     add_library(orlenta_static STATIC ${objects} ${static_programs})
