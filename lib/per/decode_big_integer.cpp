@@ -69,14 +69,12 @@ static int get_offset(asn1_per_decoder* decoder, asn1_integer* value, const asn1
     return get_bit_field(decoder, value, range);
 }
 
-static int add_lower(asn1_per_decoder* decoder, asn1_integer* value, const asn1_integer* lower) {
+bool add_lower(decode_memory* memory, asn1_integer* value, const asn1_integer* lower) {
     uint32_t had = value->capacity;
     uint64_t taken = limbs_of_sum(had, lower->size);
-    if (!count_limbs(&decoder->memory, taken) || asn1_integer_add_internal(value, value, lower, 0) != 0) {
-        return report_no_memory(decoder);
-    }
-    uncount_limbs(&decoder->memory, taken + had - value->capacity);
-    return 0;
+    if (!count_limbs(memory, taken) || asn1_integer_add_internal(value, value, lower, 0) != 0) return false;
+    uncount_limbs(memory, taken + had - value->capacity);
+    return true;
 }
 
 static int get_within_range(asn1_per_decoder* decoder, asn1_integer* value, const asn1_integer* lower,
@@ -87,7 +85,7 @@ static int get_within_range(asn1_per_decoder* decoder, asn1_integer* value, cons
     if (asn1_integer_cmp(value, range) > 0) {
         return asn1_decode_error(decoder, "overflow in constrained whole number");
     }
-    return add_lower(decoder, value, lower);
+    return add_lower(&decoder->memory, value, lower) ? 0 : report_no_memory(decoder);
 }
 
 static int decode_constrained(asn1_per_decoder* decoder, const big_bounds& bounds, asn1_integer* value) {
@@ -109,7 +107,7 @@ static int decode_semi_constrained(asn1_per_decoder* decoder, const asn1_integer
     if (asn1_per_decode_unconstrained_length(decoder, &octets) != 0) return -1;
     if (octets == 0) return asn1_decode_error(decoder, "integer cannot have zero length");
     if (decode_large_positive_integer(decoder, value, octets) != 0) return -1;
-    return add_lower(decoder, value, lower);
+    return add_lower(&decoder->memory, value, lower) ? 0 : report_no_memory(decoder);
 }
 
 int decode_big_integer(asn1_per_decoder* decoder, const asn1_type_desc* type, asn1_integer* value) {

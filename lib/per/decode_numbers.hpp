@@ -21,4 +21,7 @@ int asn1_per_decode_normally_small_non_neg_whole_number(asn1_per_decoder* decode
 // A two's complement number in the fewest octets.
 int asn1_per_decode_unconstrainted_whole_number(asn1_per_decoder* decoder, uint32_t* out);
 
+// Adds a lower bound to the big integer that was read above it; false without memory.
+bool add_lower(decode_memory* memory, asn1_integer* value, const asn1_integer* lower);
+
 }  // namespace orlenta::per

@@ -25,21 +25,6 @@ static int asn1_per_decode_bit_string1(asn1_per_decoder* decoder, uint32_t first
     return 0;
 }
 
-// Replaces a position in the alphabet by the code point there.
-static int find_code_point(asn1_per_decoder* decoder, const asn1_per_char_params* params, uint32_t* code) {
-    uint32_t position = *code;
-    for (uint32_t i = 0; i < params->range_count; ++i) {
-        uint32_t first = low32(params->ranges[2 * i]);
-        uint32_t span = low32(params->ranges[2 * i + 1]) - first;
-        if (position <= span) {
-            *code = first + position;
-            return 0;
-        }
-        position -= span + 1;
-    }
-    return asn1_decode_error(decoder, "character outside range");
-}
-
 static int get_chars(asn1_per_decoder* decoder, const asn1_per_char_params* params, uint8_t* units,
                      uint64_t first, uint64_t count) {
     if (params->bits == 8 && params->unit_shift == 0 && params->range_count == 0) {
@@ -48,7 +33,9 @@ static int get_chars(asn1_per_decoder* decoder, const asn1_per_char_params* para
     for (uint64_t i = first; i < first + count; ++i) {
         uint32_t code;
         if (asn1_get_bits(decoder, params->bits, &code) != 0) return -1;
-        if (params->range_count != 0 && find_code_point(decoder, params, &code) != 0) return -1;
+        if (params->range_count != 0 && !find_code_point(params->ranges, params->range_count, &code)) {
+            return asn1_decode_error(decoder, "character outside range");
+        }
         store_code_unit(units, i, params->unit_shift, code);
     }
     return 0;

@@ -15,21 +15,6 @@ static int asn1_per_encode_bits(asn1_per_encoder* encoder, uint64_t first, uint6
     return 0;
 }
 
-// Replaces a code point by its position in the alphabet; false if it is not in there.
-static bool find_position(const asn1_per_char_params* params, uint32_t* code) {
-    uint32_t before = 0;
-    for (uint32_t i = 0; i < params->range_count; ++i) {
-        uint32_t first = low32(params->ranges[2 * i]);
-        uint32_t last = low32(params->ranges[2 * i + 1]);
-        if (*code >= first && *code <= last) {
-            *code = before + (*code - first);
-            return true;
-        }
-        before += last - first + 1;
-    }
-    return false;
-}
-
 // Item writer: characters.
 static int asn1_per_encode_char_string1(asn1_per_encoder* encoder, uint64_t first, uint64_t count,
                                         const void* argument) {
@@ -40,7 +25,7 @@ static int asn1_per_encode_char_string1(asn1_per_encoder* encoder, uint64_t firs
     }
     for (uint64_t i = first; i < first + count; ++i) {
         uint32_t code = load_code_unit(params->data, i, params->unit_shift);
-        if (params->range_count != 0 && !find_position(params, &code)) return -1;
+        if (params->range_count != 0 && !find_position(params->ranges, params->range_count, &code)) return -1;
         if (asn1_put_char(encoder, params->bits, code) != 0) return -1;
     }
     return 0;

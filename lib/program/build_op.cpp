@@ -43,9 +43,8 @@ static void set_char_string(const builder* b, op* made, const asn1_type_desc* ty
     char_string_layout string = char_string_of(type);
     per::asn1_per_char_params params;
     if (per::find_char_params(&params, type, string, b->aligned) != 0) return;
-    bool is_plain = params.range_count == 0 && params.unit_shift == 0 && params.bits > 0 && params.bits <= 8;
-    if (!is_plain) return;
-    made->kind = kChars;
+    if (params.unit_shift != 0 || params.bits == 0 || params.bits > 8) return;
+    made->kind = params.range_count == 0 ? kChars : kMappedChars;
     made->count = static_cast<uint8_t>(params.bits);
     set_length(b, made, per::layout_of_char_string(type, string.size, params.bits), string.size.has_upper);
 }
@@ -67,25 +66,44 @@ static void set_octet_leaf(const builder* b, op* made, const asn1_type_desc* typ
     }
 }
 
+// A magnitude of 64 bits at the most; false if it has more, or leading zeros.
+static bool magnitude_of(const asn1_integer* number, uint64_t* magnitude) {
+    *magnitude = number->size > 0 ? number->limbs[0] : 0;
+    if (number->size > 1) *magnitude |= uint64_t{number->limbs[1]} << 32;
+    return number->size <= 2 && (number->size == 0 || number->limbs[number->size - 1] != 0);
+}
+
+// How far the bounds are apart; false if that is 0 or does not fit.
+static bool distance_of(const big_bounds& bounds, uint64_t* distance) {
+    uint64_t low, high;
+    if (!magnitude_of(bounds.lower, &low) || !magnitude_of(bounds.upper, &high)) return false;
+    if (asn1_integer_cmp(bounds.lower, bounds.upper) >= 0) return false;
+    bool same_side = (bounds.lower->negative != 0) == (bounds.upper->negative != 0);
+    if (!same_side) return !__builtin_add_overflow(low, high, distance);
+    *distance = bounds.upper->negative ? low - high : high - low;
+    return true;
+}
+
 static void set_big_integer(const builder* b, op* made, const asn1_type_desc* type) {
     big_bounds bounds = big_bounds_of(type);
-    if (is_extensible(type) || !bounds.lower || !bounds.upper || bounds.lower->size != 0) return;
-    uint32_t width = asn1_integer_get_bit_size(bounds.upper);
-    bool is_normal = bounds.upper->size == (width + 31) / 32;
-    if (bounds.upper->negative || !is_normal || width == 0 || width > kWindowBits) return;
-    made->kind = kBigInteger;
-    made->width = static_cast<uint8_t>(width);
-    switch (per::range_form_of(b->aligned, per::saturated_range(bounds.upper))) {
-        case per::kBitField: break;
+    uint64_t distance;
+    if (is_extensible(type) || !bounds.lower || !bounds.upper || !distance_of(bounds, &distance)) return;
+    uint32_t width = 64 - static_cast<uint32_t>(__builtin_clzll(distance));
+    made->count = bounds.lower->size != 0;
+    made->part = (width + 31) / 32;
+    made->low = static_cast<uint32_t>(distance);
+    made->range = static_cast<uint32_t>(distance >> 32);
+    switch (per::range_form_of(b->aligned, made->range != 0 ? UINT32_MAX : made->low)) {
+        case per::kBitField:
+            made->kind = kBigInteger;
+            made->width = static_cast<uint8_t>(width);
+            break;
         case per::kCountedOctets:
             made->kind = kCountedBigInteger;
-            made->width = static_cast<uint8_t>(per::octet_count_width(per::big_octet_count(bounds.upper)));
+            made->width = static_cast<uint8_t>(per::octet_count_width((width + 7) / 8));
             break;
-        default: made->kind = kWalker;
+        default: break;
     }
-    made->part = bounds.upper->size;
-    made->low = bounds.upper->limbs[0];
-    made->range = bounds.upper->size > 1 ? bounds.upper->limbs[1] : 0;
 }
 
 // ---- what holds other values ----------------------------------------------------------------------------------

@@ -405,8 +405,9 @@ static void add_additions(sequence_parts* parts, const asn1_type_desc* type) {
 
 // Whether a value owns one block at the most, the one that its first word points to.
 static bool is_single_block(const builder* b, const op& o) {
-    return o.kind == kOctets || o.kind == kChars || o.kind == kBits || o.kind == kBigInteger ||
-           o.kind == kCountedBigInteger || (o.kind == kList && b->lists.items[o.part].owns == 0);
+    return o.kind == kOctets || o.kind == kChars || o.kind == kMappedChars || o.kind == kBits ||
+           o.kind == kBigInteger || o.kind == kCountedBigInteger ||
+           (o.kind == kList && b->lists.items[o.part].owns == 0);
 }
 
 // The components that may own blocks, those of nested records in their place.

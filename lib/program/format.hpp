@@ -20,19 +20,20 @@ constexpr uint32_t kFormat = 1;
 enum rule : uint8_t { kUnaligned, kAligned, kRuleCount };
 
 enum op_kind : uint8_t {
-    kLeaf,        // a number from `low` to `low + range` in `width` bits, in memory a 32-bit word
-    kGroup,       // leaves that lie together in `width` bits; part: leaves[], rest: groups[]
-    kSequence,    // part: sequences[]
-    kFork,        // the same, of one with variants
-    kBlock,       // among releases: a block that owns none
-    kList,        // count as a length; part: lists[]
-    kChoice,      // index as a leaf from 0; part: choices[]
-    kOctets,      // length
-    kBits,        // length
-    kChars,       // length; count: bits of a character, which is its own code point
-    kBigInteger,  // a number from 0 to `range << 32 | low` in `width` bits, in memory `part` limbs
-    kOpenType,    // part: open_types[]
-    kIndirect,    // part: ops[], what is behind the pointer; low: bytes of its record
+    kLeaf,         // a number from `low` to `low + range` in `width` bits, in memory a 32-bit word
+    kGroup,        // leaves that lie together in `width` bits; part: leaves[], rest: groups[]
+    kSequence,     // part: sequences[]
+    kFork,         // the same, of one with variants
+    kBlock,        // among releases: a block that owns none
+    kList,         // count as a length; part: lists[]
+    kChoice,       // index as a leaf from 0; part: choices[]
+    kOctets,       // length
+    kBits,         // length
+    kChars,        // length; count: bits of a character, which is its own code point
+    kMappedChars,  // as kChars, but a character goes as its place in the alphabet
+    kBigInteger,   // a number from 0 to `range << 32 | low` in `width` bits, in memory `part` limbs
+    kOpenType,     // part: open_types[]
+    kIndirect,     // part: ops[], what is behind the pointer; low: bytes of its record
     kNull,
     kWalker,  // anything else: the walker reads and writes it by types[type]
 
@@ -56,7 +57,8 @@ constexpr uint8_t kAlignLength = 1, kAlignContents = 2;
 struct op {
     op_kind kind;
     uint8_t width;
-    uint8_t count;       // kGroup: its leaves; kLeaf: as many as a window holds; kChars: see there
+    uint8_t
+        count;  // kGroup: its leaves; kLeaf: as many as a window holds; kChars: see there; kBigInteger: a lower bound is added
     uint8_t gates;       // kGroup: those of its leaves that are extension bits, which come first
     uint32_t offset;     // of the value in the record
     uint32_t presence;   // offset of the presence word, or kNone

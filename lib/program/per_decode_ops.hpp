@@ -9,6 +9,8 @@
 
 #include "core/growing_list.hpp"
 #include "core/stack.hpp"
+#include "per/char_params.hpp"
+#include "per/decode_numbers.hpp"
 #include "per/piece.hpp"
 #include "program/arena.hpp"
 #include "program/per_decode.hpp"
@@ -204,20 +206,31 @@ HOT bool set_limbs(decoder* d, asn1_integer* value, uint64_t number, uint32_t li
     return true;
 }
 
+// A field that may be wider than a window is sure to be.
+HOT uint64_t wide_bits(const decoder* d, bit_position position, uint32_t width) {
+    if (width <= kWindowBits) return top_bits(window_at(d, position), width);
+    uint64_t high = top_bits(window_at(d, position), width - 32);
+    return high << 32 | window_at(d, position + width - 32) >> 32;
+}
+
 WARM bit_position decode_big_integer(decoder* d, const op* o, asn1_integer* value, bit_position position) {
     uint64_t number = 0;
     uint32_t octets = 0, limbs = o->part;
+    if (d->arena && o->count != 0) return kNotMine;  // the arithmetic takes blocks of the allocator
     if (o->kind == kCountedBigInteger) {
         position = get_counted(d, position, o->width, &octets, &number);
         limbs = (octets + 3) / 4;
     } else if (has_bits(d, position, o->width)) {
-        number = top_bits(window_at(d, position), o->width);
+        number = wide_bits(d, position, o->width);
         position += o->width;
     } else {
         return kRefused;
     }
     if (is_failure(position) || number > (uint64_t{o->range} << 32 | o->low)) return kRefused;
-    return set_limbs(d, value, number, limbs) ? position : kNoMemory;
+    if (!set_limbs(d, value, number, limbs)) return kNoMemory;
+    const asn1_type_desc* type = d->code->types[o->type];
+    bool is_done = o->count == 0 || per::add_lower(&d->memory, value, big_bounds_of(type).lower);
+    return is_done ? position : kNoMemory;
 }
 
 // ---- lengths ------------------------------------------------------------------------------------------------
@@ -317,6 +330,20 @@ WARM bit_position decode_bits(decoder* d, const op* o, asn1_bit_string* string, 
     if (is_failure(contents)) return fail_string(d, o, string, position, contents);
     copy_bits(d, contents, string->data, string->length);
     return contents + string->length;
+}
+
+WARM bit_position decode_mapped_chars(decoder* d, const op* o, asn1_string* string, bit_position position) {
+    uint32_t width = o->count;
+    bit_position contents = begin_string(d, o, string, position, width, 1);
+    if (is_failure(contents)) return fail_string(d, o, string, position, contents);
+    char_string_layout alphabet = char_string_of(d->code->types[o->type]);
+    for (uint64_t i = 0; i < string->length; ++i, contents += width) {
+        uint32_t code = static_cast<uint32_t>(top_bits(window_at(d, contents), width));
+        uint32_t range_count = static_cast<uint32_t>(alphabet.range_count);
+        if (!per::find_code_point(alphabet.ranges, range_count, &code)) return kRefused;
+        string->data[i] = static_cast<uint8_t>(code);
+    }
+    return contents;
 }
 
 WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit_position position) {
@@ -809,6 +836,7 @@ static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_posit
         case kOctets: return decode_octets(d, o, reinterpret_cast<asn1_string*>(value), position);
         case kBits: return decode_bits(d, o, reinterpret_cast<asn1_bit_string*>(value), position);
         case kChars: return decode_chars(d, o, reinterpret_cast<asn1_string*>(value), position);
+        case kMappedChars: return decode_mapped_chars(d, o, reinterpret_cast<asn1_string*>(value), position);
         case kBigInteger: return decode_big_integer(d, o, reinterpret_cast<asn1_integer*>(value), position);
         case kOpenType: return decode_open_type(d, o, value, position);
         case kIndirect: return decode_indirect(d, o, value, position);

@@ -6,6 +6,7 @@
 #include <orlenta/memory.h>
 
 #include "core/stack.hpp"
+#include "per/char_params.hpp"
 #include "per/piece.hpp"
 #include "per/widths.hpp"
 #include "program/per_encode.hpp"
@@ -131,14 +132,31 @@ HOT bool encode_counted_leaf(encoder* e, const op* o, const uint8_t* value) {
     return true;
 }
 
+// A number of 64 bits, negative ones in two's complement; false if it has more, or leading zeros.
+HOT bool load_number(const asn1_integer* value, uint64_t* number) {
+    if (value->size > 2 || (value->size != 0 && !value->limbs)) return false;
+    *number = value->size > 0 ? value->limbs[0] : 0;
+    if (value->size > 1) *number |= uint64_t{value->limbs[1]} << 32;
+    bool is_normal = value->size == 0 || value->limbs[value->size - 1] != 0;
+    if (value->negative != 0) *number = 0 - *number;
+    return is_normal;
+}
+
 WARM bool encode_big_integer(encoder* e, const op* o, const asn1_integer* value) {
-    bool is_plain = value->negative == 0 && value->size <= 2 && (value->size == 0 || value->limbs);
-    if (!is_plain || (value->size != 0 && value->limbs[value->size - 1] == 0)) return by_walker(e, o, value);
-    uint64_t number = value->size > 0 ? value->limbs[0] : 0;
-    if (value->size > 1) number |= uint64_t{value->limbs[1]} << 32;
+    uint64_t number, lower = 0;
+    if (!load_number(value, &number)) return by_walker(e, o, value);
+    if (o->count != 0) {
+        big_bounds bounds = big_bounds_of(e->code->types[o->type]);
+        if (asn1_integer_cmp(value, bounds.lower) < 0 || asn1_integer_cmp(value, bounds.upper) > 0)
+            return false;
+        load_number(bounds.lower, &lower);
+        number -= lower;
+    } else if (value->negative != 0) {
+        return by_walker(e, o, value);
+    }
     if (number > (uint64_t{o->range} << 32 | o->low)) return false;
     if (o->kind == kCountedBigInteger) {
-        uint32_t octets = per::big_octet_count(value);
+        uint32_t octets = (71 - static_cast<uint32_t>(__builtin_clzll(number | 1))) / 8;
         put(e, o->width, octets - 1);
         align(e);
         put(e, 8 * octets, number);
@@ -277,6 +295,19 @@ WARM bool encode_chars(encoder* e, const op* o, const asn1_string* string) {
         }
         if (all >> width != 0) return false;
         put(e, count * width, word);
+    }
+    return true;
+}
+
+WARM bool encode_mapped_chars(encoder* e, const op* o, const asn1_string* string) {
+    if (string->length != 0 && !string->data) return false;
+    if (!put_length(e, o, string->length)) return by_walker(e, o, string);
+    char_string_layout alphabet = char_string_of(e->code->types[o->type]);
+    for (uint64_t i = 0; i < string->length; ++i) {
+        uint32_t code = string->data[i];
+        uint32_t range_count = static_cast<uint32_t>(alphabet.range_count);
+        if (!per::find_position(alphabet.ranges, range_count, &code)) return false;
+        put(e, o->count, code);
     }
     return true;
 }
@@ -507,6 +538,7 @@ static bool encode_op(encoder* e, const op* o, const uint8_t* value) {
         case kOctets: return encode_octets(e, o, reinterpret_cast<const asn1_string*>(value));
         case kBits: return encode_bits(e, o, reinterpret_cast<const asn1_bit_string*>(value));
         case kChars: return encode_chars(e, o, reinterpret_cast<const asn1_string*>(value));
+        case kMappedChars: return encode_mapped_chars(e, o, reinterpret_cast<const asn1_string*>(value));
         case kBigInteger: return encode_big_integer(e, o, reinterpret_cast<const asn1_integer*>(value));
         case kOpenType: return encode_open_type(e, o, reinterpret_cast<const asn1_open_value*>(value));
         case kIndirect: return encode_indirect(e, o, value);

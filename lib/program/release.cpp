@@ -95,7 +95,8 @@ static void release_op(releaser* r, const op* o, uint8_t* value) {
         case kFork: return release_sequence(r, &r->code->sequences[o->part], value);
         case kBlock: return asn1_free(load_pointer(value));
         case kOctets:
-        case kChars: return asn1_free(reinterpret_cast<asn1_string*>(value)->data);
+        case kChars:
+        case kMappedChars: return asn1_free(reinterpret_cast<asn1_string*>(value)->data);
         case kBits: return asn1_free(reinterpret_cast<asn1_bit_string*>(value)->data);
         case kBigInteger:
         case kCountedBigInteger: return asn1_integer_clear(reinterpret_cast<asn1_integer*>(value));
