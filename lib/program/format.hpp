@@ -37,7 +37,7 @@ enum op_kind : uint8_t {
     kNull,
     kWalker,  // anything else: the walker reads and writes it by types[type]
 
-    // In ALIGNED PER alone (X.691 clause 11.5.7):
+    // In ALIGNED PER alone (X.691 clause 11.5.7), and last:
     kAlignedLeaf,        // as kLeaf, from an octet boundary on
     kAlignedGroup,       // as kGroup, the same
     kMarkedLeaf,         // as kAlignedLeaf, behind an extension bit

@@ -125,6 +125,9 @@ HOT void* take_record(decoder* d, uint64_t size) {
     return record;
 }
 
+// The same, where a call is no matter.
+WARM void* take_large_record(decoder* d, uint64_t size) { return take_record(d, size); }
+
 // ---- leaves -------------------------------------------------------------------------------------------------
 
 HOT bit_position decode_leaf(decoder* d, const op* o, uint8_t* value, bit_position position) {
@@ -297,16 +300,15 @@ HOT void copy_bits(decoder* d, bit_position position, uint8_t* out, uint64_t cou
 
 // What strings have in common: the length, and a block for as many units of `unit_bits`. A general length of 0 makes no
 // block.
-template <typename String>
-HOT bit_position begin_string(decoder* d, const op* o, String* string, bit_position position,
-                              uint32_t unit_bits, uint32_t units_per_octet) {
+HOT bit_position begin_string(decoder* d, const op* o, asn1_string* string, bit_position position,
+                              uint32_t unit_bits) {
     uint32_t length;
     position = get_length(d, o, position, &length);
     if (__builtin_expect(is_failure(position), 0)) return position;
     if (kIsAligned && (o->alignment & kAlignContents) != 0) position = align(position);
     if (!has_bits(d, position, uint64_t{length} * unit_bits)) return kRefused;
     if (length == 0 && o->width == kGeneralLength) return position;
-    uint64_t size = (uint64_t{length} + units_per_octet - 1) / units_per_octet;
+    uint64_t size = o->kind == kBits ? (uint64_t{length} + 7) / 8 : length;
     string->data = static_cast<uint8_t*>(take_block(d, size));
     if (!string->data) return kNoMemory;
     string->length = length;
@@ -318,37 +320,30 @@ HOT bit_position fail_string(decoder* d, const op* o, void* string, bit_position
     return failure == kOtherForm ? by_walker(d, o, string, position) : failure;
 }
 
-WARM bit_position decode_octets(decoder* d, const op* o, asn1_string* string, bit_position position) {
-    bit_position contents = begin_string(d, o, string, position, 8, 1);
+// Of octets or bits: both records are alike.
+WARM bit_position decode_string(decoder* d, const op* o, asn1_string* string, bit_position position) {
+    uint32_t unit_bits = o->kind == kBits ? 1 : 8;
+    bit_position contents = begin_string(d, o, string, position, unit_bits);
     if (is_failure(contents)) return fail_string(d, o, string, position, contents);
-    copy_bits(d, contents, string->data, string->length * 8);
-    return contents + string->length * 8;
+    uint64_t bits = string->length * unit_bits;
+    copy_bits(d, contents, string->data, bits);
+    return contents + bits;
 }
 
-WARM bit_position decode_bits(decoder* d, const op* o, asn1_bit_string* string, bit_position position) {
-    bit_position contents = begin_string(d, o, string, position, 1, 8);
-    if (is_failure(contents)) return fail_string(d, o, string, position, contents);
-    copy_bits(d, contents, string->data, string->length);
-    return contents + string->length;
-}
-
-WARM bit_position decode_mapped_chars(decoder* d, const op* o, asn1_string* string, bit_position position) {
-    uint32_t width = o->count;
-    bit_position contents = begin_string(d, o, string, position, width, 1);
-    if (is_failure(contents)) return fail_string(d, o, string, position, contents);
-    char_string_layout alphabet = char_string_of(d->code->types[o->type]);
-    for (uint64_t i = 0; i < string->length; ++i, contents += width) {
-        uint32_t code = static_cast<uint32_t>(top_bits(window_at(d, contents), width));
+// Puts the characters of their places in the alphabet in place of these; false if one has none.
+static bool map_chars(const asn1_string* string, const char_string_layout& alphabet) {
+    for (uint64_t i = 0; i < string->length; ++i) {
+        uint32_t code = string->data[i];
         uint32_t range_count = static_cast<uint32_t>(alphabet.range_count);
-        if (!per::find_code_point(alphabet.ranges, range_count, &code)) return kRefused;
+        if (!per::find_code_point(alphabet.ranges, range_count, &code)) return false;
         string->data[i] = static_cast<uint8_t>(code);
     }
-    return contents;
+    return true;
 }
 
 WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit_position position) {
     uint32_t width = o->count;
-    bit_position contents = begin_string(d, o, string, position, width, 1);
+    bit_position contents = begin_string(d, o, string, position, width);
     if (is_failure(contents)) return fail_string(d, o, string, position, contents);
     uint32_t batch = kWindowBits / width;
     for (uint64_t i = 0; i < string->length;) {
@@ -360,19 +355,16 @@ WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit
             string->data[i++] = static_cast<uint8_t>(window >> (64 - width));
         }
     }
-    return contents;
+    if (o->kind == kChars) return contents;
+    return map_chars(string, char_string_of(d->code->types[o->type])) ? contents : kRefused;
 }
 
-// An op of a SEQUENCE; what is frequent in ALIGNED PER goes without a call.
+WARM bit_position decode_aligned_op(decoder* d, const op* o, uint8_t* value, bit_position position);
+
+// An op of a SEQUENCE that is none of the most frequent.
 HOT bit_position decode_next(decoder* d, const op* o, uint8_t* value, bit_position position) {
-    if (!kIsAligned) return decode_op(d, o, value, position);
-    switch (o->kind) {
-        case kAlignedLeaf: return decode_leaf(d, o, value, align(position));
-        case kAlignedGroup: return decode_group(d, o, value, align(position));
-        case kMarkedLeaf: return decode_marked_leaf(d, o, value, position);
-        case kCountedLeaf: return decode_counted_leaf(d, o, value, position);
-        default: return decode_op(d, o, value, position);
-    }
+    if (!kIsAligned || o->kind < kAlignedLeaf) return decode_op(d, o, value, position);
+    return decode_aligned_op(d, o, value, position);
 }
 
 // ---- SEQUENCE with variants ---------------------------------------------------------------------------------
@@ -395,7 +387,7 @@ HOT const variant* decode_head(const decoder* d, const sequence* s, uint8_t* rec
     return v;
 }
 
-HOT bit_position run_tail(decoder* d, const variant* v, uint8_t* record, bit_position position) {
+WARM bit_position decode_tail(decoder* d, const variant* v, uint8_t* record, bit_position position) {
     const op* o = &d->code->ops[v->ops];
     for (const op* end = o + v->op_count; o != end && !is_failure(position); ++o) {
         uint8_t* value = record + o->offset;
@@ -411,15 +403,12 @@ HOT bit_position run_tail(decoder* d, const variant* v, uint8_t* record, bit_pos
     return position;
 }
 
-WARM bit_position decode_tail(decoder* d, const variant* v, uint8_t* record, bit_position position) {
-    return run_tail(d, v, record, position);
-}
-
 // What fits no variant is decoded in the general way.
 WARM bit_position decode_fork(decoder* d, const sequence* s, uint8_t* record, bit_position position) {
     const variant* v = decode_head(d, s, record, position);
     if (__builtin_expect(v == nullptr, 0)) return decode_sequence(d, s, record, position);
-    return run_tail(d, v, record, position + v->width);
+    position += v->width;
+    return v->op_count == 0 ? position : decode_tail(d, v, record, position);
 }
 
 // The same, in a list, whose elements often have nothing behind the head.
@@ -511,7 +500,7 @@ static __attribute__((noinline)) bit_position decode_in_arena(decoder* d, const 
         if (array->count == capacity) {
             uncount_bytes(&d->memory, capacity * stride);
             uint64_t larger = next_capacity(d, capacity, stride, count);
-            void* block = larger > capacity ? take_record(d, larger * stride) : nullptr;
+            void* block = larger > capacity ? take_large_record(d, larger * stride) : nullptr;
             if (!block) return kNoMemory;
             if (capacity != 0) memcpy(block, array->data, capacity * stride);
             array->data = block;
@@ -641,7 +630,7 @@ static const open_type_row* find_row(decoder* d, const op* o, const uint8_t* val
 }
 
 // An open type that has no type is kept as octets.
-static bit_position decode_raw(decoder* d, asn1_open_value* open, bit_position position) {
+WARM bit_position decode_raw(decoder* d, asn1_open_value* open, bit_position position) {
     uint32_t length;
     position = get_general_length(d, position, &length);
     if (is_failure(position) || length == 0) return position;
@@ -649,7 +638,7 @@ static bit_position decode_raw(decoder* d, asn1_open_value* open, bit_position p
     open->data = take_block(d, length);
     if (!open->data) return kNoMemory;
     open->length = length;
-    copy_bits(d, position, static_cast<uint8_t*>(open->data), uint64_t{length} * 8);
+    copy_many_bits(d, position, static_cast<uint8_t*>(open->data), uint64_t{length} * 8);
     return position + uint64_t{length} * 8;
 }
 
@@ -659,7 +648,7 @@ WARM bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bit_
     const open_type_row* row = find_row(d, o, value, &type);
     if (!row) return type ? kNotMine : decode_raw(d, open, position);
     open->type = type;
-    open->data = take_record(d, row->size);
+    open->data = take_large_record(d, row->size);
     if (!open->data) return kNoMemory;
     outside outer;
     position = enter(d, &outer, position);
@@ -669,7 +658,7 @@ WARM bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bit_
 
 WARM bit_position decode_indirect(decoder* d, const op* o, uint8_t* value, bit_position position) {
     if (!has_stack(&d->stack)) return kNotMine;
-    uint8_t* record = static_cast<uint8_t*>(take_record(d, o->low));
+    uint8_t* record = static_cast<uint8_t*>(take_large_record(d, o->low));
     if (!record) return kNoMemory;
     store_pointer(value, record);
     return decode_op(d, &d->code->ops[o->part], record, position);
@@ -825,6 +814,19 @@ static bit_position decode_sequence(decoder* d, const sequence* s, uint8_t* reco
 
 // ---- any op -------------------------------------------------------------------------------------------------
 
+// Those of ALIGNED PER alone.
+WARM bit_position decode_aligned_op(decoder* d, const op* o, uint8_t* value, bit_position position) {
+    switch (o->kind) {
+        case kAlignedLeaf: return decode_leaf(d, o, value, align(position));
+        case kAlignedGroup: return decode_group(d, o, value, align(position));
+        case kMarkedLeaf: return decode_marked_leaf(d, o, value, position);
+        case kCountedLeaf: return decode_counted_leaf(d, o, value, position);
+        case kCountedBigInteger:
+            return decode_big_integer(d, o, reinterpret_cast<asn1_integer*>(value), position);
+        default: return by_walker(d, o, value, position);
+    }
+}
+
 static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_position position) {
     switch (o->kind) {
         case kLeaf: return decode_leaf(d, o, value, position);
@@ -833,24 +835,17 @@ static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_posit
         case kFork: return decode_fork(d, &d->code->sequences[o->part], value, position);
         case kList: return decode_list(d, o, reinterpret_cast<asn1_array*>(value), position);
         case kChoice: return decode_choice(d, o, value, position);
-        case kOctets: return decode_octets(d, o, reinterpret_cast<asn1_string*>(value), position);
-        case kBits: return decode_bits(d, o, reinterpret_cast<asn1_bit_string*>(value), position);
-        case kChars: return decode_chars(d, o, reinterpret_cast<asn1_string*>(value), position);
-        case kMappedChars: return decode_mapped_chars(d, o, reinterpret_cast<asn1_string*>(value), position);
+        case kOctets:
+        case kBits: return decode_string(d, o, reinterpret_cast<asn1_string*>(value), position);
+        case kChars:
+        case kMappedChars: return decode_chars(d, o, reinterpret_cast<asn1_string*>(value), position);
         case kBigInteger: return decode_big_integer(d, o, reinterpret_cast<asn1_integer*>(value), position);
         case kOpenType: return decode_open_type(d, o, value, position);
         case kIndirect: return decode_indirect(d, o, value, position);
         case kNull: return position;
-        case kAlignedLeaf: return decode_leaf(d, o, value, align(position));
-        case kAlignedGroup: return decode_group(d, o, value, align(position));
-        case kMarkedLeaf: return decode_marked_leaf(d, o, value, position);
-        case kCountedLeaf: return decode_counted_leaf(d, o, value, position);
-        case kCountedBigInteger:
-            return decode_big_integer(d, o, reinterpret_cast<asn1_integer*>(value), position);
-        case kBlock:
-        case kWalker: break;
+        default:
+            return kIsAligned ? decode_aligned_op(d, o, value, position) : by_walker(d, o, value, position);
     }
-    return by_walker(d, o, value, position);
 }
 
 // The outermost record does not count.

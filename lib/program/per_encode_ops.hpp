@@ -43,7 +43,10 @@ HOT void put_field(encoder* e, uint32_t width, uint64_t bits) {
 // Bits up to the next octet boundary behind `width` more.
 HOT uint32_t padding_behind(const encoder* e, uint32_t width) { return -(e->sink.pending_count + width) & 7; }
 
-HOT void align(encoder* e) { put_field(e, padding_behind(e, 0), 0); }
+// As put_field, where a call is no matter.
+WARM void put_few(encoder* e, uint32_t width, uint64_t bits) { put_field(e, width, bits); }
+
+static inline void align(encoder* e) { put_few(e, padding_behind(e, 0), 0); }
 
 // A field that begins on an octet boundary.
 HOT void put_aligned(encoder* e, uint32_t width, uint64_t bits) {
@@ -157,24 +160,24 @@ WARM bool encode_big_integer(encoder* e, const op* o, const asn1_integer* value)
     if (number > (uint64_t{o->range} << 32 | o->low)) return false;
     if (o->kind == kCountedBigInteger) {
         uint32_t octets = (71 - static_cast<uint32_t>(__builtin_clzll(number | 1))) / 8;
-        put(e, o->width, octets - 1);
+        put_few(e, o->width, octets - 1);
         align(e);
-        put(e, 8 * octets, number);
+        put_few(e, 8 * octets, number);
     } else {
-        put(e, o->width, number);
+        put_few(e, o->width, number);
     }
     return true;
 }
 
-// An op of a SEQUENCE; what is frequent in ALIGNED PER goes without a call.
+WARM bool encode_aligned_op(encoder* e, const op* o, const uint8_t* value);
+
+// An op that is none of the most frequent, but for ALIGNED PER.
 HOT bool encode_next(encoder* e, const op* o, const uint8_t* value) {
-    if (!kIsAligned) return encode_op(e, o, value);
+    if (!kIsAligned || o->kind < kAlignedLeaf) return encode_op(e, o, value);
     switch (o->kind) {
-        case kAlignedLeaf: return encode_aligned_leaf(e, o, value);
         case kAlignedGroup: return encode_group(e, o, value, true);
-        case kMarkedLeaf: return encode_marked_leaf(e, o, value);
         case kCountedLeaf: return encode_counted_leaf(e, o, value);
-        default: return encode_op(e, o, value);
+        default: return encode_aligned_op(e, o, value);
     }
 }
 
@@ -200,7 +203,7 @@ HOT const variant* encode_head(encoder* e, const sequence* s, const uint8_t* rec
     return v;
 }
 
-HOT bool run_tail(encoder* e, const variant* v, const uint8_t* record) {
+WARM bool encode_tail(encoder* e, const variant* v, const uint8_t* record) {
     const op* o = &e->code->ops[v->ops];
     bool is_done = true;
     for (const op* end = o + v->op_count; o != end && is_done; ++o) {
@@ -217,13 +220,11 @@ HOT bool run_tail(encoder* e, const variant* v, const uint8_t* record) {
     return is_done;
 }
 
-WARM bool encode_tail(encoder* e, const variant* v, const uint8_t* record) { return run_tail(e, v, record); }
-
 // What fits no variant is encoded in the general way.
 WARM bool encode_fork(encoder* e, const sequence* s, const uint8_t* record) {
     const variant* v = encode_head(e, s, record);
     if (__builtin_expect(v == nullptr, 0)) return encode_sequence(e, s, record);
-    return run_tail(e, v, record);
+    return v->op_count == 0 || encode_tail(e, v, record);
 }
 
 // The same, in a list, whose elements often have nothing behind the head.
@@ -242,72 +243,59 @@ HOT bool encode_forks(encoder* e, const sequence* s, const uint8_t* at, const ui
 
 // ---- strings and lists --------------------------------------------------------------------------------------
 
-HOT bool put_general_length(encoder* e, uint64_t length) {
-    if (length > 16383) return false;
-    if (kIsAligned) align(e);
-    if (length < 128) {
-        put(e, 8, length);
-    } else {
-        put(e, 16, 0x8000 | length);
-    }
-    return true;
-}
+// Width of a general length; 0 where it takes fragments.
+HOT uint32_t general_width(uint64_t length) { return length < 128 ? 8 : length <= 16383 ? 16 : 0; }
+
+HOT uint64_t general_bits(uint64_t length) { return length < 128 ? length : 0x8000 | length; }
 
 // The length, and what stands between it and the contents. False, with nothing written, if the length has a form that the
 // walker knows, or none.
 HOT bool put_length(encoder* e, const op* o, uint64_t length) {
-    if (o->width == kGeneralLength) return length >= o->low && put_general_length(e, length);
-    if (length - o->low > o->range) return false;
-    if (kIsAligned && (o->alignment & kAlignLength) != 0) align(e);
-    put_field(e, o->width, length - o->low);
+    uint64_t bits = length - o->low;
+    uint32_t width = o->width;
+    bool aligned = kIsAligned && (o->alignment & kAlignLength) != 0;
+    if (width == kGeneralLength) {
+        width = general_width(length);
+        if (width == 0 || length < o->low) return false;
+        bits = general_bits(length);
+        aligned = kIsAligned;
+    } else if (bits > o->range) {
+        return false;
+    }
+    put_field(e, width + (aligned ? padding_behind(e, 0) : 0), bits);
     if (kIsAligned && (o->alignment & kAlignContents) != 0) align(e);
     return true;
 }
 
-WARM bool encode_octets(encoder* e, const op* o, const asn1_string* string) {
+// Of octets or bits: both records are alike.
+WARM bool encode_string(encoder* e, const op* o, const asn1_string* string) {
     if (string->length != 0 && !string->data) return false;
     if (!put_length(e, o, string->length)) return by_walker(e, o, string);
-    put_bits_of(&e->sink, string->data, string->length * 8);
+    put_bits_of(&e->sink, string->data, o->kind == kBits ? string->length : string->length * 8);
     return true;
 }
 
-WARM bool encode_bits(encoder* e, const op* o, const asn1_bit_string* string) {
-    if (string->length != 0 && !string->data) return false;
-    if (!put_length(e, o, string->length)) return by_walker(e, o, string);
-    put_bits_of(&e->sink, string->data, string->length);
-    return true;
+// Adds a character to a word. One that is too wide damages what is before it, in the walker's way: false.
+HOT bool add_char(const op* o, const char_string_layout& alphabet, uint32_t code, uint64_t* word) {
+    uint32_t range_count = static_cast<uint32_t>(alphabet.range_count);
+    bool has_place = o->kind == kChars || per::find_position(alphabet.ranges, range_count, &code);
+    *word = *word << o->count | code;
+    return has_place && code >> o->count == 0;
 }
 
-// A character that is too wide damages what is before it, in the walker's way.
 WARM bool encode_chars(encoder* e, const op* o, const asn1_string* string) {
     if (string->length != 0 && !string->data) return false;
     if (!put_length(e, o, string->length)) return by_walker(e, o, string);
-    uint32_t width = o->count;
-    uint32_t batch = kWindowBits / width;
-    uint32_t all = 0;
+    char_string_layout alphabet = char_string_of(e->code->types[o->type]);
+    uint32_t batch = kWindowBits / o->count;
     for (uint64_t i = 0; i < string->length;) {
         uint64_t left = string->length - i;
         uint32_t count = left < batch ? static_cast<uint32_t>(left) : batch;
         uint64_t word = 0;
         for (uint32_t k = 0; k < count; ++k, ++i) {
-            all |= string->data[i];
-            word = word << width | string->data[i];
+            if (!add_char(o, alphabet, string->data[i], &word)) return false;
         }
-        if (all >> width != 0) return false;
-        put(e, count * width, word);
-    }
-    return true;
-}
-
-WARM bool encode_mapped_chars(encoder* e, const op* o, const asn1_string* string) {
-    if (string->length != 0 && !string->data) return false;
-    if (!put_length(e, o, string->length)) return by_walker(e, o, string);
-    char_string_layout alphabet = char_string_of(e->code->types[o->type]);
-    for (uint64_t i = 0; i < string->length; ++i) {
-        uint32_t code = string->data[i];
-        uint32_t range_count = static_cast<uint32_t>(alphabet.range_count);
-        if (!per::find_position(alphabet.ranges, range_count, &code)) return false;
-        put(e, o->count, code);
+        put_few(e, count * o->count, word);
     }
     return true;
 }
@@ -348,15 +336,15 @@ WARM bool encode_list(encoder* e, const op* o, const asn1_array* array) {
 HOT uint64_t begin_wrapped(encoder* e) {
     if (kIsAligned) align(e);
     uint64_t start = bits_written(e->sink);
-    put(e, 8, 0);
+    put_few(e, 8, 0);
     return start;
 }
 
 // Completes the contents: at least one octet, and whole ones. Their length in octets.
 static uint64_t complete_contents(encoder* e, uint64_t start) {
     uint64_t bits = bits_written(e->sink) - start - 8;
-    if (bits == 0) put(e, 8, 0);
-    if (bits % 8 != 0) put(e, 8 - bits % 8, 0);
+    if (bits == 0) put_few(e, 8, 0);
+    if (bits % 8 != 0) put_few(e, 8 - bits % 8, 0);
     return (bits_written(e->sink) - start - 8) / 8;
 }
 
@@ -410,7 +398,10 @@ static const open_type_row* find_row(const encoder* e, const op* o, const asn1_t
 WARM bool encode_open_type(encoder* e, const op* o, const asn1_open_value* open) {
     if (!open->type) {
         if (open->length != 0 && !open->data) return false;
-        if (!put_general_length(e, open->length)) return by_walker(e, o, open);
+        uint32_t width = general_width(open->length);
+        if (width == 0) return by_walker(e, o, open);
+        if (kIsAligned) align(e);
+        put_few(e, width, general_bits(open->length));
         put_bits_of(&e->sink, static_cast<const uint8_t*>(open->data), open->length * 8);
         return true;
     }
@@ -438,7 +429,7 @@ WARM bool encode_choice(encoder* e, const op* o, const uint8_t* record) {
     // An index of 64 or more behind the marker is the walker's.
     if (selector >= c->total) return false;
     if (selector - c->root >= 64) return by_walker(e, o, record);
-    put(e, 8, 0x80 | (selector - c->root));
+    put_few(e, 8, 0x80 | (selector - c->root));
     return encode_wrapped(e, alternative, record + c->payload);
 }
 
@@ -449,7 +440,7 @@ static bool encode_members(encoder* e, const sequence* s, const extension_unit& 
     const option* options = &e->code->options[s->addition_options + unit.first];
     const uint8_t* has_bit = &e->code->flags[s->has_preamble_bit + unit.first];
     for (uint32_t i = 0; i < unit.count; ++i) {
-        if (has_bit[i]) put(e, 1, is_there(options[i], record));
+        if (has_bit[i]) put_few(e, 1, is_there(options[i], record));
     }
     for (uint32_t i = 0; i < unit.count; ++i, ++member) {
         if (is_there(options[i], record) && !encode_op(e, member, record + member->offset)) return false;
@@ -473,8 +464,8 @@ static __attribute__((noinline)) bool encode_additions(encoder* e, const sequenc
     for (uint32_t i = 0; i < s->unit_count; ++i) {
         bitmap = bitmap << 1 | any_there(options + units[i].first, units[i].count, record);
     }
-    put(e, 7, s->unit_count - 1u);
-    put(e, s->unit_count, bitmap);
+    put_few(e, 7, s->unit_count - 1u);
+    put_few(e, s->unit_count, bitmap);
     for (uint32_t i = 0; i < s->unit_count; ++i) {
         bool is_present = bitmap >> (s->unit_count - 1 - i) & 1;
         if (is_present && !encode_unit(e, s, units[i], record)) return false;
@@ -496,7 +487,7 @@ HOT bool run_ops(encoder* e, const op* o, uint64_t todo, const uint8_t* record) 
             case kFork: is_done = encode_fork(e, &e->code->sequences[o->part], value); break;
             case kList: is_done = encode_list(e, o, reinterpret_cast<const asn1_array*>(value)); break;
             case kChoice: is_done = encode_choice(e, o, value); break;
-            default: is_done = encode_next(e, o, value); break;
+            default: is_done = encode_op(e, o, value); break;
         }
         if (!is_done) return false;
     }
@@ -527,6 +518,19 @@ static bool encode_sequence(encoder* e, const sequence* s, const uint8_t* record
 
 // ---- any op -------------------------------------------------------------------------------------------------
 
+// Those of ALIGNED PER alone.
+WARM bool encode_aligned_op(encoder* e, const op* o, const uint8_t* value) {
+    switch (o->kind) {
+        case kAlignedLeaf: return encode_aligned_leaf(e, o, value);
+        case kAlignedGroup: return encode_group(e, o, value, true);
+        case kMarkedLeaf: return encode_marked_leaf(e, o, value);
+        case kCountedLeaf: return encode_counted_leaf(e, o, value);
+        case kCountedBigInteger:
+            return encode_big_integer(e, o, reinterpret_cast<const asn1_integer*>(value));
+        default: return by_walker(e, o, value);
+    }
+}
+
 static bool encode_op(encoder* e, const op* o, const uint8_t* value) {
     switch (o->kind) {
         case kLeaf: return encode_leaf(e, o, value);
@@ -535,24 +539,16 @@ static bool encode_op(encoder* e, const op* o, const uint8_t* value) {
         case kFork: return encode_fork(e, &e->code->sequences[o->part], value);
         case kList: return encode_list(e, o, reinterpret_cast<const asn1_array*>(value));
         case kChoice: return encode_choice(e, o, value);
-        case kOctets: return encode_octets(e, o, reinterpret_cast<const asn1_string*>(value));
-        case kBits: return encode_bits(e, o, reinterpret_cast<const asn1_bit_string*>(value));
-        case kChars: return encode_chars(e, o, reinterpret_cast<const asn1_string*>(value));
-        case kMappedChars: return encode_mapped_chars(e, o, reinterpret_cast<const asn1_string*>(value));
+        case kOctets:
+        case kBits: return encode_string(e, o, reinterpret_cast<const asn1_string*>(value));
+        case kChars:
+        case kMappedChars: return encode_chars(e, o, reinterpret_cast<const asn1_string*>(value));
         case kBigInteger: return encode_big_integer(e, o, reinterpret_cast<const asn1_integer*>(value));
         case kOpenType: return encode_open_type(e, o, reinterpret_cast<const asn1_open_value*>(value));
         case kIndirect: return encode_indirect(e, o, value);
         case kNull: return true;
-        case kAlignedLeaf: return encode_aligned_leaf(e, o, value);
-        case kAlignedGroup: return encode_group(e, o, value, true);
-        case kMarkedLeaf: return encode_marked_leaf(e, o, value);
-        case kCountedLeaf: return encode_counted_leaf(e, o, value);
-        case kCountedBigInteger:
-            return encode_big_integer(e, o, reinterpret_cast<const asn1_integer*>(value));
-        case kBlock:
-        case kWalker: break;
+        default: return kIsAligned ? encode_aligned_op(e, o, value) : by_walker(e, o, value);
     }
-    return by_walker(e, o, value);
 }
 
 static encode_result run_encode(const orlenta_codec* codec, rule rule, uint8_t** out, const void* value) {
@@ -566,7 +562,7 @@ static encode_result run_encode(const orlenta_codec* codec, rule rule, uint8_t**
     e.walker_pieces = 0;
     const op* root = &code->code->ops[code->root];
     bool is_done = encode_op(&e, root, static_cast<const uint8_t*>(value));
-    if (is_done && bits_written(e.sink) == 0) put(&e, 8, 0);  // X.691 clause 11.1
+    if (is_done && bits_written(e.sink) == 0) put_few(&e, 8, 0);  // X.691 clause 11.1
     is_done = is_done && flush(&e.sink) == 0;
     if (!is_done) {
         asn1_free(e.sink.buffer.data);
