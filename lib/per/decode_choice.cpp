@@ -31,6 +31,8 @@ int decode_choice(asn1_per_decoder* decoder, const asn1_type_desc* type, void* r
     }
     uint32_t selector;
     if (asn1_per_decode_constrained_whole_number(decoder, 0, choice.root - 1, &selector) != 0) return -1;
+    // Without alternatives in the root no index is one.
+    if (selector >= choice.root) return asn1_decode_error(decoder, "overflow in constrained whole number");
     store32(at_offset(record, choice.selector_offset), selector);
     return decode_named(decoder, alternative_name(choice, selector), alternative_type(choice, selector),
                         at_offset(record, choice.payload_offset));
