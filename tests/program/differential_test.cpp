@@ -82,6 +82,7 @@ class Subject {
     Subject(const Rules& rules, Type type, Tally& tally)
         : rules_(rules), type_(type), codec_(orlenta_codec_new(type)), tally_(tally) {
         EXPECT_NE(codec_, nullptr);
+        EXPECT_EQ(orlenta_codec_find(type), nullptr);  // or asn1_uper_decode() were no walker
     }
 
     // Decodes both ways; the walker's value, or null.
