@@ -337,6 +337,10 @@ const asn1_word kContainingSmall[] = {num(ASN1_CONSTRAINT_CONTAINING), ref(kSmal
 const asn1_word kHoldsSmall[] = {head(ASN1_KIND_OCTET_STRING, kLower | ASN1_WORD0_CONSTRAINED), num(0),
                                  ref(kContainingSmall)};
 
+const asn1_word kContainingNull[] = {num(ASN1_CONSTRAINT_CONTAINING), ref(kNull)};
+const asn1_word kHoldsNull[] = {head(ASN1_KIND_OCTET_STRING, kLower | ASN1_WORD0_CONSTRAINED), num(0),
+                                ref(kContainingNull)};
+
 struct OpenRecord {
     uint32_t id;
     asn1_open_value value;
@@ -347,6 +351,8 @@ TEST(WholeCheck, SeesWhatIsInside) {
     uint32_t truth = 1;
     asn1_string octets = string("ab"), five = string("\x50"), twelve = string("\xC0"),
                 longer = string("\x50\x50"), nothing = string(""), by_ber = string("\x02\x01\x05");
+    uint8_t zero = 0;
+    asn1_string zero_octet = {&zero, 1}, one_octet = string("\1");
     uint32_t last_item = 3, no_item = 4;
     OpenRecord fits = {2, {kOctets, &octets, 0}}, other_key = {1, {kOctets, &octets, 0}},
                no_key = {7, {kBoolean, &truth, 0}}, raw = {2, {nullptr, nullptr, 0}};
@@ -363,6 +369,11 @@ TEST(WholeCheck, SeesWhatIsInside) {
         {"contained, out of range, in an open type", kAny, &missed,
          "contained value: overflow in constrained whole number"},
         {"contained, and more", kHoldsSmall, &longer, "contained value: it ends before the string does"},
+        {"no bits contained", kHoldsNull, &zero_octet, nullptr},
+        {"no bits contained, and more", kHoldsNull, &one_octet,
+         "contained value: it ends before the string does"},
+        {"no bits contained, and two octets", kHoldsNull, &octets,
+         "contained value: it ends before the string does"},
         {"nothing contained", kHoldsSmall, &nothing, "contained value: reading after end of stream"},
     };
     for (const CheckCase& c : cases) {

@@ -179,6 +179,10 @@ TEST_P(Values, OfFailedGenerationsCanBeUsed) {
             asn1_check_constraints(type, value.get(), nullptr);
             ++in_part;
         });
+        for_some_failed_allocations(kFailures / 4, [&] {
+            Value valid(orlenta_random_valid(type, seed), {type});
+            EXPECT_EQ(valid == nullptr, allocator_has_failed());
+        });
     });
     std::printf("%d values filled in part\n", in_part);
 }
