@@ -435,8 +435,6 @@ std::vector<std::pair<const char*, Type>> unusual_types() {
         {"a key further out",
          sequence({{kSmall, "id"}, {sequence({{open_type(false, 4, by_outer), "v"}}), "in"}})},
         {"no key at all", list_of(plain, 0, 3)},
-        {"extensions alone", sequence({{choice(3, components_of(3, byte, ASN1_OPTION_MANDATORY)), "c"},
-                                       {enumerated(0, 3), "e"}})},
         {"leaves of no bits",
          sequence(with(components_of(210, integer(5, 5), ASN1_OPTION_MANDATORY), {{kBoolean, "z"}}))},
         {"flat leaves of no bits",
