@@ -6,6 +6,7 @@
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <sstream>
@@ -122,9 +123,10 @@ void declare_options(CLI::App& app, Options& options) {
 
 // ---- files ------------------------------------------------------------------------------------------------
 
+// Texts are made one at a time: those of a large schema are longer than all else that is known of it.
 struct OutputFile {
     std::string path;
-    std::string text;
+    std::function<std::string()> text;
 };
 
 std::optional<std::string> read_file(const std::string& path) {
@@ -151,6 +153,11 @@ bool read_sources(const std::vector<std::string>& paths, std::vector<SourceText>
     return diags.errors.empty();
 }
 
+bool has_text(const std::string& path, const std::string& text) {
+    std::error_code failure;
+    return fs::file_size(path, failure) == text.size() && !failure && read_file(path) == text;
+}
+
 bool write_whole(const std::string& path, const std::string& text) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out << text << std::flush;
@@ -173,13 +180,14 @@ bool write_files(const std::vector<OutputFile>& files, std::string& problem) {
     };
 
     for (const OutputFile& file : files) {
-        if (read_file(file.path) == file.text) continue;
+        const std::string text = file.text();
+        if (has_text(file.path, text)) continue;
         if (fs::path folder = fs::path(file.path).parent_path(); !folder.empty()) {
             fs::create_directories(folder, failure);
             if (failure) return give_up(folder.string(), failure.message());
         }
         pending.push_back({file.path + "." + std::to_string(getpid()) + ".tmp", file.path});
-        if (!write_whole(pending.back().temporary, file.text)) return give_up(file.path, "cannot be written");
+        if (!write_whole(pending.back().temporary, text)) return give_up(file.path, "cannot be written");
     }
     for (const Pending& file : pending) {
         fs::rename(file.temporary, file.path, failure);
@@ -204,13 +212,15 @@ bool has_programs(const Options& options, const char* sort) {
 void add_program_files(std::vector<OutputFile>& files, const CodedRegion& region, const Options& options,
                        const std::string& stem) {
     if (has_programs(options, "common"))
-        files.push_back({stem + "_program.cpp", emit_common_program(region)});
+        files.push_back({stem + "_program.cpp", [&region] { return emit_common_program(region); }});
     if (has_programs(options, "single")) {
         std::vector<std::string> programs = emit_single_programs(region, options.parts);
         for (size_t i = 0; i < programs.size(); i++)
-            files.push_back({fmt::format("{}_programs_{}.cpp", stem, i + 1), programs[i]});
+            files.push_back({fmt::format("{}_programs_{}.cpp", stem, i + 1),
+                             [text = std::move(programs[i])] { return text; }});
     }
-    files.push_back({stem + "_index.cpp", emit_index(region, !options.schema.shipped_forms)});
+    bool shipped = options.schema.shipped_forms;
+    files.push_back({stem + "_index.cpp", [&region, shipped] { return emit_index(region, !shipped); }});
 }
 
 // `region` is null if no types get programs.
@@ -220,22 +230,26 @@ std::vector<OutputFile> output_files(const Layout& layout, const CodedRegion* re
     std::string include_name = options.include_name;
     if (include_name.empty()) include_name = fs::path(options.header).filename().string();
     if (!options.header.empty()) {
-        files.push_back({options.header, emit_header(layout, include_name)});
-        files.push_back({local_header_name(options.header), emit_local_header(layout, include_name)});
+        files.push_back({options.header, [=, &layout] { return emit_header(layout, include_name); }});
+        files.push_back({local_header_name(options.header),
+                         [=, &layout] { return emit_local_header(layout, include_name); }});
         if (region)
-            files.push_back({codecs_header_name(options.header), emit_codecs_header(*region, include_name)});
+            files.push_back({codecs_header_name(options.header),
+                             [=] { return emit_codecs_header(*region, include_name); }});
     }
-    if (!options.list.empty()) files.push_back({options.list, emit_catalogue(layout)});
+    if (!options.list.empty()) files.push_back({options.list, [&layout] { return emit_catalogue(layout); }});
     if (options.tables_dir.empty()) return files;
 
     std::string stem = options.tables_dir + "/" + lower(layout.region);
     bool needs_own = region && has_programs(options, "common");
-    std::vector<std::string> tables = emit_tables(
-        layout, options.parts, needs_own ? own_tables(*region) : std::unordered_set<const Table*>());
-    for (size_t i = 0; i < tables.size(); i++)
-        files.push_back({fmt::format("{}_tables_{}.cpp", stem, i + 1), tables[i]});
+    const std::unordered_set<const Table*> own =
+        needs_own ? own_tables(*region) : std::unordered_set<const Table*>();
+    for (size_t i = 0; i < options.parts; i++)
+        files.push_back({fmt::format("{}_tables_{}.cpp", stem, i + 1),
+                         [=, &layout, &options] { return emit_tables(layout, options.parts, i, own); }});
     if (!options.header.empty())
-        files.push_back({stem + "_records.cpp", emit_record_checks(layout, include_name)});
+        files.push_back(
+            {stem + "_records.cpp", [=, &layout] { return emit_record_checks(layout, include_name); }});
     if (region) add_program_files(files, *region, options, stem);
     return files;
 }

@@ -7,6 +7,7 @@
 #include <cctype>
 #include <iterator>
 #include <unordered_set>
+#include <utility>
 
 #include "compiler/emit/c_types.hpp"
 #include "compiler/layout/names.hpp"
@@ -302,6 +303,8 @@ std::string emit_header(const Layout& layout, const std::string& header) {
     for (const Table* table : layout.tables)
         if (has_record(*table)) writer.names.insert(record_name(*table));
     for (const Alias& alias : layout.aliases) writer.names.insert("asn1_" + layout.region + "_" + alias.name);
+    constexpr size_t kTextOfTable = 500;  // more than it is, as a rule: what is not used costs no memory
+    writer.out.reserve(kTextOfTable * layout.tables.size());
     std::string guard = header_guard(header);
     put_manual(writer, header);
     put(writer,
@@ -314,7 +317,7 @@ std::string emit_header(const Layout& layout, const std::string& header) {
     put_alias_descriptors(writer);
     put_descriptors(writer, "descriptors of nested types", Table::Class::nested);
     put(writer, "\n#ifdef __cplusplus\n}}\n#endif\n\n#endif\n");
-    return writer.out;
+    return std::move(writer.out);
 }
 
 std::string header_beside(const std::string& header, const char* suffix) {
@@ -339,7 +342,7 @@ std::string emit_local_header(const Layout& layout, const std::string& header) {
         header_guard(local_header_name(header)));
     put_descriptors(writer, "descriptors in place", Table::Class::anonymous);
     put(writer, "\n#ifdef __cplusplus\n}}\n#endif\n\n#endif\n");
-    return writer.out;
+    return std::move(writer.out);
 }
 
 }  // namespace orlentac

@@ -144,6 +144,11 @@ Text file_text(const Layout& layout, const Table* const* begin, const Table* con
         "extern \"C\" {{\n\n",
         layout.region);
 
+    constexpr size_t kTextOfWord = 80;  // more than it is, as a rule: what is not used costs no memory
+    size_t words = 0;
+    for (auto table = begin; table != end; table++) words += (*table)->words.size();
+    out.reserve(kTextOfWord * words);
+
     // All that is defined here or pointed at from here.
     std::set<std::string> declared;
     for (auto table = begin; table != end; table++) {
@@ -168,19 +173,18 @@ Text file_text(const Layout& layout, const Table* const* begin, const Table* con
 
 std::string own_name(const Table& table) { return "orlenta_own_" + table.symbol; }
 
-std::vector<std::string> emit_tables(const Layout& layout, size_t parts,
-                                     const std::unordered_set<const Table*>& own) {
+std::string emit_tables(const Layout& layout, size_t parts, size_t part,
+                        const std::unordered_set<const Table*>& own) {
     size_t total = 0;
     for (const Table* table : layout.tables) total += table->words.size();
-    std::vector<std::string> files;
-    size_t words = 0, begin = 0, end = 0;
-    for (size_t part = 1; part <= parts; part++) {
-        while (end < layout.tables.size() && (words < total * part / parts || part == parts))
+    // Up to where the parts before have all that is theirs.
+    auto end_of = [&](size_t count) {
+        size_t words = 0, end = 0;
+        while (end < layout.tables.size() && (words < total * count / parts || count == parts))
             words += layout.tables[end++]->words.size();
-        files.push_back(file_text(layout, layout.tables.data() + begin, layout.tables.data() + end, own));
-        begin = end;
-    }
-    return files;
+        return layout.tables.data() + end;
+    };
+    return file_text(layout, end_of(part), end_of(part + 1), own);
 }
 
 std::string emit_record_checks(const Layout& layout, const std::string& header) {

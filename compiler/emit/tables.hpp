@@ -3,16 +3,16 @@
 
 #include <string>
 #include <unordered_set>
-#include <vector>
 
 #include "compiler/layout/layout.hpp"
 
 namespace orlentac {
 
-// The texts of `parts` source files of about the same size, for a build on several cores. The tables in `own` get a
-// second name, own_name(), by which no other than the library's table is meant, not the copy that the loader may make.
-std::vector<std::string> emit_tables(const Layout& layout, size_t parts,
-                                     const std::unordered_set<const Table*>& own = {});
+// The text of one of `parts` source files of about the same size, for a build on several cores; `part` counts from 0.
+// The tables in `own` get a second name, own_name(), by which no other than the library's table is meant, not the copy
+// that the loader may make.
+std::string emit_tables(const Layout& layout, size_t parts, size_t part,
+                        const std::unordered_set<const Table*>& own = {});
 std::string own_name(const Table& table);
 
 // The text of a source file that holds the records of the region's header against the tables when it is compiled.

@@ -322,6 +322,7 @@ std::vector<Token> tokenize(const std::string* file, std::string_view text, Diag
     Cursor cursor{.text = text, .place = {file, 1, 1}};
     if (starts_with(cursor, "\xEF\xBB\xBF")) cursor.at = 3;
     std::vector<Token> tokens;
+    tokens.reserve(text.size() / 4);  // more than there are, as a rule; what is not used costs no memory
     for (skip_blanks(cursor, diags); !at_end(cursor); skip_blanks(cursor, diags)) {
         Token token{Token::Sort::end, {}, cursor.place, cursor.line_start};
         cursor.line_start = false;
