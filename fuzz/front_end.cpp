@@ -69,7 +69,7 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t max
     for (size_t count = 1 + random() % 3; count > 0; count--) {
         size_t at = any(), from = any();
         size_t run = std::min<size_t>(1 + random() % 8, tokens.size() - from);
-        Token fresh{Token::Sort::symbol, std::string(kSymbols[random() % std::size(kSymbols)]), {}, false};
+        Token fresh{std::string(kSymbols[random() % std::size(kSymbols)]), {}, Token::Sort::symbol, false};
         switch (random() % 5) {
             case 0: std::swap(tokens[at], tokens[from]); break;
             case 1: tokens[at] = fresh; break;

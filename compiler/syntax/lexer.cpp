@@ -324,11 +324,11 @@ std::vector<Token> tokenize(const std::string* file, std::string_view text, Diag
     std::vector<Token> tokens;
     tokens.reserve(text.size() / 4);  // more than there are, as a rule; what is not used costs no memory
     for (skip_blanks(cursor, diags); !at_end(cursor); skip_blanks(cursor, diags)) {
-        Token token{Token::Sort::end, {}, cursor.place, cursor.line_start};
+        Token token{{}, cursor.place, Token::Sort::end, cursor.line_start};
         cursor.line_start = false;
         if (read_token(cursor, token, diags)) tokens.push_back(std::move(token));
     }
-    tokens.push_back({Token::Sort::end, {}, cursor.place, true});
+    tokens.push_back({{}, cursor.place, Token::Sort::end, true});
     return tokens;
 }
 
