@@ -76,6 +76,18 @@ Type* member_type(Resolver& resolver, const Member& member, bool automatic, size
     return type;
 }
 
+// X.690 clause 8.9.2 has the order of the text, where tables have the additions last. A SET has no order.
+void note_order(Resolver& resolver, const AstType& ast) {
+    auto addition = std::find_if(ast.components.begin(), ast.components.end(),
+                                 [](const AstComponent& component) { return component.addition; });
+    auto behind = std::find_if(addition, ast.components.end(),
+                               [](const AstComponent& component) { return !component.addition; });
+    if (ast.kind != Kind::sequence || behind == ast.components.end()) return;
+    note(resolver.diags, behind->place,
+         "BER and DER send what is behind the second extension marker before the additions (X.690 clause "
+         "8.9.2)");
+}
+
 template <typename Part>
 void check_names(Resolver& resolver, const std::vector<Part>& parts, std::string_view what) {
     std::unordered_map<std::string, Place> seen;
@@ -147,6 +159,7 @@ std::vector<std::optional<Number>> item_numbers(Resolver& resolver, const std::v
 void fill_components(Resolver& resolver, Type& type, const AstType& ast, const Scope& scope) {
     std::vector<Member> members = ordered_members(resolver, ast, scope);
     bool automatic = tags_itself(ast, scope);
+    note_order(resolver, ast);
     resolver.enclosing.push_back(&type);
     for (size_t i = 0; i < members.size(); i++)
         type.components.push_back(make_component(resolver, members[i], automatic, i));

@@ -439,6 +439,11 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCase{"A ::= SEQUENCE { a Integer, b Integer, c Integr }",
                   "2:20: unknown type 'Integer'; did you mean INTEGER?\n"
                   "2:42: unknown type 'Integr'; did you mean INTEGER?\n"},
+        // What is taken, though not as it should be.
+        WrongCase{
+            "A ::= SEQUENCE { a NULL, ..., b NULL, ..., c NULL }\nB ::= SEQUENCE { ..., ..., c NULL }",
+            "2:44: note: BER and DER send what is behind the second extension marker before the additions "
+            "(X.690 clause 8.9.2)\n"},
         WrongCase{"A ::= NULL\nA ::= NULL", "3:1: 'A' is defined already, at 2:1\n"},
         WrongCase{"A ::= SEQUENCE { a NULL, b NULL, a NULL }",
                   "2:34: the component 'a' is there already, at 2:18\n"},
