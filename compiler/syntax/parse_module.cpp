@@ -100,12 +100,22 @@ void parse_assignment(Parser& parser, AstAssignment& assignment) {
     }
 }
 
+// Name MACRO ::= BEGIN ... END, of 1988.
+void skip_macro(Parser& parser, AstAssignment& assignment) {
+    assignment.name = parser.at->text;
+    Place place = parser.at[1].place;
+    while (!at_end(parser) && !is_word(parser, "END")) parser.at++;
+    accept_word(parser, "END");
+    throw SyntaxError{place, "MACRO is not supported (X.208 annex A)"};
+}
+
 void parse_assignments(Parser& parser, AstModule& module, Diagnostics& diags) {
     while (!at_end(parser) && !is_word(parser, "END") && !is_word(parser, "ENCODING-CONTROL")) {
         AstAssignment& assignment = parser.ast->assignments.emplace_back();
         assignment.place = parser.at->place;
         module.assignments.push_back(&assignment);
         try {
+            if (is_word(parser, "MACRO", 1)) skip_macro(parser, assignment);
             parse_assignment(parser, assignment);
             if (!at_end(parser) && !is_word(parser, "END") && !is_word(parser, "ENCODING-CONTROL") &&
                 !starts_assignment(parser.at, parser.last) && !parser.at->first_in_line) {

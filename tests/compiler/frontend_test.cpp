@@ -328,7 +328,7 @@ TEST(Modules, NamesComeThroughImports) {
                "B DEFINITIONS AUTOMATIC TAGS ::= BEGIN EXPORTS T, v, W; IMPORTS T FROM C;\n"
                "W ::= T v INTEGER ::= 3 END"},
               {"c.asn1",
-               "C DEFINITIONS AUTOMATIC TAGS EXTENSIBILITY IMPLIED ::= BEGIN EXPORTS ALL;\n"
+               "C DEFINITIONS XER INSTRUCTIONS AUTOMATIC TAGS EXTENSIBILITY IMPLIED ::= BEGIN EXPORTS ALL;\n"
                "T ::= SEQUENCE { /* a /* nested */ comment */ a NULL -- b NULL -- } U ::= INTEGER END"}});
     EXPECT_EQ(loaded->errors, "");
     EXPECT_EQ(type_text(*loaded, "X"), "SEQUENCE { t: T; u: INTEGER (0..3) from U; w: W; }");
@@ -416,6 +416,8 @@ INSTANTIATE_TEST_SUITE_P(
                   "2:7: note: encoding instructions have no effect (X.693, X.695)\n"},
         WrongCase{"A ::= CHOICE { a NULL OPTIONAL }",
                   "2:23: expected ',' or '}' behind an alternative, found 'OPTIONAL'\n"},
+        WrongCase{"OPERATION MACRO ::= BEGIN\nTYPE NOTATION ::= empty\nEND\nA ::= OPERATION",
+                  "2:11: MACRO is not supported (X.208 annex A)\n"},
         WrongCase{"A ::= OCTET STRING ('0G'H)", "2:21: expected hexadecimal (0 to F) digits, found 'G'\n"},
         WrongCase{"a ::= INTEGER",
                   "2:3: expected the type of the value 'a' (a type's name has a capital), found '::='\n"},
