@@ -6,20 +6,31 @@
 
 namespace orlenta {
 
-// Makes `a` the number in `count` octets (at least 1). Returns 0, or -1 without memory.
-inline int read_integer_octets(decode_memory* memory, asn1_integer* a, const uint8_t* octets, uint32_t count,
-                               bool is_unsigned) {
-    uint32_t size = (count - 1) / 4 + 1;
-    asn1_integer_init(a);
-    if (!count_limbs(memory, size) || asn1_integer_resize(a, size) != 0) return -1;
+// Limbs of a number in `count` octets (at least 1).
+inline uint32_t limbs_of_octets(uint32_t count) { return (count - 1) / 4 + 1; }
+
+// Makes `a`, which has as many limbs, the number in `count` octets.
+inline void set_integer_octets(asn1_integer* a, const uint8_t* octets, uint32_t count, bool is_unsigned) {
     uint32_t limb = !is_unsigned && (octets[0] & 0x80) != 0 ? UINT32_MAX : 0;
     for (uint32_t left = count; left > 0; --left) {
         limb = limb << 8 | *octets++;
         if ((left - 1) % 4 == 0) a->limbs[(left - 1) / 4] = limb;
     }
-    if (!is_unsigned) return asn1_integer_from_2comp(a);
+    if (!is_unsigned) {
+        asn1_integer_from_2comp(a);
+        return;
+    }
     a->negative = 0;
     asn1_integer_renorm(a);
+}
+
+// The same, with new limbs. Returns 0, or -1 without memory.
+inline int read_integer_octets(decode_memory* memory, asn1_integer* a, const uint8_t* octets, uint32_t count,
+                               bool is_unsigned) {
+    uint32_t size = limbs_of_octets(count);
+    asn1_integer_init(a);
+    if (!count_limbs(memory, size) || asn1_integer_resize(a, size) != 0) return -1;
+    set_integer_octets(a, octets, count, is_unsigned);
     return 0;
 }
 

@@ -30,4 +30,19 @@ inline uint32_t find_alternative(const choice_layout& choice, uint32_t tag) {
     return i;
 }
 
+// The tag with which OER announces an alternative: of an untagged CHOICE that of its first alternative. 0 if the type
+// has none.
+inline uint32_t find_choice_tag(const asn1_type_desc* type) {
+    while (tag_of(type) == 0) {
+        if (kind_of(type) == ASN1_KIND_TAGGED) {
+            type = tagged_inner(type);
+        } else if (kind_of(type) == ASN1_KIND_CHOICE && choice_of(type).total != 0) {
+            type = alternative_type(choice_of(type), 0);
+        } else {
+            return 0;
+        }
+    }
+    return tag_of(type);
+}
+
 }  // namespace orlenta

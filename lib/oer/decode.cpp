@@ -5,7 +5,7 @@
 #include "core/error.hpp"
 #include "core/failed_value.hpp"
 #include "core/tag.hpp"
-#include "oer/decoder.hpp"
+#include "oer/piece.hpp"
 
 namespace orlenta::oer {
 
@@ -115,24 +115,19 @@ int asn1_oer_decode_type(asn1_oer_decoder* decoder, const asn1_type_desc* type, 
     }
 }
 
-}  // namespace orlenta::oer
-
-using namespace orlenta;
-
-int64_t asn1_oer_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,
-                        asn1_error* error) {
-    oer::asn1_oer_decoder decoder;
+int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_desc* type,
+                      const uint8_t* data, uint64_t size, struct ::asn1_error* error) {
+    asn1_oer_decoder decoder;
     decoder.data = data;
     decoder.size = size;
     decoder.position = 0;
     decoder.frames = nullptr;
     decoder.stack = begin_stack();
-    decoder.memory = begin_decode_memory(size);
+    decoder.memory = memory;
     asn1_error_init(&decoder.error);
 
     void* value = asn1_mallocz_value(type);
-    int result =
-        value != nullptr ? oer::asn1_oer_decode_type(&decoder, type, value) : oer::report_no_memory(&decoder);
+    int result = value != nullptr ? asn1_oer_decode_type(&decoder, type, value) : report_no_memory(&decoder);
     if (result == 0) {
         *out = value;
         return static_cast<int64_t>(decoder.position);
@@ -140,4 +135,11 @@ int64_t asn1_oer_decode(void** out, const asn1_type_desc* type, const uint8_t* d
     free_failed_value(type, value);
     *out = nullptr;
     return hand_out_error(error, &decoder.error);
+}
+
+}  // namespace orlenta::oer
+
+int64_t asn1_oer_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,
+                        asn1_error* error) {
+    return orlenta::oer::decode_within(orlenta::begin_decode_memory(size), out, type, data, size, error);
 }

@@ -2,6 +2,7 @@
 #include <orlenta/oer.h>
 
 #include "core/error.hpp"
+#include "core/tag.hpp"
 #include "oer/encoder.hpp"
 
 namespace orlenta::oer {
@@ -15,21 +16,6 @@ int asn1_encode_error(asn1_oer_encoder* encoder, const char* format, ...) {
 }
 
 // ---- CHOICE, TAGGED, ANY ----------------------------------------------------------------------------------
-
-// The tag with which an alternative is announced: of an untagged CHOICE that of its first alternative. 0 if the type
-// has none.
-static uint32_t find_choice_tag(const asn1_type_desc* type) {
-    while (tag_of(type) == 0) {
-        if (kind_of(type) == ASN1_KIND_TAGGED) {
-            type = tagged_inner(type);
-        } else if (kind_of(type) == ASN1_KIND_CHOICE && choice_of(type).total != 0) {
-            type = alternative_type(choice_of(type), 0);
-        } else {
-            return 0;
-        }
-    }
-    return tag_of(type);
-}
 
 static int encode_choice(asn1_oer_encoder* encoder, const asn1_type_desc* type, const void* value) {
     choice_layout choice = choice_of(type);
