@@ -5,14 +5,10 @@
 #pragma once
 
 #include <orlenta/memory.h>
-#include <orlenta/type_info.h>
 
-#include "core/growing_list.hpp"
-#include "core/stack.hpp"
 #include "per/char_params.hpp"
 #include "per/decode_numbers.hpp"
 #include "per/piece.hpp"
-#include "program/arena.hpp"
 #include "program/per_decode.hpp"
 
 namespace orlenta::program {
@@ -21,22 +17,11 @@ namespace {
 
 using per::top_bits;
 
-// A position in bits, or a failure.
-typedef uint64_t bit_position;
-constexpr bit_position kRefused = UINT64_MAX;        // kInvalid
-constexpr bit_position kNoMemory = UINT64_MAX - 1;   // kOutOfMemory
-constexpr bit_position kNotMine = UINT64_MAX - 2;    // kGaveUp
-constexpr bit_position kOtherForm = UINT64_MAX - 3;  // of a length: the walker reads this part of the value
-inline bool is_failure(bit_position position) { return position >= kOtherForm; }
+// In bits.
+typedef position_or_failure bit_position;
 
-struct decoder {
+struct decoder : decode_state {
     per::bit_source source;  // but for its position
-    const program* code;
-    const asn1_parent_frame* frames;
-    stack_guard stack;
-    decode_memory memory;
-    orlenta_arena* arena;  // that the blocks come from; null: each from the allocator
-    uint32_t walker_pieces;
 };
 
 }  // namespace
@@ -85,48 +70,6 @@ COLD bit_position decode_other_leaf(decoder* d, const op* o, void* value, bit_po
     bool is_extension = o->extensible != 0 && has_bits(d, position, 1) && window_at(d, position) >> 63 != 0;
     return is_extension ? by_walker(d, o, value, position) : kRefused;
 }
-
-// ---- blocks -------------------------------------------------------------------------------------------------
-
-// A block that counts; null leaves the count as it was.
-HOT void* take_block(decoder* d, uint64_t size) {
-    uint64_t left = d->memory.left;
-    void* block = nullptr;
-    if (!d->arena) {
-        block = allocate(&d->memory, size);
-    } else if (count_bytes(&d->memory, counted_size(size))) {
-        block = take(d->arena, size);
-    }
-    if (!block) d->memory.left = left;
-    return block;
-}
-
-// Most records are small, for which a call costs more than the stores.
-WARM void zero_many(uint8_t* at, uint64_t size) { memset(at, 0, size); }
-
-HOT void zero(void* block, uint64_t size) {
-    uint8_t* at = static_cast<uint8_t*>(block);
-    if (size > 128) {
-        zero_many(at, size);
-    } else if (size >= 16) {
-        for (uint64_t done = 0; done + 16 < size; done += 16) memset(at + done, 0, 16);
-        memset(at + size - 16, 0, 16);
-    } else if (size >= 8) {
-        memset(at, 0, 8);
-        memset(at + size - 8, 0, 8);
-    } else {
-        for (uint64_t i = 0; i < size; ++i) at[i] = 0;
-    }
-}
-
-HOT void* take_record(decoder* d, uint64_t size) {
-    void* record = take_block(d, size);
-    if (__builtin_expect(record != nullptr, 1)) zero(record, size);
-    return record;
-}
-
-// The same, where a call is no matter.
-WARM void* take_large_record(decoder* d, uint64_t size) { return take_record(d, size); }
 
 // ---- leaves -------------------------------------------------------------------------------------------------
 
@@ -481,46 +424,14 @@ HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, con
     return position;
 }
 
-// As grow_list() grows a list of `count` elements.
-static uint64_t next_capacity(const decoder* d, uint64_t capacity, uint64_t stride, uint64_t count) {
-    uint64_t trusted = kTrustedListBytes / stride;
-    uint64_t wanted = capacity > 1 ? capacity + capacity / 2 : capacity + 1;
-    if (capacity == 0 && trusted > 1) wanted = trusted;
-    if (wanted > count) wanted = count;
-    uint64_t payable = d->memory.left / stride;
-    return capacity == 0 || wanted < payable ? wanted : payable;
-}
-
-// In an arena outgrown blocks are left behind, and no longer count.
-static __attribute__((noinline)) bit_position decode_in_arena(decoder* d, const op* element,
-                                                              asn1_array* array, uint64_t stride,
-                                                              uint32_t count, bit_position position) {
-    uint64_t capacity = 0;
-    for (; array->count < count && !is_failure(position); ++array->count) {
-        if (array->count == capacity) {
-            uncount_bytes(&d->memory, capacity * stride);
-            uint64_t larger = next_capacity(d, capacity, stride, count);
-            void* block = larger > capacity ? take_large_record(d, larger * stride) : nullptr;
-            if (!block) return kNoMemory;
-            if (capacity != 0) memcpy(block, array->data, capacity * stride);
-            array->data = block;
-            capacity = larger;
-        }
-        uint8_t* at = static_cast<uint8_t*>(array->data) + array->count * stride;
-        position = decode_op(d, element, at + element->offset, position);
-    }
-    return position;
-}
-
 // Elements of a list that is too long to be taken at its word.
 static __attribute__((noinline)) bit_position decode_growing(decoder* d, const op* element, asn1_array* array,
                                                              uint64_t stride, uint32_t count,
                                                              bit_position position) {
-    if (d->arena) return decode_in_arena(d, element, array, stride, count, position);
-    growing_list growing = begin_list(&d->memory, array, stride);
-    if (!claim_elements(&growing, count)) return kNoMemory;
+    growing_list growing;
+    if (!begin_elements(d, &growing, array, stride, count)) return kNoMemory;
     for (; count > 0 && !is_failure(position); --count) {
-        void* at = add_element(&growing);
+        void* at = next_element(d, &growing);
         if (!at) return kNoMemory;
         position = decode_op(d, element, static_cast<uint8_t*>(at) + element->offset, position);
     }
@@ -595,40 +506,6 @@ static bit_position skip_wrapped(decoder* d, bit_position position) {
     return is_failure(position) ? position : leave(d, outer, position);
 }
 
-static const open_type_row* find_key(const decoder* d, const row_range& range, uint32_t key) {
-    const open_type_row* rows = &d->code->rows[range.first];
-    uint32_t low = 0, high = range.count;
-    while (low < high) {
-        uint32_t middle = (low + high) / 2;
-        if (rows[middle].key < key) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    return low < range.count && rows[low].key == key ? &rows[low] : nullptr;
-}
-
-// The row of the type that an open type has; null, with a null type, if it has none. A type without a row can only come
-// from another object set than the descriptor's.
-static const open_type_row* find_row(decoder* d, const op* o, const uint8_t* value,
-                                     const asn1_type_desc** type) {
-    const open_type* open = &d->code->open_types[o->part];
-    const row_range& range = d->code->row_ranges[open->rows];
-    const open_type_row* row = nullptr;
-    *type = nullptr;
-    if (open->has_key) {
-        row = find_key(d, range, load32(value + open->key));
-    } else if (const asn1_type_desc* found = asn1_get_constrained_type(d->frames, d->code->types[o->type])) {
-        *type = found;
-        const open_type_row* end = &d->code->rows[range.first] + range.count;
-        for (row = end - range.count; row != end && d->code->types[row->type] != found;) ++row;
-        if (row == end) row = nullptr;
-    }
-    if (row) *type = d->code->types[row->type];
-    return row;
-}
-
 // An open type that has no type is kept as octets.
 WARM bit_position decode_raw(decoder* d, asn1_open_value* open, bit_position position) {
     uint32_t length;
@@ -648,7 +525,7 @@ WARM bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bit_
     const open_type_row* row = find_row(d, o, value, &type);
     if (!row) return type ? kNotMine : decode_raw(d, open, position);
     open->type = type;
-    open->data = take_large_record(d, row->size);
+    open->data = take_record(d, row->size);
     if (!open->data) return kNoMemory;
     outside outer;
     position = enter(d, &outer, position);
@@ -658,7 +535,7 @@ WARM bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bit_
 
 WARM bit_position decode_indirect(decoder* d, const op* o, uint8_t* value, bit_position position) {
     if (!has_stack(&d->stack)) return kNotMine;
-    uint8_t* record = static_cast<uint8_t*>(take_large_record(d, o->low));
+    uint8_t* record = static_cast<uint8_t*>(take_record(d, o->low));
     if (!record) return kNoMemory;
     store_pointer(value, record);
     return decode_op(d, &d->code->ops[o->part], record, position);
@@ -747,22 +624,6 @@ static __attribute__((noinline)) bit_position decode_additions(decoder* d, const
     return position;
 }
 
-// Fills in the DEFAULTs whose preamble bit is 0; where an open type looks for its key all presence words are stored
-// before the first component.
-static void settle_options(decoder* d, const sequence* s, uint8_t* record, uint64_t preamble) {
-    const option* options = &d->code->options[s->options];
-    for (uint64_t absent = ~preamble & s->defaults; absent != 0;) {
-        uint32_t i = static_cast<uint32_t>(__builtin_clzll(absent));
-        absent ^= UINT64_C(1) << 63 >> i;
-        store32(record + options[i].offset, options[i].absent);
-    }
-    if (!s->needs_frame) return;
-    for (uint32_t i = 0; i < s->option_count; ++i) {
-        bool present = (preamble >> (63 - i) & 1) != 0;
-        if (present && (s->defaults >> (63 - i) & 1) == 0) store32(record + options[i].offset, 1);
-    }
-}
-
 // Runs ops: bit 63 is the first one's.
 HOT bit_position run_ops(decoder* d, const op* o, uint64_t todo, uint8_t* record, bit_position position) {
     uint32_t no_presence;
@@ -846,17 +707,6 @@ static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_posit
         default:
             return kIsAligned ? decode_aligned_op(d, o, value, position) : by_walker(d, o, value, position);
     }
-}
-
-// The outermost record does not count.
-static void* take_outermost(const decoder* d, uint64_t size) {
-    void* record = d->arena ? take(d->arena, size) : asn1_malloc(static_cast<size_t>(size));
-    if (record) memset(record, 0, size);
-    return record;
-}
-
-static outcome outcome_of(bit_position failure) {
-    return failure == kRefused ? kInvalid : failure == kNoMemory ? kOutOfMemory : kGaveUp;
 }
 
 static decode_result run_decode(const orlenta_codec* codec, rule rule, orlenta_arena* arena, void** out,
