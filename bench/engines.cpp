@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "program/oer_decode.hpp"
+#include "program/oer_encode.hpp"
 #include "program/per_decode.hpp"
 #include "program/per_encode.hpp"
 
@@ -80,6 +82,7 @@ GivenUp given_up_by_program(const asn1_type_desc* type, const void* value) {
     GivenUp given_up;
     add_given_up<program::run_uper_decode, program::run_uper_encode>(type, value, given_up);
     add_given_up<program::run_aper_decode, program::run_aper_encode>(type, value, given_up);
+    add_given_up<program::run_oer_decode, program::run_oer_encode>(type, value, given_up);
     return given_up;
 }
 
@@ -96,6 +99,8 @@ constexpr Programs kPrograms[] = {
      encode<orlenta_uper_encode2>},
     {"aper", decode<orlenta_aper_decode>, decode_in_arena<orlenta_aper_decode_arena>,
      encode<orlenta_aper_encode2>},
+    {"oer", decode<orlenta_oer_decode>, decode_in_arena<orlenta_oer_decode_arena>,
+     encode<orlenta_oer_encode2>},
 };
 
 std::vector<Engine> all_engines() {

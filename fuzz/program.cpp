@@ -2,6 +2,7 @@
 // of fuzz_convert, whose rules play no part here.
 #include <orlenta/codec.h>
 #include <orlenta/memory.h>
+#include <orlenta/oer.h>
 #include <orlenta/per.h>
 #include <orlenta/value.h>
 
@@ -27,6 +28,7 @@ constexpr Rules kRules[] = {
      orlenta_uper_decode_arena},
     {asn1_aper_decode, asn1_aper_encode2, orlenta_aper_decode, orlenta_aper_encode2,
      orlenta_aper_decode_arena},
+    {asn1_oer_decode, asn1_oer_encode2, orlenta_oer_decode, orlenta_oer_encode2, orlenta_oer_decode_arena},
 };
 
 struct Report {

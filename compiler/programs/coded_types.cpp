@@ -17,7 +17,9 @@ struct RuleName {
     const char* name;
     orlenta::program::rule rule;
 };
-constexpr RuleName kRules[] = {{"uper", orlenta::program::kUnaligned}, {"aper", orlenta::program::kAligned}};
+constexpr RuleName kRules[] = {{"uper", orlenta::program::kUnaligned},
+                               {"aper", orlenta::program::kAligned},
+                               {"oer", orlenta::program::kOer}};
 static_assert(std::size(kRules) == orlenta::program::kRuleCount);
 
 struct Finder {

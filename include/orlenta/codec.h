@@ -54,6 +54,17 @@ ORLENTA_API int64_t orlenta_aper_decode(const orlenta_codec* codec, void** out, 
 ORLENTA_API int64_t orlenta_aper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,
                                          asn1_error* error);
 
+/* ---- OER ----------------------------------------------------------------------------------------------------*/
+
+/* As orlenta_uper_decode, by the rules of asn1_oer_decode (oer.h). */
+ORLENTA_API int64_t orlenta_oer_decode(const orlenta_codec* codec, void** out, const uint8_t* data,
+                                       uint64_t size, asn1_error* error);
+
+/* As orlenta_uper_encode2, by the rules of asn1_oer_encode2 (oer.h): an encoding may be empty, with a result of 0 and a
+ * null `*out`. */
+ORLENTA_API int64_t orlenta_oer_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,
+                                        asn1_error* error);
+
 /* ---- arenas -----------------------------------------------------------------------------------------------
  * For who decodes, looks and throws away: all blocks of a value come from one arena, at a fraction of an allocator's
  * cost, and go with its reset. An arena serves one thread at a time.
@@ -85,6 +96,9 @@ ORLENTA_API int64_t orlenta_uper_decode_arena(const orlenta_codec* codec, orlent
 ORLENTA_API int64_t orlenta_aper_decode_arena(const orlenta_codec* codec, orlenta_arena* arena,
                                               orlenta_arena_value* out, const uint8_t* data, uint64_t size,
                                               asn1_error* error);
+ORLENTA_API int64_t orlenta_oer_decode_arena(const orlenta_codec* codec, orlenta_arena* arena,
+                                             orlenta_arena_value* out, const uint8_t* data, uint64_t size,
+                                             asn1_error* error);
 
 /* ---- values -------------------------------------------------------------------------------------------------*/
 

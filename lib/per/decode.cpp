@@ -47,7 +47,7 @@ static int decode_to_new_value(asn1_per_decoder* decoder, void** out, const asn1
 }
 
 int64_t asn1_per_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,
-                               int32_t aligned, asn1_error* error) {
+                        int32_t aligned, asn1_error* error) {
     asn1_per_decoder decoder;
     begin(&decoder, data, size);
     decoder.aligned = aligned;

@@ -30,8 +30,8 @@ static int64_t encode_to_block(asn1_per_encoder* encoder, uint8_t** out, const a
     return hand_out_error(error, &encoder->error);
 }
 
-int64_t asn1_per_encode(uint8_t** out, const asn1_type_desc* type, const void* value,
-                               asn1_error* error, int32_t aligned) {
+int64_t asn1_per_encode(uint8_t** out, const asn1_type_desc* type, const void* value, asn1_error* error,
+                        int32_t aligned) {
     asn1_per_encoder encoder;
     return encode_to_block(&encoder, out, type, value, error, aligned);
 }

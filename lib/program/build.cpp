@@ -38,6 +38,7 @@ static void move_arrays(builder* b, uint8_t* block, program* to) {
 
 void begin_builder(builder* b, rule rule) {
     b->aligned = rule == kAligned;
+    b->octets = rule == kOer;
     reserve_item(b, &b->row_ranges);  // the set of no rows
 }
 

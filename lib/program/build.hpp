@@ -51,6 +51,7 @@ struct builder {
     address_map row_sets;   // row_ranges[], by table constraint if sorted, else by open type
     sequence_parts* spare;  // done with, with room for the next
     bool aligned;           // for ALIGNED PER
+    bool octets;            // for OER
     bool failed;            // memory
 };
 
@@ -163,5 +164,36 @@ bool find_simple_key(const asn1_type_desc* open, const asn1_type_desc* enclosing
 
 // The op of a value that has a record of its own, as what stands in an open type.
 uint32_t whole_op(builder* b, const asn1_type_desc* type);
+
+void set_list(builder* b, op* made, const asn1_type_desc* type);
+uint32_t choice_part(builder* b, uint32_t type, const choice_layout& layout);
+void set_indirect(builder* b, op* made, const asn1_type_desc* type);
+
+// The type in a row of an object set, or null.
+const asn1_type_desc* type_in_row(const asn1_table_constraint* table, uint32_t row);
+
+// ---- OER (build_oer.cpp) --------------------------------------------------------------------------------------
+
+// As leaf_of(): numbers of one, two or four octets, that of an ENUMERATED in its short form. `width` is in octets, and
+// `low` the bit of a sign that is to be extended, or kAnyOctet: each octet but 0 is a 1.
+leaf_form octet_leaf_of(const asn1_type_desc* type);
+constexpr uint32_t kAnyOctet = 1;
+
+// What a leaf of a group is kept as until the group is complete, and what becomes of it then.
+leaf pack_octet_leaf(const leaf_form& form, uint32_t offset, uint32_t at);
+uint32_t add_octet_leaves(builder* b, const growing<leaf>& gates, const growing<leaf>& leaves);
+
+// A leaf on its own.
+uint32_t add_octet_leaf(builder* b, const leaf_form& form);
+
+inline leaf_form form_of(const builder* b, const asn1_type_desc* type) {
+    return b->octets ? octet_leaf_of(type) : leaf_of(b->aligned, type);
+}
+
+// Makes an op of what is no leaf, so far the walker's, one of OER.
+void set_octet_op(builder* b, op* made, const asn1_type_desc* type);
+
+// The tags of alternatives whose ops are made.
+void add_tags(builder* b, choice* made, const choice_layout& layout);
 
 }  // namespace orlenta::program

@@ -124,15 +124,15 @@ static uint32_t list_part(builder* b, uint32_t type, const list_layout& layout) 
     return part;
 }
 
-static void set_list(builder* b, op* made, const asn1_type_desc* type) {
+void set_list(builder* b, op* made, const asn1_type_desc* type) {
     list_layout layout = list_of(type);
-    if (layout.stride > UINT32_MAX) return;
+    if (layout.stride == 0 || layout.stride > UINT32_MAX) return;
     made->kind = kList;
-    set_length(b, made, per::layout_of_list(type, layout), layout.has_upper);
+    if (!b->octets) set_length(b, made, per::layout_of_list(type, layout), layout.has_upper);
     made->part = list_part(b, made->type, layout);
 }
 
-static uint32_t choice_part(builder* b, uint32_t type, const choice_layout& layout) {
+uint32_t choice_part(builder* b, uint32_t type, const choice_layout& layout) {
     if (b->known.items[type].part != kNone) return b->known.items[type].part;
     uint32_t part = reserve_item(b, &b->choices);
     b->known.items[type].part = part;
@@ -141,9 +141,14 @@ static uint32_t choice_part(builder* b, uint32_t type, const choice_layout& layo
         add(b, &ops, make_fused_op(b, alternative_type(layout, i), 0, kNone));
     }
     if (!b->failed) {
-        b->choices.items[part] = {layout.root, layout.total, static_cast<uint32_t>(layout.selector_offset),
-                                  static_cast<uint32_t>(layout.payload_offset),
-                                  add_all(b, &b->ops, ops.items, ops.count)};
+        choice made = {};
+        made.root = layout.root;
+        made.total = layout.total;
+        made.selector = static_cast<uint32_t>(layout.selector_offset);
+        made.payload = static_cast<uint32_t>(layout.payload_offset);
+        made.ops = add_all(b, &b->ops, ops.items, ops.count);
+        if (b->octets) add_tags(b, &made, layout);
+        b->choices.items[part] = made;
     }
     asn1_free(ops.items);
     return part;
@@ -172,7 +177,7 @@ uint32_t whole_op(builder* b, const asn1_type_desc* type) {
     return index;
 }
 
-static void set_indirect(builder* b, op* made, const asn1_type_desc* type) {
+void set_indirect(builder* b, op* made, const asn1_type_desc* type) {
     const asn1_type_desc* inner = tagged_inner(type);
     made->kind = kIndirect;
     made->part = whole_op(b, inner);
@@ -185,6 +190,10 @@ op leaf_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t pre
            const leaf_form& form) {
     op made = plain_op(form.aligned ? kAlignedLeaf : kLeaf, offset, presence, type_index(b, type));
     made.width = static_cast<uint8_t>(form.width);
+    if (b->octets) {
+        made.part = add_octet_leaf(b, form);
+        return made;
+    }
     made.low = form.low;
     made.range = form.range;
     made.extensible = form.extensible;
@@ -194,10 +203,14 @@ op leaf_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t pre
 
 op make_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32_t presence) {
     type = behind_tags(type);
-    leaf_form form = leaf_of(b->aligned, type);
+    leaf_form form = form_of(b, type);
     if (form.is_leaf) return leaf_op(b, type, offset, presence, form);
     op made = plain_op(kWalker, offset, presence, type_index(b, type));
     if (b->failed) return made;
+    if (b->octets) {
+        set_octet_op(b, &made, type);
+        return made;
+    }
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET:

@@ -49,10 +49,15 @@ bool find_simple_key(const asn1_type_desc* open, const asn1_type_desc* enclosing
     return is_number(behind_tags(type)) && have_keys(table, *column);
 }
 
-static open_type_row read_row(builder* b, const asn1_table_constraint* table, const asn1_word* row) {
+const asn1_type_desc* type_in_row(const asn1_table_constraint* table, uint32_t row) {
     uint32_t column = low32(table->column);
-    const asn1_type_desc* type = row[column].type;
-    if (!type) type = class_fields(table->object_class.type)[column].type.type;
+    const asn1_type_desc* object_class = table->object_class.type;
+    const asn1_type_desc* type = table->rows.type[row * class_field_count(object_class) + column].type;
+    return type ? type : class_fields(object_class)[column].type.type;
+}
+
+static open_type_row read_row(builder* b, const asn1_table_constraint* table, uint32_t row) {
+    const asn1_type_desc* type = type_in_row(table, row);
     if (!type) return {0, kNone, kNone, 0};
     return {0, whole_op(b, type), type_index(b, type), static_cast<uint32_t>(asn1_get_size(type))};
 }
@@ -83,7 +88,7 @@ static void read_rows(builder* b, const asn1_table_constraint* table, growing<op
     const asn1_word* line = table->rows.type;
     uint32_t stride = class_field_count(table->object_class.type);
     for (uint32_t i = 0; i < low32(table->row_count) && !b->failed; ++i, line += stride) {
-        open_type_row row = read_row(b, table, line);
+        open_type_row row = read_row(b, table, i);
         if (has_key) {
             row.key = load32(key_of(table, line, key_column));
             insert_row(b, rows, row);

@@ -1,6 +1,8 @@
 // A SEQUENCE or SET: its leaves gathered in groups, nested records taken apart where nothing in them is optional.
 #include "core/extension.hpp"
+#include "core/presence.hpp"
 #include "program/build.hpp"
+#include "program/octets.hpp"
 
 namespace orlenta::program {
 
@@ -41,6 +43,7 @@ struct sequence_parts {
     growing<extension_unit> units;
     growing<uint8_t> flags;
     growing<variant> variants;
+    growing<option> settings;  // of one variant
 };
 
 static void free_group(open_group* group) {
@@ -83,6 +86,7 @@ static void free_parts(sequence_parts* parts) {
     asn1_free(parts->units.items);
     asn1_free(parts->flags.items);
     asn1_free(parts->variants.items);
+    asn1_free(parts->settings.items);
     asn1_free(parts);
 }
 
@@ -116,10 +120,15 @@ static uint32_t presence_of(const asn1_field* field, uint32_t base) {
     return is_presence_flagged(field) ? base + presence_offset(field) : kNone;
 }
 
+// In OER the walker takes a block for what is present of so many components.
+static bool is_counted(const builder* b, const asn1_type_desc* type) {
+    return b->octets && component_count(type) > sizeof(presence_bytes::few);
+}
+
 // ---- groups -------------------------------------------------------------------------------------------------
 
 // Adds room for one more leaf; false if there is none, or if where the next octet begins is not known.
-static bool extend(span* room, const leaf_form& form) {
+static bool extend(const builder* b, span* room, const leaf_form& form) {
     ++room->leaves;
     if (form.aligned) {
         if (room->width == 0 && !room->fixed) room->aligned = true;
@@ -127,20 +136,23 @@ static bool extend(span* room, const leaf_form& form) {
         room->width = (room->width + 7) & ~UINT32_C(7);
     }
     room->width += form.width;
-    return room->width <= kWindowBits && room->leaves <= kMaxLeaves;
+    return room->width <= (b->octets ? kGroupOctets : kWindowBits) && room->leaves <= kMaxLeaves;
 }
 
 constexpr leaf_form kGate = {true, false, false, 0, 0, 1};
 
 static void add_leaf(builder* b, open_group* group, growing<leaf>* to, uint32_t offset,
                      const leaf_form& form) {
-    extend(&group->room, form);
+    if (b->octets) add(b, to, pack_octet_leaf(form, offset, group->room.width));
+    extend(b, &group->room, form);
+    if (b->octets) return;
     uint32_t shift = form.width == 0 ? 0 : 64 - group->room.width;
     uint32_t mask = form.width == 0 ? 0 : UINT32_MAX >> (32 - form.width);
     add(b, to, {offset << 8 | shift, form.low, form.range, mask});
 }
 
 static uint32_t add_leaves(builder* b, const open_group& group) {
+    if (b->octets) return add_octet_leaves(b, group.gates, group.leaves);
     uint32_t first = add_all(b, &b->leaves, group.gates.items, group.gates.count);
     add_all(b, &b->leaves, group.leaves.items, group.leaves.count);
     return first;
@@ -188,27 +200,28 @@ static void close_group(sequence_parts* parts) {
 
 // ---- flat records -------------------------------------------------------------------------------------------
 
-static bool extend_by_record(span* room, bool aligned, const asn1_type_desc* type, uint32_t offset);
+static bool extend_by_record(const builder* b, span* room, const asn1_type_desc* type, uint32_t offset);
 
-static bool extend_by_component(span* room, bool aligned, const asn1_field* field, uint32_t offset) {
+static bool extend_by_component(const builder* b, span* room, const asn1_field* field, uint32_t offset) {
     if (is_addition(field)) {
         return field_option(field) != ASN1_OPTION_DEFAULT || !holds_big_integer(field_type(field));
     }
     if (field_option(field) != ASN1_OPTION_MANDATORY) return false;
     const asn1_type_desc* type = behind_tags(field_type(field));
-    leaf_form form = leaf_of(aligned, type);
+    leaf_form form = form_of(b, type);
     offset += field_offset(field);
-    if (!form.is_leaf) return extend_by_record(room, aligned, type, offset);
-    return offset < kMaxOffset && extend(room, form);
+    if (!form.is_leaf) return extend_by_record(b, room, type, offset);
+    return offset < kMaxOffset && extend(b, room, form);
 }
 
 // Adds room for a record of nothing but leaves that are always there, its extension bits included; false if it is none, or
 // too large.
-static bool extend_by_record(span* room, bool aligned, const asn1_type_desc* type, uint32_t offset) {
-    if (!is_record(type) || (is_extensible(type) && !extend(room, kGate))) return false;
+static bool extend_by_record(const builder* b, span* room, const asn1_type_desc* type, uint32_t offset) {
+    if (!is_record(type) || is_counted(b, type)) return false;
+    if (is_extensible(type) && !extend(b, room, kGate)) return false;
     uint32_t before = room->leaves;
     for (uint32_t i = 0; i < component_count(type); ++i) {
-        if (!extend_by_component(room, aligned, &components(type)[i], offset)) return false;
+        if (!extend_by_component(b, room, &components(type)[i], offset)) return false;
     }
     return room->leaves != before;
 }
@@ -228,7 +241,7 @@ static void add_flat(builder* b, open_group* group, const asn1_type_desc* type, 
     for (uint32_t i = 0; i < component_count(type); ++i) {
         const asn1_field* field = &components(type)[i];
         const asn1_type_desc* inner = behind_tags(field_type(field));
-        leaf_form form = leaf_of(b->aligned, inner);
+        leaf_form form = form_of(b, inner);
         if (is_addition(field)) {
             add(b, &group->options, option_of(field, offset));
         } else if (form.is_leaf) {
@@ -252,13 +265,13 @@ op make_fused_op(builder* b, const asn1_type_desc* type, uint32_t offset, uint32
     op plain = make_op(b, type, offset, presence);
     type = behind_tags(type);
     span room = {};
-    if (b->failed || plain.kind != kSequence || !extend_by_record(&room, b->aligned, type, offset))
-        return plain;
+    if (b->failed || plain.kind != kSequence || !extend_by_record(b, &room, type, offset)) return plain;
     open_group group = {};
     add_flat(b, &group, type, offset);
     plain.presence = kNone;
     add(b, &group.ops, plain);
-    op made = room.leaves == 1 ? only_leaf(b, type, offset, presence) : finish_group(b, &group, presence);
+    bool is_lone = room.leaves == 1 && first_leaf(type, offset) == offset;
+    op made = is_lone ? only_leaf(b, type, offset, presence) : finish_group(b, &group, presence);
     free_group(&group);
     return made;
 }
@@ -289,9 +302,9 @@ static void add_root(sequence_parts* parts, const asn1_type_desc* type, uint32_t
 // Whether a record can join the open group, or one that is begun for it.
 static bool make_room_for_record(sequence_parts* parts, const asn1_type_desc* type, uint32_t offset) {
     span room = parts->group.room;
-    if (extend_by_record(&room, parts->b->aligned, type, offset)) return true;
+    if (extend_by_record(parts->b, &room, type, offset)) return true;
     room = {};
-    if (!extend_by_record(&room, parts->b->aligned, type, offset)) return false;
+    if (!extend_by_record(parts->b, &room, type, offset)) return false;
     close_group(parts);
     return true;
 }
@@ -302,14 +315,14 @@ static void add_mandatory(sequence_parts* parts, const asn1_type_desc* record, c
     builder* b = parts->b;
     const asn1_type_desc* type = behind_tags(field_type(field));
     uint32_t offset = base + field_offset(field);
-    leaf_form form = leaf_of(b->aligned, type);
+    leaf_form form = form_of(b, type);
     if (kind_of(type) == ASN1_KIND_NULL) return;
     if (form.is_leaf && offset < kMaxOffset) {
         span room = parts->group.room;
-        if (!extend(&room, form)) close_group(parts);
+        if (!extend(b, &room, form)) close_group(parts);
         if (!parts->in_head) add(b, &parts->group.ops, leaf_op(b, type, offset, kNone, form));
         add_leaf(b, &parts->group, &parts->group.leaves, offset, form);
-    } else if (is_record(type) && !is_extensible(type) && !has_options(type) &&
+    } else if (is_record(type) && !is_extensible(type) && !has_options(type) && !is_counted(b, type) &&
                !facts_of(b, type).needs_frame) {
         add_root(parts, type, offset);
     } else if (make_room_for_record(parts, type, offset)) {
@@ -337,19 +350,22 @@ static void add_root(sequence_parts* parts, const asn1_type_desc* type, uint32_t
     }
 }
 
+static void add_setting(sequence_parts* parts, uint32_t offset, uint32_t word) {
+    if (parts->b->octets) return add(parts->b, &parts->settings, {offset, word});
+    add(parts->b, &parts->group.gates, {offset << 8, word, 0, 0});
+    ++parts->group.room.leaves;
+}
+
 // What a preamble sets: presence words, and DEFAULTs that it leaves out.
 static void add_settings(sequence_parts* parts, const asn1_type_desc* type, uint32_t preamble,
                          uint32_t option_count) {
-    open_group* group = &parts->group;
     for (const asn1_field* field = components(type); option_count > 0; ++field) {
         if (!is_root_option(field)) continue;
         bool present = preamble >> --option_count & 1;
         if (present && is_presence_flagged(field)) {
-            add(parts->b, &group->gates, {presence_offset(field) << 8, 1, 0, 0});
-            ++group->room.leaves;
+            add_setting(parts, presence_offset(field), 1);
         } else if (!present && field_option(field) == ASN1_OPTION_DEFAULT) {
-            add(parts->b, &group->gates, {field_offset(field) << 8, low32(field->extra), 0, 0});
-            ++group->room.leaves;
+            add_setting(parts, field_offset(field), low32(field->extra));
         }
     }
 }
@@ -359,7 +375,8 @@ static void add_variant(sequence_parts* parts, const asn1_type_desc* type, uint3
     parts->in_head = true;
     parts->head.preamble = option_count == 0 ? 0 : uint64_t{preamble} << (64 - preamble_width(type));
     parts->ops.count = 0;
-    parts->group.room.width = preamble_width(type);
+    uint32_t bits = preamble_width(type);
+    parts->group.room.width = parts->b->octets ? (bits + 7) / 8 : bits;
     parts->group.room.fixed = true;
     add_settings(parts, type, preamble, option_count);
     for (uint32_t i = 0; i < component_count(type); ++i) {
@@ -371,6 +388,10 @@ static void add_variant(sequence_parts* parts, const asn1_type_desc* type, uint3
     close_group(parts);
     parts->head.ops = add_all(parts->b, &parts->b->ops, parts->ops.items, parts->ops.count);
     parts->head.op_count = static_cast<uint8_t>(parts->ops.count);
+    parts->head.settings =
+        add_all(parts->b, &parts->b->options, parts->settings.items, parts->settings.count);
+    parts->head.setting_count = static_cast<uint32_t>(parts->settings.count);
+    parts->settings.count = 0;
     add(parts->b, &parts->variants, parts->head);
 }
 
@@ -378,8 +399,9 @@ static void add_variant(sequence_parts* parts, const asn1_type_desc* type, uint3
 static uint32_t add_variants(sequence_parts* parts, const asn1_type_desc* type) {
     builder* b = parts->b;
     uint32_t option_count = static_cast<uint32_t>(parts->options.count);
+    if (is_counted(b, type)) return kNone;
     span room = {};
-    bool is_flat_record = extend_by_record(&room, b->aligned, type, 0);
+    bool is_flat_record = extend_by_record(b, &room, type, 0);
     if (option_count > kMaxVariantOptions || is_flat_record || record_size(type) >= kMaxOffset) return kNone;
     if (facts_of(b, type).needs_frame) return kNone;
     for (uint32_t preamble = 0; preamble < UINT32_C(1) << option_count; ++preamble)
@@ -471,11 +493,24 @@ static void set_preamble(sequence_parts* parts, sequence* made) {
     made->run_count = static_cast<uint8_t>(b->preamble_runs.count - made->runs);
 }
 
+// Leaves of OER run several at a time.
+static void finish_leaves(growing<op>* ops) {
+    uint8_t count = 0;
+    for (uint64_t i = ops->count; i-- > 0;) {
+        op* one = &ops->items[i];
+        count = one->kind == kLeaf ? static_cast<uint8_t>(count + 1) : 0;
+        if (count == 0) continue;
+        one->count = count;
+        if (one->presence == kNone) one->presence = one->offset;  // which is stored over
+    }
+}
+
 static sequence finish_sequence(sequence_parts* parts, const asn1_type_desc* type) {
     builder* b = parts->b;
     sequence made = {};
     made.type = type_index(b, type);
     made.extensible = is_extensible(type);
+    made.held = is_counted(b, type) ? component_count(type) : 0;
     made.needs_frame = facts_of(b, type).needs_frame;
     made.width = static_cast<uint8_t>(preamble_width(type));
     made.option_count = static_cast<uint16_t>(parts->options.count);
@@ -484,6 +519,7 @@ static sequence finish_sequence(sequence_parts* parts, const asn1_type_desc* typ
     made.release_count = static_cast<uint16_t>(parts->releases.count);
     made.always = parts->ops.count == 0 ? 0 : UINT64_MAX << (kMaxOps - parts->ops.count);
     set_preamble(parts, &made);
+    if (b->octets) finish_leaves(&parts->ops);
     made.ops = add_all(b, &b->ops, parts->ops.items, parts->ops.count);
     made.options = add_all(b, &b->options, parts->options.items, parts->options.count);
     made.units = add_all(b, &b->extension_units, parts->units.items, parts->units.count);
@@ -509,7 +545,8 @@ uint32_t sequence_part(builder* b, uint32_t type_at) {
         add_root(parts, type, 0);
         close_group(parts);
         add_additions(parts, type);
-        add_releases(parts, type, 0);
+        if (!b->aligned && !b->octets)
+            add_releases(parts, type, 0);  // values are released by the other program
         supported = parts->ops.count <= kMaxOps;
     }
     if (!b->failed) {

@@ -1,13 +1,17 @@
 // The entry points: a program first, and the walker for all that it gives up and for every report.
 #include <orlenta/memory.h>
+#include <orlenta/oer.h>
 #include <orlenta/per.h>
 #include <orlenta/value.h>
 
 #include "core/error.hpp"
 #include "core/stackless.hpp"
+#include "oer/piece.hpp"
 #include "per/piece.hpp"
 #include "per/walk.hpp"
 #include "program/arena.hpp"
+#include "program/oer_decode.hpp"
+#include "program/oer_encode.hpp"
 #include "program/per_decode.hpp"
 #include "program/per_encode.hpp"
 
@@ -20,12 +24,14 @@ static void report_no_record(asn1_error* error) {
 
 static decode_result run_decode(rule rule, const orlenta_codec* codec, orlenta_arena* arena, void** out,
                                 const uint8_t* data, uint64_t size) {
+    if (rule == kOer) return run_oer_decode(codec, arena, out, data, size);
     if (rule == kAligned) return run_aper_decode(codec, arena, out, data, size);
     return run_uper_decode(codec, arena, out, data, size);
 }
 
 static int64_t decode_by_walker(rule rule, const orlenta_codec* codec, void** out, const uint8_t* data,
                                 uint64_t size, asn1_error* error) {
+    if (rule == kOer) return asn1_oer_decode(out, codec->type, data, size, error);
     return per::asn1_per_decode(out, codec->type, data, size, rule == kAligned, error);
 }
 
@@ -34,6 +40,7 @@ static int64_t report_no_memory(const decode_result& result, rule rule, const or
                                 void** out, const uint8_t* data, uint64_t size, asn1_error* error) {
     if (result.has_record) {
         decode_memory held = {result.memory};
+        if (rule == kOer) return oer::decode_within(held, out, codec->type, data, size, error);
         return per::decode_within(held, rule == kAligned, out, codec->type, data, size, error);
     }
     report_no_record(error);
@@ -103,6 +110,11 @@ int64_t orlenta_aper_decode(const orlenta_codec* codec, void** out, const uint8_
     return decode(kAligned, codec, out, data, size, error);
 }
 
+int64_t orlenta_oer_decode(const orlenta_codec* codec, void** out, const uint8_t* data, uint64_t size,
+                           asn1_error* error) {
+    return decode(kOer, codec, out, data, size, error);
+}
+
 int64_t orlenta_uper_decode_arena(const orlenta_codec* codec, orlenta_arena* arena, orlenta_arena_value* out,
                                   const uint8_t* data, uint64_t size, asn1_error* error) {
     return decode_in_arena(kUnaligned, codec, arena, out, data, size, error);
@@ -111,6 +123,11 @@ int64_t orlenta_uper_decode_arena(const orlenta_codec* codec, orlenta_arena* are
 int64_t orlenta_aper_decode_arena(const orlenta_codec* codec, orlenta_arena* arena, orlenta_arena_value* out,
                                   const uint8_t* data, uint64_t size, asn1_error* error) {
     return decode_in_arena(kAligned, codec, arena, out, data, size, error);
+}
+
+int64_t orlenta_oer_decode_arena(const orlenta_codec* codec, orlenta_arena* arena, orlenta_arena_value* out,
+                                 const uint8_t* data, uint64_t size, asn1_error* error) {
+    return decode_in_arena(kOer, codec, arena, out, data, size, error);
 }
 
 int64_t orlenta_uper_encode2(const orlenta_codec* codec, uint8_t** out, const void* value,
@@ -125,4 +142,10 @@ int64_t orlenta_aper_encode2(const orlenta_codec* codec, uint8_t** out, const vo
     encode_result result = run_aper_encode(codec, out, value);
     if (__builtin_expect(result.is_done, 1)) return static_cast<int64_t>(result.octets);
     return orlenta::per::asn1_per_encode(out, codec->type, value, error, 1);
+}
+
+int64_t orlenta_oer_encode2(const orlenta_codec* codec, uint8_t** out, const void* value, asn1_error* error) {
+    encode_result result = run_oer_encode(codec, out, value);
+    if (__builtin_expect(result.is_done, 1)) return static_cast<int64_t>(result.octets);
+    return asn1_oer_encode2(out, codec->type, value, error);
 }

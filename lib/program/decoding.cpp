@@ -4,6 +4,14 @@ namespace orlenta::program {
 
 void zero_many(uint8_t* at, uint64_t size) { memset(at, 0, size); }
 
+void* new_record(decode_state* d, uint64_t size) { return take_record(d, size); }
+
+void* new_outermost_record(const decode_state* d, uint64_t size) {
+    void* record = d->arena ? take(d->arena, size) : asn1_malloc(static_cast<size_t>(size));
+    if (record) memset(record, 0, size);
+    return record;
+}
+
 // ---- lists --------------------------------------------------------------------------------------------------
 
 // As grow_list() grows a list.

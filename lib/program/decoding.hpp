@@ -88,12 +88,11 @@ inline __attribute__((always_inline)) void* take_record(decode_state* d, uint64_
     return record;
 }
 
+// The same by a call.
+void* new_record(decode_state* d, uint64_t size);
+
 // The outermost record does not count.
-inline void* take_outermost(const decode_state* d, uint64_t size) {
-    void* record = d->arena ? take(d->arena, size) : asn1_malloc(static_cast<size_t>(size));
-    if (record) memset(record, 0, size);
-    return record;
-}
+void* new_outermost_record(const decode_state* d, uint64_t size);
 
 // ---- lists --------------------------------------------------------------------------------------------------
 

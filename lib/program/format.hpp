@@ -17,7 +17,7 @@ namespace orlenta::program {
 constexpr uint32_t kFormat = 1;
 
 // Each set of encoding rules has a program of its own.
-enum rule : uint8_t { kUnaligned, kAligned, kRuleCount };
+enum rule : uint8_t { kUnaligned, kAligned, kOer, kRuleCount };
 
 enum op_kind : uint8_t {
     kLeaf,         // a number from `low` to `low + range` in `width` bits, in memory a 32-bit word
@@ -43,6 +43,13 @@ enum op_kind : uint8_t {
     kMarkedLeaf,         // as kAlignedLeaf, behind an extension bit
     kCountedLeaf,        // as kLeaf, in one to four octets behind two bits that count them
     kCountedBigInteger,  // as kBigInteger, in octets behind `width` bits that count them
+
+    // In OER, where `width` is in octets: a leaf's part is octet_leaves[], `count` those in a row from this one on, in a SEQUENCE's row; a fixed
+    // length is `low` with a width of 0; of a
+    // big integer a width of 0 is a length in front, `low` are limbs that count while it is read, `range` is 1 if it has no
+    // sign. In OER alone:
+    kCountedNumber,  // a number of 32 bits behind its length, signed if `low` is not 0
+    kEnumeration,    // an ENUMERATED whose numbers are not its indices
 };
 
 constexpr uint32_t kNone = UINT32_MAX;
@@ -77,6 +84,18 @@ static_assert(sizeof(op) == 32);
 struct leaf {
     uint32_t place;  // offset in the record << 8 | distance from the window's lowest bit
     uint32_t low, range, mask;
+};
+
+// A number in one, two or four octets (X.696 clauses 9 to 11), on its own or `at` octets behind the begin of a group.
+// Read: the word of 32 bits from there on, `carry` added, moved down by `in_shift`, its sign extended from the bit
+// `sign`; written: negated if `negate` is -1, and moved up by `out_shift`. Gates are as in a leaf: of their octet the top
+// bit is read.
+struct octet_leaf {
+    uint32_t offset;  // in the record
+    uint8_t at, in_shift, out_shift;
+    int8_t negate;
+    uint32_t carry, sign;
+    uint32_t range;  // of the number in memory, from 0 on
 };
 
 // What a group is, component by component, and what must be absent for it to be written as one.
@@ -123,6 +142,7 @@ struct sequence {
     uint32_t addition_options;  // options[], the same
     uint32_t has_preamble_bit;  // flags[], the same: in a group it is not mandatory
     uint32_t releases;          // ops[] of the components that own blocks
+    uint32_t held;              // in OER: bytes that count while the root is read
     uint32_t variants;          // variants[], one for each preamble without extension bit, or kNone
 };
 
@@ -134,6 +154,8 @@ struct variant {
     uint8_t width, count, gates, op_count;
     uint32_t ops;  // those behind the head
     uint32_t options, option_count;
+    uint32_t settings,
+        setting_count;  // in OER, in place of such gates: options[], words and what they become
 };
 
 struct list {
@@ -147,6 +169,22 @@ struct choice {
     uint32_t root, total;  // alternatives: root ones, and with the extension ones
     uint32_t selector, payload;
     uint32_t ops;
+
+    // In OER. The tags of the first `direct` alternatives are single octets from `first_octet` on, in their order.
+    uint32_t first_octet, direct;
+    uint32_t identifiers;      // identifiers[], one for each alternative
+    uint32_t tags, tag_count;  // choice_tags[]
+};
+
+// The octets of a tag, the first one on top. Without any the alternative cannot be encoded.
+struct identifier {
+    uint32_t octets, count;
+};
+
+// A tag that an alternative may begin with, in the order of the alternatives.
+struct choice_tag {
+    uint32_t tag;  // as in word 0 of a descriptor
+    uint32_t alternative;
 };
 
 // An open type. The usual key is a 32-bit component of the record that the open type lies in.
@@ -173,6 +211,7 @@ struct open_type_row {
 #define ORLENTA_PROGRAM_ARRAYS(ARRAY)      \
     ARRAY(op, ops)                         \
     ARRAY(leaf, leaves)                    \
+    ARRAY(octet_leaf, octet_leaves)        \
     ARRAY(group, groups)                   \
     ARRAY(option, options)                 \
     ARRAY(preamble_run, preamble_runs)     \
@@ -181,6 +220,8 @@ struct open_type_row {
     ARRAY(extension_unit, extension_units) \
     ARRAY(list, lists)                     \
     ARRAY(choice, choices)                 \
+    ARRAY(identifier, identifiers)         \
+    ARRAY(choice_tag, choice_tags)         \
     ARRAY(open_type, open_types)           \
     ARRAY(row_range, row_ranges)           \
     ARRAY(open_type_row, rows)             \

@@ -525,7 +525,7 @@ WARM bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bit_
     const open_type_row* row = find_row(d, o, value, &type);
     if (!row) return type ? kNotMine : decode_raw(d, open, position);
     open->type = type;
-    open->data = take_record(d, row->size);
+    open->data = new_record(d, row->size);
     if (!open->data) return kNoMemory;
     outside outer;
     position = enter(d, &outer, position);
@@ -535,7 +535,7 @@ WARM bit_position decode_open_type(decoder* d, const op* o, uint8_t* value, bit_
 
 WARM bit_position decode_indirect(decoder* d, const op* o, uint8_t* value, bit_position position) {
     if (!has_stack(&d->stack)) return kNotMine;
-    uint8_t* record = static_cast<uint8_t*>(take_record(d, o->low));
+    uint8_t* record = static_cast<uint8_t*>(new_record(d, o->low));
     if (!record) return kNoMemory;
     store_pointer(value, record);
     return decode_op(d, &d->code->ops[o->part], record, position);
@@ -724,7 +724,7 @@ static decode_result run_decode(const orlenta_codec* codec, rule rule, orlenta_a
     d.arena = arena;
     d.walker_pieces = 0;
     uint64_t allowed = d.memory.left;
-    *out = take_outermost(&d, codec->record_size);
+    *out = new_outermost_record(&d, codec->record_size);
     if (!*out) return {kOutOfMemory, 0, 0, false, 0};
     const op* root = &code->code->ops[code->root];
     bit_position position = decode_op(&d, root, static_cast<uint8_t*>(*out), 0);

@@ -88,6 +88,8 @@ static void release_op(releaser* r, const op* o, uint8_t* value) {
         case kAlignedLeaf:
         case kMarkedLeaf:
         case kCountedLeaf:
+        case kCountedNumber:
+        case kEnumeration:
         case kNull: return;
         case kAlignedGroup:
         case kGroup: return release_group(r, o, value);

@@ -82,10 +82,22 @@ constexpr uint32_t kOwns = 1, kNeedsFrame = 2;
 
 static uint32_t find_facts(builder* b, const asn1_type_desc* type, const asn1_type_desc* enclosing);
 
-static uint32_t facts_of_open_type(const asn1_type_desc* type, const asn1_type_desc* enclosing) {
+// In OER the records around an open type are seen from its contents.
+static uint32_t facts_of_contents(builder* b, const asn1_table_constraint* table) {
+    uint32_t facts = 0;
+    for (uint32_t i = 0; i < low32(table->row_count); ++i) {
+        const asn1_type_desc* type = type_in_row(table, i);
+        if (type) facts |= find_facts(b, type, nullptr);
+    }
+    return facts & kNeedsFrame;
+}
+
+static uint32_t facts_of_open_type(builder* b, const asn1_type_desc* type, const asn1_type_desc* enclosing) {
+    const asn1_table_constraint* table = table_constraint_of(type);
     uint32_t offset, column;
-    bool asks = table_constraint_of(type) && !find_simple_key(type, enclosing, &offset, &column);
-    return kOwns | (asks ? kNeedsFrame : 0);
+    if (!table) return kOwns;
+    if (!find_simple_key(type, enclosing, &offset, &column)) return kOwns | kNeedsFrame;
+    return b->octets ? kOwns | facts_of_contents(b, table) : kOwns;
 }
 
 static uint32_t facts_of_components(builder* b, const asn1_type_desc* type) {
@@ -117,7 +129,7 @@ static uint32_t find_facts_anew(builder* b, const asn1_type_desc* type) {
 
 static uint32_t find_facts(builder* b, const asn1_type_desc* type, const asn1_type_desc* enclosing) {
     type = behind_tags(type);
-    if (kind_of(type) == ASN1_KIND_ANY) return facts_of_open_type(type, enclosing);
+    if (kind_of(type) == ASN1_KIND_ANY) return facts_of_open_type(b, type, enclosing);
     if (is_flat(type)) return 0;
     uint32_t index = type_index(b, type);
     if (b->failed) return 0;

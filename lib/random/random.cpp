@@ -7,8 +7,6 @@
 
 #include "core/stackless.hpp"
 
-#include "core/stackless.hpp"
-
 namespace orlenta::random {
 
 // -1: the value can't end.
