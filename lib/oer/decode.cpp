@@ -1,11 +1,11 @@
 // OER decoding (X.696): the walk over descriptor and input.
 #include <orlenta/memory.h>
-#include <orlenta/oer.h>
 
 #include "core/error.hpp"
 #include "core/failed_value.hpp"
 #include "core/tag.hpp"
-#include "oer/piece.hpp"
+#include "oer/decoder.hpp"
+#include "oer/walk.hpp"
 
 namespace orlenta::oer {
 
@@ -137,9 +137,9 @@ int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_d
     return hand_out_error(error, &decoder.error);
 }
 
-}  // namespace orlenta::oer
-
-int64_t asn1_oer_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,
-                        asn1_error* error) {
-    return orlenta::oer::decode_within(orlenta::begin_decode_memory(size), out, type, data, size, error);
+int64_t decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,
+               struct ::asn1_error* error) {
+    return decode_within(begin_decode_memory(size), out, type, data, size, error);
 }
+
+}  // namespace orlenta::oer

@@ -1,9 +1,8 @@
 // OER encoding (X.696): the walk over descriptor and value.
-#include <orlenta/oer.h>
-
 #include "core/error.hpp"
 #include "core/tag.hpp"
 #include "oer/encoder.hpp"
+#include "oer/walk.hpp"
 
 namespace orlenta::oer {
 
@@ -92,17 +91,13 @@ int asn1_oer_encode_type(asn1_oer_encoder* encoder, const asn1_type_desc* type, 
     }
 }
 
-}  // namespace orlenta::oer
-
-using namespace orlenta;
-
-int64_t asn1_oer_encode2(uint8_t** out, const asn1_type_desc* type, const void* value, asn1_error* error) {
-    oer::asn1_oer_encoder encoder;
+int64_t encode(uint8_t** out, const asn1_type_desc* type, const void* value, struct ::asn1_error* error) {
+    asn1_oer_encoder encoder;
     asn1_byte_buffer_init(&encoder.buffer);
     asn1_error_init(&encoder.error);
     encoder.stack = begin_stack();
-    int result = oer::asn1_oer_encode_type(&encoder, type, value);
-    if (encoder.buffer.failed != 0) result = oer::asn1_encode_error(&encoder, "not enough memory");
+    int result = asn1_oer_encode_type(&encoder, type, value);
+    if (encoder.buffer.failed != 0) result = asn1_encode_error(&encoder, "not enough memory");
     if (result == 0) {
         *out = encoder.buffer.data;
         return static_cast<int64_t>(encoder.buffer.length);
@@ -112,6 +107,4 @@ int64_t asn1_oer_encode2(uint8_t** out, const asn1_type_desc* type, const void* 
     return hand_out_error(error, &encoder.error);
 }
 
-int64_t asn1_oer_encode(uint8_t** out, const asn1_type_desc* type, const void* value) {
-    return asn1_oer_encode2(out, type, value, nullptr);
-}
+}  // namespace orlenta::oer

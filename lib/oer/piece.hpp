@@ -20,8 +20,4 @@ int decode_one(decode_piece* piece, const asn1_type_desc* type, void* value);
 // The same, behind what `buffer` holds.
 int encode_one(asn1_byte_buffer* buffer, stack_guard* stack, const asn1_type_desc* type, const void* value);
 
-// asn1_oer_decode() with `memory` for the blocks of the value.
-int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_desc* type,
-                      const uint8_t* data, uint64_t size, struct ::asn1_error* error);
-
 }  // namespace orlenta::oer

@@ -181,7 +181,7 @@ static void finish_head(sequence_parts* parts) {
     head->count = static_cast<uint8_t>(group.room.leaves);
     head->gates = static_cast<uint8_t>(group.gates.count);
     head->options = add_all(parts->b, &parts->b->options, group.options.items, group.options.count);
-    head->option_count = static_cast<uint32_t>(group.options.count);
+    head->option_count = static_cast<uint16_t>(group.options.count);
     parts->in_head = false;
 }
 
@@ -390,7 +390,7 @@ static void add_variant(sequence_parts* parts, const asn1_type_desc* type, uint3
     parts->head.op_count = static_cast<uint8_t>(parts->ops.count);
     parts->head.settings =
         add_all(parts->b, &parts->b->options, parts->settings.items, parts->settings.count);
-    parts->head.setting_count = static_cast<uint32_t>(parts->settings.count);
+    parts->head.setting_count = static_cast<uint16_t>(parts->settings.count);
     parts->settings.count = 0;
     add(parts->b, &parts->variants, parts->head);
 }

@@ -1,12 +1,11 @@
 // The entry points: a program first, and the walker for all that it gives up and for every report.
 #include <orlenta/memory.h>
-#include <orlenta/oer.h>
 #include <orlenta/per.h>
 #include <orlenta/value.h>
 
 #include "core/error.hpp"
 #include "core/stackless.hpp"
-#include "oer/piece.hpp"
+#include "oer/walk.hpp"
 #include "per/piece.hpp"
 #include "per/walk.hpp"
 #include "program/arena.hpp"
@@ -31,7 +30,7 @@ static decode_result run_decode(rule rule, const orlenta_codec* codec, orlenta_a
 
 static int64_t decode_by_walker(rule rule, const orlenta_codec* codec, void** out, const uint8_t* data,
                                 uint64_t size, asn1_error* error) {
-    if (rule == kOer) return asn1_oer_decode(out, codec->type, data, size, error);
+    if (rule == kOer) return oer::decode(out, codec->type, data, size, error);
     return per::asn1_per_decode(out, codec->type, data, size, rule == kAligned, error);
 }
 
@@ -147,5 +146,5 @@ int64_t orlenta_aper_encode2(const orlenta_codec* codec, uint8_t** out, const vo
 int64_t orlenta_oer_encode2(const orlenta_codec* codec, uint8_t** out, const void* value, asn1_error* error) {
     encode_result result = run_oer_encode(codec, out, value);
     if (__builtin_expect(result.is_done, 1)) return static_cast<int64_t>(result.octets);
-    return asn1_oer_encode2(out, codec->type, value, error);
+    return orlenta::oer::encode(out, codec->type, value, error);
 }

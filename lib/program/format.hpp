@@ -14,7 +14,7 @@ namespace orlenta::program {
 
 // Raised with any change of what follows here: programs in constant tables may come from another orlentac than the one
 // of this library, and are then passed over.
-constexpr uint32_t kFormat = 1;
+constexpr uint32_t kFormat = 2;
 
 // Each set of encoding rules has a program of its own.
 enum rule : uint8_t { kUnaligned, kAligned, kOer, kRuleCount };
@@ -153,10 +153,11 @@ struct variant {
     uint32_t leaves;
     uint8_t width, count, gates, op_count;
     uint32_t ops;  // those behind the head
-    uint32_t options, option_count;
-    uint32_t settings,
-        setting_count;  // in OER, in place of such gates: options[], words and what they become
+    uint32_t options;
+    uint32_t settings;  // in OER, in place of such gates: options[], words and what they become
+    uint16_t option_count, setting_count;
 };
+static_assert(sizeof(variant) == 32);
 
 struct list {
     uint64_t stride;   // bytes of an element
