@@ -334,12 +334,6 @@ HOT octet_position decode_elements(decoder* d, const op* element, uint8_t* at, u
             for (; at != end && !is_failure(position); at += stride)
                 position = decode_group(d, element, at, position);
             break;
-        case kSequence: {
-            const sequence* s = &d->code->sequences[element->part];
-            for (; at != end && !is_failure(position); at += stride)
-                position = decode_sequence(d, s, at, position);
-            break;
-        }
         case kFork: return decode_forks(d, &d->code->sequences[element->part], at, end, stride, position);
         default:
             for (; at != end && !is_failure(position); at += stride)

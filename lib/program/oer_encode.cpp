@@ -308,8 +308,6 @@ HOT uint8_t* encode_elements(encoder* e, const list* l, const uint8_t* value, ui
     const uint8_t* end = value + l->stride * count;
     if (element->kind == kGroup) {
         for (; value != end && at; value += l->stride) at = encode_group(e, element, value, at);
-    } else if (element->kind == kLeaf) {
-        for (; value != end && at; value += l->stride) at = encode_leaf(e, element, value, at);
     } else if (element->kind == kFork) {
         const sequence* s = &e->code->sequences[element->part];
         return encode_forks(e, s, value, end, l->stride, at);
