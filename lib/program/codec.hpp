@@ -34,6 +34,9 @@ const rule_program* build_program(const asn1_type_desc* type, rule rule);
 // Has the program made; null without memory, or if the codec is constant.
 const rule_program* make_program(const orlenta_codec* codec, rule rule);
 
+// Releases what a value of the codec's type owns.
+void release_contents(const orlenta_codec* codec, void* value);
+
 // The program of the rule, made if this is its first use; null if there is none, so that the walker has to do it. Any
 // number of threads may come first.
 inline const rule_program* program_for(const orlenta_codec* codec, rule rule) {

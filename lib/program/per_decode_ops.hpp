@@ -709,6 +709,28 @@ static bit_position decode_op(decoder* d, const op* o, uint8_t* value, bit_posit
     }
 }
 
+// malloc keeps small blocks that were freed in lists by their size, where they are found again at once, until a large one
+// is asked for: then it puts them together, and cuts the next ones anew. So a large outermost record, which would come
+// first, comes last, and is put together on the stack until then, where it leaves the levels of the value about half of
+// what they have before they must ask the system.
+constexpr uint64_t kLeastLate = 1024, kMostLate = 6 * 1024 + 512;
+static_assert(kMostLate < kStackAllowance - 5 * 1024);
+
+// `*out` is null if there is no memory for it.
+static __attribute__((noinline)) bit_position decode_late(decoder* d, const orlenta_codec* codec,
+                                                          const op* root, void** out) {
+    alignas(16) uint8_t record[kMostLate];
+    zero(record, codec->record_size);
+    bit_position position = decode_op(d, root, record, 0);
+    if (!is_failure(position)) *out = asn1_malloc(static_cast<size_t>(codec->record_size));
+    if (*out) {
+        memcpy(*out, record, codec->record_size);
+    } else {
+        release_contents(codec, record);
+    }
+    return position;
+}
+
 static decode_result run_decode(const orlenta_codec* codec, rule rule, orlenta_arena* arena, void** out,
                                 const uint8_t* data, uint64_t size) {
     const rule_program* code = program_for(codec, rule);
@@ -724,12 +746,18 @@ static decode_result run_decode(const orlenta_codec* codec, rule rule, orlenta_a
     d.arena = arena;
     d.walker_pieces = 0;
     uint64_t allowed = d.memory.left;
-    *out = new_outermost_record(&d, codec->record_size);
-    if (!*out) return {kOutOfMemory, 0, 0, false, 0};
     const op* root = &code->code->ops[code->root];
-    bit_position position = decode_op(&d, root, static_cast<uint8_t*>(*out), 0);
+    bit_position position;
+    if (!arena && codec->record_size > kLeastLate && codec->record_size <= kMostLate) {
+        position = decode_late(&d, codec, root, out);
+        if (!is_failure(position) && !*out) return {kOutOfMemory, 0, 0, false, 0};
+    } else {
+        *out = new_outermost_record(&d, codec->record_size);
+        if (!*out) return {kOutOfMemory, 0, 0, false, 0};
+        position = decode_op(&d, root, static_cast<uint8_t*>(*out), 0);
+        if (is_failure(position) && !arena) orlenta_free_value(codec, *out);
+    }
     if (__builtin_expect(!is_failure(position), 1)) return {kDone, position, 0, true, d.walker_pieces};
-    if (!arena) orlenta_free_value(codec, *out);
     *out = nullptr;
     return {outcome_of(position), 0, allowed - d.memory.left, true, d.walker_pieces};
 }

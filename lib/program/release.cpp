@@ -117,15 +117,19 @@ static void release_op(releaser* r, const op* o, uint8_t* value) {
     asn1_free_value_struct(r->code->types[o->type], value);
 }
 
+void release_contents(const orlenta_codec* codec, void* value) {
+    const rule_program* code = program_for(codec, kUnaligned);
+    if (!code) return asn1_free_value_struct(codec->type, value);
+    releaser r = {code->code, begin_stack()};
+    release_op(&r, &code->code->ops[code->root], static_cast<uint8_t*>(value));
+}
+
 }  // namespace orlenta::program
 
 using namespace orlenta::program;
 
 void orlenta_free_value(const orlenta_codec* codec, void* value) {
     if (!value) return;
-    const rule_program* code = program_for(codec, kUnaligned);
-    if (!code) return orlenta::release_value(orlenta::begin_stack(), codec->type, value);
-    releaser r = {code->code, orlenta::begin_stack()};
-    release_op(&r, &code->code->ops[code->root], static_cast<uint8_t*>(value));
+    release_contents(codec, value);
     asn1_free(value);
 }
