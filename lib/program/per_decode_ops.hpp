@@ -304,10 +304,15 @@ WARM bit_position decode_chars(decoder* d, const op* o, asn1_string* string, bit
 
 WARM bit_position decode_aligned_op(decoder* d, const op* o, uint8_t* value, bit_position position);
 
-// An op of a SEQUENCE that is none of the most frequent.
+// An op that is none of the most frequent, but for ALIGNED PER.
 HOT bit_position decode_next(decoder* d, const op* o, uint8_t* value, bit_position position) {
     if (!kIsAligned || o->kind < kAlignedLeaf) return decode_op(d, o, value, position);
-    return decode_aligned_op(d, o, value, position);
+    switch (o->kind) {
+        case kAlignedLeaf: return decode_leaf(d, o, value, align(position));
+        case kAlignedGroup: return decode_group(d, o, value, align(position));
+        case kCountedLeaf: return decode_counted_leaf(d, o, value, position);
+        default: return decode_aligned_op(d, o, value, position);
+    }
 }
 
 // ---- SEQUENCE with variants ---------------------------------------------------------------------------------
@@ -425,9 +430,8 @@ HOT bit_position decode_elements(decoder* d, const op* element, uint8_t* at, con
 }
 
 // Elements of a list that is too long to be taken at its word.
-static __attribute__((noinline)) bit_position decode_growing(decoder* d, const op* element, asn1_array* array,
-                                                             uint64_t stride, uint32_t count,
-                                                             bit_position position) {
+COLD bit_position decode_growing(decoder* d, const op* element, asn1_array* array, uint64_t stride,
+                                 uint32_t count, bit_position position) {
     growing_list growing;
     if (!begin_elements(d, &growing, array, stride, count)) return kNoMemory;
     for (; count > 0 && !is_failure(position); --count) {
@@ -507,7 +511,7 @@ static bit_position skip_wrapped(decoder* d, bit_position position) {
 }
 
 // An open type that has no type is kept as octets.
-WARM bit_position decode_raw(decoder* d, asn1_open_value* open, bit_position position) {
+COLD bit_position decode_raw(decoder* d, asn1_open_value* open, bit_position position) {
     uint32_t length;
     position = get_general_length(d, position, &length);
     if (is_failure(position) || length == 0) return position;
@@ -565,7 +569,14 @@ WARM bit_position decode_choice(decoder* d, const op* o, uint8_t* record, bit_po
         return is_extended(o, selector) ? decode_extension(d, o, record, position) : kRefused;
     }
     store32(record + c->selector, static_cast<uint32_t>(selector));
-    return decode_op(d, &d->code->ops[c->ops + selector], record + c->payload, position + o->width);
+    const op* chosen = &d->code->ops[c->ops + selector];
+    record += c->payload;
+    position += o->width;
+    switch (chosen->kind) {
+        case kGroup: return decode_group(d, chosen, record, position);
+        case kFork: return decode_fork(d, &d->code->sequences[chosen->part], record, position);
+        default: return decode_next(d, chosen, record, position);
+    }
 }
 
 // ---- SEQUENCE -----------------------------------------------------------------------------------------------
@@ -605,8 +616,7 @@ static bit_position decode_unit(decoder* d, const sequence* s, const extension_u
 }
 
 // The bitmap and what it announces; one that is wider than a window is the walker's.
-static __attribute__((noinline)) bit_position decode_additions(decoder* d, const sequence* s, uint8_t* record,
-                                                               bit_position position) {
+COLD bit_position decode_additions(decoder* d, const sequence* s, uint8_t* record, bit_position position) {
     if (!has_bits(d, position, 7)) return kRefused;
     uint64_t count = (window_at(d, position) >> 57) + 1;
     if (count > kWindowBits) return kNotMine;

@@ -175,6 +175,7 @@ WARM bool encode_aligned_op(encoder* e, const op* o, const uint8_t* value);
 HOT bool encode_next(encoder* e, const op* o, const uint8_t* value) {
     if (!kIsAligned || o->kind < kAlignedLeaf) return encode_op(e, o, value);
     switch (o->kind) {
+        case kAlignedLeaf: return encode_aligned_leaf(e, o, value);
         case kAlignedGroup: return encode_group(e, o, value, true);
         case kCountedLeaf: return encode_counted_leaf(e, o, value);
         default: return encode_aligned_op(e, o, value);
@@ -424,7 +425,12 @@ WARM bool encode_choice(encoder* e, const op* o, const uint8_t* record) {
     const op* alternative = &e->code->ops[c->ops] + selector;
     if (__builtin_expect(selector <= o->range, 1)) {
         put_field(e, o->width, selector);
-        return encode_op(e, alternative, record + c->payload);
+        const uint8_t* value = record + c->payload;
+        switch (alternative->kind) {
+            case kGroup: return encode_group(e, alternative, value);
+            case kFork: return encode_fork(e, &e->code->sequences[alternative->part], value);
+            default: return encode_next(e, alternative, value);
+        }
     }
     // An index of 64 or more behind the marker is the walker's.
     if (selector >= c->total) return false;
@@ -456,7 +462,7 @@ static bool encode_unit(encoder* e, const sequence* s, const extension_unit& uni
 }
 
 // The bitmap and the units that are there; one wider than a window is the walker's.
-static __attribute__((noinline)) bool encode_additions(encoder* e, const sequence* s, const uint8_t* record) {
+COLD bool encode_additions(encoder* e, const sequence* s, const uint8_t* record) {
     const extension_unit* units = &e->code->extension_units[s->units];
     const option* options = &e->code->options[s->addition_options];
     if (s->unit_count > kWindowBits) return false;
@@ -487,7 +493,7 @@ HOT bool run_ops(encoder* e, const op* o, uint64_t todo, const uint8_t* record) 
             case kFork: is_done = encode_fork(e, &e->code->sequences[o->part], value); break;
             case kList: is_done = encode_list(e, o, reinterpret_cast<const asn1_array*>(value)); break;
             case kChoice: is_done = encode_choice(e, o, value); break;
-            default: is_done = encode_op(e, o, value); break;
+            default: is_done = encode_next(e, o, value); break;
         }
         if (!is_done) return false;
     }
