@@ -15,11 +15,25 @@ static uint64_t size_of(const growing<T>& array) {
     return padded(array.count * sizeof(T));
 }
 
+void* grow_block(builder* b, void* block, uint64_t size, uint64_t* capacity, uint64_t needed) {
+    if (needed < 2 * *capacity) needed = 2 * *capacity;
+    if (needed < 16) needed = 16;
+    if (__asn1_realloc_buf(&block, size, capacity, needed, 0) == 0) return block;
+    b->failed = true;
+    return nullptr;
+}
+
+// Copies to the block, and returns where it stood.
+static __attribute__((noinline)) uint8_t* append(uint8_t** block, const void* items, uint64_t size) {
+    uint8_t* to = *block;
+    if (size != 0) memcpy(to, items, size);
+    *block += padded(size);
+    return to;
+}
+
 template <typename T>
 static void move_to(uint8_t** block, growing<T>* from, const T** to) {
-    if (from->count != 0) memcpy(*block, from->items, from->count * sizeof(T));
-    *to = reinterpret_cast<const T*>(*block);
-    *block += size_of(*from);
+    *to = reinterpret_cast<const T*>(append(block, from->items, from->count * sizeof(T)));
 }
 
 static uint64_t total_size(const builder& b) {

@@ -55,20 +55,17 @@ struct builder {
     bool failed;            // memory
 };
 
+// A larger block for `needed` items of `size` bytes; null, with `failed` set, without memory.
+void* grow_block(builder* b, void* block, uint64_t size, uint64_t* capacity, uint64_t needed);
+
 // Makes room for `count` more items; false, with `failed` set, without memory.
 template <typename T>
-bool make_room(builder* b, growing<T>* array, uint64_t count) {
+inline bool make_room(builder* b, growing<T>* array, uint64_t count) {
     uint64_t needed = array->count + count;
     if (needed <= array->capacity) return true;
-    if (needed < 2 * array->capacity) needed = 2 * array->capacity;
-    if (needed < 16) needed = 16;
-    void* block = array->items;
-    if (__asn1_realloc_buf(&block, sizeof(T), &array->capacity, needed, 0) != 0) {
-        b->failed = true;
-        return false;
-    }
-    array->items = static_cast<T*>(block);
-    return true;
+    void* block = grow_block(b, array->items, sizeof(T), &array->capacity, needed);
+    if (block) array->items = static_cast<T*>(block);
+    return block != nullptr;
 }
 
 // Appends, if memory is to be had.
@@ -91,8 +88,9 @@ uint32_t add_all(builder* b, growing<T>* array, const T* items, uint64_t count) 
 // Appends an item that will be filled in later; 0 if that failed.
 template <typename T>
 uint32_t reserve_item(builder* b, growing<T>* array) {
-    add(b, array, T{});
-    return b->failed ? 0 : static_cast<uint32_t>(array->count - 1);
+    if (!make_room(b, array, 1)) return 0;
+    memset(static_cast<void*>(array->items + array->count), 0, sizeof(T));
+    return static_cast<uint32_t>(array->count++);
 }
 
 // The value of a key, or kNone.

@@ -572,11 +572,8 @@ WARM bit_position decode_choice(decoder* d, const op* o, uint8_t* record, bit_po
     const op* chosen = &d->code->ops[c->ops + selector];
     record += c->payload;
     position += o->width;
-    switch (chosen->kind) {
-        case kGroup: return decode_group(d, chosen, record, position);
-        case kFork: return decode_fork(d, &d->code->sequences[chosen->part], record, position);
-        default: return decode_next(d, chosen, record, position);
-    }
+    if (chosen->kind == kGroup) return decode_group(d, chosen, record, position);
+    return decode_op(d, chosen, record, position);
 }
 
 // ---- SEQUENCE -----------------------------------------------------------------------------------------------

@@ -426,11 +426,8 @@ WARM bool encode_choice(encoder* e, const op* o, const uint8_t* record) {
     if (__builtin_expect(selector <= o->range, 1)) {
         put_field(e, o->width, selector);
         const uint8_t* value = record + c->payload;
-        switch (alternative->kind) {
-            case kGroup: return encode_group(e, alternative, value);
-            case kFork: return encode_fork(e, &e->code->sequences[alternative->part], value);
-            default: return encode_next(e, alternative, value);
-        }
+        if (alternative->kind == kGroup) return encode_group(e, alternative, value);
+        return encode_op(e, alternative, value);
     }
     // An index of 64 or more behind the marker is the walker's.
     if (selector >= c->total) return false;
