@@ -19,7 +19,8 @@ endforeach()
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orlenta)
 # A compiler that runs on the build machine alone is of no use where the library goes.
 if(TARGET orlentac AND NOT ORLENTA_HOST_ORLENTAC)
-    install(TARGETS orlentac EXPORT orlentaTargets)
+    install(TARGETS orlentac orlenta_schema orlenta_schema_static EXPORT orlentaTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
 install(EXPORT orlentaTargets NAMESPACE orlenta:: DESTINATION ${package_dir})
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/orlentaConfig.cmake.in

@@ -1,0 +1,9 @@
+// What a catalogue is.
+#pragma once
+
+#include <orlenta/catalogue.h>
+
+struct orlenta_catalogue {
+    const orlenta_type_entry* entries;
+    size_t count;
+};

@@ -1,0 +1,130 @@
+// Schemas that are compiled while a program runs: names, messages, and values by their descriptors.
+#include <gtest/gtest.h>
+#include <orlenta/jer.h>
+#include <orlenta/memory.h>
+#include <orlenta/per.h>
+#include <orlenta/schema.h>
+#include <orlenta/value.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Free {
+    void operator()(orlenta_schema* schema) const { orlenta_schema_free(schema); }
+};
+using Schema = std::unique_ptr<orlenta_schema, Free>;
+
+Schema compile(const std::string& text, const char* region) {
+    orlenta_schema_source source = {"m.asn1", text.data(), text.size()};
+    orlenta_schema_options options = {region, 0};
+    return Schema(orlenta_schema_compile(&source, 1, &options));
+}
+
+std::string messages(const Schema& schema) {
+    std::string all;
+    for (size_t i = 0; i < orlenta_schema_message_count(schema.get()); ++i) {
+        const orlenta_schema_message* message = orlenta_schema_message_at(schema.get(), i);
+        all += std::string(message->file) + ":" + std::to_string(message->line) + ":" +
+               std::to_string(message->column) + (message->is_note ? " note " : " ") + message->text + "\n";
+    }
+    EXPECT_EQ(orlenta_schema_message_at(schema.get(), orlenta_schema_message_count(schema.get())), nullptr);
+    return all;
+}
+
+const char* const kTwoModules =
+    "A DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+    "Reading ::= SEQUENCE { unit Unit-Name, level INTEGER (0..255) OPTIONAL }\n"
+    "Unit-Name ::= ENUMERATED { volt, watt }\nEND\n"
+    "B DEFINITIONS AUTOMATIC TAGS ::= BEGIN Reading ::= BOOLEAN END";
+
+TEST(Schema, FindsTypesByTheirNames) {
+    Schema schema = compile(kTwoModules, "MY");
+    EXPECT_EQ(
+        messages(schema),
+        "m.asn1:2:1 note 'Reading' is defined in the modules 'A' and 'B': the names in C are A_Reading, "
+        "B_Reading\n");
+    const orlenta_catalogue* catalogue = orlenta_schema_catalogue(schema.get());
+    ASSERT_NE(catalogue, nullptr);
+    struct Row {
+        const char* name;
+        const char* table;  // null: none, or not one
+        size_t found;
+    };
+    for (const Row& row : std::vector<Row>{{"Unit-Name", "Unit_Name", 1},
+                                           {"Unit_Name", "Unit_Name", 1},
+                                           {"MY.A.Unit-Name", "Unit_Name", 1},
+                                           {"A.Reading", "A_Reading", 1},
+                                           {"MY.B.Reading", "B_Reading", 1},
+                                           {"B_Reading", "B_Reading", 1},
+                                           {"Reading", nullptr, 2},
+                                           {"MY.Reading", nullptr, 2},
+                                           {"OTHER.Unit-Name", nullptr, 0},
+                                           {"B.Unit-Name", nullptr, 0},
+                                           {"Unit-Nam", nullptr, 0},
+                                           {"Unit-Names", nullptr, 0},
+                                           {"MY.A.B.Reading", nullptr, 0},
+                                           {"A.", nullptr, 0},
+                                           {"", nullptr, 0}}) {
+        size_t found = 99;
+        const orlenta_type_entry* entry = orlenta_catalogue_find(catalogue, row.name, &found);
+        EXPECT_EQ(found, row.found) << row.name;
+        ASSERT_EQ(entry != nullptr, row.table != nullptr) << row.name;
+        if (!entry) continue;
+        EXPECT_STREQ(entry->table, row.table);
+        EXPECT_EQ(orlenta_catalogue_find_type(catalogue, entry->type), entry);
+    }
+    EXPECT_TRUE(orlenta_catalogue_find(catalogue, "A.Reading", nullptr)->is_root);
+    EXPECT_FALSE(orlenta_catalogue_find(catalogue, "Unit-Name", nullptr)->is_root);
+    EXPECT_EQ(orlenta_catalogue_get(catalogue, orlenta_catalogue_count(catalogue)), nullptr);
+    EXPECT_EQ(orlenta_catalogue_find_type(catalogue, nullptr), nullptr);
+}
+
+TEST(Schema, ServesTheCodecs) {
+    Schema schema = compile(kTwoModules, nullptr);
+    const asn1_type_desc* type =
+        orlenta_catalogue_find(orlenta_schema_catalogue(schema.get()), "A.Reading", nullptr)->type;
+    const std::string json = R"({"unit": "watt", "level": 200})";
+    void* value;
+    asn1_error error;
+    ASSERT_EQ(
+        asn1_jer_decode(&value, type, reinterpret_cast<const uint8_t*>(json.data()), json.size(), &error),
+        static_cast<int64_t>(json.size()))
+        << error.message;
+    uint8_t* bytes;
+    ASSERT_EQ(asn1_uper_encode2(&bytes, type, value, &error), 2) << error.message;
+    EXPECT_EQ(bytes[0] << 8 | bytes[1], 0xF200);  // there; watt; 200
+    asn1_free(bytes);
+    asn1_free_value(type, value);
+}
+
+TEST(Schema, TellsAllErrors) {
+    EXPECT_EQ(messages(compile("A DEFINITIONS ::= BEGIN\nT ::= No\nU ::= Nor\nEND", "MY")),
+              "m.asn1:2:7 unknown type 'No'\nm.asn1:3:7 unknown type 'Nor'\n");
+    EXPECT_EQ(messages(compile(kTwoModules, "1-2")),
+              ":0:0 a region's name is made of letters, digits and underscores, a letter first\n");
+    EXPECT_EQ(orlenta_schema_catalogue(compile("A", "MY").get()), nullptr);
+    const char* path = "/nowhere/x.asn1";
+    Schema unread(orlenta_schema_compile_files(&path, 1, nullptr));
+    EXPECT_EQ(messages(unread), ":0:0 cannot read '/nowhere/x.asn1'\n");
+    EXPECT_EQ(orlenta_schema_catalogue(unread.get()), nullptr);
+    orlenta_schema_free(nullptr);
+}
+
+TEST(Schema, CompilesPublishedModulesFromFiles) {
+    const char* path = ORLENTA_SCHEMA_DIR "/cn/CN-MessageSet.asn1";
+    orlenta_schema_options options = {"CN", 1};
+    Schema schema(orlenta_schema_compile_files(&path, 1, &options));
+    EXPECT_EQ(messages(schema), "");
+    const orlenta_type_entry* frame =
+        orlenta_catalogue_find(orlenta_schema_catalogue(schema.get()), "CN.MessageFrame", nullptr);
+    ASSERT_NE(frame, nullptr);
+    EXPECT_STREQ(frame->name, "MessageFrame");
+    EXPECT_TRUE(frame->is_root);
+    EXPECT_EQ(asn1_get_size(frame->type), static_cast<int64_t>(frame->type[3].number));
+    EXPECT_STREQ(orlenta_version(), ORLENTA_VERSION);
+}
+
+}  // namespace
