@@ -38,9 +38,6 @@ ORLENTA_API const orlenta_type_entry* orlenta_catalogue_find(const orlenta_catal
 ORLENTA_API const orlenta_type_entry* orlenta_catalogue_find_type(const orlenta_catalogue* catalogue,
                                                                   const asn1_type_desc* type);
 
-/* The version of the library that runs, as ORLENTA_VERSION is that of the headers: "1.0.0". */
-ORLENTA_API const char* orlenta_version(void);
-
 #ifdef __cplusplus
 }
 #endif
