@@ -224,12 +224,15 @@ void release_value(const stack_guard& stack, const asn1_type_desc* desc, void* v
     release_pointed(&walk, desc, value);
 }
 
+void release_struct(const stack_guard& stack, const asn1_type_desc* desc, void* value) {
+    release_walk walk = {stack, nullptr, 0, 0, false};
+    release_record(&walk, desc, value);
+}
+
 }  // namespace orlenta
 
 using namespace orlenta;
 
 void asn1_free_value_struct(const asn1_type_desc* desc, void* value) {
-    if (value == nullptr) return;
-    release_walk walk = {begin_stack(), nullptr, 0, 0, false};
-    release_record(&walk, desc, value);
+    if (value != nullptr) release_struct(begin_stack(), desc, value);
 }

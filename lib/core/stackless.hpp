@@ -11,6 +11,9 @@ namespace orlenta {
 // asn1_free_value() (release.cpp).
 void release_value(const stack_guard& stack, const asn1_type_desc* desc, void* value);
 
+// asn1_free_value_struct() (release.cpp).
+void release_struct(const stack_guard& stack, const asn1_type_desc* desc, void* value);
+
 // asn1_cmp_value() (compare.cpp).
 int compare_values(const stack_guard& stack, const asn1_type_desc* desc, const void* a, const void* b);
 

@@ -114,7 +114,7 @@ static void release_op(releaser* r, const op* o, uint8_t* value) {
             return release_indirect(r, o, value);
         case kWalker: break;
     }
-    asn1_free_value_struct(r->code->types[o->type], value);
+    release_struct(r->stack, r->code->types[o->type], value);
 }
 
 void release_contents(const orlenta_codec* codec, void* value) {
