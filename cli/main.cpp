@@ -8,6 +8,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/help.hpp"
+#include "cli/schema.hpp"
 
 namespace {
 
@@ -37,6 +38,8 @@ struct Arguments {
     TypesOptions types;
     ShowOptions show;
     std::string region, topic, shell;
+    std::vector<std::string> schema;
+    std::string schema_region;
     std::string convert_from, convert_to, check_from, random_to;
     TextStyle convert_style, random_style;
     ByteLayout convert_layout, check_layout, random_layout;
@@ -59,6 +62,17 @@ static CLI::Option* add_layout(CLI::App* command, ByteLayout* layout) {
                                          "Bytes are hexadecimal text; read is base64 too, where it is whole");
     command->add_flag("--base64", layout->base64, "Bytes are base64")->excludes(hex);
     return command->add_flag("--lines", layout->lines, "One message a line, in the input and in the output");
+}
+
+static void add_schema(CLI::App* command, Arguments* arguments) {
+    command
+        ->add_option("--schema", arguments->schema,
+                     "ASN.1 modules to take the types from, in place of the message sets")
+        ->type_name("FILE...");
+    command
+        ->add_option("--region", arguments->schema_region, "What names of their types begin with (nothing)")
+        ->type_name("NAME")
+        ->needs("--schema");
 }
 
 static void add_framing(CLI::App* command, ByteLayout* layout, CLI::Option* lines) {
@@ -151,7 +165,7 @@ static void add_catalogue_commands(CLI::App* app, Arguments* arguments) {
     show->add_flag("--recursive,-r", arguments->recursive, "Print all types below it")->excludes("--depth");
 
     CLI::App* roots = app->add_subcommand("roots", "List the types that no other type refers to");
-    roots->add_option("REGION", arguments->region, "CN, EU or US")->required();
+    roots->add_option("REGION", arguments->region, "CN, EU or US; needless with --schema");
 }
 
 static void add_help(CLI::App* app, Arguments* arguments) {
@@ -253,12 +267,17 @@ static int run_help(const CLI::App& app, const std::string& topic) {
 
 static int run_command(const CLI::App& app, Arguments* arguments) {
     require(!app.get_subcommands().empty(), "no command is given");
+    if (!arguments->schema.empty() && !use_schema(arguments->schema, arguments->schema_region))
+        return kBadInput;
     if (app.got_subcommand("convert")) return run_convert_command(arguments);
     if (app.got_subcommand("check")) return run_check_command(arguments);
     if (app.got_subcommand("random")) return run_random_command(arguments);
     if (app.got_subcommand("types")) return run_types(arguments->types);
     if (app.got_subcommand("help")) return run_help(app, arguments->topic);
-    if (app.got_subcommand("roots")) return run_roots(arguments->region);
+    if (app.got_subcommand("roots")) {
+        require(!arguments->region.empty() || !arguments->schema.empty(), "REGION is required");
+        return run_roots(arguments->schema.empty() ? arguments->region : arguments->schema_region);
+    }
     if (app.got_subcommand("completion")) {
         fmt::print("{}", completion_script(app, arguments->shell));
         return kDone;
@@ -301,6 +320,8 @@ int main(int argc, char** argv) {
     add_check(&app, &arguments);
     add_random(&app, &arguments);
     add_catalogue_commands(&app, &arguments);
+    for (const char* name : {"convert", "check", "random", "types", "show", "roots"})
+        add_schema(app.get_subcommand(name), &arguments);
     add_help(&app, &arguments);
     try {
         app.parse(argc, argv);

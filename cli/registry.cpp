@@ -19,10 +19,14 @@ CLI_REGIONS(REGION_DECLARATION)
 
 namespace cli {
 
-std::span<const Region> all_regions() {
-    static const std::vector<Region> regions = {CLI_REGIONS(REGION_ROW)};
-    return regions;
+static std::vector<Region>& regions() {
+    static std::vector<Region> all = {CLI_REGIONS(REGION_ROW)};
+    return all;
 }
+
+std::span<const Region> all_regions() { return regions(); }
+
+void replace_regions(const Region& region) { regions() = {region}; }
 
 const Region* find_region(std::string_view name) {
     for (const Region& region : all_regions())
@@ -48,9 +52,10 @@ static bool is_shared_name(const Region& region, const Entry& entry) {
 }
 
 std::string full_name(const Region& region, const Entry& entry) {
-    if (!is_named(entry)) return fmt::format("{}.{}", region.name, entry.table);
-    if (is_shared_name(region, entry)) return fmt::format("{}.{}.{}", region.name, entry.module, entry.name);
-    return fmt::format("{}.{}", region.name, entry.name);
+    std::string start = region.name[0] ? fmt::format("{}.", region.name) : "";
+    if (!is_named(entry)) return start + entry.table;
+    bool needs_module = start.empty() ? entry.module[0] != '\0' : is_shared_name(region, entry);
+    return needs_module ? fmt::format("{}{}.{}", start, entry.module, entry.name) : start + entry.name;
 }
 
 // ---- nearest names ----------------------------------------------------------------------------------------
@@ -96,15 +101,30 @@ static std::vector<std::string> split_name(const std::string& name) {
     return parts;
 }
 
-static bool is_called(const std::vector<std::string>& parts, const Region& region, const Entry& entry) {
+// Names as they stand, or in any case and with hyphen and underscore alike.
+static bool are_same(bool exactly, std::string_view a, std::string_view b) {
+    return exactly ? a == b : a.size() == b.size() && folded(a) == folded(b);
+}
+
+static bool is_called(const std::vector<std::string>& parts, bool exactly, const Region& region,
+                      const Entry& entry) {
     const std::string& type = parts.back();
-    if (type != entry.name && type != entry.table) return false;
+    if (!are_same(exactly, type, entry.name) && !are_same(exactly, type, entry.table)) return false;
+    bool is_region = are_same(exactly, parts[0], region.name);
     switch (parts.size()) {
         case 1: return true;
-        case 2: return parts[0] == region.name || parts[0] == entry.module;
-        case 3: return parts[0] == region.name && parts[1] == entry.module;
+        case 2: return is_region || are_same(exactly, parts[0], entry.module);
+        case 3: return is_region && are_same(exactly, parts[1], entry.module);
         default: return false;
     }
+}
+
+static std::vector<Type> types_called(const std::vector<std::string>& parts, bool exactly) {
+    std::vector<Type> found;
+    for (const Region& region : all_regions())
+        for (const Entry& entry : region.entries)
+            if (is_called(parts, exactly, region, entry)) found.push_back({&region, &entry});
+    return found;
 }
 
 static std::string nearest_names(const std::string& region_name, const std::string& rest) {
@@ -133,10 +153,8 @@ static std::string nearest_names(const std::string& region_name, const std::stri
 
 Type find_type(const std::string& name, std::string* problem) {
     const std::vector<std::string> parts = split_name(name);
-    std::vector<Type> found;
-    for (const Region& region : all_regions())
-        for (const Entry& entry : region.entries)
-            if (is_called(parts, region, entry)) found.push_back({&region, &entry});
+    std::vector<Type> found = types_called(parts, true);
+    if (found.empty()) found = types_called(parts, false);
     if (found.size() == 1) return found[0];
 
     std::string names;

@@ -19,7 +19,11 @@ struct Region {
     std::span<const Entry> entries;
 };
 
+// Those that are built in, or that of a schema in their place.
 std::span<const Region> all_regions();
+
+// Makes the region the only one. To be called before anything is looked up.
+void replace_regions(const Region& region);
 
 // Null for an unknown region.
 const Region* find_region(std::string_view name);
@@ -38,8 +42,8 @@ struct Type {
 };
 
 // The type of a name: [Region.][Module.]Type, with parts left out while just one type is so called, where the type is
-// "Position-LL-24B" or "Position_LL_24B"; or "asn1_type_CN_Position_LL_24B". Otherwise an empty Type, and one line in
-// `problem` that tells all that are so called, or the nearest names.
+// "Position-LL-24B" or "Position_LL_24B"; or "asn1_type_CN_Position_LL_24B". Where
+// no type is called so exactly, case makes no difference. Otherwise an empty Type, and one line in `problem` that tells all that are so called, or the nearest names.
 Type find_type(const std::string& name, std::string* problem);
 
 // The entry of a descriptor, or null.

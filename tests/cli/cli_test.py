@@ -26,6 +26,7 @@ HIGH = JSON.replace("75", "128")
 TOO_HIGH = "integer range is -127 .. 127 (at vert)\n"
 FRAMES = bytes.fromhex("0006" + UPER) * 2
 
+SENSORS = f"--schema {SOURCE}/examples/Sensors.asn1"
 MESSAGES = ["MessageFrame", "CAM", "DENM", "IVIM"]
 
 # Command line, standard input, exit status, standard output, standard error. An output that begins with "..." must
@@ -123,7 +124,19 @@ CASES = [
      "...orlenta: no type is named CN.BasicSafteyMessage; the nearest: CN.BasicSafetyMessage"),
     ("roots XX", "", 2, "", "...orlenta: no region is named XX; there are: CN"),
     ("show CN.zzzzzzzzzzzz", "", 2, "", "orlenta: no type is named CN.zzzzzzzzzzzz; see orlenta types\n"),
+    # Modules of the user's own.
+    (f"convert {SENSORS} --type Sensors.Reading --from uper --to jer --compact --hex", "200221e281b4b1b280", 0,
+     '{"station":17,"quantity":"temperature","value":-35,"note":"ice"}\n', ""),
+    (f"convert {SENSORS} --region MY --type my.reading --from jer --to uper --hex",
+     '{"station":17,"quantity":"humidity","value":-1001}', 1, "", "...integer range is -1000 .. 1000 (at value)\n"),
+    (f"random {SENSORS} --type Report --valid --to jer --lines --count 3", "", 0, '...[{"station":', ""),
+    (f"roots {SENSORS}", "", 0, "Sensors.Report\n", ""),
+    (f"show {SENSORS} CN.MessageFrame", "", 2, "", "...no type is named CN.MessageFrame"),
+    (f"types --schema {SOURCE}/README.md", "", 1, "", f"...orlenta: {SOURCE}/README.md:1:3: "),
+    ("types --schema nowhere.asn1", "", 1, "", "orlenta: cannot read 'nowhere.asn1'\n"),
     # Types.
+    ("show cn.position3d", "", 0, "...Position3D ::= SEQUENCE {\n", ""),
+    ("show xn.Position3D", "", 2, "", "...the nearest: CN.Position3D"),
     ("types CN.Position-LL-24B", "", 0, "CN.Position-LL-24B  SEQUENCE, 2 components  8 bytes\n", ""),
     ("types cn.lat*", "", 0, "CN.Latitude  INTEGER (-900000000..900000001)  4 bytes\n", ""),
     ("types --all CN._local_1", "", 0, "...CN._local_1", ""),

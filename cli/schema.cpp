@@ -1,0 +1,61 @@
+#include "cli/schema.hpp"
+
+#include <fmt/format.h>
+#include <orlenta/schema.h>
+
+#include <memory>
+
+#include "cli/commands.hpp"
+#include "cli/registry.hpp"
+
+namespace cli {
+
+namespace {
+
+struct ReleaseSchema {
+    void operator()(orlenta_schema* schema) const { orlenta_schema_free(schema); }
+};
+
+// What the types of the run live in.
+struct UserSchema {
+    std::unique_ptr<orlenta_schema, ReleaseSchema> schema;
+    std::vector<Entry> entries;
+};
+
+}  // namespace
+
+static void report_errors(const orlenta_schema* schema) {
+    for (size_t i = 0; i < orlenta_schema_message_count(schema); ++i) {
+        const orlenta_schema_message* message = orlenta_schema_message_at(schema, i);
+        if (message->is_note) continue;
+        report(message->file[0]
+                   ? fmt::format("{}:{}:{}: {}", message->file, message->line, message->column, message->text)
+                   : message->text);
+    }
+}
+
+bool use_schema(const std::vector<std::string>& files, const std::string& region) {
+    static UserSchema user;
+    std::vector<const char*> paths;
+    for (const std::string& file : files) paths.push_back(file.c_str());
+    orlenta_schema_options options = {region.c_str(), 0};
+    user.schema.reset(orlenta_schema_compile_files(paths.data(), paths.size(), &options));
+    if (!user.schema) {
+        report("not enough memory");
+        return false;
+    }
+    const orlenta_catalogue* catalogue = orlenta_schema_catalogue(user.schema.get());
+    if (!catalogue) {
+        report_errors(user.schema.get());
+        return false;
+    }
+    for (size_t i = 0; i < orlenta_catalogue_count(catalogue); ++i) {
+        const orlenta_type_entry* entry = orlenta_catalogue_get(catalogue, i);
+        user.entries.push_back({entry->table, entry->name, entry->type, entry->module});
+    }
+    static const std::string name = region;
+    replace_regions({name.c_str(), user.entries});
+    return true;
+}
+
+}  // namespace cli
