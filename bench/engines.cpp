@@ -8,12 +8,43 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/stackless.hpp"
+#include "oer/walk.hpp"
+#include "per/walk.hpp"
 #include "program/oer_decode.hpp"
 #include "program/oer_encode.hpp"
 #include "program/per_decode.hpp"
 #include "program/per_encode.hpp"
 
 namespace bench {
+
+// ---- the walkers, of rules whose entry points may run programs -----------------------------------------------
+
+template <int kAlignment>
+static int64_t walk_per(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
+                        asn1_error* error) {
+    return orlenta::per::asn1_per_decode(out, type, data, size, kAlignment, error);
+}
+
+template <int kAlignment>
+static int64_t write_per(uint8_t** out, const asn1_type_desc* type, const void* value, const cli::Style&,
+                         asn1_error* error) {
+    return orlenta::per::asn1_per_encode(out, type, value, error, kAlignment);
+}
+
+static int64_t walk_oer(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
+                        asn1_error* error) {
+    return orlenta::oer::decode(out, type, data, size, error);
+}
+
+static int64_t write_oer(uint8_t** out, const asn1_type_desc* type, const void* value, const cli::Style&,
+                         asn1_error* error) {
+    return orlenta::oer::encode(out, type, value, error);
+}
+
+static void walk_and_release(const asn1_type_desc* type, void* value) {
+    orlenta::release_value(orlenta::begin_stack(), type, value);
+}
 
 // ---- programs ---------------------------------------------------------------------------------------------
 
@@ -90,28 +121,37 @@ GivenUp given_up_by_program(const asn1_type_desc* type, const void* value) {
 
 struct Programs {
     const char* rules;
-    decltype(Engine::decode) decode, decode_in_arena;
-    decltype(Engine::encode) encode;
+    decltype(Engine::decode) walk, decode, decode_in_arena;
+    decltype(Engine::encode) write, encode;
 };
 
 constexpr Programs kPrograms[] = {
-    {"uper", decode<orlenta_uper_decode>, decode_in_arena<orlenta_uper_decode_arena>,
-     encode<orlenta_uper_encode2>},
-    {"aper", decode<orlenta_aper_decode>, decode_in_arena<orlenta_aper_decode_arena>,
-     encode<orlenta_aper_encode2>},
-    {"oer", decode<orlenta_oer_decode>, decode_in_arena<orlenta_oer_decode_arena>,
+    {"uper", walk_per<0>, decode<orlenta_uper_decode>, decode_in_arena<orlenta_uper_decode_arena>,
+     write_per<0>, encode<orlenta_uper_encode2>},
+    {"aper", walk_per<1>, decode<orlenta_aper_decode>, decode_in_arena<orlenta_aper_decode_arena>,
+     write_per<1>, encode<orlenta_aper_encode2>},
+    {"oer", walk_oer, decode<orlenta_oer_decode>, decode_in_arena<orlenta_oer_decode_arena>, write_oer,
      encode<orlenta_oer_encode2>},
 };
+
+static const Programs* programs_of(const cli::Rules& rules) {
+    for (const Programs& programs : kPrograms)
+        if (std::strcmp(rules.name, programs.rules) == 0) return &programs;
+    return nullptr;
+}
 
 std::vector<Engine> all_engines() {
     std::vector<Engine> engines;
     for (const cli::Rules& rules : cli::all_rules()) {
-        engines.push_back({&rules, "walker", rules.decode, asn1_free_value, rules.encode});
-        for (const Programs& programs : kPrograms) {
-            if (std::strcmp(rules.name, programs.rules) != 0) continue;
-            engines.push_back({&rules, "program", programs.decode, release, programs.encode});
-            engines.push_back({&rules, "arena", programs.decode_in_arena, reset_arena, programs.encode});
+        const Programs* programs = programs_of(rules);
+        if (!programs) {
+            engines.push_back({&rules, "walker", rules.decode, asn1_free_value, rules.encode});
+            continue;
         }
+        engines.push_back({&rules, "walker", programs->walk, walk_and_release, programs->write});
+        engines.push_back({&rules, "library", rules.decode, asn1_free_value, rules.encode});
+        engines.push_back({&rules, "program", programs->decode, release, programs->encode});
+        engines.push_back({&rules, "arena", programs->decode_in_arena, reset_arena, programs->encode});
     }
     return engines;
 }

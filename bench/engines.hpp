@@ -13,8 +13,8 @@ namespace bench {
 
 struct Engine {
     const cli::Rules* rules;
-    // "walker": the descriptor is walked with the value. "program": a codec made once is run. "arena": the same,
-    // decoded into an arena.
+    // "walker": the descriptor is walked with the value. "library": asn1_uper_decode() and its like, which find the
+    // programs that are built in. "program": a codec made once is run. "arena": the same, decoded into an arena.
     const char* name;
     int64_t (*decode)(void** out, const asn1_type_desc* type, const uint8_t* data, size_t size,
                       asn1_error* error);
