@@ -1,9 +1,11 @@
-/* Types by name, for programs that learn only when they run which type they are to work with: of schemas that were
- * compiled at run time (schema.h). A catalogue never changes, and may be used by any number of threads at once.
+/* Types by name and what they are made of, for programs that learn only when they run which type they are to work with.
+ * Names are those of schemas that were compiled at run time (schema.h). A catalogue never changes, and may be used by any
+ * number of threads at once.
  */
 #ifndef ORLENTA_CATALOGUE_H
 #define ORLENTA_CATALOGUE_H
 
+#include <orlenta/integer.h>
 #include <orlenta/type.h>
 #include <orlenta/version.h>
 
@@ -37,6 +39,79 @@ ORLENTA_API const orlenta_type_entry* orlenta_catalogue_find(const orlenta_catal
 /* The entry of a descriptor; null if it is none of the catalogue's. Looks at all types. */
 ORLENTA_API const orlenta_type_entry* orlenta_catalogue_find_type(const orlenta_catalogue* catalogue,
                                                                   const asn1_type_desc* type);
+
+/* ---- what a type is made of ---------------------------------------------------------------------------------
+ * Of any descriptor, wherever it comes from. All that is handed out lives as long as the descriptor.
+ */
+
+typedef struct orlenta_type_facts {
+    const asn1_type_desc*
+        type;             /* behind all tags: what the rest is about, and what the functions below take */
+    uint32_t kind;        /* ASN1_KIND_... */
+    uint32_t string_type; /* CHAR_STRING: ASN1_STRING_... */
+    uint32_t is_extensible;
+    uint32_t is_big; /* INTEGER held as an asn1_integer */
+    uint32_t has_lower,
+        has_upper; /* bounds of an INTEGER, or of the size of a list or string (BIT STRING: bits) */
+    int64_t lower, upper;
+    const asn1_integer* big_lower; /* the bounds of an INTEGER with is_big; null: none */
+    const asn1_integer* big_upper;
+    uint32_t
+        root_count; /* components, alternatives or items, without those behind the extension marker; or */
+    uint32_t count; /* with them; or ranges of an alphabet */
+    uint64_t record_size;            /* bytes of a value in memory */
+    const asn1_type_desc* element;   /* of a list */
+    const asn1_type_desc* contained; /* of a string with a CONTAINING constraint */
+} orlenta_type_facts;
+
+/* Looks through tags. */
+ORLENTA_API void orlenta_type_describe(const asn1_type_desc* type, orlenta_type_facts* facts);
+
+enum { ORLENTA_MANDATORY = 0, ORLENTA_OPTIONAL = 1, ORLENTA_DEFAULT = 2 };
+
+/* A component of a SEQUENCE or SET. */
+typedef struct orlenta_component {
+    const char* name;
+    const asn1_type_desc* type; /* tags and all */
+    uint32_t offset;            /* of its value in the record */
+    uint32_t has_presence_word; /* which also a mandatory extension addition has */
+    uint32_t presence_offset;
+    uint32_t presence; /* ORLENTA_MANDATORY, ... */
+    uint32_t is_addition;
+    uint32_t opens_group;  /* [[ stands before it */
+    uint32_t closes_group; /* ]] stands behind it */
+    uint32_t default_word; /* ORLENTA_DEFAULT: what a BOOLEAN, ENUMERATED or INTEGER of 32 bits holds */
+    const asn1_integer* big_default; /* the same of an INTEGER with is_big */
+} orlenta_component;
+
+/* An alternative of a CHOICE. */
+typedef struct orlenta_alternative {
+    const char* name;
+    const asn1_type_desc* type;
+    uint32_t is_addition;
+    uint64_t selector_offset; /* in the record, of the 32-bit word that holds the index */
+    uint64_t value_offset;
+} orlenta_alternative;
+
+/* An item of an ENUMERATED, whose value is the index. */
+typedef struct orlenta_item {
+    const char* name;
+    int32_t number; /* in the schema */
+    uint32_t is_addition;
+} orlenta_item;
+
+/* Characters that a string may have, by their codes. */
+typedef struct orlenta_range {
+    uint32_t first, last;
+} orlenta_range;
+
+/* The part at `index` of the `type` that orlenta_type_describe gave. 0, or -1 if it is of another kind or has no part
+ * there. */
+ORLENTA_API int orlenta_type_component(const asn1_type_desc* type, uint32_t index, orlenta_component* part);
+ORLENTA_API int orlenta_type_alternative(const asn1_type_desc* type, uint32_t index,
+                                         orlenta_alternative* part);
+ORLENTA_API int orlenta_type_item(const asn1_type_desc* type, uint32_t index, orlenta_item* part);
+ORLENTA_API int orlenta_type_range(const asn1_type_desc* type, uint32_t index, orlenta_range* part);
 
 #ifdef __cplusplus
 }

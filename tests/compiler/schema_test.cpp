@@ -127,4 +127,83 @@ TEST(Schema, CompilesPublishedModulesFromFiles) {
     EXPECT_STREQ(orlenta_version(), ORLENTA_VERSION);
 }
 
+// ---- what a type is made of -------------------------------------------------------------------------------
+
+// Types of one module as text, put together from what the interface tells.
+std::string shown(const asn1_type_desc* type);
+
+std::string shown_bounds(const orlenta_type_facts& facts) {
+    if (!facts.has_lower && !facts.has_upper) return "";
+    return "[" + (facts.has_lower ? std::to_string(facts.lower) : "") + ".." +
+           (facts.has_upper ? std::to_string(facts.upper) : "") + "]";
+}
+
+std::string shown_parts(const orlenta_type_facts& facts) {
+    std::string text;
+    for (uint32_t i = 0; i < facts.count; ++i) {
+        orlenta_component component;
+        orlenta_alternative alternative;
+        orlenta_item item;
+        orlenta_range range;
+        text += i == 0 ? "" : i == facts.root_count ? "|" : ",";
+        if (orlenta_type_component(facts.type, i, &component) == 0) {
+            text += component.opens_group ? "[" : "";
+            text += component.name + ("+" + std::to_string(component.offset)) + shown(component.type);
+            if (component.presence == ORLENTA_OPTIONAL) text += "?";
+            if (component.presence == ORLENTA_DEFAULT) text += "=" + std::to_string(component.default_word);
+            if (component.has_presence_word) text += "@" + std::to_string(component.presence_offset);
+            text += component.closes_group ? "]" : "";
+        } else if (orlenta_type_alternative(facts.type, i, &alternative) == 0) {
+            text +=
+                alternative.name + ("+" + std::to_string(alternative.value_offset)) + shown(alternative.type);
+        } else if (orlenta_type_item(facts.type, i, &item) == 0) {
+            text += item.name + ("=" + std::to_string(item.number));
+        } else if (orlenta_type_range(facts.type, i, &range) == 0) {
+            text += std::to_string(range.first) + "-" + std::to_string(range.last);
+        }
+    }
+    orlenta_component beyond;
+    EXPECT_EQ(orlenta_type_component(facts.type, facts.count, &beyond), -1);
+    return text.empty() ? "" : "{" + text + "}";
+}
+
+std::string shown(const asn1_type_desc* type) {
+    orlenta_type_facts facts;
+    orlenta_type_describe(type, &facts);
+    std::string text = ":" + std::to_string(facts.kind) + (facts.is_big ? "big" : "") + shown_bounds(facts) +
+                       (facts.is_extensible ? "..." : "") + shown_parts(facts);
+    if (facts.element) text += shown(facts.element);
+    if (facts.contained) text += "<" + shown(facts.contained) + ">";
+    return text;
+}
+
+TEST(Schema, TellsWhatTypesAreMadeOf) {
+    Schema schema = compile(
+        "A DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+        "R ::= SEQUENCE { i INTEGER (-5..7) DEFAULT 3, o BOOLEAN OPTIONAL, ..., [[ g NULL, h NULL ]], m "
+        "BOOLEAN }\n"
+        "C ::= CHOICE { a [7] INTEGER (0..MAX), ..., b NULL }\n"
+        "E ::= ENUMERATED { x(5), y(9), ..., z(12) }\n"
+        "S ::= IA5String (SIZE (1..4)) (FROM (\"a\"..\"c\" | \"x\"))\n"
+        "L ::= SEQUENCE (SIZE (2..MAX, ...)) OF OCTET STRING (CONTAINING E)\n"
+        "B ::= INTEGER (0..18446744073709551615)\nEND",
+        "MY");
+    const orlenta_catalogue* catalogue = orlenta_schema_catalogue(schema.get());
+    ASSERT_NE(catalogue, nullptr) << messages(schema);
+    const std::pair<const char*, const char*> rows[] = {
+        {"R", ":0...{i+0:5[-5..7]=3,o+8:6?@4|[g+0:10@12,h+0:10@16],m+24:6@20}"},
+        {"C", ":4...{a+8:5big|b+8:10}"},
+        {"E", ":9...{x=5,y=9|z=12}"},
+        {"S", ":15[1..4]{97-99,120-120}"},
+        {"L", ":1[2..]...:8[0..]<:9...{x=5,y=9|z=12}>"},
+        {"B", ":5big"},
+    };
+    for (const auto& [name, text] : rows)
+        EXPECT_EQ(shown(orlenta_catalogue_find(catalogue, name, nullptr)->type), text) << name;
+    orlenta_type_facts big;
+    orlenta_type_describe(orlenta_catalogue_find(catalogue, "B", nullptr)->type, &big);
+    ASSERT_TRUE(big.is_big && big.big_lower && big.big_upper);
+    EXPECT_EQ(asn1_integer_get_bit_size(big.big_upper), 64u);
+}
+
 }  // namespace
