@@ -367,11 +367,16 @@ Type open_type(bool has_defaults, int64_t rows, const Words& selectors) {
 }
 
 Type big_integer(uint64_t upper) {
-    static std::deque<asn1_integer> bounds;
-    asn1_integer& bound = bounds.emplace_back();
-    asn1_integer_set_ui64(&bound, upper);
+    struct Bound {
+        uint32_t limbs[2];
+        asn1_integer number;
+    };
+    static std::deque<Bound> bounds;
+    uint32_t low = static_cast<uint32_t>(upper), high = static_cast<uint32_t>(upper >> 32);
+    Bound& bound = bounds.emplace_back(Bound{{low, high}, {}});
+    bound.number = {bound.limbs, high != 0 ? 2u : 1u, 2, 0};
     static const asn1_integer zero = {};
-    return keep({head(ASN1_KIND_INTEGER, kBounds | ASN1_WORD0_BIG), big(&zero), big(&bound)});
+    return keep({head(ASN1_KIND_INTEGER, kBounds | ASN1_WORD0_BIG), big(&zero), big(&bound.number)});
 }
 const Type big_to_200 = big_integer(200), big_to_2_33 = big_integer(UINT64_C(1) << 33);
 
