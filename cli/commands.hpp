@@ -35,6 +35,15 @@ struct ConvertOptions {
 };
 int run_convert(const ConvertOptions& options);
 
+struct ExplainOptions {
+    std::string type;
+    const Rules* from = nullptr;
+    std::string file;  // empty: standard input
+    TextForm form = TextForm::none;
+    bool json = false;
+};
+int run_explain(const ExplainOptions& options);
+
 struct RandomOptions {
     std::string type;
     const Rules* to = nullptr;

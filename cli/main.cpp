@@ -34,15 +34,16 @@ struct ByteLayout {
 
 struct Arguments {
     ConvertOptions convert, check;
+    ExplainOptions explain;
     RandomOptions random;
     TypesOptions types;
     ShowOptions show;
     std::string region, topic, shell;
     std::vector<std::string> schema;
     std::string schema_region;
-    std::string convert_from, convert_to, check_from, random_to;
+    std::string convert_from, convert_to, check_from, explain_from, random_to;
     TextStyle convert_style, random_style;
-    ByteLayout convert_layout, check_layout, random_layout;
+    ByteLayout convert_layout, check_layout, explain_layout, random_layout;
     bool must_pass = false, no_check = false;
     bool recursive = false;
 };
@@ -57,10 +58,14 @@ static CLI::Validator rule_name() {
     return CLI::IsMember(names).name("RULES");
 }
 
-static CLI::Option* add_layout(CLI::App* command, ByteLayout* layout) {
+static void add_text_forms(CLI::App* command, ByteLayout* layout) {
     CLI::Option* hex = command->add_flag("--hex", layout->hex,
                                          "Bytes are hexadecimal text; read is base64 too, where it is whole");
     command->add_flag("--base64", layout->base64, "Bytes are base64")->excludes(hex);
+}
+
+static CLI::Option* add_layout(CLI::App* command, ByteLayout* layout) {
+    add_text_forms(command, layout);
     return command->add_flag("--lines", layout->lines, "One message a line, in the input and in the output");
 }
 
@@ -135,6 +140,18 @@ static void add_check(CLI::App* app, Arguments* arguments) {
     CLI::App* command =
         app->add_subcommand("check", "Tell which messages do not decode or do not meet constraints");
     add_input(command, &arguments->check, &arguments->check_from, &arguments->check_layout);
+}
+
+static void add_explain(CLI::App* app, Arguments* arguments) {
+    ExplainOptions* options = &arguments->explain;
+    CLI::App* command = app->add_subcommand("explain", "Take a message apart: a line for each run of bits");
+    command->add_option("--type,-t", options->type, "Type of the message")->required()->type_name("NAME");
+    command->add_option("--from,-f", arguments->explain_from, "Rules of the message, none of text")
+        ->required()
+        ->check(rule_name());
+    command->add_option("FILE", options->file, "Input file (standard input)")->type_name("");
+    add_text_forms(command, &arguments->explain_layout);
+    command->add_flag("--json", options->json, "One JSON object a line");
 }
 
 static void add_random(CLI::App* app, Arguments* arguments) {
@@ -247,6 +264,15 @@ static int run_check_command(Arguments* arguments) {
     return run_convert(options);
 }
 
+static int run_explain_command(Arguments* arguments) {
+    ExplainOptions& options = arguments->explain;
+    options.from = find_rules(arguments->explain_from);
+    require(!options.from->is_text(),
+            fmt::format("{} is text; explain takes messages of bits", options.from->name));
+    options.form = layout_of(arguments->explain_layout).form;
+    return run_explain(options);
+}
+
 static int run_random_command(Arguments* arguments) {
     RandomOptions& options = arguments->random;
     options.to = find_rules(arguments->random_to);
@@ -271,6 +297,7 @@ static int run_command(const CLI::App& app, Arguments* arguments) {
         return kBadInput;
     if (app.got_subcommand("convert")) return run_convert_command(arguments);
     if (app.got_subcommand("check")) return run_check_command(arguments);
+    if (app.got_subcommand("explain")) return run_explain_command(arguments);
     if (app.got_subcommand("random")) return run_random_command(arguments);
     if (app.got_subcommand("types")) return run_types(arguments->types);
     if (app.got_subcommand("help")) return run_help(app, arguments->topic);
@@ -290,6 +317,7 @@ static int refuse_usage(const CLI::App& app, const CLI::ParseError& error) {
     static const std::map<std::string, const char*> usages = {
         {"convert", "convert --type TYPE --from RULES --to RULES [OPTION...] [FILE...]"},
         {"check", "check --type TYPE --from RULES [OPTION...] [FILE...]"},
+        {"explain", "explain --type TYPE --from RULES [OPTION...] [FILE]"},
         {"random", "random --type TYPE --to RULES [OPTION...]"},
         {"types", "types [--all] [PATTERN]"},
         {"show", "show [--depth N | --recursive] TYPE"},
@@ -302,7 +330,7 @@ static int refuse_usage(const CLI::App& app, const CLI::ParseError& error) {
     report(error.what());
     if (usage == usages.end())
         fmt::print(stderr,
-                   "usage: orlenta convert | check | random | types | show | roots | help ...\n"
+                   "usage: orlenta convert | check | explain | random | types | show | roots | help ...\n"
                    "see orlenta help\n");
     else
         fmt::print(stderr, "usage: orlenta {}\nsee orlenta help {}\n", usage->second, usage->first);
@@ -318,9 +346,10 @@ int main(int argc, char** argv) {
         "Exit status: 0 done, 1 bad input, 2 bad usage. More: orlenta help COMMAND, orlenta help rules");
     add_convert(&app, &arguments);
     add_check(&app, &arguments);
+    add_explain(&app, &arguments);
     add_random(&app, &arguments);
     add_catalogue_commands(&app, &arguments);
-    for (const char* name : {"convert", "check", "random", "types", "show", "roots"})
+    for (const char* name : {"convert", "check", "explain", "random", "types", "show", "roots"})
         add_schema(app.get_subcommand(name), &arguments);
     add_help(&app, &arguments);
     try {

@@ -7,6 +7,7 @@ namespace orlenta::per {
 void begin_reading(asn1_per_decoder* decoder, const uint8_t* data, uint64_t size) {
     decoder->source = begin_source(data, size, &decoder->short_input);
     decoder->memory = begin_decode_memory(size);
+    decoder->observer = nullptr;
 }
 
 int asn1_decode_error(asn1_per_decoder* decoder, const char* format, ...) {

@@ -5,6 +5,7 @@
 #include <orlenta/type_info.h>
 
 #include "core/decode_memory.hpp"
+#include "core/observer.hpp"
 #include "core/stack.hpp"
 #include "per/bit_source.hpp"
 
@@ -18,10 +19,11 @@ struct asn1_per_decoder {
     struct ::asn1_error error;
     stack_guard stack;
     decode_memory memory;
+    bit_observer* observer;  // null in an ordinary decode
     struct short_input short_input;
 };
 
-// Sets the decoder to the beginning of the input.
+// Sets the decoder to the beginning of the input, without an observer.
 void begin_reading(asn1_per_decoder* decoder, const uint8_t* data, uint64_t size);
 
 // Records message, bit position and path, and returns -1.
@@ -34,6 +36,11 @@ inline int report_no_memory(asn1_per_decoder* decoder) {
 
 // Reports that the input is at an end.
 int report_end(asn1_per_decoder* decoder) __attribute__((cold));
+
+// Whether what is read has to be named: tell_bits(decoder->observer, decoder->source.position, ...).
+inline bool is_observed(const asn1_per_decoder* decoder) {
+    return __builtin_expect(decoder->observer != nullptr, 0);
+}
 
 inline uint64_t bits_consumed(const asn1_per_decoder* decoder) {
     return decoder->source.position - decoder->source.origin;
@@ -58,9 +65,21 @@ inline int asn1_get_bits(asn1_per_decoder* decoder, uint32_t width, uint32_t* ou
     return 0;
 }
 
+inline int get_extension_bit(asn1_per_decoder* decoder, uint32_t* bit) {
+    if (asn1_get_bits(decoder, 1, bit) != 0) return -1;
+    if (is_observed(decoder)) {
+        tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_EXTENSION, "extension bit %u",
+                  *bit);
+    }
+    return 0;
+}
+
 // Drops the bits up to an octet boundary, of which the input has a whole number.
 inline void asn1_align(asn1_per_decoder* decoder) {
     decoder->source.position += (decoder->source.origin - decoder->source.position) & 7;
+    if (is_observed(decoder)) {
+        tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_PADDING, "padding");
+    }
 }
 
 // Reads whole octets; where they run out, those that are there have been read. `out` may lie in the source's own copy,

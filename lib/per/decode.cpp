@@ -63,6 +63,18 @@ int64_t decode_within(const decode_memory& memory, bool aligned, void** out, con
     return decode_to_new_value(&decoder, out, type, 0, error) == 0 ? bytes_used(&decoder) : -1;
 }
 
+int64_t decode_observed(bit_observer* observer, void** out, const asn1_type_desc* type, const uint8_t* data,
+                        uint64_t size, int32_t aligned, asn1_error* error) {
+    asn1_per_decoder decoder;
+    begin(&decoder, data, size);
+    decoder.aligned = aligned;
+    decoder.observer = observer;
+    observer->path = &decoder.path;
+    int result = decode_to_new_value(&decoder, out, type, 0, error);
+    observer->path = &observer->own_path;
+    return result == 0 ? bytes_used(&decoder) : -1;
+}
+
 static int64_t decode_from_bit(void** out, const asn1_type_desc* type, uint32_t start_bit,
                                const uint8_t* data, uint64_t size, asn1_error* error, int32_t* bits) {
     asn1_per_decoder decoder;

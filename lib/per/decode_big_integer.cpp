@@ -55,6 +55,7 @@ static int get_octet_field(asn1_per_decoder* decoder, asn1_integer* value, uint3
 static int get_counted_octets(asn1_per_decoder* decoder, asn1_integer* value, const asn1_integer* range) {
     uint32_t octets;
     if (asn1_get_bits(decoder, octet_count_width(big_octet_count(range)), &octets) != 0) return -1;
+    if (is_observed(decoder)) tell_length(decoder, octets + 1);
     asn1_align(decoder);
     return decode_large_positive_integer(decoder, value, octets + 1);
 }
@@ -115,7 +116,7 @@ int decode_big_integer(asn1_per_decoder* decoder, const asn1_type_desc* type, as
     big_bounds bounds = big_bounds_of(type);
     if (is_extensible(type)) {
         uint32_t is_extended;
-        if (asn1_get_bits(decoder, 1, &is_extended) != 0) return -1;
+        if (get_extension_bit(decoder, &is_extended) != 0) return -1;
         if (is_extended) return decode_large_integer(decoder, value);
     }
     if (bounds.lower && bounds.upper) return decode_constrained(decoder, bounds, value);

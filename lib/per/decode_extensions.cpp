@@ -14,10 +14,24 @@ static int get_bitmap_length(asn1_per_decoder* decoder, uint32_t* count) {
     if (!is_large) {
         if (asn1_get_bits(decoder, 6, count) != 0) return -1;
         ++*count;
+        if (is_observed(decoder)) {
+            tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_LENGTH, "length %u", *count);
+        }
         return 0;
+    }
+    if (is_observed(decoder)) {
+        tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_LENGTH, "length above 64");
     }
     if (asn1_per_decode_unconstrained_length(decoder, count) != 0) return -1;
     return *count == 0 ? asn1_decode_error(decoder, "unexpected zero length") : 0;
+}
+
+static void __attribute__((cold))
+tell_bitmap(asn1_per_decoder* decoder, const uint8_t* bitmap, uint32_t count) {
+    uint32_t present = 0;
+    for (uint32_t i = 0; i < count; ++i) present += bitmap[i];
+    tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_PRESENCE,
+              "additions: %u of %u present", present, count);
 }
 
 static int get_bitmap(asn1_per_decoder* decoder, uint8_t* bitmap, uint32_t count) {
@@ -26,6 +40,7 @@ static int get_bitmap(asn1_per_decoder* decoder, uint8_t* bitmap, uint32_t count
         if (asn1_get_bits(decoder, 1, &bit) != 0) return -1;
         bitmap[i] = static_cast<uint8_t>(bit);
     }
+    if (is_observed(decoder)) tell_bitmap(decoder, bitmap, count);
     return 0;
 }
 
@@ -39,8 +54,7 @@ static int decode_addition(asn1_per_decoder* decoder, const asn1_field* field, v
 
 // What stands at one set position of the bitmap.
 static int decode_unit(asn1_per_decoder* decoder, const extension_unit& unit, void* record) {
-    if (!unit.first)
-        return asn1_per_decode_ulength_items(decoder, asn1_per_skip_open_type1, nullptr, nullptr);
+    if (!unit.first) return skip_open_type(decoder);
     if (unit.is_group) return asn1_per_decode_ext_group(decoder, record, unit.first, unit.count);
     return decode_addition(decoder, unit.first, record);
 }

@@ -7,7 +7,7 @@ int decode_integer(asn1_per_decoder* decoder, const asn1_type_desc* type, uint32
     integer_bounds bounds = integer_bounds_of(type);
     if (is_extensible(type)) {
         uint32_t is_extended;
-        if (asn1_get_bits(decoder, 1, &is_extended) != 0) return -1;
+        if (get_extension_bit(decoder, &is_extended) != 0) return -1;
         if (is_extended) return asn1_per_decode_unconstrainted_whole_number(decoder, value);
     }
     if (bounds.has_lower && bounds.has_upper) {

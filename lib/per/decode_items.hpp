@@ -22,9 +22,11 @@ int decode_sized_items(asn1_per_decoder* decoder, const item_layout& layout, asn
 // Grows the block at `*data`, which has `old_size` bytes if it is not null.
 int grow_block(asn1_per_decoder* decoder, uint8_t** data, uint64_t old_size, uint64_t size);
 
-// Item readers of octets. The arguments are an asn1_string, the room for all of them, and null.
+// Item readers of octets. The arguments are an asn1_string, and the room for all of them.
 asn1_per_item_reader asn1_per_decode_octet_string1;
 asn1_per_item_reader asn1_per_decode_buf1;
-asn1_per_item_reader asn1_per_skip_open_type1;
+
+// Passes over an open type of a later version of the schema.
+int skip_open_type(asn1_per_decoder* decoder);
 
 }  // namespace orlenta::per

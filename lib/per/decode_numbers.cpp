@@ -10,6 +10,7 @@ static int get_aligned_offset(asn1_per_decoder* decoder, uint32_t range, uint32_
         uint32_t octets;
         if (asn1_get_bits(decoder, 2, &octets) != 0) return -1;
         width = 8 * (octets + 1);
+        if (is_observed(decoder)) tell_length(decoder, octets + 1);
     }
     asn1_align(decoder);
     return asn1_get_bits(decoder, width, offset);
@@ -41,9 +42,11 @@ int asn1_per_decode_unconstrained_length(asn1_per_decoder* decoder, uint32_t* ou
         return asn1_decode_error(decoder, "fragmentation is not supported");
     }
     *out = first;
-    if (first < 0x80) return 0;
-    if (asn1_get_bits(decoder, 8, &second) != 0) return -1;
-    *out = (first << 8 | second) & 0x3FFF;
+    if (first >= 0x80) {
+        if (asn1_get_bits(decoder, 8, &second) != 0) return -1;
+        *out = (first << 8 | second) & 0x3FFF;
+    }
+    if (is_observed(decoder)) tell_length(decoder, *out);
     return 0;
 }
 
@@ -70,6 +73,9 @@ int asn1_per_decode_semi_constrained_whole_number(asn1_per_decoder* decoder, uin
 int asn1_per_decode_normally_small_non_neg_whole_number(asn1_per_decoder* decoder, uint32_t* out) {
     uint32_t is_large;
     if (asn1_get_bits(decoder, 1, &is_large) != 0) return -1;
+    if (is_large && is_observed(decoder)) {
+        tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_LENGTH, "number in octets");
+    }
     return is_large ? asn1_per_decode_semi_constrained_whole_number(decoder, 0, out)
                     : asn1_get_bits(decoder, 6, out);
 }

@@ -9,6 +9,11 @@ namespace orlenta::per {
 int asn1_per_decode_constrained_whole_number(asn1_per_decoder* decoder, uint32_t low, uint32_t high,
                                              uint32_t* out);
 
+// Names a length that has been read.
+inline void tell_length(asn1_per_decoder* decoder, uint32_t length) {
+    tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_LENGTH, "length %u", length);
+}
+
 // A length below 16384; a fragment is refused.
 int asn1_per_decode_unconstrained_length(asn1_per_decoder* decoder, uint32_t* out);
 

@@ -10,6 +10,7 @@ namespace orlenta::per {
 struct outer_source {
     bit_source source;
     const asn1_parent_frame* frames;
+    bit_observer* observer;
     uint8_t* copy;  // a block with the contents, or null
     uint64_t copy_size;
 };
@@ -31,6 +32,11 @@ static int enter_fragments(asn1_per_decoder* decoder, outer_source* outer) {
     uint8_t* place = contents.copy + contents.origin / 8;
     uint32_t length;
     if (asn1_per_decode_ulength_items(decoder, asn1_per_decode_buf1, place, &length) != 0) return -1;
+    // Positions in the copy are not those of the message.
+    if (is_observed(decoder)) {
+        tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_VALUE, "open type in fragments");
+        decoder->observer = nullptr;
+    }
     contents.octets = contents.copy;
     contents.position = contents.origin;
     contents.end = contents.origin + uint64_t{length} * 8;
@@ -42,6 +48,10 @@ static int enter_fragments(asn1_per_decoder* decoder, outer_source* outer) {
 
 // Contents in one piece are read where they stand.
 static int enter_piece(asn1_per_decoder* decoder, uint32_t length, outer_source* outer) {
+    if (is_observed(decoder)) {
+        tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_LENGTH, "open type length %u",
+                  length);
+    }
     if (length == 0) return asn1_decode_error(decoder, "unexpected zero length");
     uint64_t begin = decoder->source.position;
     if (skip_octets(decoder, length) != 0) return -1;
@@ -69,6 +79,7 @@ static int enter_contents(asn1_per_decoder* decoder, outer_source* outer) {
 static int enter(asn1_per_decoder* decoder, outer_source* outer) {
     outer->copy = nullptr;
     outer->frames = decoder->frames;
+    outer->observer = decoder->observer;
     if (enter_contents(decoder, outer) != 0) {
         release(&decoder->memory, outer->copy, outer->copy_size);
         return -1;
@@ -77,7 +88,17 @@ static int enter(asn1_per_decoder* decoder, outer_source* outer) {
     return 0;
 }
 
+// The rest of the last octet, and octets that the inner type does not know.
+static void __attribute__((cold)) tell_rest(asn1_per_decoder* decoder) {
+    uint64_t used = bits_consumed(decoder);
+    uint64_t octets = used == 0 ? 1 : (used + 7) / 8;
+    tell_bits(decoder->observer, decoder->source.origin + octets * 8, ORLENTA_BITS_PADDING, "padding");
+    tell_bits(decoder->observer, decoder->source.end, ORLENTA_BITS_UNKNOWN, "unknown octets");
+}
+
 static int leave(asn1_per_decoder* decoder, const outer_source& outer, int result) {
+    if (is_observed(decoder) && result == 0) tell_rest(decoder);
+    decoder->observer = outer.observer;
     decoder->source = outer.source;
     decoder->frames = outer.frames;
     release(&decoder->memory, outer.copy, outer.copy_size);
@@ -108,6 +129,9 @@ static int decode_members(asn1_per_decoder* decoder, void* record, const asn1_fi
     int result = 0;
     for (uint32_t i = 0; i < count && result == 0; ++i) {
         result = get_member_presence(decoder, &fields[i], record, &presence[i]);
+    }
+    if (is_observed(decoder) && result == 0) {
+        tell_presence(decoder->observer, decoder->source.position, fields, count, presence);
     }
     for (uint32_t i = 0; i < count && result == 0; ++i) {
         if (presence[i] == 0) continue;

@@ -30,6 +30,9 @@ static int get_preamble(asn1_per_decoder* decoder, const asn1_field* fields, uin
         if (is_addition(&fields[i])) continue;
         if (get_presence(decoder, &fields[i], record, &presence[i]) != 0) return -1;
     }
+    if (is_observed(decoder)) {
+        tell_presence(decoder->observer, decoder->source.position, fields, n, presence);
+    }
     return 0;
 }
 
@@ -53,7 +56,7 @@ int decode_sequence(asn1_per_decoder* decoder, const asn1_type_desc* type, void*
     asn1_parent_frame frame = {decoder->frames, type, record};
     decoder->frames = &frame;
     uint32_t has_extensions = 0;
-    int result = is_extensible(type) ? asn1_get_bits(decoder, 1, &has_extensions) : 0;
+    int result = is_extensible(type) ? get_extension_bit(decoder, &has_extensions) : 0;
     if (result == 0) result = decode_root(decoder, type, record);
     if (result == 0 && has_extensions) result = decode_additions(decoder, type, record);
     decoder->frames = frame.parent;

@@ -20,7 +20,7 @@ static int get_enumerated_index(asn1_per_decoder* decoder, const asn1_type_desc*
     enum_layout items = enum_of(type);
     if (is_extensible(type)) {
         uint32_t is_extended;
-        if (asn1_get_bits(decoder, 1, &is_extended) != 0) return -1;
+        if (get_extension_bit(decoder, &is_extended) != 0) return -1;
         if (is_extended) {
             // An item of a later version of the schema is taken as it comes.
             if (asn1_per_decode_normally_small_non_neg_whole_number(decoder, index) != 0) return -1;
@@ -65,7 +65,7 @@ int decode_named(asn1_per_decoder* decoder, const char* name, const asn1_type_de
     return result;
 }
 
-int asn1_per_decode_type(asn1_per_decoder* decoder, const asn1_type_desc* type, void* value) {
+static int decode_kind(asn1_per_decoder* decoder, const asn1_type_desc* type, void* value) {
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET: return decode_sequence(decoder, type, value);
@@ -90,6 +90,17 @@ int asn1_per_decode_type(asn1_per_decoder* decoder, const asn1_type_desc* type, 
         case ASN1_KIND_ANY: return decode_any(decoder, type, static_cast<asn1_open_value*>(value));
         default: return asn1_decode_error(decoder, "unsupported type (%d)", static_cast<int>(kind_of(type)));
     }
+}
+
+static int __attribute__((cold, noinline))
+decode_told(asn1_per_decoder* decoder, const asn1_type_desc* type, void* value) {
+    const asn1_type_desc* outer = begin_observed(decoder->observer, type);
+    int result = decode_kind(decoder, type, value);
+    return end_observed(decoder->observer, decoder->source.position, outer, value, result);
+}
+
+int asn1_per_decode_type(asn1_per_decoder* decoder, const asn1_type_desc* type, void* value) {
+    return is_observed(decoder) ? decode_told(decoder, type, value) : decode_kind(decoder, type, value);
 }
 
 }  // namespace orlenta::per

@@ -13,6 +13,7 @@ int decode_one(decode_piece* piece, const asn1_type_desc* type, void* value) {
     decoder.path.depth = 0;
     decoder.stack = piece->stack;
     decoder.memory = piece->memory;
+    decoder.observer = nullptr;
     int result = asn1_per_decode_type(&decoder, type, value);
     piece->source.position = decoder.source.position;
     piece->stack = decoder.stack;

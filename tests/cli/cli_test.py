@@ -24,6 +24,12 @@ ERRORS = ("orlenta: <stdin>:3: reading after end of stream (bit 32, at yaw)\n"
 SUMMARY = f'orlenta: 5 messages, 3 bad: 1 "{NO_DIGIT}", 1 "1 byte behind the message", 1 "reading'
 HIGH = JSON.replace("75", "128")
 TOO_HIGH = "integer range is -127 .. 127 (at vert)\n"
+SET4_LINES = """\
+     0    12  001100010000      lon   -1216   Acceleration
+    12    12  111110100001      lat   2001    Acceleration
+    24     8  11001010          vert  75      VerticalAcceleration
+    32    16  0000000000000000  yaw   -32767  YawRate
+"""
 FRAMES = bytes.fromhex("0006" + UPER) * 2
 
 SENSORS = f"--schema {SOURCE}/examples/Sensors.asn1"
@@ -98,6 +104,17 @@ CASES = [
     (f"convert {SET4} --from jer --to uper", HIGH, 1, "", "orlenta: <stdin>: " + TOO_HIGH),
     (f"convert {SET4} --from jer --to uper --no-check", HIGH, 1, "", "...<stdin>: not encodable as uper: "),
     ("convert --type CN.DescriptiveName --from jer --to uper --hex", '"\u00e9"', 1, "", "...is not allowed"),
+    # Bit by bit: the whole message, one that is cut short, one with more behind it.
+    (f"explain {SET4} --from uper --hex", UPER, 0, SET4_LINES, ""),
+    (f"explain {SET4} --from uper --hex", UPER[:10], 1, "...    24     8  11001010      vert  75     VerticalAcceleration\n"
+     "    32     8  00000000                   not decoded\n",
+     "orlenta: <stdin>: reading after end of stream (bit 32, at yaw)\n"),
+    (f"explain {SET4} --from uper --json", bytes.fromhex(UPER + "ff"), 1, '...{"offset":32,"width":16,"bits":"0000000000000000"'
+     ',"kind":"value","text":"value","path":"yaw","type":"YawRate","value":-32767}\n{"offset":48,"width":8,"bits":"11111111"'
+     ',"kind":"trailing","text":"behind the message","path":"","type":"AccelerationSet4Way"}\n',
+     "orlenta: <stdin>: 1 byte behind the message (bit 48)\n"),
+    (f"explain {SET4} --from jer", JSON, 2, "", "...orlenta: jer is text; explain takes messages of bits\n"),
+    ("explain --type CN.AcelerationSet4Way --from uper", "", 2, "", "...the nearest: CN.AccelerationSet4Way"),
     # Files that cannot be read.
     (f"convert {SET4} --from jer --to uper nowhere.json", "", 1, "",
      "orlenta: nowhere.json: cannot be read: No such file or directory\n"),
@@ -186,6 +203,17 @@ def test_cases():
         expect(line, "standard output", out, result.stdout)
         expect(line, "standard error", err, result.stderr)
         expect(line, "exit status", status, result.returncode)
+
+
+def test_explain():
+    """Messages taken apart, held against what tests/cli/explain_*.txt have."""
+    for name, row in (("bsm", "cn.tsv:13"), ("cam", "eu.tsv:50")):
+        file, number = row.split(":")
+        region, kind, uper = (SOURCE / "tests/data" / file).read_text().splitlines()[int(number) - 1].split("\t")[:3]
+        line = f"explain --type {region}.{kind} --from uper --hex"
+        result = orlenta(line.split(), uper)
+        expect(line, "standard output", (SOURCE / f"tests/cli/explain_{name}.txt").read_bytes(), result.stdout)
+        expect(line, "exit status", 0, result.returncode)
 
 
 def test_several_files(folder):
@@ -294,6 +322,7 @@ def test_jobs(folder):
 
 
 test_cases()
+test_explain()
 test_live()
 test_mixed_log()
 for test in (test_several_files, test_output_files, test_jobs):

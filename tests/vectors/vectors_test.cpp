@@ -1,6 +1,7 @@
 // Every row of the vector files, both ways: what an independent tool encoded is decoded to the row's JSON, and the
-// row's JSON is encoded to the same octets.
+// row's JSON is encoded to the same octets. Explained, the octets are those of the row's values, each bit told once.
 #include <gtest/gtest.h>
+#include <orlenta/explain.h>
 #include <orlenta/jer.h>
 #include <orlenta/memory.h>
 #include <orlenta/value.h>
@@ -22,11 +23,12 @@ namespace {
 struct Column {
     const char* rule;
     Bytes VectorRow::*octets;
+    orlenta_rules rules;
 };
-constexpr Column kColumns[] = {{"UPER", &VectorRow::uper},
-                               {"APER", &VectorRow::aper},
-                               {"OER", &VectorRow::oer},
-                               {"DER", &VectorRow::der}};
+constexpr Column kColumns[] = {{"UPER", &VectorRow::uper, ORLENTA_RULES_UPER},
+                               {"APER", &VectorRow::aper, ORLENTA_RULES_APER},
+                               {"OER", &VectorRow::oer, ORLENTA_RULES_OER},
+                               {"DER", &VectorRow::der, ORLENTA_RULES_BER}};
 
 const Rule& rule_named(const std::string& name) {
     for (const Rule& rule : all_rules()) {
@@ -177,6 +179,61 @@ TEST_P(Vectors, TruncationsAreErrors) {
             if (is_per) {
                 ASSERT_STRNE(error.message, "") << "cut to " << size;
             }
+        }
+    });
+}
+
+// What was told of a message.
+struct Told {
+    uint64_t bits = 0;
+    bool is_refused = false;
+    const Json* value = nullptr;  // null: not compared
+};
+
+// "a.b[3].c" as a JSON pointer (RFC 6901).
+Json::json_pointer pointer_of(const std::string& path) {
+    std::string pointer = path.empty() || path[0] == '[' ? "" : "/";
+    for (char c : path)
+        if (c != ']') pointer += c == '.' || c == '[' ? '/' : c;
+    return Json::json_pointer(pointer);
+}
+
+void take_bits(void* user, const orlenta_bits* bits) {
+    Told& told = *static_cast<Told*>(user);
+    EXPECT_EQ(bits->offset, told.bits);
+    EXPECT_FALSE(told.is_refused);
+    EXPECT_LE(bits->width, bits->kind == ORLENTA_BITS_PADDING ? 8u : UINT32_MAX) << bits->path;
+    EXPECT_STRNE(bits->text, "");
+    told.bits += bits->width;
+    told.is_refused = bits->kind == ORLENTA_BITS_REFUSED;
+    EXPECT_NE(bits->kind, ORLENTA_BITS_TRAILING);
+    if (told.value && bits->value && bits->path[0] != '(') {
+        EXPECT_EQ(Json::parse(bits->value), told.value->at(pointer_of(bits->path))) << bits->path;
+    }
+}
+
+TEST_P(Vectors, EachBitIsToldOnce) {
+    const Column& column = GetParam().column;
+    if (column.rules > ORLENTA_RULES_APER) GTEST_SKIP();
+    for_each_row([&](const VectorRow&, const asn1_type_desc* type, const Bytes& octets) {
+        Json json = Json::parse(to_json(type, decode(rule_named(column.rule), type, octets).get()));
+        Told told;
+        told.value = &json;
+        int64_t used =
+            orlenta_explain(type, column.rules, octets.data(), octets.size(), take_bits, &told, nullptr);
+        EXPECT_TRUE(used == static_cast<int64_t>(octets.size()) || is_empty_encoding(octets, used));
+        EXPECT_EQ(told.bits, 8 * octets.size());
+        if (used == 0) return;
+        for (size_t size = 0; size < octets.size(); size += octets.size() / 10 + 1) {
+            Told part;
+            asn1_error error = {}, expected = {};
+            void* none = nullptr;
+            rule_named(column.rule).decode(&none, type, octets.data(), size, &expected);
+            ASSERT_EQ(orlenta_explain(type, column.rules, octets.data(), size, take_bits, &part, &error), -1);
+            ASSERT_EQ(part.bits, 8 * size);
+            ASSERT_STREQ(error.message, expected.message);
+            ASSERT_STREQ(error.path, expected.path);
+            ASSERT_EQ(error.bit_position, expected.bit_position);
         }
     });
 }
