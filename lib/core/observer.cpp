@@ -43,13 +43,14 @@ static bool has_components(const asn1_type_desc* type, const void* value) {
     }
 }
 
-int end_observed(bit_observer* observer, uint64_t end, const asn1_type_desc* outer, const void* value,
-                 int result) {
-    if (result == 0 && !has_components(observer->type, value)) {
-        tell(observer, end, ORLENTA_BITS_VALUE, "value", value);
-    }
-    observer->type = outer;
-    return result;
+void tell_value(bit_observer* observer, uint64_t end, const void* value) {
+    if (!has_components(observer->type, value)) tell(observer, end, ORLENTA_BITS_VALUE, "value", value);
+}
+
+void tell_tag(bit_observer* observer, uint64_t end, uint32_t tag) {
+    static const char* const kClasses[] = {"UNIVERSAL ", "APPLICATION ", "", "PRIVATE "};
+    tell_bits(observer, end, ORLENTA_BITS_TAG, "tag [%s%u]", kClasses[tag >> ASN1_TAG_CLASS_SHIFT & 3],
+              tag & ASN1_TAG_NUMBER_MASK);
 }
 
 }  // namespace orlenta

@@ -5,6 +5,7 @@
 #include <orlenta/explain.h>
 
 #include "core/descriptor.hpp"
+#include "core/path.hpp"
 
 namespace orlenta {
 
@@ -32,16 +33,29 @@ void tell_bits(bit_observer* observer, uint64_t end, orlenta_bits_kind kind, con
 void tell_presence(bit_observer* observer, uint64_t end, const asn1_field* fields, uint32_t n,
                    const uint8_t* present) __attribute__((cold));
 
+// Identifier octets, by their tag word.
+void tell_tag(bit_observer* observer, uint64_t end, uint32_t tag) __attribute__((cold));
+
 // The type whose value is read from here on; returns the one before.
-inline const asn1_type_desc* begin_observed(bit_observer* observer, const asn1_type_desc* type) {
+inline const asn1_type_desc* set_type(bit_observer* observer, const asn1_type_desc* type) {
     const asn1_type_desc* outer = observer->type;
     observer->type = type;
     return outer;
 }
 
-// The end of that value, if `result` is 0: what was not told is its contents, unless it has components, which have
-// told their own. Returns `result`.
-int end_observed(bit_observer* observer, uint64_t end, const asn1_type_desc* outer, const void* value,
-                 int result) __attribute__((cold));
+// The end of a value of the observer's type: what was not told is its contents, unless it has components, which have told
+// their own.
+void tell_value(bit_observer* observer, uint64_t end, const void* value) __attribute__((cold));
+
+// The path of a decoder that keeps none, for its observer if it has one.
+inline void enter_component(bit_observer* observer, const char* name) {
+    if (__builtin_expect(observer != nullptr, 0)) push_name(&observer->own_path, name);
+}
+inline void enter_element(bit_observer* observer, int32_t index) {
+    if (__builtin_expect(observer != nullptr, 0)) push_index(&observer->own_path, index);
+}
+inline void leave_component(bit_observer* observer) {
+    if (__builtin_expect(observer != nullptr, 0)) pop(&observer->own_path);
+}
 
 }  // namespace orlenta

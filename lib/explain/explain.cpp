@@ -6,6 +6,7 @@
 
 #include "core/error.hpp"
 #include "core/observer.hpp"
+#include "oer/walk.hpp"
 #include "per/walk.hpp"
 
 namespace orlenta {
@@ -53,6 +54,7 @@ static int64_t decode_observed(bit_observer* observer, orlenta_rules rules, void
     switch (rules) {
         case ORLENTA_RULES_UPER: return per::decode_observed(observer, value, type, data, size, 0, error);
         case ORLENTA_RULES_APER: return per::decode_observed(observer, value, type, data, size, 1, error);
+        case ORLENTA_RULES_OER: return oer::decode_observed(observer, value, type, data, size, error);
         default: break;
     }
     static const char kMessage[] = "these rules cannot be explained";

@@ -39,13 +39,18 @@ static int decode_choice(asn1_oer_decoder* decoder, const asn1_type_desc* type, 
     int32_t read_tag = decode_choice_tag(decoder);
     if (read_tag < 0) return -1;
     uint32_t tag = static_cast<uint32_t>(read_tag);
+    if (is_observed(decoder)) tell_tag(decoder->observer, bits_read(decoder), tag);
     choice_layout choice = choice_of(type);
     uint32_t index = find_alternative(choice, tag);
     if (index == choice.total) return asn1_error(decoder, "tag 0x%x not present in choice", tag);
     store32(at_offset(value, choice.selector_offset), index);
     void* payload = at_offset(value, choice.payload_offset);
-    return index < choice.root ? asn1_oer_decode_type(decoder, alternative_type(choice, index), payload)
-                               : asn1_oer_decode_open_type(decoder, alternative_type(choice, index), payload);
+    enter_component(decoder->observer, alternative_name(choice, index));
+    int result = index < choice.root
+                     ? asn1_oer_decode_type(decoder, alternative_type(choice, index), payload)
+                     : asn1_oer_decode_open_type(decoder, alternative_type(choice, index), payload);
+    leave_component(decoder->observer);
+    return result;
 }
 
 // ---- TAGGED, ANY ------------------------------------------------------------------------------------------
@@ -87,7 +92,7 @@ int asn1_oer_decode_open_type(asn1_oer_decoder* decoder, const asn1_type_desc* t
 
 // ---- the walk ---------------------------------------------------------------------------------------------
 
-int asn1_oer_decode_type(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* value) {
+static int decode_kind(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* value) {
     if (!has_stack(&decoder->stack)) return asn1_error(decoder, "value nested too deeply");
     switch (kind_of(type)) {
         case ASN1_KIND_SEQUENCE:
@@ -115,8 +120,31 @@ int asn1_oer_decode_type(asn1_oer_decoder* decoder, const asn1_type_desc* type, 
     }
 }
 
-int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_desc* type,
-                      const uint8_t* data, uint64_t size, struct ::asn1_error* error) {
+// Bits of the last byte that are no part of a BIT STRING.
+static uint64_t unused_bits(const asn1_type_desc* type, const void* value) {
+    if (kind_of(type) != ASN1_KIND_BIT_STRING) return 0;
+    return -static_cast<const asn1_bit_string*>(value)->length & 7;
+}
+
+static __attribute__((cold, noinline)) int decode_told(asn1_oer_decoder* decoder, const asn1_type_desc* type,
+                                                       void* value) {
+    const asn1_type_desc* outer = set_type(decoder->observer, type);
+    int result = decode_kind(decoder, type, value);
+    if (result == 0) {
+        tell_value(decoder->observer, bits_read(decoder) - unused_bits(type, value), value);
+        tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_PADDING, "padding");
+    }
+    set_type(decoder->observer, outer);
+    return result;
+}
+
+int asn1_oer_decode_type(asn1_oer_decoder* decoder, const asn1_type_desc* type, void* value) {
+    return is_observed(decoder) ? decode_told(decoder, type, value) : decode_kind(decoder, type, value);
+}
+
+static int64_t decode_message(bit_observer* observer, const decode_memory& memory, void** out,
+                              const asn1_type_desc* type, const uint8_t* data, uint64_t size,
+                              struct ::asn1_error* error) {
     asn1_oer_decoder decoder;
     decoder.data = data;
     decoder.size = size;
@@ -124,6 +152,7 @@ int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_d
     decoder.frames = nullptr;
     decoder.stack = begin_stack();
     decoder.memory = memory;
+    decoder.observer = observer;
     asn1_error_init(&decoder.error);
 
     void* value = asn1_mallocz_value(type);
@@ -135,6 +164,16 @@ int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_d
     free_failed_value(type, value);
     *out = nullptr;
     return hand_out_error(error, &decoder.error);
+}
+
+int64_t decode_within(const decode_memory& memory, void** out, const asn1_type_desc* type,
+                      const uint8_t* data, uint64_t size, struct ::asn1_error* error) {
+    return decode_message(nullptr, memory, out, type, data, size, error);
+}
+
+int64_t decode_observed(bit_observer* observer, void** out, const asn1_type_desc* type, const uint8_t* data,
+                        uint64_t size, struct ::asn1_error* error) {
+    return decode_message(observer, begin_decode_memory(size), out, type, data, size, error);
 }
 
 int64_t decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t size,

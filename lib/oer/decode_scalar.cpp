@@ -28,7 +28,7 @@ int get_bytes(asn1_oer_decoder* decoder, void* destination, uint64_t count) {
 
 // ---- lengths ----------------------------------------------------------------------------------------------
 
-int32_t decode_len(asn1_oer_decoder* decoder) {
+static int32_t get_len(asn1_oer_decoder* decoder) {
     int first = get_byte(decoder);
     if (first < 0x80) return first;
     if (first == 0x80) return -2;
@@ -42,9 +42,20 @@ int32_t decode_len(asn1_oer_decoder* decoder) {
     return static_cast<int32_t>(length);
 }
 
+int32_t decode_len(asn1_oer_decoder* decoder) {
+    int32_t length = get_len(decoder);
+    if (is_observed(decoder) && length >= 0) {
+        tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_LENGTH, "length %d", length);
+    }
+    return length;
+}
+
 int64_t decode_end(asn1_oer_decoder* decoder) {
-    int32_t length = decode_len(decoder);
+    int32_t length = get_len(decoder);
     if (length < 0) return length;
+    if (is_observed(decoder)) {
+        tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_LENGTH, "open type length %d", length);
+    }
     if (!has_bytes(decoder, static_cast<uint64_t>(length))) return -1;
     return static_cast<int64_t>(decoder->position) + length;
 }
@@ -132,7 +143,12 @@ int asn1_oer_decode_enumerated(asn1_oer_decoder* decoder, const asn1_type_desc* 
     int octet = get_byte(decoder);
     if (octet < 0) return -1;
     uint32_t number = static_cast<uint32_t>(octet);
-    if (octet >= 0x80 && asn1_decode_int32_internal(decoder, &number, octet & 0x7F) != 0) return -1;
+    if (octet >= 0x80) {
+        if (is_observed(decoder)) {
+            tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_LENGTH, "length %d", octet & 0x7F);
+        }
+        if (asn1_decode_int32_internal(decoder, &number, octet & 0x7F) != 0) return -1;
+    }
     enum_layout items = enum_of(type);
     int32_t index = asn1_find_enum_index(items.names, items.total, static_cast<int32_t>(number), word0(type));
     if (index < 0) return asn1_error(decoder, "enumerated value out of range");

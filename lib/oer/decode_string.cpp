@@ -28,6 +28,9 @@ static int64_t decode_bit_count(asn1_oer_decoder* decoder) {
     if (unused < 0) return -1;
     if (length == 1 && unused != 0) return asn1_error(decoder, "bit string: first byte must be zero");
     if (unused > 7) return asn1_error(decoder, "bit string: first byte must be <= 7");
+    if (is_observed(decoder)) {
+        tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_LENGTH, "unused bits %d", unused);
+    }
     return INT64_C(8) * length - 8 - unused;
 }
 

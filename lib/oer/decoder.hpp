@@ -7,6 +7,7 @@
 #include <orlenta/value.h>
 
 #include "core/decode_memory.hpp"
+#include "core/observer.hpp"
 #include "core/stack.hpp"
 
 namespace orlenta::oer {
@@ -19,6 +20,7 @@ struct asn1_oer_decoder {
     struct ::asn1_error error;
     stack_guard stack;
     decode_memory memory;
+    bit_observer* observer;  // null in an ordinary decode
 };
 
 // ---- reading (decode_scalar.cpp) --------------------------------------------------------------------------
@@ -28,6 +30,12 @@ int asn1_error(asn1_oer_decoder* decoder, const char* format, ...)
     __attribute__((format(printf, 2, 3), cold));
 
 inline int report_no_memory(asn1_oer_decoder* decoder) { return asn1_error(decoder, "not enough memory"); }
+
+// Whether what is read has to be named: tell_bits(decoder->observer, bits_read(decoder), ...).
+inline bool is_observed(const asn1_oer_decoder* decoder) {
+    return __builtin_expect(decoder->observer != nullptr, 0);
+}
+inline uint64_t bits_read(const asn1_oer_decoder* decoder) { return decoder->position * 8; }
 
 // Whether `count` bytes are left; if not, that is reported.
 inline bool has_bytes(asn1_oer_decoder* decoder, uint64_t count) {
@@ -52,7 +60,7 @@ int get_bytes(asn1_oer_decoder* decoder, void* destination, uint64_t count);
 
 // A length, which fits 31 bits, or a negative result.
 int32_t decode_len(asn1_oer_decoder* decoder);
-// A length whose bytes must lie in the readable area: the position of their end, or a negative result.
+// The length of an open type, whose bytes must lie in the readable area: the position of their end, or a negative result.
 int64_t decode_end(asn1_oer_decoder* decoder);
 // Length and unsigned contents of up to 32 bits: a count or a number.
 int asn1_decode_uint32(asn1_oer_decoder* decoder, uint32_t* out);

@@ -12,6 +12,7 @@ int decode_one(decode_piece* piece, const asn1_type_desc* type, void* value) {
     decoder.frames = piece->frames;
     decoder.stack = piece->stack;
     decoder.memory = piece->memory;
+    decoder.observer = nullptr;
     asn1_error_init(&decoder.error);
     int result = asn1_oer_decode_type(&decoder, type, value);
     piece->position = decoder.position;

@@ -26,8 +26,8 @@ static int get_bitmap_length(asn1_per_decoder* decoder, uint32_t* count) {
     return *count == 0 ? asn1_decode_error(decoder, "unexpected zero length") : 0;
 }
 
-static void __attribute__((cold))
-tell_bitmap(asn1_per_decoder* decoder, const uint8_t* bitmap, uint32_t count) {
+static __attribute__((cold)) void tell_bitmap(asn1_per_decoder* decoder, const uint8_t* bitmap,
+                                              uint32_t count) {
     uint32_t present = 0;
     for (uint32_t i = 0; i < count; ++i) present += bitmap[i];
     tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_PRESENCE,

@@ -37,11 +37,11 @@ static int read_piece(asn1_per_decoder* decoder, asn1_per_item_reader* reader, v
 }
 
 // What a fragment held, unless its elements have told that themselves.
-static void __attribute__((cold)) tell_part(asn1_per_decoder* decoder) {
+static __attribute__((cold)) void tell_part(asn1_per_decoder* decoder) {
     tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_VALUE, "part of the value");
 }
 
-static void __attribute__((cold)) tell_fragment(asn1_per_decoder* decoder, uint32_t count) {
+static __attribute__((cold)) void tell_fragment(asn1_per_decoder* decoder, uint32_t count) {
     tell_bits(decoder->observer, decoder->source.position, ORLENTA_BITS_FRAGMENT, "fragment of %u", count);
 }
 

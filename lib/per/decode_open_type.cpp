@@ -89,7 +89,7 @@ static int enter(asn1_per_decoder* decoder, outer_source* outer) {
 }
 
 // The rest of the last octet, and octets that the inner type does not know.
-static void __attribute__((cold)) tell_rest(asn1_per_decoder* decoder) {
+static __attribute__((cold)) void tell_rest(asn1_per_decoder* decoder) {
     uint64_t used = bits_consumed(decoder);
     uint64_t octets = used == 0 ? 1 : (used + 7) / 8;
     tell_bits(decoder->observer, decoder->source.origin + octets * 8, ORLENTA_BITS_PADDING, "padding");

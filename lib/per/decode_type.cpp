@@ -92,11 +92,13 @@ static int decode_kind(asn1_per_decoder* decoder, const asn1_type_desc* type, vo
     }
 }
 
-static int __attribute__((cold, noinline))
-decode_told(asn1_per_decoder* decoder, const asn1_type_desc* type, void* value) {
-    const asn1_type_desc* outer = begin_observed(decoder->observer, type);
+static __attribute__((cold, noinline)) int decode_told(asn1_per_decoder* decoder, const asn1_type_desc* type,
+                                                       void* value) {
+    const asn1_type_desc* outer = set_type(decoder->observer, type);
     int result = decode_kind(decoder, type, value);
-    return end_observed(decoder->observer, decoder->source.position, outer, value, result);
+    if (result == 0) tell_value(decoder->observer, decoder->source.position, value);
+    set_type(decoder->observer, outer);
+    return result;
 }
 
 int asn1_per_decode_type(asn1_per_decoder* decoder, const asn1_type_desc* type, void* value) {

@@ -4,9 +4,7 @@
 #include <orlenta/error.h>
 #include <orlenta/type.h>
 
-namespace orlenta {
-struct bit_observer;
-}
+#include "core/observer.hpp"
 
 namespace orlenta::per {
 
