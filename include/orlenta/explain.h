@@ -55,8 +55,8 @@ typedef void orlenta_explain_callback(void* user, const orlenta_bits* bits);
  *
  * Returns the bytes that the message takes, the last one perhaps in part, or -1 if it cannot be decoded. Then the runs
  * that were read come first, the last one is ORLENTA_BITS_REFUSED, if any bits are left, and `error`, unless it is null,
- * is filled as by the decoder (per.h, oer.h, ber.h). Of BER and DER nothing is told
- * so far: they are such an error, with one run of all bits.
+ * is filled as by the decoder (per.h, oer.h, ber.h). An unknown `rules` is such an error, with
+ * one run of all bits.
  *
  * Of an open type in fragments, so of more than 16383 octets, the fragments are told and not what is in them. Paths are
  * cut to 1023 characters. Nothing that was allocated is left behind; where there is no memory for the text of a value,

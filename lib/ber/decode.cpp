@@ -2,6 +2,7 @@
 #include <orlenta/ber.h>
 
 #include "ber/decoder.hpp"
+#include "ber/walk.hpp"
 #include "core/error.hpp"
 #include "core/failed_value.hpp"
 #include "core/tag.hpp"
@@ -16,8 +17,11 @@ static int decode_alternative(asn1_ber_decoder* decoder, const asn1_type_desc* t
     uint32_t index = find_alternative(choice, tag);
     if (index == choice.total) return asn1_error(decoder, "tag 0x%x not present in choice", tag);
     store32(at_offset(value, choice.selector_offset), index);
-    return asn1_ber_decode_type_tag(decoder, alternative_type(choice, index),
-                                    at_offset(value, choice.payload_offset), tag, constructed, length);
+    enter_component(decoder->observer, alternative_name(choice, index));
+    int result = asn1_ber_decode_type_tag(decoder, alternative_type(choice, index),
+                                          at_offset(value, choice.payload_offset), tag, constructed, length);
+    leave_component(decoder->observer);
+    return result;
 }
 
 // A CHOICE or ANY with a tag of its own: opens the element inside.
@@ -42,6 +46,7 @@ static int decode_choice(asn1_ber_decoder* decoder, const asn1_type_desc* type, 
 // Keeps the whole encoding: identifier, length, contents, and the end-of-contents octets if there are any.
 static int keep_raw(asn1_ber_decoder* decoder, asn1_open_value* value, int32_t length) {
     uint64_t start = decoder->tag_start;
+    if (is_observed(decoder)) tell_header(decoder);
     if (asn1_ber_skip_tag(decoder, length) != 0) return -1;
     uint64_t size = decoder->position - start;
     value->data = allocate(&decoder->memory, size);
@@ -100,8 +105,8 @@ static bool takes_any_tag(const asn1_type_desc* type) {
            (kind == ASN1_KIND_CHOICE || kind == ASN1_KIND_ANY || kind == ASN1_KIND_TAGGED);
 }
 
-int asn1_ber_decode_type_tag(asn1_ber_decoder* decoder, const asn1_type_desc* type, void* value, uint32_t tag,
-                             int constructed, int32_t length) {
+static int decode_kind(asn1_ber_decoder* decoder, const asn1_type_desc* type, void* value, uint32_t tag,
+                       int constructed, int32_t length) {
     if (tag != tag_of(type) && !takes_any_tag(type)) {
         return asn1_error(decoder, "unexpected tag 0x%x (expecting tag 0x%x)\n", tag, tag_of(type));
     }
@@ -139,6 +144,34 @@ int asn1_ber_decode_type_tag(asn1_ber_decoder* decoder, const asn1_type_desc* ty
     }
 }
 
+static __attribute__((cold)) void tell_contents(asn1_ber_decoder* decoder, const asn1_type_desc* type,
+                                                const void* value) {
+    uint64_t end = bits_read(decoder), unused = 0;
+    if (kind_of(type) == ASN1_KIND_BIT_STRING)
+        unused = unused_bits(static_cast<const asn1_bit_string*>(value));
+    // Segments have told their own.
+    if (end - decoder->observer->told < unused) unused = 0;
+    tell_value(decoder->observer, end - unused, value);
+    tell_bits(decoder->observer, end, ORLENTA_BITS_PADDING, "padding");
+}
+
+static __attribute__((cold, noinline)) int decode_told(asn1_ber_decoder* decoder, const asn1_type_desc* type,
+                                                       void* value, uint32_t tag, int constructed,
+                                                       int32_t length) {
+    const asn1_type_desc* outer = set_type(decoder->observer, type);
+    if (!takes_any_tag(type)) tell_header(decoder);
+    int result = decode_kind(decoder, type, value, tag, constructed, length);
+    if (result == 0) tell_contents(decoder, type, value);
+    set_type(decoder->observer, outer);
+    return result;
+}
+
+int asn1_ber_decode_type_tag(asn1_ber_decoder* decoder, const asn1_type_desc* type, void* value, uint32_t tag,
+                             int constructed, int32_t length) {
+    return is_observed(decoder) ? decode_told(decoder, type, value, tag, constructed, length)
+                                : decode_kind(decoder, type, value, tag, constructed, length);
+}
+
 int asn1_ber_decode_type(asn1_ber_decoder* decoder, const asn1_type_desc* type, void* value) {
     asn1_ber_limit saved;
     int constructed;
@@ -150,13 +183,9 @@ int asn1_ber_decode_type(asn1_ber_decoder* decoder, const asn1_type_desc* type, 
     return result == 0 ? decode_tag_end(decoder, saved) : result;
 }
 
-}  // namespace orlenta::ber
-
-using namespace orlenta;
-
-int64_t asn1_ber_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t length,
-                        asn1_error* error) {
-    ber::asn1_ber_decoder decoder;
+static int64_t decode_message(bit_observer* observer, void** out, const asn1_type_desc* type,
+                              const uint8_t* data, uint64_t length, struct ::asn1_error* error) {
+    asn1_ber_decoder decoder;
     decoder.input = data;
     decoder.limit = length;
     decoder.position = 0;
@@ -166,11 +195,12 @@ int64_t asn1_ber_decode(void** out, const asn1_type_desc* type, const uint8_t* d
     decoder.frames = nullptr;
     decoder.stack = begin_stack();
     decoder.memory = begin_decode_memory(length);
+    decoder.observer = observer;
+    decoder.header = {};
     asn1_error_init(&decoder.error);
 
     void* value = asn1_mallocz_value(type);
-    int result =
-        value != nullptr ? ber::asn1_ber_decode_type(&decoder, type, value) : ber::report_no_memory(&decoder);
+    int result = value != nullptr ? asn1_ber_decode_type(&decoder, type, value) : report_no_memory(&decoder);
     if (result >= 0) {
         *out = value;
         return static_cast<int64_t>(decoder.position);
@@ -178,4 +208,16 @@ int64_t asn1_ber_decode(void** out, const asn1_type_desc* type, const uint8_t* d
     free_failed_value(type, value);
     *out = nullptr;
     return hand_out_error(error, &decoder.error);
+}
+
+int64_t decode_observed(bit_observer* observer, void** out, const asn1_type_desc* type, const uint8_t* data,
+                        uint64_t size, struct ::asn1_error* error) {
+    return decode_message(observer, out, type, data, size, error);
+}
+
+}  // namespace orlenta::ber
+
+int64_t asn1_ber_decode(void** out, const asn1_type_desc* type, const uint8_t* data, uint64_t length,
+                        asn1_error* error) {
+    return orlenta::ber::decode_message(nullptr, out, type, data, length, error);
 }

@@ -46,8 +46,10 @@ static int decode_component(asn1_ber_decoder* decoder, sequence_walk* walk, uint
     }
     // Before the value, so that a half decoded one is released with the record.
     if (is_presence_flagged(field)) set_presence_word(field, walk->record, 1);
+    enter_component(decoder->observer, field_name(field));
     int result = asn1_ber_decode_type_tag(decoder, field_type(field), field_value(field, walk->record), tag,
                                           constructed, length);
+    leave_component(decoder->observer);
     if (result != 0) return result;
     walk->seen[index] = 1;
     if (ends_search(*walk, field)) walk->next = index + 1;
@@ -64,7 +66,12 @@ static int decode_element(asn1_ber_decoder* decoder, sequence_walk* walk, uint32
     }
     // Whatever follows an unknown element of a SEQUENCE is unknown as well.
     if (!is_set(*walk)) walk->next = walk->count;
-    return asn1_ber_skip_tag(decoder, length);
+    if (is_observed(decoder)) tell_header(decoder);
+    int result = asn1_ber_skip_tag(decoder, length);
+    if (is_observed(decoder) && result == 0) {
+        tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_UNKNOWN, "unknown element");
+    }
+    return result;
 }
 
 static int end_sequence(asn1_ber_decoder* decoder, const sequence_walk& walk) {
@@ -123,8 +130,10 @@ static int decode_elements(asn1_ber_decoder* decoder, const asn1_type_desc* elem
         if (tag < 0) return -1;
         void* element = add_element(growing);
         if (element == nullptr) return report_no_memory(decoder);
+        enter_element(decoder->observer, static_cast<int32_t>(growing->list->count - 1));
         int result = asn1_ber_decode_type_tag(decoder, element_type, element, static_cast<uint32_t>(tag),
                                               constructed, length);
+        leave_component(decoder->observer);
         if (result == 0) result = decode_tag_end(decoder, saved);
         if (result != 0) return result;
     }

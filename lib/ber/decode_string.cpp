@@ -40,6 +40,9 @@ static int get_unused_bits(asn1_ber_decoder* decoder, int32_t length) {
     int unused = get_byte(decoder);
     if (length == 1 && unused > 0) return asn1_error(decoder, "bit string: first byte must be zero");
     if (unused > 7) return asn1_error(decoder, "bit string: first byte must be <= 7");
+    if (is_observed(decoder)) {
+        tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_LENGTH, "unused bits %d", unused);
+    }
     return unused;
 }
 
@@ -129,6 +132,14 @@ static bool is_segment(asn1_ber_decoder* decoder, const segmented_string& string
     return false;
 }
 
+static __attribute__((cold)) void tell_segment(asn1_ber_decoder* decoder, const segmented_string& string) {
+    uint64_t unused = string.bits != nullptr ? unused_bits(string.bits) : 0;
+    if (bits_read(decoder) - decoder->observer->told > unused) {
+        tell_bits(decoder->observer, bits_read(decoder) - unused, ORLENTA_BITS_VALUE, "part of the value");
+    }
+    tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_PADDING, "padding");
+}
+
 static int decode_segments(asn1_ber_decoder* decoder, segmented_string* string, segment_nesting* nesting) {
     for (;;) {
         asn1_ber_limit saved;
@@ -136,12 +147,14 @@ static int decode_segments(asn1_ber_decoder* decoder, segmented_string* string, 
         int32_t length;
         int32_t tag = decode_tag_start(decoder, &saved, &constructed, &length);
         int result = tag == kEndOfContents ? 0 : -1;
+        if (is_observed(decoder) && tag >= 0) tell_header(decoder);
         if (tag >= 0 && is_segment(decoder, *string, tag)) {
             if (constructed != 0) {
                 if (enter_segment(decoder, nesting, saved) != 0) return -1;
                 continue;
             }
             if (append_segment(decoder, string, length) == kNoMemory) return -1;
+            if (is_observed(decoder)) tell_segment(decoder, *string);
             if (decode_tag_end(decoder, saved) == 0) continue;
         }
         if (!leave_segments(decoder, nesting, &result)) return result;

@@ -14,6 +14,7 @@ int asn1_error(asn1_ber_decoder* decoder, const char* format, ...) {
     va_start(args, format);
     set_message(&decoder->error, format, args);
     va_end(args);
+    if (is_observed(decoder)) tell_header(decoder);
     return report_position(decoder);
 }
 
@@ -21,6 +22,25 @@ int report_end_of_stream(asn1_ber_decoder* decoder) {
     static const char kMessage[] = "unexpected end of stream or tag";
     memcpy(decoder->error.message, kMessage, sizeof kMessage);
     return report_position(decoder);
+}
+
+// ---- what an observer is told -----------------------------------------------------------------------------
+
+void tell_header(asn1_ber_decoder* decoder) {
+    const element_header& header = decoder->header;
+    if (header.end == header.start || header.start * 8 != decoder->observer->told) return;
+    tell_tag(decoder->observer, header.tag_end * 8, header.tag);
+    if (header.length == kIndefinite) {
+        tell_bits(decoder->observer, header.end * 8, ORLENTA_BITS_LENGTH, "length indefinite");
+    } else {
+        tell_bits(decoder->observer, header.end * 8, ORLENTA_BITS_LENGTH, "length %d", header.length);
+    }
+}
+
+// Two zero octets, unless they lie in an element that is passed over.
+static __attribute__((cold)) void tell_end_of_contents(asn1_ber_decoder* decoder) {
+    if (decoder->observer->told + 16 != bits_read(decoder)) return;
+    tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_END, "end of contents");
 }
 
 // ---- identifier -------------------------------------------------------------------------------------------
@@ -49,6 +69,7 @@ static int32_t decode_end_of_contents(asn1_ber_decoder* decoder) {
     if (!decoder->indefinite) return -1;
     if (get_byte(decoder) != 0) return asn1_error(decoder, "expecting second end of content byte");
     decoder->end_of_contents_seen = true;
+    if (is_observed(decoder)) tell_end_of_contents(decoder);
     return kEndOfContents;
 }
 
@@ -113,7 +134,12 @@ int32_t decode_tag_start(asn1_ber_decoder* decoder, asn1_ber_limit* saved, int* 
     decoder->tag_start = decoder->position;
     int32_t tag = decode_identifier(decoder, constructed);
     if (tag < 0) return tag;
+    uint64_t tag_end = decoder->position;
     if (decode_length(decoder, length) != 0) return -1;
+    if (is_observed(decoder)) {
+        decoder->header = {decoder->tag_start, tag_end, decoder->position, static_cast<uint32_t>(tag),
+                           *length};
+    }
     *saved = {decoder->limit, decoder->indefinite};
     int result =
         *length == kIndefinite ? open_indefinite(decoder, *constructed) : open_definite(decoder, *length);
@@ -126,6 +152,7 @@ static int decode_closing_octets(asn1_ber_decoder* decoder) {
         if (octet < 0) return -1;
         if (octet != 0) return asn1_error(decoder, "EOC expected");
     }
+    if (is_observed(decoder)) tell_end_of_contents(decoder);
     return 0;
 }
 

@@ -6,9 +6,17 @@
 #include <orlenta/value.h>
 
 #include "core/decode_memory.hpp"
+#include "core/observer.hpp"
 #include "core/stack.hpp"
 
 namespace orlenta::ber {
+
+// Identifier and length that have been read last, kept for an observer: whose they are is known only by the tag.
+struct element_header {
+    uint64_t start, tag_end, end;  // positions
+    uint32_t tag;
+    int32_t length;
+};
 
 struct asn1_ber_decoder {
     const uint8_t* input;
@@ -21,6 +29,8 @@ struct asn1_ber_decoder {
     stack_guard stack;
     decode_memory memory;
     struct ::asn1_error error;
+    bit_observer* observer;  // null in an ordinary decode
+    element_header header;   // for the observer
 };
 
 // What an element restores when it ends.
@@ -33,6 +43,18 @@ struct asn1_ber_limit {
 constexpr int32_t kIndefinite = -2;
 // Result of decode_tag_start() where no further element follows.
 constexpr int32_t kEndOfContents = -2;
+
+// Whether what is read has to be named: tell_bits(decoder->observer, bits_read(decoder), ...).
+inline bool is_observed(const asn1_ber_decoder* decoder) {
+    return __builtin_expect(decoder->observer != nullptr, 0);
+}
+inline uint64_t bits_read(const asn1_ber_decoder* decoder) { return decoder->position * 8; }
+
+// Names the identifier and the length that were read last, unless they are told or passed over.
+void tell_header(asn1_ber_decoder* decoder) __attribute__((cold));
+
+// Bits of the last octet that are no part of a BIT STRING.
+inline uint64_t unused_bits(const asn1_bit_string* string) { return -string->length & 7; }
 
 // ---- errors (decode_tag.cpp) ------------------------------------------------------------------------------
 

@@ -4,6 +4,7 @@
 #include <orlenta/memory.h>
 #include <orlenta/value.h>
 
+#include "ber/walk.hpp"
 #include "core/error.hpp"
 #include "core/observer.hpp"
 #include "oer/walk.hpp"
@@ -55,6 +56,7 @@ static int64_t decode_observed(bit_observer* observer, orlenta_rules rules, void
         case ORLENTA_RULES_UPER: return per::decode_observed(observer, value, type, data, size, 0, error);
         case ORLENTA_RULES_APER: return per::decode_observed(observer, value, type, data, size, 1, error);
         case ORLENTA_RULES_OER: return oer::decode_observed(observer, value, type, data, size, error);
+        case ORLENTA_RULES_BER: return ber::decode_observed(observer, value, type, data, size, error);
         default: break;
     }
     static const char kMessage[] = "these rules cannot be explained";
