@@ -15,7 +15,10 @@ static int decode_alternative(asn1_ber_decoder* decoder, const asn1_type_desc* t
                               uint32_t tag, int constructed, int32_t length) {
     choice_layout choice = choice_of(type);
     uint32_t index = find_alternative(choice, tag);
-    if (index == choice.total) return asn1_error(decoder, "tag 0x%x not present in choice", tag);
+    if (index == choice.total) {
+        if (is_observed(decoder)) tell_header(decoder, tag, length);
+        return asn1_error(decoder, "tag 0x%x not present in choice", tag);
+    }
     store32(at_offset(value, choice.selector_offset), index);
     enter_component(decoder->observer, alternative_name(choice, index));
     int result = asn1_ber_decode_type_tag(decoder, alternative_type(choice, index),
@@ -46,7 +49,6 @@ static int decode_choice(asn1_ber_decoder* decoder, const asn1_type_desc* type, 
 // Keeps the whole encoding: identifier, length, contents, and the end-of-contents octets if there are any.
 static int keep_raw(asn1_ber_decoder* decoder, asn1_open_value* value, int32_t length) {
     uint64_t start = decoder->tag_start;
-    if (is_observed(decoder)) tell_header(decoder);
     if (asn1_ber_skip_tag(decoder, length) != 0) return -1;
     uint64_t size = decoder->position - start;
     value->data = allocate(&decoder->memory, size);
@@ -59,7 +61,10 @@ static int keep_raw(asn1_ber_decoder* decoder, asn1_open_value* value, int32_t l
 static int decode_open_value(asn1_ber_decoder* decoder, const asn1_type_desc* type, asn1_open_value* value,
                              uint32_t tag, int constructed, int32_t length) {
     value->type = asn1_get_constrained_type(decoder->frames, type);
-    if (value->type == nullptr) return keep_raw(decoder, value, length);
+    if (value->type == nullptr) {
+        if (is_observed(decoder)) tell_header(decoder, tag, length);
+        return keep_raw(decoder, value, length);
+    }
     value->data = allocate_value(&decoder->memory, value->type);
     if (value->data == nullptr) return report_no_memory(decoder);
     return asn1_ber_decode_type_tag(decoder, value->type, value->data, tag, constructed, length);
@@ -159,7 +164,7 @@ static __attribute__((cold, noinline)) int decode_told(asn1_ber_decoder* decoder
                                                        void* value, uint32_t tag, int constructed,
                                                        int32_t length) {
     const asn1_type_desc* outer = set_type(decoder->observer, type);
-    if (!takes_any_tag(type)) tell_header(decoder);
+    if (!takes_any_tag(type)) tell_header(decoder, tag, length);
     int result = decode_kind(decoder, type, value, tag, constructed, length);
     if (result == 0) tell_contents(decoder, type, value);
     set_type(decoder->observer, outer);
@@ -196,7 +201,6 @@ static int64_t decode_message(bit_observer* observer, void** out, const asn1_typ
     decoder.stack = begin_stack();
     decoder.memory = begin_decode_memory(length);
     decoder.observer = observer;
-    decoder.header = {};
     asn1_error_init(&decoder.error);
 
     void* value = asn1_mallocz_value(type);

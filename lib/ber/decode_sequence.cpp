@@ -41,6 +41,7 @@ static int decode_component(asn1_ber_decoder* decoder, sequence_walk* walk, uint
                             int constructed, int32_t length) {
     const asn1_field* field = &components(walk->type)[index];
     if (walk->seen[index] != 0) {
+        if (is_observed(decoder)) tell_header(decoder, tag, length);
         return asn1_error(decoder, "component %s (tag=0x%x) present twice in SET/SEQUENCE", field_name(field),
                           tag);
     }
@@ -60,13 +61,16 @@ static int decode_component(asn1_ber_decoder* decoder, sequence_walk* walk, uint
 static int decode_element(asn1_ber_decoder* decoder, sequence_walk* walk, uint32_t tag, int constructed,
                           int32_t length) {
     int32_t index = find_component(*walk, tag);
-    if (index == kMissing) return asn1_error(decoder, "tag 0x%x not found in SET/SEQUENCE", tag);
+    if (index == kMissing) {
+        if (is_observed(decoder)) tell_header(decoder, tag, length);
+        return asn1_error(decoder, "tag 0x%x not found in SET/SEQUENCE", tag);
+    }
     if (index != kUnknown) {
         return decode_component(decoder, walk, static_cast<uint32_t>(index), tag, constructed, length);
     }
     // Whatever follows an unknown element of a SEQUENCE is unknown as well.
     if (!is_set(*walk)) walk->next = walk->count;
-    if (is_observed(decoder)) tell_header(decoder);
+    if (is_observed(decoder)) tell_header(decoder, tag, length);
     int result = asn1_ber_skip_tag(decoder, length);
     if (is_observed(decoder) && result == 0) {
         tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_UNKNOWN, "unknown element");

@@ -147,7 +147,7 @@ static int decode_segments(asn1_ber_decoder* decoder, segmented_string* string, 
         int32_t length;
         int32_t tag = decode_tag_start(decoder, &saved, &constructed, &length);
         int result = tag == kEndOfContents ? 0 : -1;
-        if (is_observed(decoder) && tag >= 0) tell_header(decoder);
+        if (is_observed(decoder) && tag >= 0) tell_header(decoder, static_cast<uint32_t>(tag), length);
         if (tag >= 0 && is_segment(decoder, *string, tag)) {
             if (constructed != 0) {
                 if (enter_segment(decoder, nesting, saved) != 0) return -1;

@@ -14,7 +14,6 @@ int asn1_error(asn1_ber_decoder* decoder, const char* format, ...) {
     va_start(args, format);
     set_message(&decoder->error, format, args);
     va_end(args);
-    if (is_observed(decoder)) tell_header(decoder);
     return report_position(decoder);
 }
 
@@ -22,25 +21,6 @@ int report_end_of_stream(asn1_ber_decoder* decoder) {
     static const char kMessage[] = "unexpected end of stream or tag";
     memcpy(decoder->error.message, kMessage, sizeof kMessage);
     return report_position(decoder);
-}
-
-// ---- what an observer is told -----------------------------------------------------------------------------
-
-void tell_header(asn1_ber_decoder* decoder) {
-    const element_header& header = decoder->header;
-    if (header.end == header.start || header.start * 8 != decoder->observer->told) return;
-    tell_tag(decoder->observer, header.tag_end * 8, header.tag);
-    if (header.length == kIndefinite) {
-        tell_bits(decoder->observer, header.end * 8, ORLENTA_BITS_LENGTH, "length indefinite");
-    } else {
-        tell_bits(decoder->observer, header.end * 8, ORLENTA_BITS_LENGTH, "length %d", header.length);
-    }
-}
-
-// Two zero octets, unless they lie in an element that is passed over.
-static __attribute__((cold)) void tell_end_of_contents(asn1_ber_decoder* decoder) {
-    if (decoder->observer->told + 16 != bits_read(decoder)) return;
-    tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_END, "end of contents");
 }
 
 // ---- identifier -------------------------------------------------------------------------------------------
@@ -62,6 +42,12 @@ static int32_t decode_long_tag_number(asn1_ber_decoder* decoder) {
         number = number << 7 | (octet & 0x7F);
     }
     return static_cast<int32_t>(septets < 5 ? number : kHugeTagNumber);
+}
+
+// Two zero octets, unless they lie in an element that is passed over.
+static __attribute__((cold)) void tell_end_of_contents(asn1_ber_decoder* decoder) {
+    if (decoder->observer->told + 16 != bits_read(decoder)) return;
+    tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_END, "end of contents");
 }
 
 // A zero octet where an identifier is due.
@@ -113,6 +99,21 @@ static int decode_length(asn1_ber_decoder* decoder, int32_t* length) {
     return *length == -1 ? -1 : 0;
 }
 
+void tell_header(asn1_ber_decoder* decoder, uint32_t tag, int32_t length) {
+    if (decoder->tag_start * 8 != decoder->observer->told) return;
+    const uint8_t* identifier = decoder->input + decoder->tag_start;
+    uint64_t octets = 1;
+    if ((identifier[0] & 0x1F) == 0x1F)
+        while ((identifier[octets++] & 0x80) != 0) {
+        }
+    tell_tag(decoder->observer, (decoder->tag_start + octets) * 8, tag);
+    if (length == kIndefinite) {
+        tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_LENGTH, "length indefinite");
+    } else {
+        tell_bits(decoder->observer, bits_read(decoder), ORLENTA_BITS_LENGTH, "length %d", length);
+    }
+}
+
 // ---- the element ------------------------------------------------------------------------------------------
 
 static int open_indefinite(asn1_ber_decoder* decoder, int constructed) {
@@ -134,12 +135,7 @@ int32_t decode_tag_start(asn1_ber_decoder* decoder, asn1_ber_limit* saved, int* 
     decoder->tag_start = decoder->position;
     int32_t tag = decode_identifier(decoder, constructed);
     if (tag < 0) return tag;
-    uint64_t tag_end = decoder->position;
     if (decode_length(decoder, length) != 0) return -1;
-    if (is_observed(decoder)) {
-        decoder->header = {decoder->tag_start, tag_end, decoder->position, static_cast<uint32_t>(tag),
-                           *length};
-    }
     *saved = {decoder->limit, decoder->indefinite};
     int result =
         *length == kIndefinite ? open_indefinite(decoder, *constructed) : open_definite(decoder, *length);

@@ -11,13 +11,6 @@
 
 namespace orlenta::ber {
 
-// Identifier and length that have been read last, kept for an observer: whose they are is known only by the tag.
-struct element_header {
-    uint64_t start, tag_end, end;  // positions
-    uint32_t tag;
-    int32_t length;
-};
-
 struct asn1_ber_decoder {
     const uint8_t* input;
     uint64_t limit;             // one past the last byte that may be read now
@@ -30,7 +23,6 @@ struct asn1_ber_decoder {
     decode_memory memory;
     struct ::asn1_error error;
     bit_observer* observer;  // null in an ordinary decode
-    element_header header;   // for the observer
 };
 
 // What an element restores when it ends.
@@ -50,8 +42,9 @@ inline bool is_observed(const asn1_ber_decoder* decoder) {
 }
 inline uint64_t bits_read(const asn1_ber_decoder* decoder) { return decoder->position * 8; }
 
-// Names the identifier and the length that were read last, unless they are told or passed over.
-void tell_header(asn1_ber_decoder* decoder) __attribute__((cold));
+// Names the identifier and the length that have just been read, unless they are told: whose they are is known only by
+// the tag.
+void tell_header(asn1_ber_decoder* decoder, uint32_t tag, int32_t length) __attribute__((cold));
 
 // Bits of the last octet that are no part of a BIT STRING.
 inline uint64_t unused_bits(const asn1_bit_string* string) { return -string->length & 7; }

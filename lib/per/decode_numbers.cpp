@@ -4,8 +4,17 @@
 
 namespace orlenta::per {
 
-static int get_aligned_offset(asn1_per_decoder* decoder, uint32_t range, uint32_t* offset) {
-    uint32_t width = range == 255 ? 8 : 16;
+static inline int take_offset(asn1_per_decoder* decoder, uint32_t low, uint32_t range, uint32_t offset,
+                              uint32_t* out) {
+    if (offset > range) return asn1_decode_error(decoder, "overflow in constrained whole number");
+    *out = low + offset;
+    return 0;
+}
+
+// Apart, so that the other form needs no room on the stack.
+static __attribute__((noinline)) int get_aligned_number(asn1_per_decoder* decoder, uint32_t low,
+                                                        uint32_t range, uint32_t* out) {
+    uint32_t offset, width = range == 255 ? 8 : 16;
     if (range_form_of(true, range) == kCountedOctets) {
         uint32_t octets;
         if (asn1_get_bits(decoder, 2, &octets) != 0) return -1;
@@ -13,7 +22,8 @@ static int get_aligned_offset(asn1_per_decoder* decoder, uint32_t range, uint32_
         if (is_observed(decoder)) tell_length(decoder, octets + 1);
     }
     asn1_align(decoder);
-    return asn1_get_bits(decoder, width, offset);
+    if (asn1_get_bits(decoder, width, &offset) != 0) return -1;
+    return take_offset(decoder, low, range, offset, out);
 }
 
 int asn1_per_decode_constrained_whole_number(asn1_per_decoder* decoder, uint32_t low, uint32_t high,
@@ -23,14 +33,12 @@ int asn1_per_decode_constrained_whole_number(asn1_per_decoder* decoder, uint32_t
         *out = low;
         return 0;
     }
+    if (range_form_of(decoder->aligned != 0, range) != kBitField) {
+        return get_aligned_number(decoder, low, range, out);
+    }
     uint32_t offset;
-    int result = range_form_of(decoder->aligned != 0, range) == kBitField
-                     ? asn1_get_bits(decoder, field_width(range), &offset)
-                     : get_aligned_offset(decoder, range, &offset);
-    if (result != 0) return result;
-    if (offset > range) return asn1_decode_error(decoder, "overflow in constrained whole number");
-    *out = low + offset;
-    return 0;
+    if (asn1_get_bits(decoder, field_width(range), &offset) != 0) return -1;
+    return take_offset(decoder, low, range, offset, out);
 }
 
 int asn1_per_decode_unconstrained_length(asn1_per_decoder* decoder, uint32_t* out) {
