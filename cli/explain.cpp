@@ -25,16 +25,10 @@ struct Line {
 
 }  // namespace
 
-// Rules that have bits to explain, by their names.
-static const std::pair<std::string_view, orlenta_rules> kExplained[] = {
-    {"uper", ORLENTA_RULES_UPER}, {"aper", ORLENTA_RULES_APER}, {"oer", ORLENTA_RULES_OER},
-    {"ber", ORLENTA_RULES_BER},   {"der", ORLENTA_RULES_BER},
-};
-
-static orlenta_rules rules_of(const Rules& rules) {
-    for (const auto& [name, number] : kExplained)
-        if (name == rules.name) return number;
-    return static_cast<orlenta_rules>(-1);
+static orlenta_rules rules_of(const Rules* rules) {
+    if (rules == find_rules("uper")) return ORLENTA_RULES_UPER;
+    if (rules == find_rules("aper")) return ORLENTA_RULES_APER;
+    return rules == find_rules("oer") ? ORLENTA_RULES_OER : ORLENTA_RULES_BER;
 }
 
 static const char* kind_name(orlenta_bits_kind kind) {
@@ -192,7 +186,7 @@ static Problem explain(const ExplainOptions& options, const asn1_type_desc* type
     asn1_error error;
     asn1_error_init(&error);
     int64_t used =
-        orlenta_explain(type, rules_of(*options.from), reinterpret_cast<const uint8_t*>(message.data()),
+        orlenta_explain(type, rules_of(options.from), reinterpret_cast<const uint8_t*>(message.data()),
                         message.size(), take_bits, &lines, &error);
     (options.json ? print_json : print_lines)(lines, message);
     if (used >= 0) return lines.empty() ? Problem() : trailing_problem(lines.back());

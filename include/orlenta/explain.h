@@ -1,7 +1,7 @@
 /* A message taken apart: what each of its bits is, in order.
  *
- * The decoder itself tells what it reads, so that the explanation is that of the very walk that makes the value. It takes
- * several times as long as a decode: it is for people and for tests, not for traffic.
+ * The decoder itself tells what it reads, so that the explanation is that of the very walk that makes the value. It
+ * takes many times as long as a decode: it is for people and for tests, not for traffic.
  */
 #ifndef ORLENTA_EXPLAIN_H
 #define ORLENTA_EXPLAIN_H
@@ -50,20 +50,19 @@ typedef struct orlenta_bits {
 
 typedef void orlenta_explain_callback(void* user, const orlenta_bits* bits);
 
-/* Decodes a message of `type` from the `size` bytes at `data`, and calls `callback` with `user` for each run of bits, in
- * the order of the message. Every bit of the `size` bytes lies in exactly one run.
+/* Decodes a message of `type` from the `size` bytes at `data` by `rules`, one of ORLENTA_RULES_..., and calls
+ * `callback` with `user` for each run of bits, in the order of the message. Every bit of the `size` bytes lies in
+ * exactly one run.
  *
  * Returns the bytes that the message takes, the last one perhaps in part, or -1 if it cannot be decoded. Then the runs
- * that were read come first, the last one is ORLENTA_BITS_REFUSED, if any bits are left, and `error`, unless it is null,
- * is filled as by the decoder (per.h, oer.h, ber.h). An unknown `rules` is such an error, with
- * one run of all bits.
+ * that were read come first, the last one is ORLENTA_BITS_REFUSED, if any bits are left, and `error`, unless it is
+ * null, is filled as by the decoder (per.h, oer.h, ber.h). Other `rules` are such an error, with one run of all bits.
  *
  * Of an open type in fragments, so of more than 16383 octets, the fragments are told and not what is in them. Paths are
  * cut to 1023 characters. Nothing that was allocated is left behind; where there is no memory for the text of a value,
  * `value` is null, as it is for an ENUMERATED item that the type does not know. */
-ORLENTA_API int64_t orlenta_explain(const asn1_type_desc* type, orlenta_rules rules, const uint8_t* data,
-                                    uint64_t size, orlenta_explain_callback* callback, void* user,
-                                    asn1_error* error);
+ORLENTA_API int64_t orlenta_explain(const asn1_type_desc* type, int rules, const uint8_t* data, uint64_t size,
+                                    orlenta_explain_callback* callback, void* user, asn1_error* error);
 
 #ifdef __cplusplus
 }

@@ -49,7 +49,7 @@ static void hand_on(bit_observer* observer, const bit_run& run) {
     asn1_free(text);
 }
 
-static int64_t decode_observed(bit_observer* observer, orlenta_rules rules, void** value, const uint8_t* data,
+static int64_t decode_observed(bit_observer* observer, int rules, void** value, const uint8_t* data,
                                uint64_t size, asn1_error* error) {
     const asn1_type_desc* type = observer->type;
     switch (rules) {
@@ -84,7 +84,7 @@ static void tell_rest(bit_observer* observer, const asn1_type_desc* type, uint64
 
 using namespace orlenta;
 
-int64_t orlenta_explain(const asn1_type_desc* type, orlenta_rules rules, const uint8_t* data, uint64_t size,
+int64_t orlenta_explain(const asn1_type_desc* type, int rules, const uint8_t* data, uint64_t size,
                         orlenta_explain_callback* callback, void* user, asn1_error* error) {
     explanation to = {callback, user};
     bit_observer observer;

@@ -113,6 +113,8 @@ CASES = [
      ',"kind":"value","text":"value","path":"yaw","type":"YawRate","value":-32767}\n{"offset":48,"width":8,"bits":"11111111"'
      ',"kind":"trailing","text":"behind the message","path":"","type":"AccelerationSet4Way"}\n',
      "orlenta: <stdin>: 1 byte behind the message (bit 48)\n"),
+    (f"explain {SENSORS} --type Sensors.Reading --from uper --hex", "0000601680", 0,
+     "...    19     1  0                 quantity                 extension bit 0\n", ""),
     (f"explain {SET4} --from jer", JSON, 2, "", "...orlenta: jer is text; explain takes messages of bits\n"),
     ("explain --type CN.AcelerationSet4Way --from uper", "", 2, "", "...the nearest: CN.AccelerationSet4Way"),
     # Files that cannot be read.
