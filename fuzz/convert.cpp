@@ -1,5 +1,6 @@
 // Any bytes, for any table, from any rules to any others: decode, check, copy, compare, encode, decode, compare.
 #include <orlenta/check.h>
+#include <orlenta/explain.h>
 #include <orlenta/memory.h>
 #include <orlenta/value.h>
 
@@ -134,10 +135,36 @@ static void use(const asn1_type_desc* type, const void* value) {
     require(asn1_cmp_value(type, value, copy.get()) == 0, "a copy differs");
 }
 
+// The rules of bits as orlenta_explain() has them, or -1.
+static int explained_rules(const char* name) {
+    if (std::strcmp(name, "uper") == 0) return ORLENTA_RULES_UPER;
+    if (std::strcmp(name, "aper") == 0) return ORLENTA_RULES_APER;
+    if (std::strcmp(name, "oer") == 0) return ORLENTA_RULES_OER;
+    return std::strcmp(name, "ber") == 0 || std::strcmp(name, "der") == 0 ? ORLENTA_RULES_BER : -1;
+}
+
+static void take_bits(void* user, const orlenta_bits* bits) {
+    uint64_t& told = *static_cast<uint64_t*>(user);
+    require(bits->offset == told, "bits told twice, or left out");
+    require(bits->width <= 8 || bits->kind != ORLENTA_BITS_PADDING, "more padding than an octet");
+    told += bits->width;
+}
+
+// Whatever the message is, all its bits are told, and the result is the decoder's.
+static void explain(const asn1_type_desc* type, std::span<const uint8_t> message, int64_t used) {
+    int rules = explained_rules(source_of(choice).name);
+    if (rules < 0) return;
+    uint64_t told = 0;
+    require(orlenta_explain(type, rules, message.data(), message.size(), take_bits, &told, nullptr) == used,
+            "explained, the message is another one");
+    require(told == 8 * message.size(), "bits that are not told");
+}
+
 static void convert(std::span<const uint8_t> message) {
     const asn1_type_desc* type = table_of(choice).type();
     size_t before = live_bytes();
     Decoded first = decode(source_of(choice), type, message);
+    explain(type, message, first.used);
     ++tally.inputs;
     if (first.used < 0) return;
     ++tally.values;
