@@ -162,8 +162,14 @@ std::string shown_parts(const orlenta_type_facts& facts) {
             text += std::to_string(range.first) + "-" + std::to_string(range.last);
         }
     }
-    orlenta_component beyond;
-    EXPECT_EQ(orlenta_type_component(facts.type, facts.count, &beyond), -1);
+    orlenta_component component;
+    orlenta_alternative alternative;
+    orlenta_item item;
+    orlenta_range range;
+    EXPECT_EQ(orlenta_type_component(facts.type, facts.count, &component), -1);
+    EXPECT_EQ(orlenta_type_alternative(facts.type, facts.count, &alternative), -1);
+    EXPECT_EQ(orlenta_type_item(facts.type, facts.count, &item), -1);
+    EXPECT_EQ(orlenta_type_range(facts.type, facts.count, &range), -1);
     return text.empty() ? "" : "{" + text + "}";
 }
 
@@ -186,7 +192,10 @@ TEST(Schema, TellsWhatTypesAreMadeOf) {
         "E ::= ENUMERATED { x(5), y(9), ..., z(12) }\n"
         "S ::= IA5String (SIZE (1..4)) (FROM (\"a\"..\"c\" | \"x\"))\n"
         "L ::= SEQUENCE (SIZE (2..MAX, ...)) OF OCTET STRING (CONTAINING E)\n"
-        "B ::= INTEGER (0..18446744073709551615)\nEND",
+        "B ::= INTEGER (0..18446744073709551615)\n"
+        "T ::= SET { b BIT STRING (SIZE (9)), u UTF8String, n INTEGER (MIN..8), r REAL, d B DEFAULT "
+        "70000000000 }\n"
+        "U ::= SET OF INTEGER (0..70)\nEND",
         "MY");
     const orlenta_catalogue* catalogue = orlenta_schema_catalogue(schema.get());
     ASSERT_NE(catalogue, nullptr) << messages(schema);
@@ -197,6 +206,8 @@ TEST(Schema, TellsWhatTypesAreMadeOf) {
         {"S", ":15[1..4]{97-99,120-120}"},
         {"L", ":1[2..]...:8[0..]<:9...{x=5,y=9|z=12}>"},
         {"B", ":5big"},
+        {"T", ":2{b+0:7[9..9],u+16:15,n+32:5big,r+56:14,d+64:5big=0}"},
+        {"U", ":3[0..]:5[0..70]"},
     };
     for (const auto& [name, text] : rows)
         EXPECT_EQ(shown(orlenta_catalogue_find(catalogue, name, nullptr)->type), text) << name;

@@ -452,6 +452,8 @@ std::vector<std::pair<const char*, Type>> unusual_types() {
         {"a flat record with a big addition",
          list_of(sequence({{byte, "a"}, {kBig, "b", kDefault, ASN1_FIELD_ADDITION, big(&zero)}}, kExt), 0,
                  3)},
+        {"a long enumeration", enumerated(200, -1)},
+        {"a list of nothing", list_of(kNull, 0, 9)},
         {"nothing", sequence({})},
         {"nothing, extensible", sequence({{kNull, "n"}, {kNull, "o", kOptional}}, kExt)},
     };
@@ -492,10 +494,13 @@ TEST_P(Program, ValuesOutOfBounds) {
         {char_string(ASN1_STRING_IA5, 0, 9, {{0, 127}}), &wide},
         {choice(-1, components_of(3, kBoolean, ASN1_OPTION_MANDATORY)), &item},
         {enumerated(3, -1), &item},
+        {octet_string(3, 3), &string},
+        {bit_string(8, 8), &string},
     };
     Tally tally;
     for (const auto& [type, value] : rows) Subject(GetParam(), type, tally).encode(value);
     EXPECT_EQ(orlenta_codec_new(kClass), nullptr);
+    orlenta_codec_free(nullptr);
 }
 
 // Fragments of 16K items, in strings, lists and open types.
@@ -526,6 +531,29 @@ Codec prepared_codec(const Rules& rules, Type type) {
     rules.decode(codec.get(), &value, nullptr, 0, nullptr);
     orlenta_free_value(codec.get(), value);
     return codec;
+}
+
+// The output grows wherever it happens to be full.
+TEST_P(Program, OutputWithoutMemory) {
+    int failures = 0;
+    for (auto [name, element] : unusual_types()) {
+        SCOPED_TRACE(name);
+        Type type = list_of(element, 100, 100);
+        Codec codec = prepared_codec(GetParam(), type);
+        Value value(asn1_random(type, 7), {type});
+        Tally tally;
+        if (Subject(GetParam(), type, tally).encode(value.get()).empty()) continue;  // OER has no form for it
+        for_each_failed_allocation([&] {
+            uint8_t* out = nullptr;
+            asn1_error error = {};
+            int64_t size = GetParam().encode(codec.get(), &out, value.get(), &error);
+            EXPECT_TRUE(size >= 0 || allocator_has_failed());
+            EXPECT_EQ(size < 0, out == nullptr);
+            asn1_free(out);
+            failures += size < 0;
+        });
+    }
+    EXPECT_GT(failures, 100);
 }
 
 // Where memory runs out the report is the walker's, and nothing is left behind.
