@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 #include <orlenta/check.h>
+#include <orlenta/random.h>
+#include <orlenta/value.h>
 
 #include <cstring>
 #include <string>
@@ -341,6 +343,9 @@ const asn1_word kContainingNull[] = {num(ASN1_CONSTRAINT_CONTAINING), ref(kNull)
 const asn1_word kHoldsNull[] = {head(ASN1_KIND_OCTET_STRING, kLower | ASN1_WORD0_CONSTRAINED), num(0),
                                 ref(kContainingNull)};
 
+const asn1_word kBitsHoldSmall[] = {head(ASN1_KIND_BIT_STRING, kLower | ASN1_WORD0_CONSTRAINED), num(0),
+                                    ref(kContainingSmall)};
+
 struct OpenRecord {
     uint32_t id;
     asn1_open_value value;
@@ -357,6 +362,7 @@ TEST(WholeCheck, SeesWhatIsInside) {
     OpenRecord fits = {2, {kOctets, &octets, 0}}, other_key = {1, {kOctets, &octets, 0}},
                no_key = {7, {kBoolean, &truth, 0}}, raw = {2, {nullptr, nullptr, 0}};
     asn1_open_value missed = {kHoldsSmall, &twelve, 0};
+    asn1_bit_string four_bits = {five.data, 4};
     const CheckCase cases[] = {
         {"last item", kEnum, &last_item, nullptr},
         {"past the last item", kEnum, &no_item, "invalid enumerated value"},
@@ -366,6 +372,7 @@ TEST(WholeCheck, SeesWhatIsInside) {
         {"raw bytes", kOpenRecord<kOpen>, &raw, nullptr},
         {"contained", kHoldsSmall, &five, nullptr},
         {"contained, by BER", kHoldsSmall, &by_ber, nullptr},
+        {"contained in bits", kBitsHoldSmall, &four_bits, nullptr},
         {"contained, out of range, in an open type", kAny, &missed,
          "contained value: overflow in constrained whole number"},
         {"contained, and more", kHoldsSmall, &longer, "contained value: it ends before the string does"},
@@ -384,6 +391,22 @@ TEST(WholeCheck, SeesWhatIsInside) {
         EXPECT_EQ(orlenta_check(c.type, c.value, &error), c.message ? 0 : 1);
         EXPECT_STREQ(error.message, c.message ? c.message : "");
         EXPECT_STREQ(error.path, c.path);
+    }
+}
+
+// Of types that the message sets have not: contents in bits, a string without an alphabet, a CHOICE of nothing but open
+// types, which no valid value ends.
+TEST(WholeCheck, PassesValidValues) {
+    const asn1_word no_way[] = {
+        head(ASN1_KIND_CHOICE), num(1), num(32), num(0), num(8), ref(kAny), txt("any")};
+    for (uint32_t seed = 1; seed <= 20; ++seed) {
+        for (const asn1_type_desc* type : {kBitsHoldSmall, kHoldsSmall, kIa5, kOpenRecord<kOpen>}) {
+            void* value = orlenta_random_valid(type, seed);
+            ASSERT_NE(value, nullptr);
+            EXPECT_EQ(orlenta_check(type, value, nullptr), 1);
+            asn1_free_value(type, value);
+        }
+        EXPECT_EQ(orlenta_random_valid(no_way, seed), nullptr);
     }
 }
 

@@ -10,7 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/universal_types.hpp"
+
 namespace {
+
+using namespace orlenta::test;
 
 struct Free {
     void operator()(orlenta_schema* schema) const { orlenta_schema_free(schema); }
@@ -62,6 +66,8 @@ TEST(Schema, FindsTypesByTheirNames) {
                                            {"Reading", nullptr, 2},
                                            {"MY.Reading", nullptr, 2},
                                            {"OTHER.Unit-Name", nullptr, 0},
+                                           {"OTHER.A.Unit-Name", nullptr, 0},
+                                           {"MY.B.Unit-Name", nullptr, 0},
                                            {"B.Unit-Name", nullptr, 0},
                                            {"Unit-Nam", nullptr, 0},
                                            {"Unit-Names", nullptr, 0},
@@ -211,6 +217,10 @@ TEST(Schema, TellsWhatTypesAreMadeOf) {
     };
     for (const auto& [name, text] : rows)
         EXPECT_EQ(shown(orlenta_catalogue_find(catalogue, name, nullptr)->type), text) << name;
+    EXPECT_EQ(shown(kIa5), ":15[0..]");
+    EXPECT_EQ(shown(kClass), ":17");
+    const asn1_word free_text[] = {head(ASN1_KIND_CHAR_STRING), num(ASN1_STRING_IA5), num(0)};
+    EXPECT_EQ(shown(free_text), ":15");
     orlenta_type_facts big;
     orlenta_type_describe(orlenta_catalogue_find(catalogue, "B", nullptr)->type, &big);
     ASSERT_TRUE(big.is_big && big.big_lower && big.big_upper);

@@ -453,6 +453,7 @@ std::vector<std::pair<const char*, Type>> unusual_types() {
          list_of(sequence({{byte, "a"}, {kBig, "b", kDefault, ASN1_FIELD_ADDITION, big(&zero)}}, kExt), 0,
                  3)},
         {"a long enumeration", enumerated(200, -1)},
+        {"alternatives beyond an octet", choice(-1, components_of(300, kBoolean, ASN1_OPTION_MANDATORY))},
         {"a list of nothing", list_of(kNull, 0, 9)},
         {"nothing", sequence({})},
         {"nothing, extensible", sequence({{kNull, "n"}, {kNull, "o", kOptional}}, kExt)},
