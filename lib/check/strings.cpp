@@ -15,13 +15,6 @@ int check_binary_string(check_state* state, const asn1_type_desc* type, const vo
                             static_cast<uint32_t>(length), size.lower, size.upper);
 }
 
-static bool in_alphabet(const char_string_layout& layout, uint32_t code) {
-    for (int32_t i = 0; i < layout.range_count; ++i) {
-        if (code >= range_first(layout, i) && code <= range_last(layout, i)) return true;
-    }
-    return false;
-}
-
 static int check_alphabet(check_state* state, const char_string_layout& layout, uint32_t shift,
                           const asn1_string* string) {
     if (layout.range_count <= 0) return 0;

@@ -269,6 +269,14 @@ inline uint32_t range_last(const char_string_layout& string, int32_t index) {
     return low32(string.ranges[2 * index + 1]);
 }
 
+// Whether one of the ranges has the character.
+inline bool in_alphabet(const char_string_layout& string, uint32_t code) {
+    for (int32_t i = 0; i < string.range_count; ++i) {
+        if (code >= range_first(string, i) && code <= range_last(string, i)) return true;
+    }
+    return false;
+}
+
 // ---- ENUMERATED -------------------------------------------------------------------------------------------
 
 struct enum_layout {

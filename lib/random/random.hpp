@@ -1,6 +1,7 @@
 // The generator and the parts of a random value. The order of draws is fixed: it decides the values.
 #pragma once
 
+#include <orlenta/memory.h>
 #include <orlenta/type_info.h>
 
 #include "core/descriptor.hpp"
@@ -120,6 +121,11 @@ int asn1_random_octet_string(asn1_random_params* params, const asn1_type_desc* t
 int asn1_random_char_string(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value);
 int asn1_random_object_identifier(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value);
 int asn1_random_any(asn1_random_params* params, asn1_open_value* value);
+// Gives the string a length and a block for its code units, which are not filled.
+int make_code_units(asn1_random_params* params, const asn1_type_desc* type, const char_string_layout& layout,
+                    asn1_string* value);
+// Hands the buffer's block to `value`; -1 if memory ran out while it grew.
+int take_buffer(const asn1_byte_buffer& buffer, asn1_string* value);
 
 // valid.cpp: the kinds of which valid values are made in a way of their own
 int random_valid_sequence(asn1_random_params* params, const asn1_type_desc* type, void* record);

@@ -59,17 +59,23 @@ static uint32_t character_at(const char_string_layout& layout, uint32_t index) {
     abort();
 }
 
+int make_code_units(asn1_random_params* params, const asn1_type_desc* type, const char_string_layout& layout,
+                    asn1_string* value) {
+    size_range range = choose_bounds(params, type, layout.size.lower, layout.size.upper);
+    uint64_t length = choose_length(params, range, params->string_spread);
+    value->data = static_cast<uint8_t*>(asn1_malloc(length << code_unit_shift(string_type(type))));
+    if (!value->data) return -1;
+    value->length = length;
+    return 0;
+}
+
 static int asn1_random_restricted_mult_string(asn1_random_params* params, const asn1_type_desc* type,
                                               asn1_string* value) {
     char_string_layout layout = char_string_of(type);
-    size_range range = choose_bounds(params, type, layout.size.lower, layout.size.upper);
-    uint64_t length = choose_length(params, range, params->string_spread);
+    if (make_code_units(params, type, layout, value) < 0) return -1;
     uint32_t shift = code_unit_shift(string_type(type));
-    value->data = static_cast<uint8_t*>(asn1_malloc(length << shift));
-    if (!value->data) return -1;
-    value->length = length;
     uint32_t size = alphabet_size(layout);
-    for (uint64_t i = 0; i < length; ++i) {
+    for (uint64_t i = 0; i < value->length; ++i) {
         uint32_t r = draw(params);
         uint32_t index = size == 0 ? r & 0x7FFFFFFF : r % size;
         store_code_unit(value->data, i, shift, character_at(layout, index));
@@ -77,8 +83,7 @@ static int asn1_random_restricted_mult_string(asn1_random_params* params, const 
     return 0;
 }
 
-// Hands the buffer's block to `value`; -1 if memory ran out while it grew.
-static int take_buffer(const asn1_byte_buffer& buffer, asn1_string* value) {
+int take_buffer(const asn1_byte_buffer& buffer, asn1_string* value) {
     if (buffer.failed) {
         asn1_free(buffer.data);
         return -1;

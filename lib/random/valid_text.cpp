@@ -1,5 +1,4 @@
 // Character strings of valid values: what can be printed, if the alphabet has it.
-#include <orlenta/memory.h>
 #include <orlenta/scalar.h>
 
 #include "core/buffer.hpp"
@@ -13,12 +12,6 @@ static bool is_printable(uint32_t code) {
     return !is_surrogate && code <= 0x10FFFF && (code & 0xFFFE) != 0xFFFE;
 }
 
-static bool is_in_alphabet(const char_string_layout& layout, uint32_t code) {
-    for (int32_t i = 0; i < layout.range_count; ++i)
-        if (code >= range_first(layout, i) && code <= range_last(layout, i)) return true;
-    return layout.range_count <= 0;
-}
-
 static uint32_t random_ascii(asn1_random_params* params) { return 0x20 + draw(params) % 0x5F; }
 
 // A printable character of one of the ranges, or of ASCII, or else the first of the alphabet.
@@ -29,18 +22,14 @@ static uint32_t choose_character(asn1_random_params* params, const char_string_l
     uint32_t first = range_first(layout, range), span = range_last(layout, range) - first;
     uint32_t code = span == UINT32_MAX ? draw(params) : first + draw(params) % (span + 1);
     if (is_printable(code)) return code;
-    return is_in_alphabet(layout, ascii) ? ascii : range_first(layout, 0);
+    return in_alphabet(layout, ascii) ? ascii : range_first(layout, 0);
 }
 
 static int random_restricted(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value) {
     char_string_layout layout = char_string_of(type);
-    size_range range = choose_bounds(params, type, layout.size.lower, layout.size.upper);
-    uint64_t length = choose_length(params, range, params->string_spread);
     uint32_t shift = code_unit_shift(string_type(type));
-    value->data = static_cast<uint8_t*>(asn1_malloc(length << shift));
-    if (!value->data) return -1;
-    value->length = length;
-    for (uint64_t i = 0; i < length; ++i)
+    if (make_code_units(params, type, layout, value) < 0) return -1;
+    for (uint64_t i = 0; i < value->length; ++i)
         store_code_unit(value->data, i, shift, choose_character(params, layout));
     return 0;
 }
@@ -56,12 +45,7 @@ static int random_octets(asn1_random_params* params, bool is_utf8, asn1_string* 
         uint8_t bytes[4];
         asn1_put_bytes(&buffer, bytes, static_cast<uint64_t>(asn1_to_utf8(bytes, code)));
     }
-    if (buffer.failed) {
-        asn1_free(buffer.data);
-        return -1;
-    }
-    *value = {buffer.data, buffer.length};
-    return 0;
+    return take_buffer(buffer, value);
 }
 
 int random_valid_char_string(asn1_random_params* params, const asn1_type_desc* type, asn1_string* value) {

@@ -534,6 +534,21 @@ Codec prepared_codec(const Rules& rules, Type type) {
     return codec;
 }
 
+// Encodes with each allocation failing in turn; how often that failed the encoding.
+int encode_with_failures(const Rules& rules, const Codec& codec, const void* value) {
+    int failures = 0;
+    for_each_failed_allocation([&] {
+        uint8_t* out = nullptr;
+        asn1_error error = {};
+        int64_t size = rules.encode(codec.get(), &out, value, &error);
+        EXPECT_TRUE(size >= 0 || allocator_has_failed());
+        EXPECT_EQ(size < 0, out == nullptr);
+        asn1_free(out);
+        failures += size < 0;
+    });
+    return failures;
+}
+
 // The output grows wherever it happens to be full.
 TEST_P(Program, OutputWithoutMemory) {
     int failures = 0;
@@ -544,15 +559,7 @@ TEST_P(Program, OutputWithoutMemory) {
         Value value(asn1_random(type, 7), {type});
         Tally tally;
         if (Subject(GetParam(), type, tally).encode(value.get()).empty()) continue;  // OER has no form for it
-        for_each_failed_allocation([&] {
-            uint8_t* out = nullptr;
-            asn1_error error = {};
-            int64_t size = GetParam().encode(codec.get(), &out, value.get(), &error);
-            EXPECT_TRUE(size >= 0 || allocator_has_failed());
-            EXPECT_EQ(size < 0, out == nullptr);
-            asn1_free(out);
-            failures += size < 0;
-        });
+        failures += encode_with_failures(GetParam(), codec, value.get());
     }
     EXPECT_GT(failures, 100);
 }
@@ -581,14 +588,7 @@ TEST_P(Program, ScarceMemory) {
             orlenta_free_value(codec.get(), decoded);
             failures += used < 0;
         });
-        for_each_failed_allocation([&] {
-            uint8_t* out = nullptr;
-            asn1_error error = {};
-            int64_t size = GetParam().encode(codec.get(), &out, value.get(), &error);
-            EXPECT_TRUE(size >= 0 || allocator_has_failed());
-            EXPECT_EQ(size < 0, out == nullptr);
-            asn1_free(out);
-        });
+        encode_with_failures(GetParam(), codec, value.get());
         for_each_failed_allocation([&, chunk_size = i % 2 * 1000] {
             orlenta_arena* arena = orlenta_arena_create(chunk_size);
             orlenta_arena_value held = {};
