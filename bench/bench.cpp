@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encoding and decoding of whole messages by each set of rules: time and allocations.
 #include <benchmark/benchmark.h>
 #include <orlenta/memory.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The ways from bytes to a value and back that are measured.
 #pragma once
 

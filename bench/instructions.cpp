@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs each way of decoding and encoding once, for callgrind to count the instructions of: they are steady where times
 // are not. instructions.py runs this program and reads the counts.
 #include <orlenta/memory.h>

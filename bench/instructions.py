@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Instructions and allocations of a message, held against those of bench/instructions.tsv.
 
 Counts are steady from run to run and from machine to machine, but not from compiler to compiler: the table has them

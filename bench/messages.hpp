@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The messages that are measured: rows of messages.tsv.
 #pragma once
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Puts measured figures into docs/performance.md, between its markers, and draws docs/performance.svg of them.
 
 performance.py BENCH.tsv PEERS.tsv: the tables that the two benchmarks write. ./dev bench --record calls it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the benchmark prints: a line for each message and way, with both directions side by side.
 #pragma once
 

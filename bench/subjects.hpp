@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The measured messages as values of their types.
 #pragma once
 

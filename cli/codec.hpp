@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One message through the library: values that go by themselves, and failures as text.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the command does once its command line is understood. Each function returns the exit status.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The conversion of one message after the other, as a thread of its own does it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which type a message is of, found by trying.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a run tells besides its output: reports, a file of errors, a summary, and how far it is.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // explain: a message taken apart, a line a run of bits.
 #include <fmt/format.h>
 #include <orlenta/explain.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Messages from files and from standard input, in batches of what has arrived.
 #pragma once
 

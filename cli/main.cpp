@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // orlenta: converts messages between encoding rules, checks and makes them, and tells about their types.
 #include <fmt/format.h>
 

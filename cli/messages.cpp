@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // convert, check, random: the commands that run messages through the library.
 #include <fmt/format.h>
 #include <orlenta/random.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A type as text, in the notation of X.680 as far as a table keeps what the schema said.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where results go: standard output, or a file that appears whole or not at all.
 #pragma once
 

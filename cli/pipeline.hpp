@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Batches through one thread or several, and their results in the order of the input.
 #pragma once
 

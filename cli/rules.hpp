@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The encoding rules that the command knows by name.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Modules that the user gives on the command line, in place of the built-in message sets.
 #pragma once
 

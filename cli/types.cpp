@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // types, show, roots: the commands that tell what types there are.
 #include <fmt/format.h>
 #include <fnmatch.h>

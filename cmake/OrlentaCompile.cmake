@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # orlenta_add_schema(<target> REGION <name> FILES <module.asn1>...
 #                    [NAMES short|module] [HEADER <name>] [INCLUDE_DIR <folder>] [PARTS <n>] [FIRST_LOCAL <n>]
 #                    [PROGRAMS common|single|none] [PROGRAM_LIST <file>] [OBJECT])

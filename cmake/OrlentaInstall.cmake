@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What `cmake --install` puts where: headers, libraries, tools, the CMake package and the pkg-config file.
 include(CMakePackageConfigHelpers)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The message sets that come with the library.
 include(OrlentaCompile)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What the targets of this tree have in common.
 include(CheckLinkerFlag)
 

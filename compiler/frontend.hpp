@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The front end: reads the modules of one region and resolves them into the model.
 #pragma once
 

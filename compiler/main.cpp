@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // orlentac: from ASN.1 modules to descriptor tables and a header with value records.
 #include <fmt/format.h>
 #include <unistd.h>

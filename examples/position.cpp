@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A typed record to bytes and back, in C++.
 #include <orlenta/cn.h>
 #include <orlenta/memory.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Any bytes, for any table, from any rules to any others: decode, check, copy, compare, encode, decode, compare.
 #include <orlenta/check.h>
 #include <orlenta/explain.h>

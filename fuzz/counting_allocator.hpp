@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library's allocator in the fuzzers: it counts the bytes alive, each block with one byte at the least, and holds
 // them against a limit.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Any text is a schema with errors, or one that compiles, through the layout and all files: never a crash, and never
 // more time or memory than its length bears.
 #include <cstdio>

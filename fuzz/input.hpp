@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An input of fuzz_convert: four bytes that choose, and the message.
 #pragma once
 

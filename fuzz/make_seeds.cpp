@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // make_fuzz_seeds FOLDER FILE...: inputs of fuzz_convert. Each row of the vector files goes out from some of the rules,
 // the hand-made kinds from all.
 #include <orlenta/memory.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mutation of fuzz_convert's inputs: bytes behind the head, the head alone, the same value in other rules, and a new
 // random value.
 #include <orlenta/memory.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Any bytes, for any table: a program and the walker come to the same, on the heap and in an arena. The inputs are those
 // of fuzz_convert, whose rules play no part here.
 #include <orlenta/codec.h>

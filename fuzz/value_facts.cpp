@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "fuzz/value_facts.hpp"
 
 #include <orlenta/check.h>

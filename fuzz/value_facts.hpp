@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What of a value decides whether an encoding of it must exist, and must bring it back.
 #pragma once
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Lines and branches that the tests reached, by folder, from a build with clang's counters: coverage.py FOLDER.
 
 A branch is a way that a condition of the source goes, true or false, each part of && and || for itself, or a case of a

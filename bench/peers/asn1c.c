@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /* The code that asn1c makes, as a peer. Defined by the build: PEER_NAME, and PEER_TYPES, a row(name, identifier) for
  * each type: row("CN.MessageFrame", MessageFrame). */
 #include <asn_application.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* What the comparison wants of another codec: a shared object that exports bench_peer_entry. The object is loaded
  * with its symbols to itself, so that several of them, made of schemas with the same names, do not meet. */
 #ifndef ORLENTA_BENCH_PEER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Our codecs beside others, in one process: the same messages, the same malloc, and both in turn, so that whatever
 // else the machine does meets both.
 #include <dlfcn.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # 64-bit ARM by Debian's cross compiler; programs run under qemu (packages g++-aarch64-linux-gnu, qemu-user).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)

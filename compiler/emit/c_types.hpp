@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The C types of value records, and the names of their members.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes a list of all tables of a region by name, as C++ source.
 #pragma once
 

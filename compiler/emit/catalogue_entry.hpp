@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tables of a message set by name: for programs that take a type's name from their user. `orlentac --list` writes
 // such a list.
 #pragma once

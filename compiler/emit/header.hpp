@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes the public headers of a region: value records as C structs, constants, and descriptors.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes plain structs as C++ initializers, member by member, whatever members they have.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes programs as constants, `orlenta_codec_<REGION>_<Type>`, and the index by which the library finds them.
 #pragma once
 

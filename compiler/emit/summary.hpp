@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Counts of a region's tables.
 #pragma once
 

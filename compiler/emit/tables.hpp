@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes the tables of a region as C++ source: constants only, nothing runs when they are loaded.
 #pragma once
 

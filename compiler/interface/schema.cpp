@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The interface of liborlenta-schema: C outside, so that no exception may leave it.
 #include <orlenta/schema.h>
 

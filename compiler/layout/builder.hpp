@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the files of the layout share: the tables under construction, and who makes which.
 #pragma once
 

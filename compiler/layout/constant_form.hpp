@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a constant is in memory, for those who write tables: as C text or as words.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Constants that tables point at: values in the layout that the library gives them.
 #include <algorithm>
 #include <map>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the model to tables: the words of every descriptor and constant of a region, under their names.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What types and classes are called in C.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The records that hold values in memory: sizes, alignments and offsets.
 #pragma once
 

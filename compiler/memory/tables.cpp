@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "compiler/memory/tables.hpp"
 
 #include <orlenta/integer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The tables of a layout in memory, for programs that have no time to ask a C compiler: word for word those that
 // emit/tables.hpp writes as text.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the compiler has to say about a schema: many errors in one run, told in source order.
 #pragma once
 

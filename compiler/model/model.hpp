@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The resolved schema: what the front end hands to layout and emitters. Every reference is resolved, every
 // parameterised type is instantiated, every bound is a number. Source order is kept everywhere.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Who refers to whom: which named types carry the tag of their references themselves, which references close a
 // recursion, and which types nothing refers to.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tags as they are sent (X.680 clauses 8.6 and 31).
 #pragma once
 

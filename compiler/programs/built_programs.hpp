@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programs of a region's types, made by the library's own builder over tables in memory.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which types of a region get programs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types that have no value: names that mean nothing but each other, and records that contain themselves.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Information object classes (X.681 clause 9).
 #include <algorithm>
 #include <set>

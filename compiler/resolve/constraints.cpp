@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Constraints: what tables tell of them, effective bounds and permitted alphabets (X.691 clause 10.3). What is not
 // visible to PER drops out of an intersection and makes a union unbounded.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Parameterised types (X.683): actual parameters are bound to a scope in which the body is read anew at each use.
 #include "compiler/resolve/resolve.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Names: which module defines what, imports it, or only seems to.
 #include <algorithm>
 #include <numeric>

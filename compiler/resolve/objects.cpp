@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Information objects and object sets, and what is taken from them (X.681 clauses 11, 12 and 15).
 #include <algorithm>
 #include <set>

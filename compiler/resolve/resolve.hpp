@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From the syntax trees of a region to the model: what the parts of the resolver share.
 #pragma once
 

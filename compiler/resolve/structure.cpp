@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Components, alternatives, items and named numbers.
 #include <algorithm>
 #include <set>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Class fields as types, and the table constraints that tie open types to their keys (X.681 clause 14, X.682 clause 10).
 #include <algorithm>
 

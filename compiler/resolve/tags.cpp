@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tags: which are explicit, in which order they put alternatives and components, and where two are the same (X.680
 // clauses 8.6, 25, 27, 29, 31).
 #include "compiler/model/tags.hpp"

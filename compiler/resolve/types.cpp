@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Type expressions: references stay references, unless a constraint or a tag makes a type of its own of them.
 #include <algorithm>
 

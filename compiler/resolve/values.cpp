@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values: of a DEFAULT, a value assignment, a bound, a field of an object.
 #include <algorithm>
 #include <bit>

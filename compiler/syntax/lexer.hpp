@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ASN.1 text into tokens (X.680 clause 12).
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Subtype constraints (X.680 clauses 49 to 51), table and contents constraints (X.682 clauses 10 and 11).
 #include "compiler/syntax/parser.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Modules and assignments (X.680 clauses 13 to 16).
 #include "compiler/syntax/parser.hpp"
 

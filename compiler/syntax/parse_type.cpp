@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types (X.680 clauses 17 to 46) and information object classes (X.681 clauses 9 and 10).
 #include <array>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tokens into the syntax tree, by recursive descent. A fault is thrown and caught at the assignment around it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the parser makes of the text: names are words yet, and what stands in braces where only the governor can tell
 // its meaning (objects, object sets, values, actual parameters) is kept as a run of tokens.
 #pragma once

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* BER and DER: the Basic and Distinguished Encoding Rules (X.690).
  *
  * The decoder takes every form of BER, so DER as well. Constraints are not looked at: asn1_check_constraints() is a

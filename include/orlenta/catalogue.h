@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Types by name and what they are made of, for programs that learn only when they run which type they are to work with.
  * Names are those of schemas that were compiled at run time (schema.h). A catalogue never changes, and may be used by any
  * number of threads at once.

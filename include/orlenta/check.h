@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* The constraint checker: holds a value against the constraints that its descriptor carries.
  *
  * Codecs do not enforce constraints by themselves to this degree: an application runs the check on a value

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Codecs prepared for one type: what asn1_uper_decode() and its like find out from the descriptor with every message is
  * worked out once, into a compact program, and runs several times as fast. Values, bytes, results and error records are
  * the very same.

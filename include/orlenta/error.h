@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* What went wrong, and where: the error record that decoders, `2`-suffixed encoders and the checker fill. */
 #ifndef ORLENTA_ERROR_H
 #define ORLENTA_ERROR_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* A message taken apart: what each of its bits is, in order.
  *
  * The decoder itself tells what it reads, so that the explanation is that of the very walk that makes the value. It

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* GSER: values as text, by the generic string encoding rules (RFC 3641), laid out with line breaks and indentation.
  *
  * How the kinds are written:

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Big integers: INTEGER values that do not fit 32 bits, or that have no bounds.
  *
  * Sign and magnitude in 32-bit limbs, least significant first. A normalised value has a non-zero top limb, and zero

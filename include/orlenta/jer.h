@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* JER: values as JSON text, by the JSON encoding rules (X.697).
  *
  * How the kinds are written:

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Memory: the allocator that an application can replace, and the growing byte buffer of all writers. */
 #ifndef ORLENTA_MEMORY_H
 #define ORLENTA_MEMORY_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* OER: the Octet Encoding Rules (X.696), in their basic form.
  *
  * Constraints decide widths and are not looked at otherwise: asn1_check_constraints() is a separate call. All

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Packed Encoding Rules (ITU-T X.691 | ISO/IEC 8825-2): UNALIGNED ("uper") and ALIGNED ("aper"), BASIC-PER.
  *
  * The codecs walk a descriptor and a value together and enforce no constraint beyond what the encoding itself

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Random values of any type, for tests: the same seed and descriptor give the same value on every machine. */
 #ifndef ORLENTA_RANDOM_H
 #define ORLENTA_RANDOM_H

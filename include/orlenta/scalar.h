@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Scalars: REAL contents octets, UTF-8, short bit strings as integers, object identifier text. */
 #ifndef ORLENTA_SCALAR_H
 #define ORLENTA_SCALAR_H

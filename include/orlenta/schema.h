@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Schemas at run time: ASN.1 modules (X.680 to X.683) become descriptors while a program runs, with no C compiler at hand.
  * They are those that orlentac makes of the same modules, word for word, and serve wherever a descriptor does. docs/schemas.md
  * tells what of the language is taken. Link with liborlenta-schema.

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* What the text encoders (GSER, JER, XER) have in common. */
 #ifndef ORLENTA_TEXT_H
 #define ORLENTA_TEXT_H

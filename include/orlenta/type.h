@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Type descriptors and value records: the one format on which the library stands.
  *
  * An ASN.1 type is a constant array of machine words, a descriptor; a value of the type is a plain record in

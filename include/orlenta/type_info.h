@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* From a descriptor to its names, and from an open type to its actual type. None of these allocates. */
 #ifndef ORLENTA_TYPE_INFO_H
 #define ORLENTA_TYPE_INFO_H

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* Values: allocation, release, copy, comparison, and the rules of presence in a SEQUENCE.
  *
  * All functions walk a descriptor and a value together. They touch only the value given; two threads may read or

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /* XER: values as XML text, by the XML encoding rules (X.693, basic XER).
  *
  * A text is one element, named after the value's type as in the schema (or after its kind, "INTEGER", "SEQUENCE_OF",

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER decoding (X.690 clause 8): the walk over descriptor and input.
 #include <orlenta/ber.h>
 

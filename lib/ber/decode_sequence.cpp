@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER decoding of SEQUENCE, SET and their lists (X.690 clauses 8.9 to 8.12).
 #include "ber/decoder.hpp"
 #include "core/growing_list.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER decoding of strings, primitive and in segments (X.690 clauses 8.6, 8.7, 8.19, 8.20, 8.23).
 #include "ber/decoder.hpp"
 #include "core/code_units.hpp"

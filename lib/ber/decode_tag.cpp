@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER decoding: identifier, length, and the limits of an element (X.690 clause 8.1).
 #include "ber/decoder.hpp"
 #include "core/error.hpp"

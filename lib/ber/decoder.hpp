@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The BER decoder's context, and what its files call of each other.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER and DER encoding (X.690 clauses 8, 10, 11): the walk over descriptor and value.
 #include "ber/encoder.hpp"
 #include "core/presence.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER encoding of numbers and NULL (X.690 clauses 8.2 to 8.5, 8.8; in DER's form, clause 11).
 #include <orlenta/scalar.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DER's order of a SET's components and a SET OF's elements (X.690 clauses 10.3, 11.6).
 #include <stdlib.h>
 

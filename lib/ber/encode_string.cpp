@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER encoding of strings, primitive and in segments (X.690 clauses 8.6, 8.7, 8.19, 8.20, 8.23).
 #include "ber/encoder.hpp"
 #include "core/buffer.hpp"

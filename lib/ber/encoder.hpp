@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The BER encoder's context, and what its files call of each other. Results are 0 or -1; a buffer that can't grow
 // shows at the end.
 #pragma once

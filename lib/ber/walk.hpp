@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The walker of a whole message, for what stands above it.
 #pragma once
 

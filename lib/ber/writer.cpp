@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Identifier, length and INTEGER octets of BER (X.690 clauses 8.1.2, 8.1.3, 8.3).
 #include <orlenta/ber.h>
 #include <string.h>

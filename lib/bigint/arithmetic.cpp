@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Comparison, addition, subtraction, and division by a small number, limb by limb with 64-bit intermediates.
 #include <orlenta/integer.h>
 #include <orlenta/memory.h>

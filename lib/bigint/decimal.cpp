@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decimal text, by digits of base 10^9.
 #include <orlenta/integer.h>
 #include <orlenta/memory.h>

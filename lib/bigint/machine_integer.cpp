@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // To machine integers, with overflow detection.
 #include <orlenta/integer.h>
 

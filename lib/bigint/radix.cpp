@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One algorithm for both directions. Chunks of a few digits are converted one by one; then, from level to level, two
 // neighbours become one by high * power + low, the power being that of the old base that the low one's digits span. All
 // multiplications of a level have operands of the same size, which suits Karatsuba's method.

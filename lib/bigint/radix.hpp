@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Between base 2^32, in which a number is kept, and base 10^9, in which it is written. Digits of either base stand least
 // significant first in 32 bits each.
 #pragma once

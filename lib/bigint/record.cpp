@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The record itself: life, size, setting.
 #include <orlenta/integer.h>
 #include <orlenta/memory.h>

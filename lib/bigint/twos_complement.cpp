@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Between sign and magnitude and two's complement limbs.
 #include <orlenta/integer.h>
 

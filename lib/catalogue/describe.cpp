@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a type is made of, as the public interface tells it.
 #include <orlenta/catalogue.h>
 #include <orlenta/type_info.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The walk over descriptor and value.
 #include "check/check.hpp"
 

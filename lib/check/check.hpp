@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts of one constraint check. Every test returns 0 for a pass or the negative result of
 // asn1_check_error.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values within values: those of open types, and those whose encoding a string contains.
 #include <orlenta/ber.h>
 #include <orlenta/oer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Short bit strings as machine integers.
 #include <orlenta/scalar.h>
 #include <stdio.h>

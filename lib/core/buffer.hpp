@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The byte buffer's inline part: what a writer does for every byte.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Code units of BMPString and UniversalString: native in memory, big-endian in an encoding.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The order of two values. It can't be refused: where the stack runs low, the levels of the walk wait in a list.
 #include <orlenta/memory.h>
 #include <orlenta/value.h>

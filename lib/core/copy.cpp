@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Deep copies.
 #include <orlenta/memory.h>
 #include <orlenta/value.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The memory that one decode may hold. A few octets of input can claim gigabytes of value, by list counts and by
 // elements that take no bits; so every decoder takes the blocks of a value here, and none elsewhere.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The readers of the descriptor format: nothing else in the library counts the words of a table.
 #pragma once
 

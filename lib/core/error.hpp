@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the codecs' error functions have in common.
 #pragma once
 

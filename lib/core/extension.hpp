@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Extension units: the positions of an extension bitmap. A lone addition is a unit, and so is a group.
 #pragma once
 

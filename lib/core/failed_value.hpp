@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a decoder does with the value that it has begun when the decode fails.
 #pragma once
 

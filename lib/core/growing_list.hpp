@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A SEQUENCE OF or SET OF that is being decoded. Its block grows as elements arrive, whatever count the encoding claims:
 // four octets may claim four billion elements. An element is zero-filled and counted before it is decoded, so that
 // asn1_free_value() finds it if that fails.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Big integers as contents octets: big-endian, in two's complement or without a sign.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The public records are a format that tables and applications are compiled against: every offset is fixed.
 #include <orlenta/error.h>
 #include <orlenta/integer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One element more or less in a SEQUENCE OF or SET OF.
 #include <orlenta/memory.h>
 #include <orlenta/value.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <orlenta/type_info.h>
 
 #include "core/descriptor.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Contents octets of OBJECT IDENTIFIER and RELATIVE-OID (X.690 clauses 8.19 and 8.20).
 #pragma once
 

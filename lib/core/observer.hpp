@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Who watches a decode. A decoder that has an observer tells it, when it has read something that has a name, what the
 // bits are from those told last up to there: so none is told twice and none left out, whatever decoders name.
 #pragma once

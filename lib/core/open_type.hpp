@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The keys of open types: which row of its object set a value selects.
 #pragma once
 

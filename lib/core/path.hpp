@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The type path of a walk: push before descending, pop after.
 #pragma once
 

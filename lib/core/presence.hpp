@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which components of a SEQUENCE or SET are there.
 #pragma once
 

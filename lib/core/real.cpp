@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // REAL contents octets (X.690 clauses 8.5 and 11.3), which all binary encodings share.
 #include <errno.h>
 #include <limits.h>

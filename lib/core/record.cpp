@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The record of a value: its size, and a new one.
 #include <orlenta/memory.h>
 #include <orlenta/value.h>

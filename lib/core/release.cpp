@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The release of a value. It cannot be refused: where the stack runs low, blocks wait in a list for their turn.
 #include <orlenta/memory.h>
 #include <orlenta/value.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Keeps a recursive walk off the end of its thread's stack: an input may nest deeper than the stack bears.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Operations that cannot be refused, on what a walk's guard leaves of the stack: they go on without recursion where
 // that is not enough.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which tags a value of a type can begin with. A tag word has the class in bits 20..19, the number in bits 18..0.
 #pragma once
 

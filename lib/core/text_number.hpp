@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Numbers as the decoders of text read them. The digits of a long one stay where they are in the input until a
 // value wants them, so that a run of digits where no number belongs costs no more than reading it.
 #pragma once

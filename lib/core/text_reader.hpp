@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the decoders of text (GSER, JER, XER) read alike: the input with its line, white space and identifiers,
 // lookup by name, the frame of a SEQUENCE, and the beginning and end of a decode.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the encoders of text (GSER, JER, XER) print alike. Nothing here reports a failed growth of the buffer:
 // finish_text() looks at the buffer's flag once, at the end.
 #pragma once

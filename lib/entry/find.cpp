@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "entry/find.hpp"
 
 #include "entry/index.hpp"

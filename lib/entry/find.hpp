@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The codecs that are compiled in, by their descriptors.
 #pragma once
 

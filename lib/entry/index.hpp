@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // From a descriptor to the codec that was compiled for it. orlentac writes an index for each region, and find.cpp reads
 // them.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Octet encoding rules: the program of a type that has one, and the walker for all others.
 #include <orlenta/oer.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Packed encoding rules: the program of a type that has one, and the walker for all others.
 #include <orlenta/per.h>
 

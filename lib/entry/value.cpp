@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Releasing a value: by the program of its type if that has one.
 #include <orlenta/value.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The observer of the binary decoders that hands on what they tell.
 #include <orlenta/explain.h>
 #include <orlenta/jer.h>

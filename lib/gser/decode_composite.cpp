@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SEQUENCE, SET, SEQUENCE OF, SET OF, CHOICE.
 #include "core/growing_list.hpp"
 #include "gser/decode.hpp"

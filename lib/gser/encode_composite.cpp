@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SEQUENCE, SET, SEQUENCE OF, SET OF, CHOICE.
 #include "core/presence.hpp"
 #include "gser/encode.hpp"

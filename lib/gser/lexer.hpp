@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // GSER tokens, one of look-ahead.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The decoder's walk over all kinds, and its entry point.
 #include "jer/decode.hpp"
 

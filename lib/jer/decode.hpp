@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The JSON decoder by subject. Each function takes the current token and all that belong to the value, and leaves the
 // token behind the value current. Results are 0, or -1 with the parser's error filled.
 #pragma once

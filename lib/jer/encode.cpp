@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The encoder's walk over all kinds, the kinds of one token, and the entry points.
 #include "jer/encode.hpp"
 

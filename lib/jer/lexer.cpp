@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "jer/lexer.hpp"
 
 #include "core/text_writer.hpp"

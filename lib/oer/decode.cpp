@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER decoding (X.696): the walk over descriptor and input.
 #include <orlenta/memory.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER decoding of lengths and numbers (X.696 clauses 8.6, 9 to 12).
 #include <orlenta/scalar.h>
 

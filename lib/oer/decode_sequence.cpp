@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER decoding of SEQUENCE, SET and their lists (X.696 clauses 16 to 19).
 #include "core/extension.hpp"
 #include "core/growing_list.hpp"

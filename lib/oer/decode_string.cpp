@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER decoding of strings (X.696 clauses 13, 14, 21, 22, 27).
 #include "core/code_units.hpp"
 #include "oer/decoder.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The OER decoder's context, and what its files call of each other. Results are 0, or negative with or without a
 // message.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER encoding (X.696): the walk over descriptor and value.
 #include "core/error.hpp"
 #include "core/tag.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER encoding of numbers (X.696 clauses 9 to 12).
 #include <orlenta/scalar.h>
 

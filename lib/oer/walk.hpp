@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The walkers of a whole message, for the entry points and for what stands between them and the walkers.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The widths of an INTEGER with bounds (X.696 clause 10), on which decoder and encoder agree.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The PER decoder's context and its bit reader. Results are 0, or -1 after a report.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bits that are being written: whole words of 64 in a buffer, and the rest in a register's width.
 #pragma once
 

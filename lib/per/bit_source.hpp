@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bits read by position: windows of 64 bits out of a row of octets. There is no state to refill, so that a read does not
 // wait for the one before it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "per/bit_writer.hpp"
 
 #include "core/error.hpp"

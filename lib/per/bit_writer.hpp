@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The PER encoder's context and its bit writer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The characters of a known-multiplier string type on the wire (X.691 clause 30.5), the same in both directions.
 #pragma once
 

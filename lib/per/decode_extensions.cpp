@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/extension.hpp"
 #include "core/path.hpp"
 #include "core/presence.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "per/decode_numbers.hpp"
 #include "per/decode_type.hpp"
 

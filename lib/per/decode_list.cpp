@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "core/growing_list.hpp"
 #include "core/path.hpp"
 #include "per/decode_items.hpp"

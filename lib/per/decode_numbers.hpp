@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole numbers and short lengths on the wire (X.691 clauses 11.3 to 11.9). Results are 0, or -1 after a report.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Open types (X.691 clause 11.2): an encoding of its own behind its length in octets. It is read as one, with bit
 // positions of its own; octets behind the value belong to a later version of the inner type and are ignored.
 #include "core/presence.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "per/decode_type.hpp"
 
 #include "core/path.hpp"

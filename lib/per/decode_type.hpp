@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The decoder's walker and its kinds. Values come zero-filled. Results are 0, or -1.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "per/encode_items.hpp"
 
 #include "per/encode_numbers.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Strings and lists: length determinants, fragments (X.691 clause 11.9), and the items behind them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Open types (X.691 clause 11.2): an encoding of its own, complete, behind its length in octets. It is built in a
 // buffer of its own, since the length goes first; positions in reports count from there.
 #include "per/encode_items.hpp"

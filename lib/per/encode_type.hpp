@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The encoder's walker and its kinds. Results are 0, or a failure that goes up unchanged.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the length and the contents of a string or list go, the same in both directions.
 #pragma once
 

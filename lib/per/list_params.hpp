@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the item writer and the item reader of a list work with.
 #pragma once
 

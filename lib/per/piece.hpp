@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One value inside of a message, for a codec that reads or writes on its own what is around it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Widths of whole numbers on the wire, the same in both directions.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 namespace orlenta::program {
 
 constexpr bool kIsAligned = true;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "program/arena.hpp"
 
 #include <orlenta/memory.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the blocks of values lie that are released together.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes a codec. A program is the builder's arrays, laid one behind the other in one block.
 #include "program/build.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The builder of programs. Descriptors are trusted; what can fail is memory, which is told at the end.
 #pragma once
 

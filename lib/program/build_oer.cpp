@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the builder makes of a type for OER (X.696).
 #include <orlenta/value.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <orlenta/value.h>
 
 #include "per/char_params.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A SEQUENCE or SET: its leaves gathered in groups, nested records taken apart where nothing in them is optional.
 #include "core/extension.hpp"
 #include "core/presence.hpp"

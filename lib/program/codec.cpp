@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The entry points: a program first, and the walker for all that it gives up and for every report.
 #include <orlenta/memory.h>
 #include <orlenta/per.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A codec: the programs of one type, one for each set of rules.
 #pragma once
 

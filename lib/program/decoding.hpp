@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What decoding by a program is, whatever the rules: the state, blocks, lists, open types. Nothing is recorded on the way:
 // a failure ends the run, and the walker finds the report.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The format of a program: what a walk over a descriptor would find out again with every message, worked out once. A
 // program is a number of constant arrays whose entries name each other by index, so that it is the same on every
 // machine and can stand in a constant table; nothing but `types` holds addresses.

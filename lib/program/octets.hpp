@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Words of whole octets, the first one on top.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER by a program.
 #include "program/oer_decode.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER by a program. The place to write at travels in a register: each function takes it and returns the next one, or
 // null. What is unusual ends the run, and the walker encodes the value or finds the report.
 #include "program/oer_encode.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PER by a program. The position travels in a register: each function takes it and returns the next one. Nothing is
 // recorded on the way: a failure ends the run, and the walker finds the report.
 //

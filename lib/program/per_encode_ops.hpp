@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PER by a program. What is unusual ends the run, and the walker encodes the value or finds the report.
 //
 // Whoever includes this has said by `kIsAligned` which of the two it is to be: one source, compiled twice.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Releasing a value by its program, which names only the components that may own blocks.
 #include <orlenta/memory.h>
 #include <orlenta/value.h>

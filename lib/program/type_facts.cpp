@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the builder asks of a type. A type is looked at once; one that holds itself counts, while it is being looked at,
 // as one of everything.
 #include "per/widths.hpp"

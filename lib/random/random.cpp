@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The walk over the descriptor that fills a value.
 #include "random/random.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The generator and the parts of a random value. The order of draws is fixed: it decides the values.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SEQUENCE and SET: which components appear.
 #include "random/random.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the smallest values of a type look like: which alternative ends soonest, and whether there is a value at all.
 #include "core/open_type.hpp"
 #include "random/random.hpp"

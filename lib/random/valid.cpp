@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Valid values: which components, alternatives and types of open types they have.
 #include <orlenta/memory.h>
 #include <orlenta/per.h>

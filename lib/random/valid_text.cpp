@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Character strings of valid values: what can be printed, if the alphabet has it.
 #include <orlenta/scalar.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The XML decoder by subject. Results are 0, or -1 with the parser's error filled.
 //
 // Each function reads the content of an element: the first token inside is current when it is called, the one

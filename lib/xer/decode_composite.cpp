@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SEQUENCE, SET, SEQUENCE OF, SET OF, CHOICE, open types.
 #include "core/growing_list.hpp"
 #include "xer/decode.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // INTEGER, BOOLEAN, ENUMERATED, REAL, OBJECT IDENTIFIER, RELATIVE-OID.
 #include <orlenta/scalar.h>
 #include <stdlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The encoder's walk over all kinds, the hook, and the entry points.
 #include "xer/encode.hpp"
 

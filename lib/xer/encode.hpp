@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The XML encoder by subject. Results are 0 or -1; the buffer's own failure shows at the end.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BIT STRING, OCTET STRING, character strings.
 #include "xer/encode.hpp"
 

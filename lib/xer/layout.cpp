@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the encoder breaks lines and indents: elements on lines of their own, text directly between its tags.
 #include "xer/encode.hpp"
 

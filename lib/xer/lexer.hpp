@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // XML tokens, one of look-ahead: start tags, end tags and character data.
 #pragma once
 

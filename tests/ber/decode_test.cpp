@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER decoding: the forms accepted, the forms refused, and input spoiled in every way.
 #include <orlenta/ber.h>
 

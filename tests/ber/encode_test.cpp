@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER encoding: its parameters, the writers, and values that can't be encoded. What DER makes of a value stands with
 // the forms of the decoder.
 #include <orlenta/ber.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BER nested without end: strings in strings and unknown elements take no stack.
 #include "tests/support/nesting.hpp"
 

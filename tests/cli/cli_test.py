@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The orlenta command: command line and standard input to standard output, standard error and exit status."""
 import os
 import select

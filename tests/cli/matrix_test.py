@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """orlenta convert from each set of encoding rules to each other one, for messages of all message sets."""
 import subprocess
 import sys

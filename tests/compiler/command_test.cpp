@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command orlentac: exit statuses, and files that are written whole or not at all.
 #include <gtest/gtest.h>
 #include <sys/wait.h>

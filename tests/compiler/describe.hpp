@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A type of the model as a line of text, so that tests can be tables.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The model that schemas make, and what is said of wrong ones.
 #include "compiler/frontend.hpp"
 

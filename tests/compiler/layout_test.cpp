@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The words of tables, and the sizes of records, from small modules.
 #include "compiler/layout/layout.hpp"
 

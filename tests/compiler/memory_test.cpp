@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tables in memory beside those that a C compiler made of the generated text: every word, every constant.
 #include <gtest/gtest.h>
 #include <orlenta/integer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // [Region.][Module.]Type: what users type, and what is told of a name that does not do.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encodings of what modules of written tags, clashing names and objects describe. That the header compiles holds every
 // record against its table.
 #include <gtest/gtest.h>

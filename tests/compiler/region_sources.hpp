@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The modules of a message set that comes with the library, in the order in which the build gives them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Schemas that are compiled while a program runs: names, messages, and values by their descriptors.
 #include <gtest/gtest.h>
 #include <orlenta/jer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A schema of the user's own, compiled as a user would: odd names, recursion, records and numbers at the edge. That
 // it compiles at all holds every record against its table.
 #include <gtest/gtest.h>

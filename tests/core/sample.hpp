@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A SEQUENCE with a component of every kind, its record, and a value of it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the bits of messages are told to be, where the vectors' messages have no such bits: unknown additions, fragments,
 // indefinite lengths, segments, and what decoders refuse.
 #include <orlenta/ber.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // GSER as the tests call it.
 #pragma once
 

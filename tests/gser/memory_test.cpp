@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/gser/gser_codec.hpp"
 #include "tests/support/text_memory.hpp"
 

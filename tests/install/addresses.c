@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /* Whether a table has one address: as this program sees it, in code and in constants, as other tables refer to it, and
  * as the programs of codecs do. */
 #include <orlenta/cn.h>

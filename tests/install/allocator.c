@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /* An allocator of the program in place of the library's: every block must come from it and go back to it. */
 #include <orlenta/cn.h>
 #include <orlenta/memory.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Checks of the built library from outside: headers, symbols, addresses, and the installed packages."""
 import argparse
 import os

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JER as the tests call it, and types that only it treats apart.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // REAL text under a locale whose decimal point is a comma: what the headers of the text codecs warn of.
 #include <gtest/gtest.h>
 #include <locale.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Compiles the locale de_DE.UTF-8 into the folder OUT, from the definitions of Debian's package locales.
 if(EXISTS ${OUT}/de_DE.UTF-8/LC_NUMERIC)
     return()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types and messages made to claim more memory than they are worth, and memory that runs out where it is not expected.
 #include <orlenta/ber.h>
 #include <orlenta/jer.h>

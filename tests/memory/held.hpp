@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How much memory a decode holds at the most, and how much it may.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every type that no other refers to, in every binary rule, cut at the lengths that a radio carries: lists that claim as
 // many elements as they can, and good beginnings with ends that go on for ever.
 #include <orlenta/per.h>

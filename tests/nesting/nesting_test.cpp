@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Recursive types nested without end: a decoder takes what its stack bears, and what it takes on a large stack can be
 // released and compared on a small one, and copied, checked and encoded or refused.
 #include "tests/support/nesting.hpp"

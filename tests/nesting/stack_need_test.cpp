@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The stack that each operation takes on values of the message sets, held against what docs/limits.md says.
 #include <orlenta/check.h>
 #include <orlenta/memory.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The ways round recursion, which compare and release take where the stack runs low, with and without the memory that
 // they need: the results are those of recursion.
 #include "core/stackless.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER encoding: values that can't be encoded, and values that the forms leave no room for.
 #include <orlenta/oer.h>
 

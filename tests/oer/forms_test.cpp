@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER: the forms read and written, the forms refused, and input spoiled in every way.
 #include <orlenta/oer.h>
 

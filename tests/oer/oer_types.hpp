@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types whose bounds decide their OER form.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Two worked examples of X.691 Annex A: the personnel record with extension markers (A.3), and the extensions of A.4.
 #include "tests/per/per_types.hpp"
 

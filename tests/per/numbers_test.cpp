@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BOOLEAN, ENUMERATED, REAL and INTEGER, of 32 bits and big.
 #include <limits>
 

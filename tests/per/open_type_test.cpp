@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Open types with table constraints, and the entry points that count in bits or fill the caller's record.
 #include "tests/per/per_types.hpp"
 

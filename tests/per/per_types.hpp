@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Descriptors by their ASN.1 shape, and the expectations that the PER tests share. Values are given in the text of
 // GSER, which knows nothing of bits.
 #pragma once

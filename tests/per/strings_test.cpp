@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Strings and lists: forms of length, alignment, fragments, alphabets.
 #include "per/decode_items.hpp"
 #include "tests/per/per_types.hpp"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SEQUENCE, SET, CHOICE, TAGGED, and what stands behind extension markers.
 #include "tests/per/per_types.hpp"
 

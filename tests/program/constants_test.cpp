@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programs that are compiled in: op for op those that are built at run time, for the types that the lists name. Linked
 // once with the programs of the shared library, which are one for all types, and once with those of the static one.
 #include <gtest/gtest.h>

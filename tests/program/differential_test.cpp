@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Programs beside the walker: the same results, reports, bytes, values and blocks, whatever comes in.
 #include <gtest/gtest.h>
 #include <orlenta/codec.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/program/image.hpp"
 
 #include "core/descriptor.hpp"

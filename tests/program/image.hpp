@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values as they lie in memory, for tests that link the failing allocator.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The generator over the message sets: a seed's value never changes, and ends whatever the type and the stack.
 #include <gtest/gtest.h>
 #include <orlenta/ber.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory runs out, over every table of every message set: each function tells so or does without, nothing is left
 // behind, and a value that came out with holes can be handed to every other function.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole messages: a long run through both forms of PER, as a roadside unit would see them, and those of the benchmark.
 #include "bench/messages.hpp"
 

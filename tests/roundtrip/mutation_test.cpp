@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Damaged encodings: a decoder gives a sound value or a clean error.
 #include <gtest/gtest.h>
 #include <orlenta/check.h>

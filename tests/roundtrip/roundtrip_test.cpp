@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every table of every message set, with random values, through every encoding rule and back.
 #include <gtest/gtest.h>
 #include <orlenta/check.h>

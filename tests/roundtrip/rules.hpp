@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The encoding rules that values are sent through and back. A codec joins by a line in rules.cpp.
 #pragma once
 

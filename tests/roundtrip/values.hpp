@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Random values for all tables of the message sets.
 #pragma once
 

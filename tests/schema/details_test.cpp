@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Details of the EU and US tables that no other set has: numbers of items, object sets, big bounds, additions.
 #include <gtest/gtest.h>
 #include <orlenta/eu.h>

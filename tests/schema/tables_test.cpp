@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The CN tables in the library, word for word where a layout is telling, and the counts of each region's tables.
 #include <fmt/format.h>
 #include <gtest/gtest.h>

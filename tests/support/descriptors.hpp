@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Descriptors written by hand, for what the message sets do not use: words are named as the format names them.
 #pragma once
 

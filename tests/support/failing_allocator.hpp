@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An allocator that fails on demand. Linking failing_allocator.cpp into a test program replaces asn1_malloc,
 // asn1_realloc and asn1_free for the whole library. Not for tests with threads.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Threads whose stack is small or large, and what is too deep for any.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of the codecs do alike: decode and encode as one call each, and inputs spoiled in every way.
 #pragma once
 

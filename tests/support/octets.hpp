@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encodings as text in tests: pairs of hex digits, with blanks wherever they help the reader.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types whose values nest without end: by a list, an indirect component, a CHOICE, an open type.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of the text syntaxes do alike: tables of texts and values, and the encoder's hook.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory tests of the text syntaxes: every allocation fails once, and texts are damaged in thousands of ways. There is
 // a clear outcome each time, and nothing is left behind. To be linked with failing_allocator.cpp.
 #pragma once

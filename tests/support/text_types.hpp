@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Types that the tests of the text syntaxes share, beyond the universal ones.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One type of every kind, under its universal tag, and what can be built of them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rows whose octets are not this library's, each with the reason.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OER and DER columns of the vector files: rows whose octets are others here, and the tags of named types.
 #pragma once
 

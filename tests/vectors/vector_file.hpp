@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rows of encodings made with an independent ASN.1 tool: one value in every transfer syntax.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every row of the vector files, both ways: what an independent tool encoded is decoded to the row's JSON, and the
 // row's JSON is encoded to the same octets. Explained, the octets are those of the row's values, each bit told once.
 #include <gtest/gtest.h>

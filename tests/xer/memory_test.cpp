@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "tests/support/text_memory.hpp"
 #include "tests/xer/xer_codec.hpp"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // XER as the tests call it, and types whose names or list items show in XML.
 #pragma once
 
