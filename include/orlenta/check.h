@@ -1,5 +1,6 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* The constraint checker: holds a value against the constraints that its descriptor carries.
+/** @file
+ * The constraint checker: holds a value against the constraints that its descriptor carries.
  *
  * Codecs do not enforce constraints by themselves to this degree: an application runs the check on a value
  * before it encodes it, or after it decoded it. Tested are size bounds, integer ranges, CHOICE selectors,
@@ -21,7 +22,7 @@
 extern "C" {
 #endif
 
-/* Checks the value record `value` of type `type` against the subtype constraints (X.680 clauses 49 to 51).
+/** Checks the value record `value` of type `type` against the subtype constraints (X.680 clauses 49 to 51).
  * Allocates nothing and changes nothing in the value; calls on different values may run in parallel.
  *
  * Returns 1 if the value passes. Returns 0 at the first violation, and then `error`, unless it is null,
@@ -29,7 +30,7 @@ extern "C" {
  * OBJECT_CLASS, which has no values, ends the process by abort(). */
 ORLENTA_API int asn1_check_constraints(const asn1_type_desc* type, const void* value, asn1_error* error);
 
-/* The same for the value and all that it holds; besides, an ENUMERATED index must be that of an item.
+/** The same for the value and all that it holds; besides, an ENUMERATED index must be that of an item.
  *
  * A typed value of an open type must be of the type that its key selects ("open type does not fit its key"; X.682
  * clause 10) and is checked itself; raw bytes pass. The octets of a string with a CONTAINING constraint (X.682

@@ -1,20 +1,23 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* GSER: values as text, by the generic string encoding rules (RFC 3641), laid out with line breaks and indentation.
+/** @file
+ * GSER: values as text, by the generic string encoding rules (RFC 3641), laid out with line breaks and indentation.
  *
  * How the kinds are written:
- *   SEQUENCE, SET          { name value, name value }; in the type's order when printed, in any order when read
- *   SEQUENCE OF, SET OF    { value, value }
- *   CHOICE                 alternative: value
- *   INTEGER                decimal number
- *   BOOLEAN, NULL          TRUE, FALSE, NULL
- *   ENUMERATED             the item's name
- *   REAL                   decimal number with an exponent (1.500000000000000000E00); 0, -0, PLUS-INFINITY,
- *                          MINUS-INFINITY, NOT-A-NUMBER
- *   BIT STRING             'ABC'H if the length in bits is a multiple of 4, else '101'B
- *   OCTET STRING           'AB01'H
- *   OBJECT IDENTIFIER      arcs, 1.2.840
- *   character strings      "text" in UTF-8, with quotation marks doubled and nothing else escaped
- *   open types             the actual type's form, with no wrapper; 'AB01'H if the type is unknown
+ *
+ *     SEQUENCE, SET          { name value, name value }; in the type's order when printed, in any order when read
+ *     SEQUENCE OF, SET OF    { value, value }
+ *     CHOICE                 alternative: value
+ *     INTEGER                decimal number
+ *     BOOLEAN, NULL          TRUE, FALSE, NULL
+ *     ENUMERATED             the item's name
+ *     REAL                   decimal number with an exponent (1.500000000000000000E00); 0, -0, PLUS-INFINITY,
+ *                            MINUS-INFINITY, NOT-A-NUMBER
+ *     BIT STRING             'ABC'H if the length in bits is a multiple of 4, else '101'B
+ *     OCTET STRING           'AB01'H
+ *     OBJECT IDENTIFIER      arcs, 1.2.840
+ *     character strings      "text" in UTF-8, with quotation marks doubled and nothing else escaped
+ *     open types             the actual type's form, with no wrapper; 'AB01'H if the type is unknown
+ *
  * Tags leave no trace. Contained types (CONTAINING) stay digits.
  *
  * Neither direction checks constraints; asn1_check_constraints (check.h) does.
@@ -37,25 +40,26 @@
 extern "C" {
 #endif
 
+/** How a value is printed. */
 typedef struct asn1_gser_encode_options {
-    void* hook_data;            /* handed to `hook` unchanged */
-    asn1_text_hook* hook;       /* prints values in the encoder's place; null: none */
-    int32_t indent;             /* level of indentation, two spaces each, at which printing starts */
-    int32_t binary_bit_strings; /* non-zero: BIT STRING is always printed in binary digits */
+    void* hook_data;            /**< handed to `hook` unchanged */
+    asn1_text_hook* hook;       /**< prints values in the encoder's place; null: none */
+    int32_t indent;             /**< level of indentation, two spaces each, at which printing starts */
+    int32_t binary_bit_strings; /**< non-zero: BIT STRING is always printed in binary digits */
 } asn1_gser_encode_options;
 
-/* Prints `value` as GSER text, ended by a line feed. `*out` receives the text, not NUL-terminated, to be released by
+/** Prints `value` as GSER text, ended by a line feed. `*out` receives the text, not NUL-terminated, to be released by
  * asn1_free. Returns its length in bytes, the line feed included; or a negative number, with a null `*out`, for a
  * selector or item index outside the type, contents octets of an object identifier that break off, a code unit above
  * 31 bits, or memory that was not to be had. An object identifier without contents octets prints nothing, and the
  * decoder does not take it back. */
 ORLENTA_API int64_t asn1_gser_encode(uint8_t** out, const asn1_type_desc* type, const void* value);
 
-/* The same by `options`, which must not be null. */
+/** The same by `options`, which must not be null. */
 ORLENTA_API int64_t asn1_gser_encode2(uint8_t** out, const asn1_type_desc* type, const void* value,
                                       const asn1_gser_encode_options* options);
 
-/* Reads a value of `type` from the `length` bytes of GSER text at `data`, which needs no terminator. `*out` receives
+/** Reads a value of `type` from the `length` bytes of GSER text at `data`, which needs no terminator. `*out` receives
  * the value, to be released by asn1_free_value. Returns `length`: what follows the value is not looked at, except that
  * the next token must be well formed. On failure -1, a null `*out`, and in `error`, if not null, a message with the
  * line; its path stays empty. Line breaks within a character string are not counted.

@@ -1,5 +1,6 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* OER: the Octet Encoding Rules (X.696), in their basic form.
+/** @file
+ * OER: the Octet Encoding Rules (X.696), in their basic form.
  *
  * Constraints decide widths and are not looked at otherwise: asn1_check_constraints() is a separate call. All
  * functions may run in any number of threads at once, on distinct values.
@@ -21,7 +22,7 @@
 extern "C" {
 #endif
 
-/* Decodes the value of `type` at the start of `data`, which holds `size` bytes. Returns the bytes consumed, with the
+/** Decodes the value of `type` at the start of `data`, which holds `size` bytes. Returns the bytes consumed, with the
  * new value in `*out`, to be released by asn1_free_value(); or -1 with `*out` null and, if `error` is not null, the
  * message and the bit position where reading stopped. A few failures, such as a length octet of 0x80 or 0xFF, have
  * an empty message. Bytes behind the value are no error; extension additions that `type` does not know are dropped;
@@ -30,13 +31,13 @@ extern "C" {
 ORLENTA_API int64_t asn1_oer_decode(void** out, const asn1_type_desc* type, const uint8_t* data,
                                     uint64_t size, asn1_error* error);
 
-/* Encodes `value`. Returns the length in bytes with the block in `*out`, to be released by asn1_free(). The encoding
+/** Encodes `value`. Returns the length in bytes with the block in `*out`, to be released by asn1_free(). The encoding
  * may be empty, as that of a NULL is: the result is 0 then, with `*out` null. On failure -1, `*out` null and, if
  * `error` is not null, the message. An INTEGER too large for the width that its bounds give is cut off. */
 ORLENTA_API int64_t asn1_oer_encode2(uint8_t** out, const asn1_type_desc* type, const void* value,
                                      asn1_error* error);
 
-/* The same without a report. */
+/** The same without a report. */
 ORLENTA_API int64_t asn1_oer_encode(uint8_t** out, const asn1_type_desc* type, const void* value);
 
 #ifdef __cplusplus

@@ -1,5 +1,6 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* Random values of any type, for tests: the same seed and descriptor give the same value on every machine. */
+/** @file
+ * Random values of any type, for tests: the same seed and descriptor give the same value on every machine. */
 #ifndef ORLENTA_RANDOM_H
 #define ORLENTA_RANDOM_H
 
@@ -9,7 +10,7 @@
 extern "C" {
 #endif
 
-/* A new value of type `type`, made from `seed`; the caller releases it by asn1_free_value (value.h).
+/** A new value of type `type`, made from `seed`; the caller releases it by asn1_free_value (value.h).
  *
  * The values reach into corners: extreme integers, NaN and infinities, extension additions, sizes outside an
  * extensible constraint. They are well formed in memory, but need not satisfy every constraint. An open type
@@ -27,7 +28,7 @@ extern "C" {
  * descriptor whose alphabet is empty ends the process by abort(). */
 ORLENTA_API void* asn1_random(const asn1_type_desc* type, uint32_t seed);
 
-/* A new value of moderate size that satisfies every constraint known from the descriptor (orlenta_check passes it) and
+/** A new value of moderate size that satisfies every constraint known from the descriptor (orlenta_check passes it) and
  * comes back the same from all encoding rules; the caller releases it by asn1_free_value (value.h).
  *
  * Sizes and numbers are within the root of extensible constraints, characters printable where the alphabet has such,

@@ -1,5 +1,6 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* What the text encoders (GSER, JER, XER) have in common. */
+/** @file
+ * What the text encoders (GSER, JER, XER) have in common. */
 #ifndef ORLENTA_TEXT_H
 #define ORLENTA_TEXT_H
 
@@ -9,7 +10,7 @@
 extern "C" {
 #endif
 
-/* Prints a value in the encoder's place. It is called for every value of a walk before the encoder prints it: the
+/** Prints a value in the encoder's place. It is called for every value of a walk before the encoder prints it: the
  * outermost value, each component, each list element, each alternative, and once more behind each tag.
  *
  * `hook_data` is the pointer given in the options, `type` and `value` are those of the value in hand, `depth` is the
