@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# What `cmake --install` puts where: headers, libraries, tools, the CMake package and the pkg-config file.
+# What `cmake --install` puts where: headers, libraries, tools, the manual, the CMake package and the pkg-config file.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS orlenta orlenta_static EXPORT orlentaTargets
@@ -18,9 +18,12 @@ foreach(header core/descriptor.hpp entry/index.hpp per/bit_source.hpp program/co
 endforeach()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orlenta)
-# A compiler that runs on the build machine alone is of no use where the library goes.
+# The tools are a component of their own: a system may have the library and no tools. A compiler that runs on the build
+# machine alone is of no use where the library goes.
 if(TARGET orlentac AND NOT ORLENTA_HOST_ORLENTAC)
-    install(TARGETS orlentac orlenta_schema orlenta_schema_static EXPORT orlentaTargets
+    install(TARGETS orlentac EXPORT orlentaCompilerTargets)
+    install(EXPORT orlentaCompilerTargets NAMESPACE orlenta:: DESTINATION ${package_dir})
+    install(TARGETS orlenta_schema orlenta_schema_static EXPORT orlentaTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
 install(EXPORT orlentaTargets NAMESPACE orlenta:: DESTINATION ${package_dir})
@@ -37,3 +40,18 @@ endif()
 file(RELATIVE_PATH prefix_from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${CMAKE_CURRENT_LIST_DIR}/orlenta.pc.in ${PROJECT_BINARY_DIR}/orlenta.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orlenta.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The manual's pages as they are, and what they show.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/NOTICE
+    DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/docs/liborlenta.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3)
+
+# `cpack` in the build's folder makes a tarball of all this.
+set(CPACK_GENERATOR TXZ)
+set(CPACK_PACKAGE_VENDOR "the orlenta authors")
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_STRIP_FILES ON)
+include(CPack)

@@ -72,14 +72,16 @@ def library(args):
 
 
 def check_exports(args):
-    """The shared library defines what the headers declare and nothing else, needs libc and libm alone, and has no
-    code that runs at load time."""
-    lines = run("nm", "-D", "--defined-only", library(args)).splitlines()
-    exported = {line.split()[-1] for line in lines}
+    """The shared library defines what the headers declare and nothing else, under one version, needs libc and libm
+    alone, and has no code that runs at load time."""
+    lines = run("nm", "-D", "--defined-only", "--with-symbol-versions", library(args)).splitlines()
+    names = [line.split()[-1].split("@@") for line in lines if line.split()[-2] != "A"]
+    expect({version for _, *version in map(tuple, names) for version in version} == {"ORLENTA_1"}, "versions")
+    exported = {name for name, *_ in names}
     declared = declared_names(args)
     expect(exported == declared, f"not declared: {sorted(exported - declared)[:20]}\n"
                                  f"not exported: {sorted(declared - exported)[:20]}")
-    weak = {line.split()[-1] for line in lines if line.split()[-2] in "WVwv"}
+    weak = {line.split()[-1].split("@@")[0] for line in lines if line.split()[-2] in "WVwv"}
     expect(weak == {"asn1_malloc", "asn1_realloc", "asn1_free"}, f"weak: {sorted(weak)}")
 
     dynamic = run("readelf", "-dW", library(args))
@@ -117,7 +119,8 @@ EXAMPLE_OUTPUT = "10 bytes: lat 399087000, lon 1163975000, elevation 435\n"
 
 
 def check_packages(args):
-    """An installed tree, moved elsewhere, serves programs in C and C++ through CMake and through pkg-config."""
+    """An installed tree, moved elsewhere, serves programs in C and C++ through CMake and through pkg-config, and has
+    the manual."""
     with tempfile.TemporaryDirectory() as folder:
         folder = Path(folder)
         run("cmake", "--install", args.build, "--prefix", folder / "first")
@@ -131,7 +134,9 @@ def check_packages(args):
 
         (folder / "c_only").mkdir()
         (folder / "c_only" / "CMakeLists.txt").write_text(
-            "cmake_minimum_required(VERSION 3.16)\nproject(c_only LANGUAGES C)\nfind_package(orlenta REQUIRED)\n"
+            "cmake_minimum_required(VERSION 3.16)\nproject(c_only LANGUAGES C)\n"
+            "find_package(orlenta QUIET COMPONENTS CN MARS)\nif(orlenta_FOUND)\n  message(FATAL_ERROR MARS)\nendif()\n"
+            "find_package(orlenta REQUIRED COMPONENTS CN schema compiler)\n"
             f"add_executable(position {args.source}/examples/position.c)\n"
             "target_link_libraries(position PRIVATE orlenta::orlenta_static)\n")
         run("cmake", "-G", "Ninja", "-S", folder / "c_only", "-B", folder / "c_only" / "build",
@@ -151,7 +156,37 @@ def check_packages(args):
 
         version = run(prefix / "bin" / "orlenta", "--version").split()[-1]
         expect(run("pkg-config", "--modversion", "orlenta", env=environment).strip() == version, "versions differ")
-        expect((prefix / "bin" / "orlentac").exists(), "orlentac is not installed")
+        expect("Apache-2.0" in found.read_text(), "no licence in the .pc file")
+        share = prefix / "share"
+        for file in ("man/man1/orlenta.1", "man/man1/orlentac.1", "man/man3/liborlenta.3", "doc/orlenta/linking.md"):
+            expect((share / file).exists(), f"{file} is not installed")
+
+
+def check_reproducible(args):
+    """What is installed names no folder of the build, and a schema's library and program, built in two folders with no
+    compiler cache between, are the same to the bit."""
+    with tempfile.TemporaryDirectory() as folder:
+        folder = Path(folder)
+        run("cmake", "--install", args.build, "--prefix", folder / "prefix")
+        places = [str(args.build).encode(), str(args.source).encode()]
+        for file in (file for file in (folder / "prefix").rglob("*") if file.is_file()):
+            content = file.read_bytes()
+            expect(not any(place in content for place in places), f"{file.name} names the folder of the build")
+
+        made = []
+        for place in ("a", "another/place"):
+            source = folder / place / "source"
+            source.mkdir(parents=True)
+            (source / "Sensors.asn1").write_text(OWN_MODULE)
+            (source / "app.c").write_text(SCHEMA_PROGRAM)
+            (source / "CMakeLists.txt").write_text(SCHEMA_PROJECT)
+            build = folder / place / "build"
+            run("cmake", "-G", "Ninja", "-S", source, "-B", build, f"-DCMAKE_PREFIX_PATH={folder / 'prefix'}",
+                f"-DCMAKE_C_COMPILER={args.cc}", f"-DCMAKE_CXX_COMPILER={args.cxx}", "-DCMAKE_BUILD_TYPE=Release",
+                "-DCMAKE_C_COMPILER_LAUNCHER=", "-DCMAKE_CXX_COMPILER_LAUNCHER=")
+            run("cmake", "--build", build)
+            made.append([(build / name).read_bytes() for name in ("libsensors.a", "app")])
+        expect(made[0] == made[1], "two builds differ")
 
 
 OWN_MODULE = """
@@ -185,6 +220,21 @@ int main(void) {
     asn1_free(bytes);
     return 0;
 }
+"""
+
+
+SCHEMA_PROJECT = """
+cmake_minimum_required(VERSION 3.25)
+project(reproducible LANGUAGES C CXX)
+find_package(orlenta REQUIRED)
+orlenta_add_schema(sensors REGION MY FILES Sensors.asn1)
+add_executable(app app.c)
+target_link_libraries(app PRIVATE sensors orlenta::orlenta_static)
+"""
+SCHEMA_PROGRAM = """
+#include <my.h>
+#include <orlenta/value.h>
+int main(void) { return asn1_get_size(asn1_type_MY_Reading) < 0; }
 """
 
 
