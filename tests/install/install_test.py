@@ -282,6 +282,41 @@ def check_readme(args):
         expect(textwrap.indent(code, "    ") in example, f"not in examples/position.{kind}:\n{code}")
 
 
+def sessions(page):
+    """(command, lines of its output) of a page's console blocks."""
+    for block in re.findall(r"```console\n(.*?)```", page.read_text(), re.S):
+        for command, output in re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", block, re.M):
+            yield command, [" ".join(line.split()) for line in output.splitlines()]
+
+
+def matches(shown, lines):
+    """Whether the lines are those shown, in which "..." stands for any number of them."""
+    if not shown:
+        return not lines
+    if shown[0] == "...":
+        return any(matches(shown[1:], lines[i:]) for i in range(len(lines) + 1))
+    return bool(lines) and shown[0] == lines[0] and matches(shown[1:], lines[1:])
+
+
+def check_manual(args):
+    """The sessions that the installed manual shows go as shown, in its own folder."""
+    with tempfile.TemporaryDirectory() as folder:
+        prefix = Path(folder)
+        run("cmake", "--install", args.build, "--prefix", prefix)
+        libdir = next(prefix.glob("lib*/**/pkgconfig")).parent
+        environment = dict(os.environ, PATH=f"{prefix}/bin:{os.environ['PATH']}", LD_LIBRARY_PATH=str(libdir),
+                           PKG_CONFIG_PATH=f"{libdir}/pkgconfig")
+        commands = 0
+        for page in sorted((prefix / "share/doc/orlenta").glob("*.md")):
+            for command, shown in sessions(page):
+                result = subprocess.run(["bash", "-c", command], cwd=page.parent, env=environment, text=True,
+                                        stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+                lines = [" ".join(line.split()) for line in result.stdout.splitlines()]
+                expect(matches(shown, lines), f"{page.name}: $ {command}\n{result.stdout}")
+                commands += 1
+        expect(commands >= 9, f"only {commands} commands")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("check")
