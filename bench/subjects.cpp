@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bench/subjects.hpp"
 
+#include <orlenta/catalogue.h>
 #include <orlenta/jer.h>
 
 #include <cstdio>
 #include <cstdlib>
 
-#include "cli/registry.hpp"
 #include "core/descriptor.hpp"
 
 namespace bench {
@@ -57,19 +57,26 @@ static size_t count_leaves(const asn1_type_desc* type, const void* value) {
     }
 }
 
-static const asn1_type_desc* find_type(const cli::Region& region, const Message& message) {
-    std::string problem;
-    cli::Type found = cli::find_type(region.name + ("." + message.type), &problem);
-    if (!found.entry) std::fprintf(stderr, "%s: %s\n", message.name.c_str(), problem.c_str());
-    return found.entry ? found.entry->type : nullptr;
+static bool is_built(const std::string& region) {
+    for (size_t i = 0; const char* name = orlenta_catalogue_region(orlenta_catalogue_builtin(), i); ++i)
+        if (region == name) return true;
+    return false;
+}
+
+static const asn1_type_desc* find_type(const Message& message) {
+    orlenta_type_entry entry;
+    std::string name = message.region + "." + message.type;
+    if (orlenta_catalogue_find(orlenta_catalogue_builtin(), name.c_str(), &entry, nullptr) == 0)
+        return entry.type;
+    std::fprintf(stderr, "%s: no type is named %s\n", message.name.c_str(), name.c_str());
+    return nullptr;
 }
 
 std::vector<Subject> load_subjects() {
     std::vector<Subject> subjects;
     for (const Message& message : load_messages(ORLENTA_BENCH_MESSAGES)) {
-        const cli::Region* region = cli::find_region(message.region);
-        if (!region) continue;
-        const asn1_type_desc* type = find_type(*region, message);
+        if (!is_built(message.region)) continue;
+        const asn1_type_desc* type = find_type(message);
         void* value = nullptr;
         asn1_error error = {};
         if (!type || asn1_jer_decode(&value, type, reinterpret_cast<const uint8_t*>(message.json.data()),

@@ -58,11 +58,7 @@ struct RandomOptions {
 };
 int run_random(const RandomOptions& options);
 
-struct TypesOptions {
-    std::string pattern;
-    bool all = false;
-};
-int run_types(const TypesOptions& options);
+int run_types(const std::string& pattern);
 
 struct ShowOptions {
     std::string type;

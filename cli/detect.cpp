@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "cli/registry.hpp"
 #include "cli/text_bytes.hpp"
+#include "cli/type_names.hpp"
 #include "core/descriptor.hpp"
 
 namespace cli {
@@ -36,8 +36,8 @@ static int64_t message_id(Component header) {
 
 void Detector::add(const std::string& region, const char* name, std::vector<uint32_t> ids) {
     std::string full = fmt::format("{}.{}", region, name), problem;
-    Type type = find_type(full, &problem);
-    if (type.entry) candidates_.push_back({coded(type.entry->type, std::move(full)), std::move(ids)});
+    const orlenta_type_entry* entry = find_type(full, &problem);
+    if (entry) candidates_.push_back({coded(entry->type, std::move(full)), std::move(ids)});
 }
 
 Detector::Detector(const std::string& region) {
@@ -57,8 +57,8 @@ Detector::Detector(const std::string& region) {
     add("EU", "VAM", {14, 16});
     add("EU", "CPM", {14});
     std::string problem;
-    Type header = find_type("EU.ItsPduHeader", &problem);
-    if (header.entry) header_ = coded(header.entry->type, "EU.ItsPduHeader");
+    const orlenta_type_entry* header = find_type("EU.ItsPduHeader", &problem);
+    if (header) header_ = coded(header->type, "EU.ItsPduHeader");
 }
 
 // ---- detection --------------------------------------------------------------------------------------------

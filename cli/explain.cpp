@@ -12,7 +12,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/diary.hpp"
-#include "cli/registry.hpp"
+#include "cli/type_names.hpp"
 #include "core/descriptor.hpp"
 
 namespace cli {
@@ -222,14 +222,13 @@ static bool read_message(const ExplainOptions& options, std::string* file, std::
 
 int run_explain(const ExplainOptions& options) {
     std::string unknown, file, message;
-    Type type = find_type(options.type, &unknown);
-    if (!type.entry) {
+    const orlenta_type_entry* entry = find_type(options.type, &unknown);
+    if (!entry) {
         report(unknown);
         return kBadUsage;
     }
     Problem problem;
-    if (read_message(options, &file, &message, &problem))
-        problem = explain(options, type.entry->type, message);
+    if (read_message(options, &file, &message, &problem)) problem = explain(options, entry->type, message);
     if (!problem) return kDone;
     fflush(stdout);
     report(fmt::format("{}: {}", place_of({file, Framing::whole, 0}, problem), sentence(problem)));

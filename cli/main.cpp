@@ -37,7 +37,7 @@ struct Arguments {
     ConvertOptions convert, check;
     ExplainOptions explain;
     RandomOptions random;
-    TypesOptions types;
+    std::string pattern;
     ShowOptions show;
     std::string region, topic, shell;
     std::vector<std::string> schema;
@@ -173,8 +173,7 @@ static void add_random(CLI::App* app, Arguments* arguments) {
 
 static void add_catalogue_commands(CLI::App* app, Arguments* arguments) {
     CLI::App* types = app->add_subcommand("types", "List types: kind, bounds, size of the value record");
-    types->add_option("PATTERN", arguments->types.pattern, "Part of the name, or a pattern with * and ?");
-    types->add_flag("--all", arguments->types.all, "Anonymous types too");
+    types->add_option("PATTERN", arguments->pattern, "Part of the name, or a pattern with * and ?");
 
     CLI::App* show = app->add_subcommand("show", "Print a type in ASN.1 notation, as its table has it");
     show->add_option("TYPE", arguments->show.type, "The type, as CN.BasicSafetyMessage")->required();
@@ -300,7 +299,7 @@ static int run_command(const CLI::App& app, Arguments* arguments) {
     if (app.got_subcommand("check")) return run_check_command(arguments);
     if (app.got_subcommand("explain")) return run_explain_command(arguments);
     if (app.got_subcommand("random")) return run_random_command(arguments);
-    if (app.got_subcommand("types")) return run_types(arguments->types);
+    if (app.got_subcommand("types")) return run_types(arguments->pattern);
     if (app.got_subcommand("help")) return run_help(app, arguments->topic);
     if (app.got_subcommand("roots")) {
         require(!arguments->region.empty() || !arguments->schema.empty(), "REGION is required");
@@ -320,7 +319,7 @@ static int refuse_usage(const CLI::App& app, const CLI::ParseError& error) {
         {"check", "check --type TYPE --from RULES [OPTION...] [FILE...]"},
         {"explain", "explain --type TYPE --from RULES [OPTION...] [FILE]"},
         {"random", "random --type TYPE --to RULES [OPTION...]"},
-        {"types", "types [--all] [PATTERN]"},
+        {"types", "types [PATTERN]"},
         {"show", "show [--depth N | --recursive] TYPE"},
         {"roots", "roots REGION"},
         {"help", "help [COMMAND | rules]"},

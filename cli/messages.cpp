@@ -11,7 +11,7 @@
 #include "cli/diary.hpp"
 #include "cli/output.hpp"
 #include "cli/pipeline.hpp"
-#include "cli/registry.hpp"
+#include "cli/type_names.hpp"
 
 namespace cli {
 
@@ -21,12 +21,12 @@ void report(const std::string& text) { fmt::print(stderr, "orlenta: {}\n", text)
 
 static bool choose_type(const std::string& name, CodedType* type) {
     std::string problem;
-    Type found = find_type(name, &problem);
-    if (!found.entry) {
+    const orlenta_type_entry* found = find_type(name, &problem);
+    if (!found) {
         report(problem);
         return false;
     }
-    *type = coded(found.entry->type, full_name(*found.region, *found.entry));
+    *type = coded(found->type, full_name(*found));
     return true;
 }
 

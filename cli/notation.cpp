@@ -106,7 +106,7 @@ static std::string margin(int level) { return std::string(static_cast<size_t>(le
 static std::string body_text(const asn1_type_desc* type, int level);
 
 static std::string type_text(const asn1_type_desc* type, int level) {
-    const Entry* entry = entry_of(type);
+    const orlenta_type_entry* entry = entry_of(type);
     return entry && is_named(*entry) ? entry->name : body_text(type, level);
 }
 
@@ -298,7 +298,7 @@ static std::string body_text(const asn1_type_desc* type, int level) {
     }
 }
 
-std::string definition_text(const Entry& entry) {
+std::string definition_text(const orlenta_type_entry& entry) {
     return fmt::format("{} ::= {}\n", is_named(entry) ? entry.name : entry.table, body_text(entry.type, 0));
 }
 
@@ -310,7 +310,7 @@ static std::string counted(const char* word, uint32_t count, const char* part, b
 
 static std::string list_summary(const char* word, const asn1_type_desc* type) {
     list_layout list = list_of(type);
-    const Entry* element = entry_of(untagged(list.element));
+    const orlenta_type_entry* element = entry_of(untagged(list.element));
     std::string size = size_text(list.has_upper, list.lower, list.upper, is_extensible(type));
     return fmt::format("{} OF {}", with_size(word, size),
                        element && is_named(*element) ? element->name : summary_text(list.element));

@@ -6,12 +6,12 @@
 
 #include <string>
 
-#include "cli/registry.hpp"
+#include "cli/type_names.hpp"
 
 namespace cli {
 
 // "Name ::= TYPE" with types in place spelled out, and a line feed at the end.
-std::string definition_text(const Entry& entry);
+std::string definition_text(const orlenta_type_entry& entry);
 
 // On one line: the kind with bounds, or with the number of its parts.
 std::string summary_text(const asn1_type_desc* type);

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "cli/commands.hpp"
-#include "cli/registry.hpp"
+#include "cli/type_names.hpp"
 
 namespace cli {
 
@@ -15,12 +15,6 @@ namespace {
 
 struct ReleaseSchema {
     void operator()(orlenta_schema* schema) const { orlenta_schema_free(schema); }
-};
-
-// What the types of the run live in.
-struct UserSchema {
-    std::unique_ptr<orlenta_schema, ReleaseSchema> schema;
-    std::vector<Entry> entries;
 };
 
 }  // namespace
@@ -36,26 +30,21 @@ static void report_errors(const orlenta_schema* schema) {
 }
 
 bool use_schema(const std::vector<std::string>& files, const std::string& region) {
-    static UserSchema user;
+    static std::unique_ptr<orlenta_schema, ReleaseSchema> schema;  // what the types of the run live in
     std::vector<const char*> paths;
     for (const std::string& file : files) paths.push_back(file.c_str());
     orlenta_schema_options options = {region.c_str(), 0};
-    user.schema.reset(orlenta_schema_compile_files(paths.data(), paths.size(), &options));
-    if (!user.schema) {
+    schema.reset(orlenta_schema_compile_files(paths.data(), paths.size(), &options));
+    if (!schema) {
         report("not enough memory");
         return false;
     }
-    const orlenta_catalogue* catalogue = orlenta_schema_catalogue(user.schema.get());
+    const orlenta_catalogue* catalogue = orlenta_schema_catalogue(schema.get());
     if (!catalogue) {
-        report_errors(user.schema.get());
+        report_errors(schema.get());
         return false;
     }
-    for (size_t i = 0; i < orlenta_catalogue_count(catalogue); ++i) {
-        const orlenta_type_entry* entry = orlenta_catalogue_get(catalogue, i);
-        user.entries.push_back({entry->table, entry->name, entry->type, entry->module});
-    }
-    static const std::string name = region;
-    replace_regions({name.c_str(), user.entries});
+    use_catalogue(catalogue);
     return true;
 }
 

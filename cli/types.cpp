@@ -2,7 +2,6 @@
 // types, show, roots: the commands that tell what types there are.
 #include <fmt/format.h>
 #include <fnmatch.h>
-#include <orlenta/value.h>
 
 #include <algorithm>
 #include <cctype>
@@ -11,8 +10,7 @@
 #include "cli/commands.hpp"
 #include "cli/notation.hpp"
 #include "cli/references.hpp"
-#include "cli/registry.hpp"
-#include "core/descriptor.hpp"
+#include "cli/type_names.hpp"
 
 namespace cli {
 
@@ -22,39 +20,39 @@ static bool matches(const std::string& pattern, const std::string& name) {
     return fnmatch((glob ? pattern : "*" + pattern + "*").c_str(), name.c_str(), FNM_CASEFOLD) == 0;
 }
 
-int run_types(const TypesOptions& options) {
+int run_types(const std::string& pattern) {
     struct Row {
         std::string name, summary;
-        int64_t size;
+        uint64_t size;
     };
     std::vector<Row> rows;
     size_t name_width = 0, summary_width = 0;
-    for (const Region& region : all_regions())
-        for (const Entry& entry : region.entries) {
-            std::string name = full_name(region, entry);
-            if ((!options.all && !is_listed(entry)) || !matches(options.pattern, name)) continue;
-            bool has_values = orlenta::kind_of(entry.type) != ASN1_KIND_OBJECT_CLASS;
-            rows.push_back({name, summary_text(entry.type), has_values ? asn1_get_size(entry.type) : -1});
-            name_width = std::max(name_width, name.size());
-            summary_width = std::max(summary_width, std::min<size_t>(rows.back().summary.size(), 60));
-        }
+    for (const orlenta_type_entry& entry : all_types()) {
+        std::string name = full_name(entry);
+        if (!matches(pattern, name)) continue;
+        orlenta_type_facts facts;
+        orlenta_type_describe(entry.type, &facts);
+        rows.push_back({name, summary_text(entry.type), facts.record_size});
+        name_width = std::max(name_width, name.size());
+        summary_width = std::max(summary_width, std::min<size_t>(rows.back().summary.size(), 60));
+    }
     for (const Row& row : rows) {
         fmt::print("{:<{}}  {}", row.name, name_width, row.summary);
-        if (row.size >= 0) {
+        if (row.size > 0) {
             size_t gap = summary_width - std::min(summary_width, row.summary.size());
             fmt::print("{:{}}  {} byte{}", "", gap, row.size, row.size == 1 ? "" : "s");
         }
         fmt::print("\n");
     }
     if (!rows.empty()) return kDone;
-    report(fmt::format("no type matches {}", options.pattern));
+    report(fmt::format("no type matches {}", pattern));
     return kBadInput;
 }
 
 // The named types that a definition mentions: directly, or in the types in place inside it.
-static void collect_mentioned(const asn1_type_desc* type, std::vector<const Entry*>* mentioned) {
+static void collect_mentioned(const asn1_type_desc* type, std::vector<const orlenta_type_entry*>* mentioned) {
     for (const asn1_type_desc* referred : referred_types(type)) {
-        const Entry* entry = entry_of(referred);
+        const orlenta_type_entry* entry = entry_of(referred);
         if (entry && is_named(*entry))
             mentioned->push_back(entry);
         else
@@ -64,21 +62,21 @@ static void collect_mentioned(const asn1_type_desc* type, std::vector<const Entr
 
 int run_show(const ShowOptions& options) {
     std::string problem;
-    Type root = find_type(options.type, &problem);
-    if (!root.entry) {
+    const orlenta_type_entry* root = find_type(options.type, &problem);
+    if (!root) {
         report(problem);
         return kBadUsage;
     }
-    std::vector<const Entry*> level = {root.entry};
-    std::unordered_set<const Entry*> seen = {root.entry};
+    std::vector<const orlenta_type_entry*> level = {root};
+    std::unordered_set<const orlenta_type_entry*> seen = {root};
     for (unsigned depth = 0; !level.empty(); ++depth) {
-        std::vector<const Entry*> next;
-        for (const Entry* entry : level) {
-            fmt::print("{}{}", entry == root.entry ? "" : "\n", definition_text(*entry));
+        std::vector<const orlenta_type_entry*> next;
+        for (const orlenta_type_entry* entry : level) {
+            fmt::print("{}{}", entry == root ? "" : "\n", definition_text(*entry));
             if (depth >= options.depth) continue;
-            std::vector<const Entry*> mentioned;
+            std::vector<const orlenta_type_entry*> mentioned;
             collect_mentioned(entry->type, &mentioned);
-            for (const Entry* each : mentioned)
+            for (const orlenta_type_entry* each : mentioned)
                 if (seen.insert(each).second) next.push_back(each);
         }
         level = std::move(next);
@@ -86,21 +84,20 @@ int run_show(const ShowOptions& options) {
     return kDone;
 }
 
-int run_roots(const std::string& name) {
-    const Region* region = find_region(name);
-    if (!region) {
-        std::string names;
-        for (const Region& each : all_regions())
-            names += fmt::format("{}{}", names.empty() ? "" : ", ", each.name);
-        report(fmt::format("no region is named {}; there are: {}", name, names));
+int run_roots(const std::string& region) {
+    std::string names;
+    bool is_known = false;
+    for (size_t i = 0; i < orlenta_catalogue_region_count(used_catalogue()); ++i) {
+        const char* each = orlenta_catalogue_region(used_catalogue(), i);
+        names += fmt::format("{}{}", names.empty() ? "" : ", ", each);
+        is_known |= region == each;
+    }
+    if (!is_known) {
+        report(fmt::format("no region is named {}; there are: {}", region, names));
         return kBadUsage;
     }
-    std::unordered_set<const asn1_type_desc*> referred;
-    for (const Entry& entry : region->entries)
-        for (const asn1_type_desc* type : referred_types(entry.type))
-            if (type != entry.type) referred.insert(type);
-    for (const Entry& entry : region->entries)
-        if (is_listed(entry) && !referred.contains(entry.type)) fmt::print("{}\n", full_name(*region, entry));
+    for (const orlenta_type_entry& entry : all_types())
+        if (entry.is_root && region == entry.region) fmt::print("{}\n", full_name(entry));
     return kDone;
 }
 

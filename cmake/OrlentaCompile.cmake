@@ -15,6 +15,8 @@
 #     #include <my.h>         /* asn1_MY_SomeType, asn1_type_MY_SomeType */
 #     #include <my_local.h>   /* asn1_type_MY__local_1: the tables in place, which few programs name */
 #
+# orlenta_catalogue_MY() finds the types by name.
+#
 #   NAMES        module gives every type its module's name, so that a module added later renames nothing
 #   HEADER       how the header is included; <region in lower case>.h if not given
 #   INCLUDE_DIR  folder that the header goes to, under its name; one of the build tree if not given
@@ -114,7 +116,7 @@ function(orlenta_add_schema target)
         list(APPEND modules ${file})
     endforeach()
     list(REMOVE_DUPLICATES modules)
-    set(sources ${folder}/${region}_records.cpp)
+    set(sources ${folder}/${region}_records.cpp ${folder}/${region}_catalogue.cpp)
     foreach(part RANGE 1 ${parts})
         list(APPEND sources ${folder}/${region}_tables_${part}.cpp)
     endforeach()
@@ -149,7 +151,7 @@ function(orlenta_add_schema target)
     add_custom_command(OUTPUT ${stamp}
         BYPRODUCTS ${sources} ${program_sources} ${headers}
         COMMAND ${orlentac} --region ${arg_REGION} --tables-dir ${folder} --header ${include_dir}/${header}
-            --include-name ${header} --parts ${parts} --first-local ${first_local} --names ${names}
+            --include-name ${header} --list ${folder}/${region}_catalogue.cpp --parts ${parts} --first-local ${first_local} --names ${names}
             ${options} ${modules}
         COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
         DEPENDS ${modules} ${arg_PROGRAM_LIST} ${depends}
@@ -173,7 +175,8 @@ function(orlenta_add_schema target)
             $<TARGET_PROPERTY:orlenta::orlenta,INTERFACE_INCLUDE_DIRECTORIES>)
     endif()
     add_dependencies(${target} ${target}_sources)
-    target_include_directories(${target} PUBLIC ${include_dir})
+    orlenta_find_internals(internals)
+    target_include_directories(${target} PUBLIC ${include_dir} PRIVATE ${internals})
     orlenta_table_options(${target})
     if(arg_OBJECT AND program_sources)
         foreach(sort IN LISTS programs ITEMS index)

@@ -12,7 +12,7 @@ endif()
 
 # What orlentac's programs are written against: no interface, and good for the library of the same installation alone.
 set(internal_dir ${CMAKE_INSTALL_INCLUDEDIR}/orlenta/internal)
-foreach(header core/descriptor.hpp entry/index.hpp per/bit_source.hpp program/codec.hpp program/format.hpp)
+foreach(header catalogue/region.hpp core/descriptor.hpp entry/index.hpp per/bit_source.hpp program/codec.hpp program/format.hpp)
     cmake_path(GET header PARENT_PATH folder)
     install(FILES ${PROJECT_SOURCE_DIR}/lib/${header} DESTINATION ${internal_dir}/${folder})
 endforeach()

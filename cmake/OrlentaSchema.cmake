@@ -25,25 +25,4 @@ function(orlenta_region name)
     set_property(GLOBAL APPEND PROPERTY ORLENTA_TABLE_OBJECTS ${target} ${target}_index)
     set_property(GLOBAL APPEND PROPERTY ORLENTA_SHARED_PROGRAMS ${target}_common)
     set_property(GLOBAL APPEND PROPERTY ORLENTA_STATIC_PROGRAMS ${target}_single)
-    orlenta_list_tables(orlenta_catalogue ${name} SHIPPED_FORMS FIRST_LOCAL ${arg_FIRST_LOCAL} FILES ${modules})
-endfunction()
-
-# The tables of a region by name, for tools and tests: a source file of the target given, and of orlenta_catalogue for
-# the message sets of the library.
-function(orlenta_list_tables target name)
-    cmake_parse_arguments(PARSE_ARGV 2 arg "SHIPPED_FORMS" "FIRST_LOCAL" "FILES")
-    if(NOT TARGET ${target})
-        add_library(${target} STATIC EXCLUDE_FROM_ALL)
-        target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
-        target_link_libraries(${target} INTERFACE orlenta_static)
-    endif()
-    orlenta_find_compiler(orlentac depends)
-    set(list ${CMAKE_CURRENT_BINARY_DIR}/${name}_catalogue.cpp)
-    add_custom_command(OUTPUT ${list}
-        COMMAND ${orlentac} --region ${name} --list ${list} --first-local ${arg_FIRST_LOCAL}
-            $<$<BOOL:${arg_SHIPPED_FORMS}>:--shipped-forms> ${arg_FILES}
-        COMMAND ${CMAKE_COMMAND} -E touch ${list}
-        DEPENDS ${arg_FILES} ${depends}
-        COMMENT "Listing the tables of ${name}" VERBATIM COMMAND_EXPAND_LISTS)
-    target_sources(${target} PRIVATE ${list})
 endfunction()

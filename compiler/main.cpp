@@ -85,8 +85,9 @@ void declare_options(CLI::App& app, Options& options) {
         "<header>_local.h");
     app.add_option("-i,--include-name", options.include_name,
                    "How the header is included, as orlenta/cn.h; its file name if not given");
-    app.add_option("-l,--list", options.list,
-                   "C++ source to write: a list of all tables by name, orlenta_catalogue_<REGION>");
+    app.add_option(
+        "-l,--list", options.list,
+        "C++ source to write: the types by name, orlenta_catalogue_<REGION>(), which the header declares");
     app.add_option("-p,--parts", options.parts, "Number of source files to spread the tables over")
         ->capture_default_str()
         ->check(CLI::Range(1, 1000));

@@ -10,7 +10,7 @@ std::span<const Table> all_tables() {
     static const std::vector<Table> tables = [] {
         std::vector<Table> all;
         for (const orlenta::test::Region& region : orlenta::test::all_regions())
-            for (const orlenta_catalogue_entry& entry : region.entries)
+            for (const orlenta::test::TableEntry& entry : region.entries)
                 if (orlenta::kind_of(entry.type) != ASN1_KIND_OBJECT_CLASS)
                     all.push_back({region.name, &entry});
         return all;

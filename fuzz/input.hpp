@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "cli/rules.hpp"
-#include "compiler/emit/catalogue_entry.hpp"
+#include "tests/roundtrip/values.hpp"
 
 namespace fuzz {
 
@@ -14,7 +14,7 @@ using Bytes = std::vector<uint8_t>;
 
 struct Table {
     const char* region;
-    const orlenta_catalogue_entry* entry;
+    const orlenta::test::TableEntry* entry;
 
     const asn1_type_desc* type() const { return entry->type; }
 };

@@ -39,7 +39,7 @@ struct Report {
 
 }  // namespace
 
-static const orlenta_catalogue_entry* entry;
+static const orlenta::test::TableEntry* entry;
 
 static void require(bool condition, const char* text, const Report& walker, const Report& program) {
     if (condition) return;

@@ -4,38 +4,76 @@
 #include <fmt/format.h>
 
 #include <iterator>
+#include <set>
 #include <string_view>
+
+#include "compiler/layout/catalogue.hpp"
 
 namespace orlentac {
 
+namespace {
+
+// A literal each, so that no digit comes behind the escape of a zero.
+void put_texts(std::string& out, std::string_view texts) {
+    out += "static constinit const char texts[] =";
+    while (!texts.empty()) {
+        size_t size = texts.find('\0') + 1;
+        fmt::format_to(std::back_inserter(out), "\n    \"{}\\0\"", texts.substr(0, size - 1));
+        texts.remove_prefix(size);
+    }
+    out += ";\n\n";
+}
+
+void put_pointers(std::string& out, const std::vector<const Table*>& types) {
+    if (types.empty()) return;
+    out += "static constinit const asn1_type_desc* const types[] = {\n";
+    for (const Table* table : types)
+        fmt::format_to(std::back_inserter(out), "    asn1_type_{},\n", table->symbol);
+    out += "};\n\n";
+}
+
+void put_entries(std::string& out, const CatalogueForm& form) {
+    if (form.entries.empty()) return;
+    out += "static constinit const entry entries[] = {\n";
+    for (const orlenta::catalogue::entry& entry : form.entries)
+        fmt::format_to(std::back_inserter(out), "    {{{}, {}, {}, {}, {}}},\n", entry.name, entry.module,
+                       entry.from, entry.word, entry.flags);
+    out += "};\n\n";
+}
+
+}  // namespace
+
 std::string emit_catalogue(const Layout& layout) {
-    std::string out = "// Made by orlentac; changes are lost.\n";
+    CatalogueForm form = catalogue_form(layout);
+    std::string out = fmt::format(
+        "// The types of the region {}. Made by orlentac; not to be edited.\n#include "
+        "\"catalogue/region.hpp\"\n\n"
+        "extern \"C\" {{\n",
+        layout.region);
     auto at = std::back_inserter(out);
-    out += "#include <orlenta/type.h>\n\nextern \"C\" {\n";
-    for (const Table* table : layout.tables) {
-        fmt::format_to(at, "ORLENTA_API extern const asn1_type_desc asn1_type_{}[];\n", table->symbol);
-    }
-    out +=
-        "}\n\nstruct orlenta_catalogue_entry {\n    const char* table;\n    const char* name;\n"
-        "    const asn1_type_desc* type;\n    const char* module;\n};\n\n";
-    fmt::format_to(at, "extern const orlenta_catalogue_entry orlenta_catalogue_{}[];\n", layout.region);
-    fmt::format_to(at, "extern const size_t orlenta_catalogue_{}_count;\n", layout.region);
-    fmt::format_to(at, "const orlenta_catalogue_entry orlenta_catalogue_{}[] = {{\n", layout.region);
-    size_t prefix = layout.region.size() + 1;
-    auto put = [&](std::string_view table, std::string_view name, const Table& type,
-                   std::string_view module) {
-        fmt::format_to(at, "    {{\"{}\", \"{}\", asn1_type_{}, \"{}\"}},\n", table, name, type.symbol,
-                       module);
-    };
-    for (const Table* table : layout.tables)
-        put(std::string_view(table->symbol).substr(prefix), table->name, *table, table->module);
-    size_t count = layout.tables.size();
-    if (layout.lists_aliases) {
-        count += layout.aliases.size();
-        for (const Alias& alias : layout.aliases)
-            put(alias.name, alias.schema_name, *alias.table, alias.module);
-    }
-    fmt::format_to(at, "}};\nconst size_t orlenta_catalogue_{}_count = {};\n", layout.region, count);
+    std::set<std::string_view> declared;
+    for (const Table* table : form.types)
+        if (declared.insert(table->symbol).second)
+            fmt::format_to(at, "ORLENTA_API extern const asn1_type_desc asn1_type_{}[];\n", table->symbol);
+    fmt::format_to(
+        at,
+        "[[gnu::visibility(\"hidden\")]] extern const orlenta::catalogue::region orlenta_region_{0};\n"
+        "ORLENTA_API const orlenta_catalogue* orlenta_catalogue_{0}();\n}}\n\n"
+        "namespace {{\nusing namespace orlenta::catalogue;\n\n",
+        layout.region);
+    put_texts(out, form.texts);
+    put_pointers(out, form.types);
+    put_entries(out, form);
+    fmt::format_to(
+        at,
+        "}}  // namespace\n\n"
+        "constinit const orlenta::catalogue::region orlenta_region_{0} = {{{1}, {2}, {3}, texts, {4}}};\n\n"
+        "const orlenta_catalogue* orlenta_catalogue_{0}() {{\n"
+        "    static constexpr const region* regions[] = {{&orlenta_region_{0}}};\n"
+        "    static constexpr orlenta_catalogue catalogue = {{regions, 1}};\n"
+        "    return &catalogue;\n}}\n",
+        layout.region, orlenta::catalogue::kFormat, form.entries.size(),
+        form.entries.empty() ? "nullptr" : "entries", form.types.empty() ? "nullptr" : "types");
     return out;
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Writes a list of all tables of a region by name, as C++ source.
+// Writes the types of a region by name, as C++ source.
 #pragma once
 
 #include <string>
@@ -8,8 +8,7 @@
 
 namespace orlentac {
 
-// The text of a source file that defines orlenta_catalogue_<REGION> and its count, as
-// catalogue_entry.hpp says.
+// The text of a source file that defines orlenta_catalogue_<REGION>().
 std::string emit_catalogue(const Layout& layout);
 
 }  // namespace orlentac

@@ -226,6 +226,12 @@ void put_alias_descriptors(Writer& writer) {
             alias.table->symbol);
 }
 
+void put_catalogue(Writer& writer) {
+    put_section(writer, "types by name, for <orlenta/catalogue.h>");
+    put(writer, "ORLENTA_API const struct orlenta_catalogue* orlenta_catalogue_{}(void);\n",
+        writer.layout.region);
+}
+
 // ---- the manual at the top --------------------------------------------------------------------------------
 
 void count_reached(std::unordered_set<const Table*>& reached, const Table& table) {
@@ -317,6 +323,7 @@ std::string emit_header(const Layout& layout, const std::string& header) {
     put_descriptors(writer, "descriptors of named types", Table::Class::named);
     put_alias_descriptors(writer);
     put_descriptors(writer, "descriptors of nested types", Table::Class::nested);
+    put_catalogue(writer);
     put(writer, "\n#ifdef __cplusplus\n}}\n#endif\n\n#endif\n");
     return std::move(writer.out);
 }

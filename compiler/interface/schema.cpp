@@ -6,22 +6,26 @@
 #include <fstream>
 #include <iterator>
 #include <new>
-#include <unordered_set>
+#include <unordered_map>
 
-#include "catalogue/catalogue.hpp"
+#include "catalogue/region.hpp"
 #include "compiler/frontend.hpp"
+#include "compiler/layout/catalogue.hpp"
 #include "compiler/layout/layout.hpp"
 #include "compiler/memory/tables.hpp"
 
 using namespace orlentac;
 
-// The texts that entries and messages point at are in deques, which leave them where they are.
+// Never moved, since its parts point at each other.
 struct orlenta_schema {
     MemoryTables tables;
-    std::deque<std::string> texts;
-    std::vector<orlenta_type_entry> entries;
+    CatalogueForm names;
+    std::vector<const asn1_type_desc*> types;  // of `names`
+    orlenta::catalogue::region region = {};
+    const orlenta::catalogue::region* regions[1] = {&region};
+    orlenta_catalogue catalogue = {regions, 1};
+    std::deque<std::string> texts;  // of the messages; a deque leaves them where they are
     std::vector<orlenta_schema_message> messages;
-    orlenta_catalogue catalogue = {};
     bool is_valid = false;
 };
 
@@ -41,15 +45,13 @@ void add_messages(orlenta_schema& schema, const std::vector<Diagnostic>& message
 
 void add_types(orlenta_schema& schema, const Layout& layout) {
     schema.tables = make_tables(layout);
-    std::unordered_set<const Table*> roots(layout.roots.begin(), layout.roots.end());
-    const char* region = keep(schema, layout.region);
-    for (size_t i = 0; i < layout.tables.size(); i++) {
-        const Table& table = *layout.tables[i];
-        schema.entries.push_back({region, keep(schema, table.module), keep(schema, table.name),
-                                  keep(schema, table.symbol.substr(layout.region.size() + 1)),
-                                  schema.tables.tables[i].type, roots.contains(&table)});
-    }
-    schema.catalogue = {schema.entries.data(), schema.entries.size()};
+    std::unordered_map<const Table*, const asn1_type_desc*> types;
+    for (size_t i = 0; i < layout.tables.size(); i++)
+        types.emplace(layout.tables[i], schema.tables.tables[i].type);
+    schema.names = catalogue_form(layout);
+    for (const Table* table : schema.names.types) schema.types.push_back(types.at(table));
+    schema.region = {orlenta::catalogue::kFormat, static_cast<uint32_t>(schema.names.entries.size()),
+                     schema.names.entries.data(), schema.names.texts.data(), schema.types.data()};
 }
 
 bool is_region_name(const std::string& name) {

@@ -1,7 +1,7 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /* Types by name and what they are made of, for programs that learn only when they run which type they are to work with.
- * Names are those of schemas that were compiled at run time (schema.h). A catalogue never changes, and may be used by any
- * number of threads at once.
+ * Names are those of the message sets in the library, or of schemas that were compiled at run time (schema.h). A
+ * catalogue never changes, and may be used by any number of threads at once.
  */
 #ifndef ORLENTA_CATALOGUE_H
 #define ORLENTA_CATALOGUE_H
@@ -16,30 +16,41 @@ extern "C" {
 
 typedef struct orlenta_catalogue orlenta_catalogue;
 
-/* A type of a catalogue; it and its texts live as long as that. */
+/* All message sets that the library was built with. A program that is linked statically and needs one of them names
+ * orlenta_catalogue_CN() or the like, which the header of the message set declares, and gets no other. */
+ORLENTA_API const orlenta_catalogue* orlenta_catalogue_builtin(void);
+
+/* How many regions there are, and the name of the one at `index`: "CN", or "" if the schema was given none. Null from
+ * the count on. */
+ORLENTA_API size_t orlenta_catalogue_region_count(const orlenta_catalogue* catalogue);
+ORLENTA_API const char* orlenta_catalogue_region(const orlenta_catalogue* catalogue, size_t index);
+
+/* A type of a catalogue. What it points at lives as long as that. */
 typedef struct orlenta_type_entry {
     const char* region;         /* "" if the schema was given none */
-    const char* module;         /* "" for what the standards define themselves */
+    const char* module;         /* "" of what the standards of the language define */
     const char* name;           /* as the schema has it; "" of a type in place */
-    const char* table;          /* behind asn1_type_<region>_ in C: "Position_LL_24B", "Lpn_1", "_local_12" */
+    const char* table;          /* behind asn1_type_<region>_ in C: "Position_LL_24B", "Lpn_1" */
     const asn1_type_desc* type; /* good for all functions that take a descriptor */
     uint32_t is_root;           /* no other type of the region refers to it */
 } orlenta_type_entry;
 
-/* How many types there are, those in place among them, and the one at `index`, in the schema's order: what is in place
- * comes before the type around it. Null from the count on. */
+/* How many types there are, and the one at `index`, in the schema's order: region by region, module by module. Types in
+ * place are among them, before the type around them, if they have components, alternatives, items or elements of their
+ * own. The order may change with the schema. 0, or -1 from the count on. */
 ORLENTA_API size_t orlenta_catalogue_count(const orlenta_catalogue* catalogue);
-ORLENTA_API const orlenta_type_entry* orlenta_catalogue_get(const orlenta_catalogue* catalogue, size_t index);
+ORLENTA_API int orlenta_catalogue_get(const orlenta_catalogue* catalogue, size_t index,
+                                      orlenta_type_entry* entry);
 
 /* The type that `name`, [Region.][Module.]Type, stands for, where the type is "Position-LL-24B" or "Position_LL_24B", or
- * for one in place "Lpn_1". Null if there is none, or if several are called so: `found`, if it is not null, receives how
- * many. Looks at all types. */
-ORLENTA_API const orlenta_type_entry* orlenta_catalogue_find(const orlenta_catalogue* catalogue,
-                                                             const char* name, size_t* found);
+ * for one in place "Lpn_1". 0, or -1 if there is none, or if several are called so, of which `entry` then is the first.
+ * `found`, if it is not null, receives how many. Looks at all types. */
+ORLENTA_API int orlenta_catalogue_find(const orlenta_catalogue* catalogue, const char* name,
+                                       orlenta_type_entry* entry, size_t* found);
 
-/* The entry of a descriptor; null if it is none of the catalogue's. Looks at all types. */
-ORLENTA_API const orlenta_type_entry* orlenta_catalogue_find_type(const orlenta_catalogue* catalogue,
-                                                                  const asn1_type_desc* type);
+/* The entry of a descriptor. 0, or -1 if it is none of the catalogue's. Looks at all types. */
+ORLENTA_API int orlenta_catalogue_find_type(const orlenta_catalogue* catalogue, const asn1_type_desc* type,
+                                            orlenta_type_entry* entry);
 
 /* ---- what a type is made of ---------------------------------------------------------------------------------
  * Of any descriptor, wherever it comes from. All that is handed out lives as long as the descriptor.

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <string.h>
 
-#include "catalogue/catalogue.hpp"
+#include "catalogue/region.hpp"
 
-namespace orlenta {
+namespace orlenta::catalogue {
 
 namespace {
 
@@ -49,34 +49,87 @@ static bool is_called(const orlenta_type_entry& entry, const wanted_name& wanted
     }
 }
 
-}  // namespace orlenta
+// ---- regions ----------------------------------------------------------------------------------------------
 
-size_t orlenta_catalogue_count(const orlenta_catalogue* catalogue) { return catalogue->count; }
+// Those of another orlentac are empty.
+static uint32_t count_of(const region& in) { return in.format == kFormat ? in.count : 0; }
 
-const orlenta_type_entry* orlenta_catalogue_get(const orlenta_catalogue* catalogue, size_t index) {
-    return index < catalogue->count ? &catalogue->entries[index] : nullptr;
+static const asn1_type_desc* type_of(const region& in, const entry* at) {
+    uint16_t words[kLongestWay];
+    uint32_t length = 0;
+    for (; at->word != 0; at = in.entries + at->from) words[length++] = at->word;
+    const asn1_type_desc* type = in.types[at->from];
+    while (length > 0) type = type[words[--length]].type;
+    return type;
 }
 
-const orlenta_type_entry* orlenta_catalogue_find(const orlenta_catalogue* catalogue, const char* name,
-                                                 size_t* found) {
-    orlenta::wanted_name wanted = orlenta::split(name);
-    const orlenta_type_entry* last = nullptr;
+// All but the descriptor, the way to which takes longest.
+static void read_names(const region& in, const entry& at, orlenta_type_entry* out) {
+    const char* name = in.texts + at.name;
+    bool has_table_name = (at.flags & kHasTableName) != 0;
+    *out = {in.texts, in.texts + at.module,     name, has_table_name ? name + strlen(name) + 1 : name,
+            nullptr,  (at.flags & kIsRoot) != 0};
+}
+
+}  // namespace orlenta::catalogue
+
+using namespace orlenta::catalogue;
+
+size_t orlenta_catalogue_region_count(const orlenta_catalogue* catalogue) { return catalogue->count; }
+
+const char* orlenta_catalogue_region(const orlenta_catalogue* catalogue, size_t index) {
+    return index < catalogue->count ? catalogue->regions[index]->texts : nullptr;
+}
+
+size_t orlenta_catalogue_count(const orlenta_catalogue* catalogue) {
     size_t count = 0;
+    for (size_t i = 0; i < catalogue->count; ++i) count += count_of(*catalogue->regions[i]);
+    return count;
+}
+
+int orlenta_catalogue_get(const orlenta_catalogue* catalogue, size_t index, orlenta_type_entry* entry) {
+    for (size_t i = 0; i < catalogue->count; ++i) {
+        const region& in = *catalogue->regions[i];
+        if (index < count_of(in)) {
+            read_names(in, in.entries[index], entry);
+            entry->type = type_of(in, in.entries + index);
+            return 0;
+        }
+        index -= count_of(in);
+    }
+    return -1;
+}
+
+int orlenta_catalogue_find(const orlenta_catalogue* catalogue, const char* name, orlenta_type_entry* entry,
+                           size_t* found) {
+    wanted_name wanted = split(name);
+    size_t count = 0;
+    orlenta_type_entry each;
     for (size_t i = 0; wanted.count != 0 && i < catalogue->count; ++i) {
-        if (!orlenta::is_called(catalogue->entries[i], wanted)) continue;
-        last = &catalogue->entries[i];
-        ++count;
+        const region& in = *catalogue->regions[i];
+        for (uint32_t k = 0; k < count_of(in); ++k) {
+            read_names(in, in.entries[k], &each);
+            if (!is_called(each, wanted) || ++count > 1) continue;
+            *entry = each;
+            entry->type = type_of(in, in.entries + k);
+        }
     }
     if (found) *found = count;
-    return count == 1 ? last : nullptr;
+    return count == 1 ? 0 : -1;
 }
 
-const orlenta_type_entry* orlenta_catalogue_find_type(const orlenta_catalogue* catalogue,
-                                                      const asn1_type_desc* type) {
+int orlenta_catalogue_find_type(const orlenta_catalogue* catalogue, const asn1_type_desc* type,
+                                orlenta_type_entry* entry) {
     for (size_t i = 0; i < catalogue->count; ++i) {
-        if (catalogue->entries[i].type == type) return &catalogue->entries[i];
+        const region& in = *catalogue->regions[i];
+        for (uint32_t k = 0; k < count_of(in); ++k) {
+            if (type_of(in, in.entries + k) != type) continue;
+            read_names(in, in.entries[k], entry);
+            entry->type = type;
+            return 0;
+        }
     }
-    return nullptr;
+    return -1;
 }
 
 const char* orlenta_version() { return ORLENTA_VERSION; }

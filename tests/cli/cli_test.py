@@ -159,7 +159,6 @@ CASES = [
     ("show xn.Position3D", "", 2, "", "...the nearest: CN.Position3D"),
     ("types CN.Position-LL-24B", "", 0, "CN.Position-LL-24B  SEQUENCE, 2 components  8 bytes\n", ""),
     ("types cn.lat*", "", 0, "CN.Latitude  INTEGER (-900000000..900000001)  4 bytes\n", ""),
-    ("types --all CN._local_1", "", 0, "...CN._local_1", ""),
     ("types nothing-like-it", "", 1, "", "orlenta: no type matches nothing-like-it\n"),
     ("show CN.Position3D", "", 0,
      "Position3D ::= SEQUENCE {\n    lat Latitude,\n    lon Longitude,\n    elevation Elevation OPTIONAL\n}\n", ""),

@@ -5,19 +5,20 @@
 
 #include <cstring>
 #include <memory>
-#include <span>
 #include <unordered_map>
 
-#include "compiler/emit/catalogue_entry.hpp"
+#include "catalogue/region.hpp"
 #include "compiler/layout/constant_form.hpp"
 #include "compiler/memory/tables.hpp"
 #include "tests/compiler/region_sources.hpp"
 
-#define DECLARE_CATALOGUE(region)                                      \
-    extern const orlenta_catalogue_entry orlenta_catalogue_##region[]; \
-    extern const size_t orlenta_catalogue_##region##_count;
-DECLARE_CATALOGUE(Tricky)
-DECLARE_CATALOGUE(Published)
+extern "C" {
+const orlenta_catalogue* orlenta_catalogue_CN();
+const orlenta_catalogue* orlenta_catalogue_EU();
+const orlenta_catalogue* orlenta_catalogue_US();
+const orlenta_catalogue* orlenta_catalogue_Tricky();
+const orlenta_catalogue* orlenta_catalogue_Published();
+}
 
 using namespace orlentac;
 
@@ -28,15 +29,24 @@ struct RegionCase {
     std::vector<SourceText> sources;
     LayoutOptions options;
     bool shipped_forms;
-    std::span<const orlenta_catalogue_entry> generated;
-    size_t tables;
+    const orlenta_catalogue* (*generated)();
+    size_t tables;  // 0: not counted
 };
 
-// The two sides of a comparison.
+// The two sides of a comparison. Of the generated one the catalogue tells where to begin.
 struct Sides {
-    std::unordered_map<const asn1_word*, const Table*> generated, in_memory;
+    std::unordered_map<const asn1_word*, const Table*> in_memory;
+    std::unordered_map<const Table*, const asn1_word*> generated;
+    std::vector<const Table*> waiting;
     size_t differences = 0;
 };
+
+// False if another table was met under this name before.
+bool meet(Sides& sides, const Table* table, const asn1_word* generated) {
+    auto [known, is_new] = sides.generated.try_emplace(table, generated);
+    if (is_new) sides.waiting.push_back(table);
+    return known->second == generated;
+}
 
 void expect_same(Sides& sides, const std::vector<Word>& words, const asn1_word* generated,
                  const asn1_word* in_memory, const std::string& where);
@@ -81,8 +91,8 @@ bool is_same(Sides& sides, const Word& word, asn1_word generated, asn1_word in_m
     switch (word.sort) {
         case Word::Sort::number: return generated.number == in_memory.number;
         case Word::Sort::table:
-            return sides.generated.at(generated.type) == word.table &&
-                   sides.in_memory.at(in_memory.type) == word.table;
+            return sides.in_memory.at(in_memory.type) == word.table &&
+                   meet(sides, word.table, generated.type);
         case Word::Sort::text: return strcmp(generated.text, in_memory.text) == 0;
         case Word::Sort::object: break;
     }
@@ -111,24 +121,30 @@ TEST_P(MemoryTablesTest, AreTheGeneratedOnes) {
     ASSERT_TRUE(make_layout(*schema, region.options, *layout, diags));
     MemoryTables moved = make_tables(*layout);
     const MemoryTables tables = std::move(moved);
-    size_t listed_aliases = layout->lists_aliases ? layout->aliases.size() : 0;
-    ASSERT_EQ(tables.tables.size() + listed_aliases, region.tables);
-    ASSERT_EQ(region.generated.size(), region.tables);
-
+    std::unordered_map<const Table*, const asn1_word*> in_memory;
+    std::unordered_map<std::string, const Table*> by_name;
     Sides sides;
     for (size_t i = 0; i < tables.tables.size(); i++) {
-        EXPECT_EQ(tables.tables[i].symbol, std::string(region.name) + "_" + region.generated[i].table);
-        sides.generated[region.generated[i].type] = layout->tables[i];
+        EXPECT_EQ(tables.tables[i].symbol, layout->tables[i]->symbol);
+        by_name[tables.tables[i].symbol] = layout->tables[i];
+        in_memory[layout->tables[i]] = tables.tables[i].type;
         sides.in_memory[tables.tables[i].type] = layout->tables[i];
     }
-    for (size_t i = 0; i < tables.tables.size(); i++)
-        expect_same(sides, layout->tables[i]->words, region.generated[i].type, tables.tables[i].type,
-                    tables.tables[i].symbol);
+    for (const Alias& alias : layout->aliases)
+        by_name[std::string(region.name) + "_" + alias.name] = alias.table;
+    orlenta_type_entry entry;
+    for (size_t i = 0; orlenta_catalogue_get(region.generated(), i, &entry) == 0; i++)
+        EXPECT_TRUE(meet(sides, by_name.at(std::string(region.name) + "_" + entry.table), entry.type))
+            << entry.table;
+    while (!sides.waiting.empty()) {
+        const Table* table = sides.waiting.back();
+        sides.waiting.pop_back();
+        expect_same(sides, table->words, sides.generated.at(table), in_memory.at(table), table->symbol);
+    }
     EXPECT_EQ(sides.differences, 0u);
+    EXPECT_EQ(sides.generated.size(), tables.tables.size());
+    EXPECT_TRUE(region.tables == 0 || region.tables == tables.tables.size());
 }
-
-#define GENERATED(region) \
-    { orlenta_catalogue_##region, orlenta_catalogue_##region##_count }
 
 std::vector<SourceText> test_module(const char* name) {
     return {test::source_of(std::string(ORLENTA_COMPILER_TESTS "/") + name)};
@@ -137,21 +153,17 @@ std::vector<SourceText> test_module(const char* name) {
 INSTANTIATE_TEST_SUITE_P(
     Regions, MemoryTablesTest,
     testing::Values(
-        RegionCase{"CN", test::region_sources("cn"), {"CN", 1, false}, true, GENERATED(CN), 289},
-        RegionCase{"EU", test::region_sources("eu"), {"EU", 1001, false}, true, GENERATED(EU), 1345},
-        RegionCase{"US", test::region_sources("us"), {"US", 3001, false}, true, GENERATED(US), 7610},
-        RegionCase{"Tricky",
-                   test_module("tricky.asn1"),
-                   {"Tricky", 1, false},
-                   false,
-                   GENERATED(Tricky),
-                   orlenta_catalogue_Tricky_count},
+        RegionCase{"CN", test::region_sources("cn"), {"CN", 1, false}, true, orlenta_catalogue_CN, 289},
+        RegionCase{"EU", test::region_sources("eu"), {"EU", 1001, false}, true, orlenta_catalogue_EU, 1345},
+        RegionCase{"US", test::region_sources("us"), {"US", 3001, false}, true, orlenta_catalogue_US, 7610},
+        RegionCase{
+            "Tricky", test_module("tricky.asn1"), {"Tricky", 1, false}, false, orlenta_catalogue_Tricky, 0},
         RegionCase{"Published",
                    test_module("published.asn1"),
                    {"Published", 1, false},
                    false,
-                   GENERATED(Published),
-                   orlenta_catalogue_Published_count}),
+                   orlenta_catalogue_Published,
+                   0}),
     [](const auto& info) { return info.param.name; });
 
 }  // namespace

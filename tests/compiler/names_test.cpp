@@ -2,7 +2,13 @@
 // [Region.][Module.]Type: what users type, and what is told of a name that does not do.
 #include <gtest/gtest.h>
 
-#include "cli/registry.hpp"
+#include "catalogue/region.hpp"
+#include "cli/type_names.hpp"
+
+extern "C" {
+extern const orlenta::catalogue::region orlenta_region_Published;
+extern const orlenta::catalogue::region orlenta_region_Tricky;
+}
 
 TEST(Names, PartsAreLeftOutWhileOneTypeIsMeant) {
     const struct {
@@ -28,9 +34,12 @@ TEST(Names, PartsAreLeftOutWhileOneTypeIsMeant) {
          "no type is named Tricky.Published.Dictionary.Filter; the nearest: Published.Filter, "
          "Published.Filter_1"},
     };
+    const orlenta::catalogue::region* regions[] = {&orlenta_region_Published, &orlenta_region_Tricky};
+    const orlenta_catalogue catalogue = {regions, 2};
+    cli::use_catalogue(&catalogue);
     for (const auto& [name, full] : rows) {
         std::string problem;
-        cli::Type type = cli::find_type(name, &problem);
-        EXPECT_EQ(type.entry ? cli::full_name(*type.region, *type.entry) : problem, full);
+        const orlenta_type_entry* type = cli::find_type(name, &problem);
+        EXPECT_EQ(type ? cli::full_name(*type) : problem, full);
     }
 }

@@ -39,6 +39,13 @@ std::string messages(const Schema& schema) {
     return all;
 }
 
+const asn1_type_desc* type_of(const Schema& schema, const char* name) {
+    orlenta_type_entry entry = {};
+    EXPECT_EQ(orlenta_catalogue_find(orlenta_schema_catalogue(schema.get()), name, &entry, nullptr), 0)
+        << name;
+    return entry.type;
+}
+
 const char* const kTwoModules =
     "A DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
     "Reading ::= SEQUENCE { unit Unit-Name, level INTEGER (0..255) OPTIONAL }\n"
@@ -76,23 +83,27 @@ TEST(Schema, FindsTypesByTheirNames) {
                                            {"A.", nullptr, 0},
                                            {"", nullptr, 0}}) {
         size_t found = 99;
-        const orlenta_type_entry* entry = orlenta_catalogue_find(catalogue, row.name, &found);
+        orlenta_type_entry entry, again;
+        int result = orlenta_catalogue_find(catalogue, row.name, &entry, &found);
         EXPECT_EQ(found, row.found) << row.name;
-        ASSERT_EQ(entry != nullptr, row.table != nullptr) << row.name;
-        if (!entry) continue;
-        EXPECT_STREQ(entry->table, row.table);
-        EXPECT_EQ(orlenta_catalogue_find_type(catalogue, entry->type), entry);
+        ASSERT_EQ(result, row.table ? 0 : -1) << row.name;
+        if (!row.table) continue;
+        EXPECT_STREQ(entry.table, row.table);
+        EXPECT_EQ(entry.is_root, std::string(entry.name) == "Reading");
+        ASSERT_EQ(orlenta_catalogue_find_type(catalogue, entry.type, &again), 0);
+        EXPECT_STREQ(again.table, row.table);
     }
-    EXPECT_TRUE(orlenta_catalogue_find(catalogue, "A.Reading", nullptr)->is_root);
-    EXPECT_FALSE(orlenta_catalogue_find(catalogue, "Unit-Name", nullptr)->is_root);
-    EXPECT_EQ(orlenta_catalogue_get(catalogue, orlenta_catalogue_count(catalogue)), nullptr);
-    EXPECT_EQ(orlenta_catalogue_find_type(catalogue, nullptr), nullptr);
+    orlenta_type_entry entry;
+    EXPECT_EQ(orlenta_catalogue_count(catalogue), 3u);
+    EXPECT_EQ(orlenta_catalogue_get(catalogue, 3, &entry), -1);
+    EXPECT_EQ(orlenta_catalogue_find_type(catalogue, nullptr, &entry), -1);
+    EXPECT_STREQ(orlenta_catalogue_region(catalogue, 0), "MY");
+    EXPECT_EQ(orlenta_catalogue_region(catalogue, 1), nullptr);
 }
 
 TEST(Schema, ServesTheCodecs) {
     Schema schema = compile(kTwoModules, nullptr);
-    const asn1_type_desc* type =
-        orlenta_catalogue_find(orlenta_schema_catalogue(schema.get()), "A.Reading", nullptr)->type;
+    const asn1_type_desc* type = type_of(schema, "A.Reading");
     const std::string json = R"({"unit": "watt", "level": 200})";
     void* value;
     asn1_error error;
@@ -125,12 +136,13 @@ TEST(Schema, CompilesPublishedModulesFromFiles) {
     orlenta_schema_options options = {"CN", 1};
     Schema schema(orlenta_schema_compile_files(&path, 1, &options));
     EXPECT_EQ(messages(schema), "");
-    const orlenta_type_entry* frame =
-        orlenta_catalogue_find(orlenta_schema_catalogue(schema.get()), "CN.MessageFrame", nullptr);
-    ASSERT_NE(frame, nullptr);
-    EXPECT_STREQ(frame->name, "MessageFrame");
-    EXPECT_TRUE(frame->is_root);
-    EXPECT_EQ(asn1_get_size(frame->type), static_cast<int64_t>(frame->type[3].number));
+    orlenta_type_entry frame;
+    ASSERT_EQ(
+        orlenta_catalogue_find(orlenta_schema_catalogue(schema.get()), "CN.MessageFrame", &frame, nullptr),
+        0);
+    EXPECT_STREQ(frame.name, "MessageFrame");
+    EXPECT_TRUE(frame.is_root);
+    EXPECT_EQ(asn1_get_size(frame.type), static_cast<int64_t>(frame.type[3].number));
     EXPECT_STREQ(orlenta_version(), ORLENTA_VERSION);
 }
 
@@ -204,8 +216,7 @@ TEST(Schema, TellsWhatTypesAreMadeOf) {
         "70000000000 }\n"
         "U ::= SET OF INTEGER (0..70)\nEND",
         "MY");
-    const orlenta_catalogue* catalogue = orlenta_schema_catalogue(schema.get());
-    ASSERT_NE(catalogue, nullptr) << messages(schema);
+    ASSERT_NE(orlenta_schema_catalogue(schema.get()), nullptr) << messages(schema);
     const std::pair<const char*, const char*> rows[] = {
         {"R", ":0...{i+0:5[-5..7]=3,o+8:6?@4|[g+0:10@12,h+0:10@16],m+24:6@20}"},
         {"C", ":4...{a+8:5big|b+8:10}"},
@@ -216,14 +227,13 @@ TEST(Schema, TellsWhatTypesAreMadeOf) {
         {"T", ":2{b+0:7[9..9],u+16:15,n+32:5big,r+56:14,d+64:5big=0}"},
         {"U", ":3[0..]:5[0..70]"},
     };
-    for (const auto& [name, text] : rows)
-        EXPECT_EQ(shown(orlenta_catalogue_find(catalogue, name, nullptr)->type), text) << name;
+    for (const auto& [name, text] : rows) EXPECT_EQ(shown(type_of(schema, name)), text) << name;
     EXPECT_EQ(shown(kIa5), ":15[0..]");
     EXPECT_EQ(shown(kClass), ":17");
     const asn1_word free_text[] = {head(ASN1_KIND_CHAR_STRING), num(ASN1_STRING_IA5), num(0)};
     EXPECT_EQ(shown(free_text), ":15");
     orlenta_type_facts big;
-    orlenta_type_describe(orlenta_catalogue_find(catalogue, "B", nullptr)->type, &big);
+    orlenta_type_describe(type_of(schema, "B"), &big);
     ASSERT_TRUE(big.is_big && big.big_lower && big.big_upper);
     EXPECT_EQ(asn1_integer_get_bit_size(big.big_upper), 64u);
 }

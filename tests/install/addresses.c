@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /* Whether a table has one address: as this program sees it, in code and in constants, as other tables refer to it, and
- * as the programs of codecs do. */
+ * as the programs of codecs do, and as the catalogue has it. */
+#include <orlenta/catalogue.h>
 #include <orlenta/cn.h>
 #include <orlenta/codec.h>
 #include <orlenta/memory.h>
@@ -25,6 +26,19 @@ static int finds_codecs(void) {
     memcpy(copy, asn1_type_CN_MessageFrame, sizeof copy);
     return orlenta_codec_find(asn1_type_CN_MessageFrame) != NULL && orlenta_codec_find(copy) == NULL &&
            orlenta_codec_find(asn1_type_CN_Latitude) == NULL;
+}
+
+/* A type has one entry, whether this program names its table or not. */
+static int is_in_catalogue(void) {
+    orlenta_type_entry entry, same;
+    const orlenta_catalogue* all = orlenta_catalogue_builtin();
+    for (size_t i = 0; orlenta_catalogue_get(all, i, &entry) == 0; i += 7) {
+        if (orlenta_catalogue_find_type(all, entry.type, &same) != 0 || same.table != entry.table) return 0;
+    }
+    return orlenta_catalogue_find(all, "CN.ParticipantData", &entry, NULL) == 0 &&
+           entry.type == in_constant &&
+           orlenta_catalogue_find(orlenta_catalogue_CN(), "ParticipantData", &same, NULL) == 0 &&
+           same.table == entry.table;
 }
 
 /* What a program says an open type is. */
@@ -61,6 +75,7 @@ int main(void) {
     if (in_table != in_code || in_table != in_constant || environ == NULL) return 1;
     if (!finds_codecs()) return 2;
     if (!finds_contents()) return 3;
+    if (!is_in_catalogue()) return 4;
     fprintf(stdout, "same\n");
     return function_in_constant(stdout);
 }

@@ -115,6 +115,21 @@ def check_allocator(args):
             run(program)
 
 
+def check_regions(args):
+    """A static program that names a message set gets its types by name, and no other set."""
+    with tempfile.TemporaryDirectory() as folder:
+        program = Path(folder) / "program"
+        run(args.cc, *(f"-I{d}" for d in include_dirs(args)), "-x", "c", "-", "-o", program,
+            "-x", "none", args.build / "liborlenta.a", "-lm",
+            input="#include <orlenta/catalogue.h>\n#include <orlenta/cn.h>\n"
+                  "int main(void) { orlenta_type_entry entry;\n"
+                  "return orlenta_catalogue_find(orlenta_catalogue_CN(), \"CN.Latitude\", &entry, 0) ||"
+                  " entry.type != asn1_type_CN_Latitude; }")
+        run(program)
+        regions = set(re.findall(r"\basn1_type_([A-Z]+)", run("nm", program)))
+        expect(regions == {"CN"}, f"regions: {regions}")
+
+
 EXAMPLE_OUTPUT = "10 bytes: lat 399087000, lon 1163975000, elevation 435\n"
 
 
@@ -201,6 +216,7 @@ OWN_PROGRAM = """
 #include <my_local.h>
 #include <other.h>
 #include <other_codecs.h>
+#include <orlenta/catalogue.h>
 #include <orlenta/per.h>
 #include <orlenta/value.h>
 #include <stdio.h>
@@ -216,6 +232,9 @@ int main(void) {
     if (orlenta_codec_find(asn1_type_MY_Reading) != &orlenta_codec_MY_Reading) return 2;
     if (orlenta_codec_find(asn1_type_OTHER_Unit) != &orlenta_codec_OTHER_Unit) return 3;
     if (orlenta_codec_find(asn1_type_MY_Level) != NULL) return 4; /* no root */
+    orlenta_type_entry entry;
+    if (orlenta_catalogue_find(orlenta_catalogue_MY(), "Sensors.Level", &entry, NULL) != 0) return 5;
+    if (entry.type != asn1_type_MY_Level || orlenta_catalogue_count(orlenta_catalogue_OTHER()) != 1) return 6;
     asn1_free_value(asn1_type_MY_Reading, value);
     asn1_free(bytes);
     return 0;

@@ -169,11 +169,11 @@ class Roots : public testing::TestWithParam<std::tuple<Rule, Region>> {};
 
 TEST_P(Roots, StayWithinTheBound) {
     const auto& [rule, region] = GetParam();
-    std::vector<orlenta_catalogue_entry> types = roots_of(region);
+    std::vector<TableEntry> types = roots_of(region);
     ASSERT_FALSE(types.empty());
     size_t most = 0;
     std::string dearest;
-    for (const orlenta_catalogue_entry& entry : types) {
+    for (const TableEntry& entry : types) {
         SCOPED_TRACE(entry.table);
         for (size_t size : {10, 30, 100, 400, 1400}) {
             for (const octets& input : hostile_inputs(rule, entry.type, size)) {

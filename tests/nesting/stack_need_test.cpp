@@ -48,7 +48,7 @@ std::vector<const asn1_type_desc*> deepest_types() {
     std::vector<const asn1_type_desc*> types;
     for (const Region& region : all_regions()) {
         std::vector<const asn1_type_desc*> all;
-        for (const orlenta_catalogue_entry& entry : region.entries)
+        for (const TableEntry& entry : region.entries)
             if (kind_of(entry.type) != ASN1_KIND_OBJECT_CLASS && !is_recursive(entry.type))
                 all.push_back(entry.type);
         size_t count = std::min<size_t>(all.size(), 60);

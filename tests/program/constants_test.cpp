@@ -26,7 +26,7 @@ using Types = std::vector<const asn1_type_desc*>;
 // Types with a codec, in the order in which orlentac has them.
 Types coded_types(const Region& region) {
     Types types;
-    for (const orlenta_catalogue_entry& entry : region.entries)
+    for (const TableEntry& entry : region.entries)
         if (entry::find_codec(entry.type)) types.push_back(entry.type);
     return types;
 }
@@ -98,7 +98,7 @@ TEST_P(Constants, AreThereForMessagesAndForContentsOfOpenTypes) {
     // Those that the lists name; made by hand are the Kinds.
     static const std::map<std::string, size_t> counts = {{"CN", 6}, {"EU", 26}, {"US", 91}, {"Kinds", 0}};
     EXPECT_EQ(coded_types(GetParam()).size(), counts.at(GetParam().name));
-    for (const orlenta_catalogue_entry& entry : GetParam().entries) {
+    for (const TableEntry& entry : GetParam().entries) {
         const asn1_table_constraint* table = table_constraint_of(entry.type);
         if (!table) continue;
         size_t stride = class_field_count(table->object_class.type);

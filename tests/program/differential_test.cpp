@@ -241,7 +241,7 @@ TEST_P(Tables, RandomValues) {
     const auto& [rules, region] = GetParam();
     std::mt19937 random(7);
     Tally tally;
-    for (const orlenta_catalogue_entry& entry : region.entries) {
+    for (const TableEntry& entry : region.entries) {
         if (kind_of(entry.type) == ASN1_KIND_OBJECT_CLASS) continue;
         SCOPED_TRACE(entry.table);
         size_t before = live_blocks();
@@ -277,7 +277,7 @@ const std::map<std::string, Type>& named_types() {
     static const std::map<std::string, Type> types = [] {
         std::map<std::string, Type> all;
         for (const Region& region : all_regions()) {
-            for (const orlenta_catalogue_entry& entry : region.entries) {
+            for (const TableEntry& entry : region.entries) {
                 if (entry.name[0]) all[std::string(region.name) + "." + entry.name] = entry.type;
             }
         }

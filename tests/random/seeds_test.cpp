@@ -30,7 +30,7 @@ bool is_endless(std::string_view table, uint32_t seed) {
 // FNV-1a over the DER encodings of the values of all roots, which must pass the checker as well.
 uint64_t hash_values(const Region& region) {
     uint64_t hash = UINT64_C(0xCBF29CE484222325);
-    for (const orlenta_catalogue_entry& root : roots_of(region)) {
+    for (const TableEntry& root : roots_of(region)) {
         for (uint32_t seed = 0; seed < kSeeds; ++seed) {
             if (is_endless(root.table, seed)) continue;
             Value value(asn1_random(root.type, seed), {root.type});

@@ -48,7 +48,7 @@ bool is_small(const asn1_type_desc* type, uint32_t seed) {
 // One value of each table, the first random one that is small.
 void for_each_sample(const Region& region,
                      const std::function<void(const asn1_type_desc*, const Sample&, uint32_t seed)>& use) {
-    for (const orlenta_catalogue_entry& entry : region.entries) {
+    for (const TableEntry& entry : region.entries) {
         if (kind_of(entry.type) == ASN1_KIND_OBJECT_CLASS) continue;
         SCOPED_TRACE(entry.table);
         uint32_t round = 0;

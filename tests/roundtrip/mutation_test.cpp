@@ -77,7 +77,7 @@ TEST_P(Damage, IsValueOrError) {
     size_t rounds = 12000 * step / region.entries.size();
     Tally tally;
     for (size_t i = 0; i < region.entries.size() && !HasFailure(); i += step) {
-        const orlenta_catalogue_entry& entry = region.entries[i];
+        const TableEntry& entry = region.entries[i];
         if (kind_of(entry.type) == ASN1_KIND_OBJECT_CLASS || is_recursive(entry.type)) continue;
         SCOPED_TRACE(entry.table);
         Sample sample = make_sample(entry.type, seed_of(entry, 77));

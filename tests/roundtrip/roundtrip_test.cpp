@@ -86,7 +86,7 @@ TEST_P(RoundTrip, AllTypes) {
     const auto& [rule, region] = GetParam();
     uint32_t rounds = static_cast<uint32_t>(12000 / region.entries.size() + 3);
     Tally tally;
-    for (const orlenta_catalogue_entry& entry : region.entries) {
+    for (const TableEntry& entry : region.entries) {
         if (kind_of(entry.type) == ASN1_KIND_OBJECT_CLASS) continue;
         uint32_t values = is_recursive(entry.type) ? 2 : rounds;  // these are large, and slow to make
         for (uint32_t round = 0; round < values; ++round) {
@@ -113,7 +113,7 @@ TEST_P(RoundTrip, AllTypes) {
 TEST_P(RoundTrip, ValidValuesOfRoots) {
     const auto& [rule, region] = GetParam();
     Tally tally;
-    for (const orlenta_catalogue_entry& entry : roots_of(region)) {
+    for (const TableEntry& entry : roots_of(region)) {
         for (uint32_t seed = 1; seed <= 30; ++seed) {
             Sample sample = {Value(orlenta_random_valid(entry.type, seed), {entry.type}),
                              kind_of(entry.type) == ASN1_KIND_ANY};

@@ -2,10 +2,12 @@
 #include "tests/roundtrip/values.hpp"
 
 #include <gtest/gtest.h>
+#include <orlenta/catalogue.h>
 #include <orlenta/memory.h>
 #include <orlenta/random.h>
 #include <orlenta/type_info.h>
 
+#include <deque>
 #include <map>
 #include <string>
 #include <unordered_set>
@@ -61,8 +63,8 @@ static const asn1_word kTagsInside[] = {
     field(8), ref(kTaggedChoice), num(0), txt("b"),
     field(40, ASN1_OPTION_OPTIONAL, kAddition), ref(kTagged<2, kOctets>), num(32), txt("c"),
 };
-#define kind(type) {#type, "", type, ""}
-static const orlenta_catalogue_entry kKinds[] = {
+#define kind(type) {#type, "", type}
+static const TableEntry kKinds[] = {
     kind(kBig), kind(kBigRange), kind(kBigLower), kind(kDigits), kind(kDefaults), kind(kReal), kind(kRelativeOid), kind(kAny), kind(kSomeBmp), kind(kSomeUniversal), kind(kGeneral),
     kind(kPlainSet), kind(kRecord), kind(kChoice), kind(kOuterChoice), kind(kTaggedChoice),
     kind(kOpenRecord<kOpen>), kind(kOpenRecord<kTaggedOpen>),
@@ -74,36 +76,62 @@ static const orlenta_catalogue_entry kKinds[] = {
 #undef kind
 // clang-format on
 
-// A static of the function: tests are instantiated before main().
+// What the catalogue has of a region, and behind that all to which it leads.
+static std::vector<TableEntry> tables_of(std::string_view region) {
+    static std::deque<std::string> names;
+    std::vector<TableEntry> tables;
+    std::unordered_set<const asn1_type_desc*> seen;
+    const orlenta_catalogue* catalogue = orlenta_catalogue_builtin();
+    orlenta_type_entry entry;
+    for (size_t i = 0; orlenta_catalogue_get(catalogue, i, &entry) == 0; ++i)
+        if (entry.region == region && seen.insert(entry.type).second)
+            tables.push_back({entry.table, entry.name, entry.type});
+    for (size_t i = 0; i < tables.size(); ++i)
+        for (const asn1_type_desc* type : cli::referred_types(tables[i].type)) {
+            if (!seen.insert(type).second) continue;
+            names.push_back(std::to_string(tables.size()) + "th in place");
+            tables.push_back({names.back().c_str(), "", type});
+        }
+    return tables;
+}
+
+// Statics of the function: tests are instantiated before main().
 std::span<const Region> all_regions() {
-#define row(region) {#region, {orlenta_catalogue_##region, orlenta_catalogue_##region##_count}},
-    static const Region regions[] = {{"Kinds", kKinds}, ORLENTA_REGION_ROWS};
-#undef row
+    static std::deque<std::vector<TableEntry>> tables;
+    static const std::vector<Region> regions = [] {
+        std::vector<Region> all = {{"Kinds", kKinds}};
+        const orlenta_catalogue* catalogue = orlenta_catalogue_builtin();
+        for (size_t i = 0; i < orlenta_catalogue_region_count(catalogue); ++i) {
+            const char* name = orlenta_catalogue_region(catalogue, i);
+            all.push_back({name, tables.emplace_back(tables_of(name))});
+        }
+        return all;
+    }();
     return regions;
 }
 
 const asn1_type_desc* find_type(std::string_view region_name, std::string_view name) {
     for (const Region& region : all_regions()) {
-        for (const orlenta_catalogue_entry& entry : region.entries) {
+        for (const TableEntry& entry : region.entries) {
             if (region.name == region_name && entry.name == name) return entry.type;
         }
     }
     return nullptr;
 }
 
-std::vector<orlenta_catalogue_entry> roots_of(const Region& region) {
+std::vector<TableEntry> roots_of(const Region& region) {
     std::unordered_set<const asn1_type_desc*> referred;
-    for (const orlenta_catalogue_entry& entry : region.entries)
+    for (const TableEntry& entry : region.entries)
         for (const asn1_type_desc* type : cli::referred_types(entry.type))
             if (type != entry.type) referred.insert(type);
-    std::vector<orlenta_catalogue_entry> roots;
-    for (const orlenta_catalogue_entry& entry : region.entries)
+    std::vector<TableEntry> roots;
+    for (const TableEntry& entry : region.entries)
         if (kind_of(entry.type) != ASN1_KIND_OBJECT_CLASS && !referred.contains(entry.type))
             roots.push_back(entry);
     return roots;
 }
 
-uint32_t seed_of(const orlenta_catalogue_entry& entry, uint32_t round) {
+uint32_t seed_of(const TableEntry& entry, uint32_t round) {
     uint32_t hash = 0x811C9DC5 + round * 0x9E3779B9;
     for (const char* c = entry.table; *c; ++c) hash = (hash ^ static_cast<uint8_t>(*c)) * 0x01000193;
     return hash;

@@ -10,13 +10,18 @@
 #include <string_view>
 #include <vector>
 
-#include "compiler/emit/catalogue_entry.hpp"
-
 namespace orlenta::test {
+
+// A table of a region, those of simple types in place among them.
+struct TableEntry {
+    const char* table;  // "Latitude", "Lpn_1"; of what has no name "<n>th in place"
+    const char* name;   // in the schema; "" in place
+    const asn1_type_desc* type;
+};
 
 struct Region {
     const char* name;
-    std::span<const orlenta_catalogue_entry> entries;
+    std::span<const TableEntry> entries;
 };
 inline void PrintTo(const Region& region, std::ostream* out) { *out << region.name; }
 std::span<const Region> all_regions();
@@ -25,7 +30,7 @@ std::span<const Region> all_regions();
 const asn1_type_desc* find_type(std::string_view region_name, std::string_view name);
 
 // The types to which no other one of the region refers: its messages, and what only stands in a module.
-std::vector<orlenta_catalogue_entry> roots_of(const Region& region);
+std::vector<TableEntry> roots_of(const Region& region);
 
 struct Release {
     const asn1_type_desc* type;
@@ -45,6 +50,6 @@ Sample make_sample(const asn1_type_desc* type, uint32_t seed);
 bool is_recursive(const asn1_type_desc* type);
 
 // A seed for the `round`th value of a table: large and different for each.
-uint32_t seed_of(const orlenta_catalogue_entry& entry, uint32_t round);
+uint32_t seed_of(const TableEntry& entry, uint32_t round);
 
 }  // namespace orlenta::test

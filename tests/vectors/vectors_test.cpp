@@ -11,7 +11,6 @@
 #include <nlohmann/json.hpp>
 #include <random>
 
-#include "compiler/emit/catalogue_entry.hpp"
 #include "tests/roundtrip/rules.hpp"
 #include "tests/roundtrip/values.hpp"
 #include "tests/support/failing_allocator.hpp"
@@ -46,7 +45,7 @@ const Types& catalogue() {
     static const Types types = [] {
         Types all;
         for (const Region& region : all_regions()) {
-            for (const orlenta_catalogue_entry& entry : region.entries) {
+            for (const TableEntry& entry : region.entries) {
                 if (entry.name[0] != '\0') all[std::string(region.name) + "." + entry.name] = entry.type;
             }
         }
