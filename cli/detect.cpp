@@ -4,10 +4,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstring>
 
 #include "cli/text_bytes.hpp"
 #include "cli/type_names.hpp"
-#include "core/descriptor.hpp"
 
 namespace cli {
 
@@ -19,17 +19,25 @@ struct Component {
 };
 
 static Component component(Component of, std::string_view name) {
-    if (!of.type || orlenta::kind_of(of.type) != ASN1_KIND_SEQUENCE) return {};
-    const asn1_field* field = orlenta::components(of.type);
-    for (const asn1_field* end = field + orlenta::component_count(of.type); field < end; ++field)
-        if (orlenta::field_name(field) == name)
-            return {orlenta::untagged(orlenta::field_type(field)), orlenta::field_value(field, of.value)};
+    orlenta_component part;
+    for (uint32_t i = 0; of.type && orlenta_type_component(of.type, i, &part) == 0; ++i) {
+        if (part.name != name) continue;
+        orlenta_type_facts facts;
+        orlenta_type_describe(part.type, &facts);
+        return {facts.type, static_cast<const char*>(of.value) + part.offset};
+    }
     return {};
+}
+
+static uint32_t number(Component of) {
+    uint32_t word;
+    memcpy(&word, of.value, sizeof word);
+    return word;
 }
 
 static int64_t message_id(Component header) {
     Component id = component(header, "messageID");
-    return id.value ? orlenta::load32(id.value) : -1;
+    return id.value ? int64_t{number(id)} : -1;
 }
 
 // ---- candidates -------------------------------------------------------------------------------------------
@@ -73,9 +81,8 @@ Problem Detector::no_type(const Rules& rules, std::string_view input) const {
     if (header_.type) header = decode(rules, header_, nullptr, input, true, &ignored);
     if (header) {
         Component value = {header_.type, header.get()};
-        problem.text +=
-            fmt::format("; as an ETSI header: protocolVersion {}, messageID {}",
-                        orlenta::load32(component(value, "protocolVersion").value), message_id(value));
+        problem.text += fmt::format("; as an ETSI header: protocolVersion {}, messageID {}",
+                                    number(component(value, "protocolVersion")), message_id(value));
     }
     std::string octets;
     append_bytes_as(TextForm::hex, input.substr(0, 8), &octets);

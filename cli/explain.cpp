@@ -13,7 +13,6 @@
 #include "cli/commands.hpp"
 #include "cli/diary.hpp"
 #include "cli/type_names.hpp"
-#include "core/descriptor.hpp"
 
 namespace cli {
 
@@ -51,7 +50,9 @@ static const char* kind_name(orlenta_bits_kind kind) {
 }
 
 static void take_bits(void* user, const orlenta_bits* bits) {
-    const char* type = asn1_get_type_name(orlenta::untagged(bits->type));
+    orlenta_type_facts facts;
+    orlenta_type_describe(bits->type, &facts);
+    const char* type = asn1_get_type_name(facts.type);
     static_cast<std::vector<Line>*>(user)->push_back(
         {*bits, bits->text, bits->path,
          bits->value ? std::string(bits->value, bits->value_length) : std::string(), type ? type : ""});

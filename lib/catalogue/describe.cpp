@@ -55,6 +55,7 @@ static void describe_integer(orlenta_type_facts* facts) {
         return;
     }
     integer_bounds bounds = integer_bounds_of(type);
+    facts->is_unsigned = is_unsigned_integer(type);
     facts->has_lower = bounds.has_lower;
     facts->has_upper = bounds.has_upper;
     facts->lower = bound_of(type, bounds.lower);
@@ -82,12 +83,22 @@ static void describe_characters(orlenta_type_facts* facts) {
     facts->root_count = facts->count = layout.range_count > 0 ? static_cast<uint32_t>(layout.range_count) : 0;
 }
 
+static void describe_open_type(orlenta_type_facts* facts) {
+    const asn1_table_constraint* constraint = table_constraint_of(facts->type);
+    if (!constraint) return;
+    facts->object_class = constraint->object_class.type;
+    facts->column = low32(constraint->column);
+    facts->root_count = facts->count = low32(constraint->row_count);
+    facts->key_count = low32(constraint->selector_count);
+}
+
 }  // namespace orlenta
 
 using namespace orlenta;
 
 void orlenta_type_describe(const asn1_type_desc* type, orlenta_type_facts* facts) {
     *facts = {};
+    if (kind_of(type) == ASN1_KIND_TAGGED) facts->inner = tagged_inner(type);
     facts->type = untagged(type);
     facts->kind = kind_of(facts->type);
     facts->is_extensible = is_extensible(facts->type);
@@ -103,6 +114,10 @@ void orlenta_type_describe(const asn1_type_desc* type, orlenta_type_facts* facts
         case ASN1_KIND_OCTET_STRING: return describe_octets(facts);
         case ASN1_KIND_ENUMERATED: return describe_enumerated(facts);
         case ASN1_KIND_CHAR_STRING: return describe_characters(facts);
+        case ASN1_KIND_ANY: return describe_open_type(facts);
+        case ASN1_KIND_OBJECT_CLASS:
+            facts->root_count = facts->count = class_field_count(facts->type);
+            return;
         default: return;
     }
 }
@@ -162,4 +177,45 @@ int orlenta_type_range(const asn1_type_desc* type, uint32_t index, orlenta_range
     *part = {range_first(layout, static_cast<int32_t>(index)),
              range_last(layout, static_cast<int32_t>(index))};
     return 0;
+}
+
+int orlenta_type_field(const asn1_type_desc* object_class, uint32_t index, orlenta_class_field* part) {
+    if (kind_of(object_class) != ASN1_KIND_OBJECT_CLASS || index >= class_field_count(object_class))
+        return -1;
+    const asn1_class_field* field = class_fields(object_class) + index;
+    *part = {field->name.text, field->type.type, class_field_sort(field) == ASN1_CLASS_FIELD_TYPE};
+    return 0;
+}
+
+int orlenta_type_cell(const asn1_type_desc* type, uint32_t row, uint32_t column, orlenta_cell* part) {
+    const asn1_table_constraint* constraint = table_constraint_of(type);
+    if (!constraint || row >= constraint->row_count.number) return -1;
+    uint32_t columns = class_field_count(constraint->object_class.type);
+    if (column >= columns) return -1;
+    const asn1_word* cell = constraint->rows.type + uint64_t{row} * columns + column;
+    uint32_t sort = class_field_sort(class_fields(constraint->object_class.type) + column);
+    *part = {};
+    if (sort == ASN1_CLASS_FIELD_TYPE) {
+        part->type = cell->type;
+    } else {
+        part->value = cell->address;
+    }
+    return 0;
+}
+
+int orlenta_type_key(const asn1_type_desc* type, uint32_t index, orlenta_key* part) {
+    const asn1_table_constraint* constraint = table_constraint_of(type);
+    if (!constraint || index >= constraint->selector_count.number) return -1;
+    const asn1_word* word = selectors_of(constraint);
+    for (uint32_t i = 0;; ++i) {
+        *part = {};
+        part->levels_up = low32(*word++);
+        for (bool is_last = false; !is_last; ++word) {
+            is_last = (low32(*word) & ASN1_SELECTOR_LAST) != 0;
+            uint32_t step = part->path_length++;
+            if (step < ORLENTA_KEY_PATH) part->path[step] = low32(*word) & ~ASN1_SELECTOR_LAST;
+        }
+        part->column = low32(*word++);
+        if (i == index) return 0;
+    }
 }

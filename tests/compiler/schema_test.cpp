@@ -157,6 +157,26 @@ std::string shown_bounds(const orlenta_type_facts& facts) {
            (facts.has_upper ? std::to_string(facts.upper) : "") + "]";
 }
 
+std::string shown_row(const orlenta_type_facts& facts, uint32_t row) {
+    std::string text;
+    orlenta_cell cell;
+    for (uint32_t i = 0; orlenta_type_cell(facts.type, row, i, &cell) == 0; ++i)
+        text +=
+            cell.type ? shown(cell.type) : std::to_string(*static_cast<const uint32_t*>(cell.value)) + ">";
+    return text;
+}
+
+std::string shown_keys(const orlenta_type_facts& facts) {
+    std::string text;
+    orlenta_key key;
+    for (uint32_t i = 0; orlenta_type_key(facts.type, i, &key) == 0; ++i) {
+        text += "@" + std::to_string(key.column) + "^" + std::to_string(key.levels_up);
+        for (uint32_t k = 0; k < key.path_length; ++k) text += "." + std::to_string(key.path[k]);
+    }
+    EXPECT_EQ(facts.key_count == 0, text.empty());
+    return text + (facts.object_class ? "#" + std::to_string(facts.column) + shown(facts.object_class) : "");
+}
+
 std::string shown_parts(const orlenta_type_facts& facts) {
     std::string text;
     for (uint32_t i = 0; i < facts.count; ++i) {
@@ -164,6 +184,7 @@ std::string shown_parts(const orlenta_type_facts& facts) {
         orlenta_alternative alternative;
         orlenta_item item;
         orlenta_range range;
+        orlenta_class_field field;
         text += i == 0 ? "" : i == facts.root_count ? "|" : ",";
         if (orlenta_type_component(facts.type, i, &component) == 0) {
             text += component.opens_group ? "[" : "";
@@ -179,8 +200,16 @@ std::string shown_parts(const orlenta_type_facts& facts) {
             text += item.name + ("=" + std::to_string(item.number));
         } else if (orlenta_type_range(facts.type, i, &range) == 0) {
             text += std::to_string(range.first) + "-" + std::to_string(range.last);
+        } else if (orlenta_type_field(facts.type, i, &field) == 0) {
+            text += field.name + std::string(field.is_type ? "" : shown(field.type));
+        } else {
+            text += shown_row(facts, i);
         }
     }
+    orlenta_class_field field;
+    orlenta_cell cell;
+    EXPECT_EQ(orlenta_type_field(facts.type, facts.count, &field), -1);
+    EXPECT_EQ(orlenta_type_cell(facts.type, facts.count, 0, &cell), -1);
     orlenta_component component;
     orlenta_alternative alternative;
     orlenta_item item;
@@ -195,8 +224,10 @@ std::string shown_parts(const orlenta_type_facts& facts) {
 std::string shown(const asn1_type_desc* type) {
     orlenta_type_facts facts;
     orlenta_type_describe(type, &facts);
-    std::string text = ":" + std::to_string(facts.kind) + (facts.is_big ? "big" : "") + shown_bounds(facts) +
+    std::string text = ":" + std::to_string(facts.kind) + (facts.is_big ? "big" : "") +
+                       (facts.is_unsigned ? "u" : "") + (facts.inner ? "t" : "") + shown_bounds(facts) +
                        (facts.is_extensible ? "..." : "") + shown_parts(facts);
+    text += shown_keys(facts);
     if (facts.element) text += shown(facts.element);
     if (facts.contained) text += "<" + shown(facts.contained) + ">";
     return text;
@@ -214,7 +245,10 @@ TEST(Schema, TellsWhatTypesAreMadeOf) {
         "B ::= INTEGER (0..18446744073709551615)\n"
         "T ::= SET { b BIT STRING (SIZE (9)), u UTF8String, n INTEGER (MIN..8), r REAL, d B DEFAULT "
         "70000000000 }\n"
-        "U ::= SET OF INTEGER (0..70)\nEND",
+        "U ::= SET OF INTEGER (0..70)\n"
+        "K ::= CLASS { &id INTEGER (0..9) UNIQUE, &Type }\n"
+        "Known K ::= { { &id 3, &Type BOOLEAN } | { &id 4, &Type NULL }, ... }\n"
+        "O ::= SEQUENCE { in SEQUENCE { id K.&id ({Known}) }, value K.&Type ({Known}{@in.id}) }\nEND",
         "MY");
     ASSERT_NE(orlenta_schema_catalogue(schema.get()), nullptr) << messages(schema);
     const std::pair<const char*, const char*> rows[] = {
@@ -225,7 +259,9 @@ TEST(Schema, TellsWhatTypesAreMadeOf) {
         {"L", ":1[2..]...:8[0..]<:9...{x=5,y=9|z=12}>"},
         {"B", ":5big"},
         {"T", ":2{b+0:7[9..9],u+16:15,n+32:5big,r+56:14,d+64:5big=0}"},
-        {"U", ":3[0..]:5[0..70]"},
+        {"U", ":3[0..]:5u[0..70]"},
+        {"O", ":0{in+0:0{id+0:5u[0..9]},value+8:16t{3>:6,4>:10}@0^0.0.0#1:17{&id:5u[0..9],&Type}}"},
+        {"K", ":17{&id:5u[0..9],&Type}"},
     };
     for (const auto& [name, text] : rows) EXPECT_EQ(shown(type_of(schema, name)), text) << name;
     EXPECT_EQ(shown(kIa5), ":15[0..]");
