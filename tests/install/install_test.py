@@ -55,12 +55,12 @@ def check_headers(args):
                 run(compiler, *options, *strict, *includes, "-", input=f"#include <orlenta/{header.name}>\n")
 
 
-def declared_names(args):
+def declared_names(args, macro="ORLENTA_API"):
     """All functions and tables that the public headers declare."""
     names = set()
     for header in public_headers(args):
         text = re.sub(r"/\*.*?\*/|^#.*?(?<!\\)$", " ", header.read_text(), flags=re.S | re.M)
-        for declaration in re.findall(r"\bORLENTA_API\b([^;{]*)[;{]", text):
+        for declaration in re.findall(rf"\b{macro}\b([^;{{]*)[;{{]", text):
             data = re.search(r"\bextern\b[^(]*?(\w+)\s*(?:\[.*)?$", declaration, re.S)
             function = re.search(r"(\w+)\s*\(", declaration)
             names.add((data or function).group(1))
@@ -92,6 +92,14 @@ def check_exports(args):
         expect(tag not in dynamic, f"{tag} in the dynamic section")
     written = [line for line in run("nm", library(args)).splitlines() if line.split()[-2] in "bBC"]
     expect(not written, f"writable globals: {written[:20]}")
+
+
+def check_schema_exports(args):
+    """The schema compiler shows nothing of the C++ inside."""
+    compiler = args.build / "compiler" / "liborlenta-schema.so"
+    exported = {line.split()[-1] for line in run("nm", "-D", "--defined-only", compiler).splitlines()}
+    declared = declared_names(args, "ORLENTA_SCHEMA_API")
+    expect(exported == declared and declared, f"exported: {sorted(exported ^ declared)[:20]}")
 
 
 def check_addresses(args):
