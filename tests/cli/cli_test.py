@@ -145,7 +145,7 @@ CASES = [
     ("roots XX", "", 2, "", "...orlenta: no region is named XX; there are: CN"),
     ("show CN.zzzzzzzzzzzz", "", 2, "", "orlenta: no type is named CN.zzzzzzzzzzzz; see orlenta types\n"),
     # Modules of the user's own.
-    (f"convert {SENSORS} --type Sensors.Reading --from uper --to jer --compact --hex", "200221e281b4b1b280", 0,
+    (f"convert {SENSORS} --type Sensors.Reading --from uper --to jer --compact --hex {SOURCE}/examples/reading.hex", "", 0,
      '{"station":17,"quantity":"temperature","value":-35,"note":"ice"}\n', ""),
     (f"convert {SENSORS} --region MY --type my.reading --from jer --to uper --hex",
      '{"station":17,"quantity":"humidity","value":-1001}', 1, "", "...integer range is -1000 .. 1000 (at value)\n"),
