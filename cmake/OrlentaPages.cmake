@@ -9,10 +9,12 @@ function(orlenta_man_page name target)
         return()
     endif()
     set(page ${CMAKE_CURRENT_BINARY_DIR}/${name}.1)
+    # whatis(1) takes one word for a name, help2man the whole command.
+    file(WRITE ${page}.name "[NAME]\n${name} \\- ${arg_SUMMARY}\n")
     string(JOIN " " command $<TARGET_FILE:${target}> ${arg_ARGS})
     add_custom_command(OUTPUT ${page}
         COMMAND ${HELP2MAN} --no-info --no-discard-stderr --version-string ${PROJECT_VERSION} --source orlenta
-            --name ${arg_SUMMARY} --output ${page} ${command}
+            --include ${page}.name --output ${page} ${command}
         DEPENDS ${target} VERBATIM)
     add_custom_target(${name}_page ALL DEPENDS ${page})
     install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
