@@ -106,7 +106,12 @@ void put_names_in_place(Writer& writer, const Table& table) {
 
 void put_member(Writer& writer, const Part& part, const std::string& name, const char* indent) {
     const Table& described = unwrapped(*part.table);
-    put(writer, "{}{} {};", indent, value_type(*part.table), name);
+    std::string type = value_type(*part.table);
+    if (type.ends_with('*'))
+        put(writer, "{}ORLENTA_POINTER({}, {});", indent, type, name);
+    else
+        put(writer, "{}{}{} {};", indent, described.kind == ASN1_KIND_REAL ? "ORLENTA_ALIGNED_8 " : "", type,
+            name);
     if (!has_record(described)) put(writer, " /* {} */", description(described));
     put(writer, "\n");
 }
@@ -169,7 +174,8 @@ void put_struct(Writer& writer, const Table& table) {
         case ASN1_KIND_SET: put_sequence(writer, table); break;
         case ASN1_KIND_CHOICE: put_choice(writer, table); break;
         default:
-            put(writer, "    {}* data;\n    uint64_t count;\n", value_type(*table.parts[0].table));
+            put(writer, "    ORLENTA_POINTER({}*, data);\n    uint64_t count;\n",
+                value_type(*table.parts[0].table));
             break;
     }
     put(writer, "}};\n\n");

@@ -19,10 +19,10 @@ extern "C" {
 
 /** A big integer. */
 typedef struct asn1_integer {
-    uint32_t* limbs;   /**< owned; null if nothing was allocated */
-    uint32_t size;     /**< limbs in use */
-    uint32_t capacity; /**< limbs allocated */
-    int32_t negative;  /**< 1 below zero, else 0 */
+    ORLENTA_POINTER(uint32_t*, limbs); /**< owned; null if nothing was allocated */
+    uint32_t size;                     /**< limbs in use */
+    uint32_t capacity;                 /**< limbs allocated */
+    int32_t negative;                  /**< 1 below zero, else 0 */
 } asn1_integer;
 
 /** @name Life

@@ -22,6 +22,32 @@
 #define ORLENTA_API
 #endif
 
+/** @name Layout
+ *
+ * Descriptors and value records have one layout on every machine: a pointer takes 8 octets, and begins, like a 64-bit
+ * number and a double, at a multiple of 8. Where pointers are shorter, what is behind one has no name and no meaning;
+ * where 64-bit numbers may begin at a multiple of 4, an attribute moves them.
+ * @{ */
+
+/** Begins at a multiple of 8. */
+#if defined(__GNUC__)
+#define ORLENTA_ALIGNED_8 __attribute__((aligned(8)))
+#else
+#define ORLENTA_ALIGNED_8
+#endif
+/** A member that is a pointer. */
+/* clang-format off */
+#if UINTPTR_MAX > UINT32_MAX
+#define ORLENTA_POINTER(type, name) type name
+#else
+#define ORLENTA_POINTER(type, name) \
+    ORLENTA_ALIGNED_8 type name;    \
+    uint32_t : 32
+#endif
+/* clang-format on */
+
+/** @} */
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -30,7 +56,7 @@ struct asn1_integer;
 
 /** One word of a descriptor. Which member is meant follows from the word's place; see the layouts below. */
 typedef union asn1_word {
-    uint64_t number;                    /**< a count, size, offset, bound or flags */
+    ORLENTA_ALIGNED_8 uint64_t number;  /**< a count, size, offset, bound or flags */
     const union asn1_word* type;        /**< another descriptor, or an array of words */
     const char* text;                   /**< NUL-terminated */
     const struct asn1_integer* integer; /**< a bound or default that does not fit 32 bits */
@@ -191,27 +217,27 @@ typedef struct asn1_table_constraint {
 /** OCTET STRING, character strings (length in code units, no terminator), OBJECT IDENTIFIER and RELATIVE-OID
  * (contents octets). */
 typedef struct asn1_string {
-    uint8_t* data;   /**< owned; may be null if `length` is 0 */
-    uint64_t length; /**< in code units, or octets */
+    ORLENTA_POINTER(uint8_t*, data); /**< owned; may be null if `length` is 0 */
+    uint64_t length;                 /**< in code units, or octets */
 } asn1_string;
 
 /** BIT STRING: bit 7 of the first byte is the first bit; length in bits. */
 typedef struct asn1_bit_string {
-    uint8_t* data;   /**< owned; may be null if `length` is 0 */
-    uint64_t length; /**< in bits */
+    ORLENTA_POINTER(uint8_t*, data); /**< owned; may be null if `length` is 0 */
+    uint64_t length;                 /**< in bits */
 } asn1_bit_string;
 
 /** SEQUENCE OF and SET OF. */
 typedef struct asn1_array {
-    void* data;     /**< owned: the elements' records, one after the other */
-    uint64_t count; /**< of elements */
+    ORLENTA_POINTER(void*, data); /**< owned: the elements' records, one after the other */
+    uint64_t count;               /**< of elements */
 } asn1_array;
 
 /** An open type: `type` and a value of it, or a null `type` and the `length` raw bytes of an unresolved encoding. */
 typedef struct asn1_open_value {
-    const asn1_type_desc* type; /**< of the value at `data`; null: `data` is bytes */
-    void* data;                 /**< owned */
-    uint64_t length;            /**< of the bytes, where `type` is null */
+    ORLENTA_POINTER(const asn1_type_desc*, type); /**< of the value at `data`; null: `data` is bytes */
+    ORLENTA_POINTER(void*, data);                 /**< owned */
+    uint64_t length;                              /**< of the bytes, where `type` is null */
 } asn1_open_value;
 
 /** @} */

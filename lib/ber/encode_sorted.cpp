@@ -117,7 +117,7 @@ static void put_elements(asn1_ber_encoder* encoder, const set_element* entries, 
 int asn1_ber_encode_sorted_set_of(asn1_ber_encoder* encoder, const asn1_type_desc* type,
                                   const asn1_array* value, uint32_t tag) {
     if (!has_stack(&encoder->stack)) return -1;
-    uint64_t size;
+    size_t size;
     if (__builtin_mul_overflow(value->count, sizeof(set_element), &size)) return -1;
     set_element* entries = static_cast<set_element*>(asn1_mallocz(size));
     if (entries == nullptr) return -1;

@@ -42,7 +42,7 @@ int asn1_ber_encode_char_string(asn1_ber_encoder* encoder, const asn1_type_desc*
                                 const asn1_string* value, uint32_t tag) {
     uint32_t shift = code_unit_shift(string_type(type));
     if (shift == 0) return asn1_ber_encode_octet_string1(encoder, tag, value->data, value->length);
-    uint64_t length;
+    size_t length;
     if (__builtin_mul_overflow(value->length, UINT64_C(1) << shift, &length)) return -1;
     uint8_t* octets = static_cast<uint8_t*>(asn1_malloc(length));
     if (octets == nullptr) return -1;

@@ -13,8 +13,8 @@ static int to_integer(const char* function, const asn1_bit_string* bits, bool ha
     }
     uint64_t size = (static_cast<uint64_t>(static_cast<uint32_t>(bits->length)) + 7) / 8;
     if (size > width) {
-        fprintf(stderr, "bitString length error! %lu instead of max. %lu\n", static_cast<unsigned long>(size),
-                static_cast<unsigned long>(width));
+        fprintf(stderr, "bitString length error! %llu instead of max. %llu\n",
+                static_cast<unsigned long long>(size), static_cast<unsigned long long>(width));
         return 1;
     }
     if (size != 0 && bits->data == nullptr) {

@@ -45,7 +45,7 @@ ORLENTA_NOINLINE static int copy_components(copy_walk* walk, const asn1_type_des
 ORLENTA_NOINLINE static int copy_list(copy_walk* walk, const asn1_type_desc* desc, asn1_array* dst,
                                       const asn1_array* src) {
     list_layout list = list_of(desc);
-    uint64_t size;
+    size_t size;
     dst->count = src->count;
     dst->data = nullptr;
     if (check_depth(walk) != 0) return -1;
@@ -61,8 +61,8 @@ ORLENTA_NOINLINE static int copy_list(copy_walk* walk, const asn1_type_desc* des
 
 // A new block with the first `size` bytes at `src`, or null.
 static uint8_t* copy_bytes(const void* src, uint64_t size) {
-    void* block = asn1_malloc(size);
-    if (block != nullptr && size != 0) memcpy(block, src, size);
+    void* block = size <= SIZE_MAX ? asn1_malloc(static_cast<size_t>(size)) : nullptr;
+    if (block != nullptr && size != 0) memcpy(block, src, static_cast<size_t>(size));
     return static_cast<uint8_t*>(block);
 }
 

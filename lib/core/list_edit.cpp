@@ -18,7 +18,8 @@ static uint64_t element_size(const asn1_type_desc* desc) {
 // On failure the count stays raised and the new block is left behind, as the interface says.
 int asn1_seq_add(const asn1_type_desc* elem_desc, uint64_t* count, void** elements, const void* elem) {
     if (elem == nullptr || elements == nullptr || elem_desc == nullptr) return -1;
-    uint64_t old_count = (*count)++, size = element_size(elem_desc), bytes;
+    uint64_t old_count = (*count)++, size = element_size(elem_desc);
+    size_t bytes;
     if (__builtin_mul_overflow(*count, size, &bytes)) return -1;
     void* block = asn1_malloc(bytes);  // not zero-filled: the copies write every element in full
     if (block == nullptr) return -1;
@@ -35,7 +36,8 @@ int asn1_seq_add(const asn1_type_desc* elem_desc, uint64_t* count, void** elemen
 
 // Deep copies of the `count` elements but the one at `index`, or null. An index of `count` leaves out the last.
 static void* copy_without(const asn1_type_desc* desc, const void* elements, uint64_t count, uint64_t index) {
-    uint64_t size = element_size(desc), bytes;
+    uint64_t size = element_size(desc);
+    size_t bytes;
     if (__builtin_mul_overflow(count - 1, size, &bytes)) return nullptr;
     void* block = asn1_mallocz(bytes);  // zero-filled, so that a partial element can be released
     if (block == nullptr) return nullptr;

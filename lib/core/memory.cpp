@@ -31,18 +31,19 @@ static uint64_t largest(uint64_t a, uint64_t b, uint64_t c) {
     return ab > c ? ab : c;
 }
 
-static bool has_top_bit(uint64_t n) { return n >> 63 != 0; }
+static bool is_too_large(uint64_t n) { return n > SIZE_MAX / 2; }
 
 int __asn1_realloc_buf(void** ptr, uint64_t element_size, uint64_t* capacity, uint64_t needed, int zero) {
-    uint64_t old_capacity = *capacity, bytes;
-    if (has_top_bit(old_capacity)) return -1;
+    uint64_t old_capacity = *capacity;
+    size_t bytes;
+    if (is_too_large(old_capacity)) return -1;
     uint64_t new_capacity = largest(old_capacity + old_capacity / 2, 4, needed);
-    if (has_top_bit(new_capacity)) return -1;
+    if (is_too_large(new_capacity)) return -1;
     if (__builtin_mul_overflow(element_size, new_capacity, &bytes)) return -1;
     void* block = asn1_realloc(*ptr, bytes);
     if (block == nullptr) return -1;
     if (zero != 0) {
-        uint64_t old_bytes = element_size * old_capacity;
+        size_t old_bytes = static_cast<size_t>(element_size * old_capacity);
         memset(static_cast<uint8_t*>(block) + old_bytes, 0, bytes - old_bytes);
     }
     *ptr = block;
@@ -53,7 +54,8 @@ int __asn1_realloc_buf(void** ptr, uint64_t element_size, uint64_t* capacity, ui
 int __asn1_byte_buffer_realloc(asn1_byte_buffer* buf, uint64_t needed) {
     if (buf->failed != 0) return -1;
     uint64_t new_capacity = largest(buf->capacity + buf->capacity / 2, 16, needed);
-    void* block = has_top_bit(new_capacity) ? nullptr : asn1_realloc(buf->data, new_capacity);
+    void* block =
+        is_too_large(new_capacity) ? nullptr : asn1_realloc(buf->data, static_cast<size_t>(new_capacity));
     if (block == nullptr) {
         buf->failed = 1;
         return -1;

@@ -48,7 +48,7 @@ static const char* skip_white_space(const char* text) {
 static int parse_arc(const char** text, int32_t* arc) {
     const char* begin = skip_white_space(*text);
     char* end;
-    *arc = static_cast<int32_t>(static_cast<uint32_t>(strtoul(begin, &end, 10)));
+    *arc = static_cast<int32_t>(static_cast<uint32_t>(strtoull(begin, &end, 10)));
     if (end == begin || *arc < 0) return -1;
     *text = skip_white_space(end);
     return 0;

@@ -28,7 +28,7 @@ int64_t asn1_get_size(const asn1_type_desc* desc) {
             case ASN1_KIND_ANY: return sizeof(asn1_open_value);
             case ASN1_KIND_OBJECT_CLASS: return static_cast<int64_t>(class_field_count(desc)) * 8;
             case ASN1_KIND_TAGGED:
-                if (is_indirect(desc)) return sizeof(void*);
+                if (is_indirect(desc)) return sizeof(asn1_word);
                 break;
             default: return -1;
         }

@@ -6,7 +6,7 @@
 
 namespace orlenta::program {
 
-struct arena_chunk {
+struct alignas(8) arena_chunk {
     arena_chunk* next;
     uint64_t size;  // this head included
 };

@@ -39,7 +39,7 @@ static int random_list(asn1_random_params* params, const asn1_type_desc* type, a
     if (static_cast<int32_t>(range.minimum) < 0) return -1;
     if (params->is_valid && !has_valid_value(list.element)) range.maximum = range.minimum;
     uint64_t count = choose_length(params, range, params->list_spread);
-    uint64_t bytes;
+    size_t bytes;
     if (__builtin_mul_overflow(count, list.stride, &bytes)) return -1;
     value->data = asn1_mallocz(bytes);
     if (!value->data) return -1;

@@ -64,7 +64,9 @@ int make_code_units(asn1_random_params* params, const asn1_type_desc* type, cons
                     asn1_string* value) {
     size_range range = choose_bounds(params, type, layout.size.lower, layout.size.upper);
     uint64_t length = choose_length(params, range, params->string_spread);
-    value->data = static_cast<uint8_t*>(asn1_malloc(length << code_unit_shift(string_type(type))));
+    uint64_t bytes = length << code_unit_shift(string_type(type));
+    if (bytes > SIZE_MAX) return -1;
+    value->data = static_cast<uint8_t*>(asn1_malloc(static_cast<size_t>(bytes)));
     if (!value->data) return -1;
     value->length = length;
     return 0;

@@ -68,7 +68,7 @@ int decode_boolean(asn1_xer_parser* parser, void* value) {
 static int32_t find_item_by_number(const asn1_xer_parser* parser, const asn1_type_desc* type,
                                    const enum_layout& items) {
     char* end;
-    long number = strtol(text_of(parser), &end, 0);
+    long long number = strtoll(text_of(parser), &end, 0);
     if (end != text_end(parser) || number < INT32_MIN || number > INT32_MAX) return -1;
     return asn1_find_enum_index(items.names, items.total, static_cast<int32_t>(number), word0(type));
 }

@@ -112,7 +112,7 @@ static bool lex_entity_name(asn1_xer_parser* parser, char* name) {
 static bool entity_code(const char* name, uint32_t* code) {
     if (name[0] == '#') {
         bool is_hex = name[1] == 'x';
-        *code = static_cast<uint32_t>(strtoul(name + 1 + is_hex, nullptr, is_hex ? 16 : 10));
+        *code = static_cast<uint32_t>(strtoull(name + 1 + is_hex, nullptr, is_hex ? 16 : 10));
         return true;
     }
     static constexpr struct {

@@ -18,6 +18,7 @@ constexpr uint32_t context(uint32_t number) { return UINT32_C(2) << ASN1_TAG_CLA
 // A number, bound or count; a negative bound is stored as its 32-bit pattern.
 constexpr asn1_word num(int64_t n) { return {.number = static_cast<uint32_t>(n)}; }
 constexpr asn1_word ref(const asn1_word* type) { return {.type = type}; }
+constexpr asn1_word constant(const uint32_t* value) { return {.address = value}; }
 constexpr asn1_word txt(const char* text) { return {.text = text}; }
 constexpr asn1_word big(const asn1_integer* integer) { return {.integer = integer}; }
 

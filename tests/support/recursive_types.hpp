@@ -33,7 +33,7 @@ inline const asn1_word kFilter[11] = {
 
 // Shell ::= SEQUENCE { id CLASS.&id, value CLASS.&Type ({Set}{@id}) } with the rows (1, Shell), (2, NULL)
 extern const asn1_word kShell[11];
-inline const asn1_word kShellRows[] = {ref(&kIds[0]), ref(kShell), ref(&kIds[1]), ref(kNull)};
+inline const asn1_word kShellRows[] = {constant(&kIds[0]), ref(kShell), constant(&kIds[1]), ref(kNull)};
 inline const asn1_word kShellTable[] = {
     num(ASN1_CONSTRAINT_TABLE),     ref(kIdClass), num(1), ref(kShellRows), num(2), num(1), num(0),
     {.number = ASN1_SELECTOR_LAST}, num(0)};

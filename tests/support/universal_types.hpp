@@ -128,8 +128,8 @@ inline const asn1_word kIdClass[] = {head(ASN1_KIND_OBJECT_CLASS, ASN1_WORD0_HAS
                                      num(0),
                                      txt("&Type"),
                                      txt("IDS")};
-inline const asn1_word kIds[] = {num(1), num(2)};
-inline const asn1_word kRows[] = {ref(&kIds[0]), ref(kBoolean), ref(&kIds[1]), ref(kOctets)};
+inline const uint32_t kIds[] = {1, 2};
+inline const asn1_word kRows[] = {constant(&kIds[0]), ref(kBoolean), constant(&kIds[1]), ref(kOctets)};
 inline const asn1_word kTable[] = {
     num(ASN1_CONSTRAINT_TABLE),     ref(kIdClass), num(1), ref(kRows), num(2), num(1), num(0),
     {.number = ASN1_SELECTOR_LAST}, num(0)};
