@@ -64,7 +64,8 @@ endfunction()
 # names.
 function(orlenta_table_options target)
     target_compile_features(${target} PRIVATE cxx_std_20)
-    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    get_property(can_share GLOBAL PROPERTY TARGET_SUPPORTS_SHARED_LIBS)
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ${can_share})
     target_compile_options(${target} PRIVATE -O1 -g0 -fdata-sections)
 endfunction()
 

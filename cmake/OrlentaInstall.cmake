@@ -2,7 +2,7 @@
 # What `cmake --install` puts where: headers, libraries, tools, the manual, the CMake package and the pkg-config file.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS orlenta orlenta_static EXPORT orlentaTargets
+install(TARGETS ${ORLENTA_LIBRARIES} EXPORT orlentaTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orlenta ${PROJECT_BINARY_DIR}/include/orlenta
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")

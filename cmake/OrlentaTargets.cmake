@@ -41,12 +41,14 @@ endfunction()
 # Exported functions call each other directly; only what preemptible.list names can be replaced. A section for each
 # function, so that static programs leave out what they do not call.
 function(orlenta_library_options target)
-    target_compile_options(${target} PRIVATE ${ORLENTA_WARNINGS} -fno-semantic-interposition -ffunction-sections
+    get_property(can_share GLOBAL PROPERTY TARGET_SUPPORTS_SHARED_LIBS)
+    target_compile_options(${target} PRIVATE ${ORLENTA_WARNINGS} -ffunction-sections
+        $<$<BOOL:${can_share}>:-fno-semantic-interposition>
         $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>)
     orlenta_fuzzed(${target})
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/lib PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>)
-    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ${can_share}
         C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
@@ -84,7 +86,7 @@ function(orlenta_shared_link_options target)
     endif()
 endfunction()
 
-# orlenta (shared) and orlenta_static, from one set of objects.
+# orlenta (shared) and orlenta_static, from one set of objects; where nothing can be shared, both names mean the latter.
 function(orlenta_make_libraries)
     get_property(tables GLOBAL PROPERTY ORLENTA_TABLE_OBJECTS)
     get_property(shared_programs GLOBAL PROPERTY ORLENTA_SHARED_PROGRAMS)
@@ -96,22 +98,29 @@ function(orlenta_make_libraries)
     list(TRANSFORM shared_programs REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>")
     list(TRANSFORM static_programs REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>")
 
-    # The version's first number changes with the layout of any table: a program may hold copies of the tables that
-    # it names, made by the loader, and these have the size that the program was linked with.
-    add_library(orlenta SHARED ${objects} ${shared_programs})
-    set_target_properties(orlenta PROPERTIES SOVERSION 1 VERSION ${PROJECT_VERSION})
-    orlenta_shared_link_options(orlenta)
-    # Names of tables, their second ones among them, that have done their part: .dynsym has those that programs need.
-    if(CMAKE_OBJCOPY)
-        add_custom_command(TARGET orlenta POST_BUILD VERBATIM COMMAND ${CMAKE_OBJCOPY} --wildcard
-            --strip-symbol=orlenta_own_* --strip-symbol=asn1_type_* $<TARGET_FILE:orlenta>)
-    endif()
-
     add_library(orlenta_static STATIC ${objects} ${static_programs})
     set_target_properties(orlenta_static PROPERTIES OUTPUT_NAME orlenta LINKER_LANGUAGE C)
     target_link_libraries(orlenta_static PUBLIC m)
 
-    foreach(library orlenta orlenta_static)
+    set(libraries orlenta_static)
+    get_property(can_share GLOBAL PROPERTY TARGET_SUPPORTS_SHARED_LIBS)
+    if(can_share)
+        list(APPEND libraries orlenta)
+        # The version's first number changes with the layout of any table: a program may hold copies of the tables that
+        # it names, made by the loader, and these have the size that the program was linked with.
+        add_library(orlenta SHARED ${objects} ${shared_programs})
+        set_target_properties(orlenta PROPERTIES SOVERSION 1 VERSION ${PROJECT_VERSION})
+        orlenta_shared_link_options(orlenta)
+        # Names of tables, their second ones among them, that have done their part: .dynsym has those that programs need.
+        if(CMAKE_OBJCOPY)
+            add_custom_command(TARGET orlenta POST_BUILD VERBATIM COMMAND ${CMAKE_OBJCOPY} --wildcard
+                --strip-symbol=orlenta_own_* --strip-symbol=asn1_type_* $<TARGET_FILE:orlenta>)
+        endif()
+    else()
+        add_library(orlenta ALIAS orlenta_static)
+    endif()
+
+    foreach(library IN LISTS libraries)
         target_include_directories(${library} PUBLIC
             $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
             $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -119,6 +128,8 @@ function(orlenta_make_libraries)
             add_dependencies(${library} ${table})
         endforeach()
     endforeach()
-    add_library(orlenta::orlenta ALIAS orlenta)
+    list(GET libraries -1 orlenta)
+    add_library(orlenta::orlenta ALIAS ${orlenta})
     add_library(orlenta::orlenta_static ALIAS orlenta_static)
+    set(ORLENTA_LIBRARIES ${libraries} PARENT_SCOPE)
 endfunction()

@@ -1,7 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# 64-bit ARM by Debian's cross compiler; programs run under qemu (packages g++-aarch64-linux-gnu, qemu-user).
-set(CMAKE_SYSTEM_NAME Linux)
+# 64-bit ARM.
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
-set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
-set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64;-L;/usr/aarch64-linux-gnu)
+set(compiler_prefix aarch64-linux-gnu)
+include(${CMAKE_CURRENT_LIST_DIR}/debian_cross.cmake)

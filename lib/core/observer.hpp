@@ -10,6 +10,13 @@
 
 namespace orlenta {
 
+// A minimal library has no observers.
+#if defined(ORLENTA_MINIMAL)
+constexpr bool kObserves = false;
+#else
+constexpr bool kObserves = true;
+#endif
+
 struct bit_run {
     uint64_t offset, width;
     orlenta_bits_kind kind;

@@ -129,8 +129,12 @@ static int decode_binary(const uint8_t* in, uint32_t length, double* out) {
     return 0;
 }
 
-// ISO 6093 NR1, NR2 or NR3; which one the first octet says makes no difference.
+// ISO 6093 NR1, NR2 or NR3; which one the first octet says makes no difference. A minimal library does without strtod().
 static int decode_decimal(const uint8_t* in, uint32_t length, double* out) {
+#if defined(ORLENTA_MINIMAL)
+    static_cast<void>(in), static_cast<void>(length), static_cast<void>(out);
+    return -1;
+#else
     if (length >= kDecimalLimit) return -1;
     char text[kDecimalLimit];
     memcpy(text, in + 1, length - 1);
@@ -140,6 +144,7 @@ static int decode_decimal(const uint8_t* in, uint32_t length, double* out) {
     if (errno == ERANGE) return -1;
     *out = value;
     return 0;
+#endif
 }
 
 int asn1_decode_real_ber(const uint8_t* in, uint32_t length, double* out) {

@@ -3,6 +3,8 @@
 
 #include "entry/index.hpp"
 
+#if !defined(ORLENTA_NO_PROGRAMS)
+
 // Weak, so that the library brings along no index that nobody asks for: a static program without one walks the tables.
 extern "C" {
 #define MESSAGE_SET(region) \
@@ -45,6 +47,8 @@ const orlenta_codec* find_codec(const asn1_type_desc* type) {
 }
 
 }  // namespace orlenta::entry
+
+#endif
 
 const orlenta_codec* orlenta_codec_find(const asn1_type_desc* type) {
     return orlenta::entry::find_codec(type);

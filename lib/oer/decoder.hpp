@@ -34,7 +34,7 @@ inline int report_no_memory(asn1_oer_decoder* decoder) { return asn1_error(decod
 
 // Whether what is read has to be named: tell_bits(decoder->observer, bits_read(decoder), ...).
 inline bool is_observed(const asn1_oer_decoder* decoder) {
-    return __builtin_expect(decoder->observer != nullptr, 0);
+    return kObserves && __builtin_expect(decoder->observer != nullptr, 0);
 }
 inline uint64_t bits_read(const asn1_oer_decoder* decoder) { return decoder->position * 8; }
 

@@ -40,7 +40,7 @@ int report_end(asn1_per_decoder* decoder) __attribute__((cold));
 
 // Whether what is read has to be named: tell_bits(decoder->observer, decoder->source.position, ...).
 inline bool is_observed(const asn1_per_decoder* decoder) {
-    return __builtin_expect(decoder->observer != nullptr, 0);
+    return kObserves && __builtin_expect(decoder->observer != nullptr, 0);
 }
 
 inline uint64_t bits_consumed(const asn1_per_decoder* decoder) {
