@@ -1,0 +1,44 @@
+# SPDX-License-Identifier: Apache-2.0
+"""What types and messages are made of."""
+
+from typing import TYPE_CHECKING, Any, NamedTuple, Optional
+
+if TYPE_CHECKING:
+    from . import Type
+
+
+class Component(NamedTuple):
+    """A component of a SEQUENCE or SET."""
+
+    name: str
+    type: "Type"
+    optional: bool  # it may be absent: OPTIONAL, or an addition that an older sender does not know
+    default: Any  # None: it has none
+    is_addition: bool  # behind the extension marker
+
+
+class Alternative(NamedTuple):
+    """An alternative of a CHOICE."""
+
+    name: str
+    type: "Type"
+    is_addition: bool
+
+
+class Item(NamedTuple):
+    """An item of an ENUMERATED."""
+
+    name: str
+    number: int
+    is_addition: bool
+
+
+class Bits(NamedTuple):
+    """A run of bits in a message that was explained."""
+
+    offset: int  # from the start of the message, in bits
+    width: int
+    kind: str  # 'value', 'extension', 'presence', 'index', 'tag', 'length', 'fragment', 'padding', 'end', ...
+    text: str  # in words
+    path: str  # of the component
+    value: Optional[str]  # at the last run of a value without components: it, as JSON
