@@ -179,11 +179,27 @@ static bool use_all(Batch& batch, Py_ssize_t first,
     return true;
 }
 
+namespace {
+
+// Values refer to nothing around them, so that the collector would go through all that were made, again and again, and
+// find nothing.
+struct CollectorPause {
+#if PY_VERSION_HEX >= 0x030A0000
+    int was_on = PyGC_Disable();
+    ~CollectorPause() {
+        if (was_on) PyGC_Enable();
+    }
+#endif
+};
+
+}  // namespace
+
 static bool run(Handle& handle, const ManyOptions& options,
                 const std::function<bool(Slot& slot, Py_ssize_t number)>& use) {
     Source source;
     if (!open_source(source, options)) return false;
     if (options.decode.rules->decode_arena) codec_of(handle);
+    [[maybe_unused]] CollectorPause pause;
     size_t threads = static_cast<size_t>(options.threads);
     Batch batch(threads > 1 ? threads * kSlotsOfThread : kSlotsAlone, threads);
     for (Py_ssize_t first = 0; fill(batch, source); first += static_cast<Py_ssize_t>(batch.used)) {
