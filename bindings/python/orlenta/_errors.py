@@ -6,14 +6,13 @@ class Error(Exception):
     """What went wrong, and where: `message`; `path`, as "a.b[3].c", or ""; `bit_position` in the message, or None;
     `line` of a text, or None. Of a call with many messages, `index` is the number of the message."""
 
-    index = None
-
     def __init__(self, message, path="", bit_position=None, line=None):
         super().__init__(message, path, bit_position, line)
         self.message = message
         self.path = path
         self.bit_position = bit_position
         self.line = line
+        self.index = None
 
     def __str__(self):
         places = []

@@ -23,11 +23,14 @@ def compile(*paths, region=None, module_names=False):
     """
     if not paths:
         raise TypeError("compile() needs the path of a module")
-    sources = tuple((os.fspath(path), _read(path)) for path in paths)
-    return _orlenta.compile(sources, region, module_names)
+    return compile_sources([(os.fspath(path), _read(path)) for path in paths], region, module_names)
 
 
 def compile_text(*texts, region=None, module_names=False):
     """The same of modules that are at hand as texts."""
-    sources = tuple((f"text {number}", text) for number, text in enumerate(texts, 1))
-    return _orlenta.compile(sources, region, module_names)
+    return compile_sources([(f"text {number}", text) for number, text in enumerate(texts, 1)], region, module_names)
+
+
+def compile_sources(sources, region=None, module_names=False):
+    """The same of (name, text) tuples, as which messages call them."""
+    return _orlenta.compile(tuple(sources), region, module_names)

@@ -79,8 +79,14 @@ static bool open_source(Source& source, const ManyOptions& options) {
 
 // Views are copied, so that whoever made them may change them.
 static bool hold(Slot& slot, PyObject* item) {
-    slot.holder = PyBytes_Check(item) || PyUnicode_Check(item) ? shared(item) : PyBytes_FromObject(item);
     Octets octets;
+    if (PyBytes_Check(item)) {
+        slot.holder = shared(item);
+    } else if (PyUnicode_Check(item)) {
+        slot.holder = PyUnicode_AsEncodedString(item, "utf-8", "surrogateescape");
+    } else {
+        slot.holder = PyBytes_FromObject(item);
+    }
     if (!slot.holder || !octets.open(slot.holder)) return false;
     slot.message = {octets.data, octets.size};
     return true;

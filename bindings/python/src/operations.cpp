@@ -32,7 +32,7 @@ PyObject* call_with_type(Schema& schema, Operation* operation, const char* funct
 
 // ---- decode -----------------------------------------------------------------------------------------------------
 
-// Decodes one message and gives `use` its record.
+// Decodes one message and gives it to `use`.
 template <typename Use>
 static PyObject* with_record(Handle& handle, const DecodeOptions& options, PyObject* data, const Use& use) {
     Octets octets;
@@ -45,7 +45,7 @@ static PyObject* with_record(Handle& handle, const DecodeOptions& options, PyObj
     if (!decode(handle, options, {octets.data, octets.size}, arena_of(*lease.scratch), decoded, problem)) {
         return raise(Fault::decode, problem);
     }
-    PyObject* result = use(decoded.record, problem);
+    PyObject* result = use(decoded, problem);
     return result || PyErr_Occurred() ? result : raise(Fault::decode, problem);
 }
 
@@ -56,8 +56,22 @@ PyObject* decode_call(Handle& handle, const Call& call) {
     if (!take_arguments(call, {"decode", names, 3, 1, 2}, taken)) return nullptr;
     options.rules = find_rules(taken[1]);
     if (!options.rules || !take_flag(taken[2], &options.allow_trailing)) return nullptr;
-    return with_record(handle, options, taken[0], [&](const void* record, Problem& problem) {
-        return to_python(*handle.schema, handle.plan, record, problem);
+    return with_record(handle, options, taken[0], [&](const Decoded& decoded, Problem& problem) {
+        return to_python(*handle.schema, handle.plan, decoded.record, problem);
+    });
+}
+
+PyObject* decode_with_length_call(Handle& handle, const Call& call) {
+    static const char* const names[] = {"data", "rules"};
+    PyObject* taken[2];
+    DecodeOptions options;
+    options.allow_trailing = true;
+    if (!take_arguments(call, {"decode_with_length", names, 2, 1, 2}, taken)) return nullptr;
+    options.rules = find_rules(taken[1]);
+    if (!options.rules) return nullptr;
+    return with_record(handle, options, taken[0], [&](const Decoded& decoded, Problem& problem) -> PyObject* {
+        PyObject* value = to_python(*handle.schema, handle.plan, decoded.record, problem);
+        return value ? pair(value, PyLong_FromSize_t(decoded.used)) : nullptr;
     });
 }
 
@@ -114,9 +128,9 @@ PyObject* convert_call(Handle& handle, const Call& call) {
     options.rules = find_rules(taken[1]);
     const Rules* to = options.rules ? find_rules(taken[2]) : nullptr;
     if (!to || !take_flag(taken[3], &is_checked) || !take_flag(taken[4], &options.allow_trailing)) return nullptr;
-    return with_record(handle, options, taken[0], [&](const void* record, Problem&) -> PyObject* {
-        if (is_checked && !passes(handle, record)) return nullptr;
-        return encode(handle, *to, record);
+    return with_record(handle, options, taken[0], [&](const Decoded& decoded, Problem&) -> PyObject* {
+        if (is_checked && !passes(handle, decoded.record)) return nullptr;
+        return encode(handle, *to, decoded.record);
     });
 }
 

@@ -9,6 +9,7 @@ namespace orlenta::python {
 
 // Each takes the arguments behind the type.
 PyObject* decode_call(Handle& handle, const Call& call);
+PyObject* decode_with_length_call(Handle& handle, const Call& call);
 PyObject* encode_call(Handle& handle, const Call& call);
 PyObject* convert_call(Handle& handle, const Call& call);
 PyObject* check_call(Handle& handle, const Call& call);

@@ -99,7 +99,7 @@ struct Octets {
         if (PyUnicode_Check(source)) {
             Py_ssize_t length;
             const char* text = PyUnicode_AsUTF8AndSize(source, &length);
-            return text && set(text, length);
+            return text ? set(text, length) : open_encoded(source);
         }
         if (PyObject_GetBuffer(source, &view, PyBUF_SIMPLE) < 0) return false;
         has_view = true;
@@ -107,6 +107,14 @@ struct Octets {
     }
 
   private:
+    Ref encoded;
+
+    // What was no UTF-8 when it was read goes back as it was.
+    bool open_encoded(PyObject* text) {
+        PyErr_Clear();
+        encoded = Ref(PyUnicode_AsEncodedString(text, "utf-8", "surrogateescape"));
+        return encoded && open(encoded.object);
+    }
     bool set(const char* text, Py_ssize_t length) {
         data = reinterpret_cast<const uint8_t*>(text);
         size = static_cast<size_t>(length);

@@ -107,6 +107,7 @@ bool decode(const Handle& handle, const DecodeOptions& options, const Message& m
         problem = problem_of(error, options.rules->is_text, "the message cannot be decoded");
         return false;
     }
+    decoded.used = static_cast<size_t>(used);
     if (options.rules->is_text || options.allow_trailing || is_whole(readable, used)) return true;
     decoded.clear();
     report_trailing(readable, used, problem);

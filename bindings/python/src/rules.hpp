@@ -36,6 +36,7 @@ struct Decoded {
     const asn1_type_desc* type = nullptr;
     const void* record = nullptr;
     void* own = nullptr;
+    size_t used = 0;  // octets of the message
 
     Decoded() = default;
     Decoded(const Decoded&) = delete;

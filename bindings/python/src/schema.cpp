@@ -36,24 +36,15 @@ const orlenta_codec* codec_of(Handle& handle) {
 // ---- the catalogue ------------------------------------------------------------------------------------------------
 
 static bool get_entry(const Schema& schema, size_t index, orlenta_type_entry* entry) {
-    if (!schema.catalogue) return false;
-    const orlenta_type_entry* found = orlenta_catalogue_get(schema.catalogue, index);
-    if (found) *entry = *found;
-    return found != nullptr;
+    return orlenta_catalogue_get(schema.catalogue, index, entry) == 0;
 }
 
 static bool find_entry(const Schema& schema, const char* name, orlenta_type_entry* entry, size_t* count) {
-    if (!schema.catalogue) return false;
-    const orlenta_type_entry* found = orlenta_catalogue_find(schema.catalogue, name, count);
-    if (found) *entry = *found;
-    return found != nullptr;
+    return orlenta_catalogue_find(schema.catalogue, name, entry, count) == 0;
 }
 
 static bool find_entry_of(const Schema& schema, const asn1_type_desc* type, orlenta_type_entry* entry) {
-    if (!schema.catalogue) return false;
-    const orlenta_type_entry* found = orlenta_catalogue_find_type(schema.catalogue, type);
-    if (found) *entry = *found;
-    return found != nullptr;
+    return orlenta_catalogue_find_type(schema.catalogue, type, entry) == 0;
 }
 
 static std::string joined(const orlenta_type_entry& entry, bool with_module) {
@@ -259,7 +250,7 @@ PyObject* compile_schema(PyObject*, PyObject* arguments) {
     return finish(compiled, arguments);
 }
 
-PyObject* make_builtin_schema() { return make_schema(nullptr, nullptr, Py_None); }
+PyObject* make_builtin_schema() { return make_schema(orlenta_catalogue_builtin(), nullptr, Py_None); }
 
 // ---- the class ------------------------------------------------------------------------------------------------------
 
@@ -321,6 +312,8 @@ PyTypeObject* make_schema_class() {
         {"__reduce__", reduce, METH_NOARGS, nullptr},
         method<decode_call>("decode", "decode($self, type, data, rules='uper', *, allow_trailing=False)\n--\n\n"
                                       "As orlenta.decode, of a type of this schema."),
+        method<decode_with_length_call>("decode_with_length", "decode_with_length($self, type, data, rules='uper')\n--\n\n"
+                                                              "(value, octets of the message), whatever follows."),
         method<encode_call>("encode", "encode($self, type, value, rules='uper', *, check=False)\n--\n\n"
                                       "As orlenta.encode, of a type of this schema."),
         method<convert_call>("convert", "convert($self, type, data, from_, to, *, check=False, "

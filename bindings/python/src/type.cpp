@@ -3,6 +3,7 @@
 
 #include <orlenta/type_info.h>
 
+#include "core/descriptor.hpp"
 #include "operations.hpp"
 #include "problem.hpp"
 #include "state.hpp"
@@ -27,8 +28,18 @@ static void release(PyObject* self) {
     Py_DECREF(type);
 }
 
+// Under a tag of its own a type is another one, but is known by its name.
+static const asn1_type_desc* named_type(const Schema& schema, const asn1_type_desc* type) {
+    orlenta_type_entry entry;
+    while (kind_of(type) == ASN1_KIND_TAGGED && orlenta_catalogue_find_type(schema.catalogue, type, &entry) < 0) {
+        type = tagged_inner(type);
+    }
+    return type;
+}
+
 static PyObject* type_of(PyObject* self, const asn1_type_desc* type) {
     if (!type) return none();
+    type = named_type(*handle_of(self).schema, type);
     Handle* handle = handle_of(*handle_of(self).schema, type);
     return handle ? make_type(self_of(self).schema, *handle) : nullptr;
 }
@@ -91,7 +102,7 @@ static PyObject* get_bounds(PyObject* self, void*) {
 
 // A list of what `make` gives for 0, 1 and so on, until that is null without an exception.
 template <typename Make>
-static PyObject* list_of(const Make& make) {
+static PyObject* parts_of(const Make& make) {
     Ref list(PyList_New(0));
     for (uint32_t i = 0; list; ++i) {
         Ref part(make(i));
@@ -113,7 +124,7 @@ static PyObject* default_of(PyObject* self, const orlenta_component& part) {
 
 static PyObject* get_components(PyObject* self, void*) {
     const asn1_type_desc* type = facts_of(self).type;
-    return list_of([&](uint32_t i) -> PyObject* {
+    return parts_of([&](uint32_t i) -> PyObject* {
         orlenta_component part;
         if (orlenta_type_component(type, i, &part) < 0) return nullptr;
         Ref inner(type_of(self, part.type)), value(inner ? default_of(self, part) : nullptr);
@@ -126,7 +137,7 @@ static PyObject* get_components(PyObject* self, void*) {
 
 static PyObject* get_alternatives(PyObject* self, void*) {
     const asn1_type_desc* type = facts_of(self).type;
-    return list_of([&](uint32_t i) -> PyObject* {
+    return parts_of([&](uint32_t i) -> PyObject* {
         orlenta_alternative part;
         if (orlenta_type_alternative(type, i, &part) < 0) return nullptr;
         Ref inner(type_of(self, part.type));
@@ -138,7 +149,7 @@ static PyObject* get_alternatives(PyObject* self, void*) {
 
 static PyObject* get_items(PyObject* self, void*) {
     const asn1_type_desc* type = facts_of(self).type;
-    return list_of([&](uint32_t i) -> PyObject* {
+    return parts_of([&](uint32_t i) -> PyObject* {
         orlenta_item part;
         if (orlenta_type_item(type, i, &part) < 0) return nullptr;
         return PyObject_CallFunction(state.item, "siO", part.name, static_cast<int>(part.number),
@@ -192,6 +203,8 @@ PyTypeObject* make_type_class() {
     static PyMethodDef methods[] = {
         method<decode_call>("decode", "decode($self, data, rules='uper', *, allow_trailing=False)\n--\n\n"
                                       "The value that the message holds; see orlenta.decode."),
+        method<decode_with_length_call>("decode_with_length", "decode_with_length($self, data, rules='uper')\n--\n\n"
+                                                              "(value, octets of the message), whatever follows."),
         method<encode_call>("encode", "encode($self, value, rules='uper', *, check=False)\n--\n\n"
                                       "The message that holds the value; see orlenta.encode."),
         method<convert_call>("convert",
