@@ -35,14 +35,14 @@ def _array(sort, cells, absent, missing):
         values = values.astype(bool)
     if absent is None:
         return values
-    gone = numpy.frombuffer(absent, dtype=bool)
-    if missing is None and sort == "bool":
+    fill = missing
+    if missing is None and sort != "bool":
+        fill = numpy.nan
+    if sort == "int" and isinstance(fill, float):
+        values = values.astype(numpy.float64)
+    elif not isinstance(fill, bool if sort == "bool" else (int, float)):
         values = values.astype(object)
-        values[gone] = None
-    else:
-        if missing is None and sort == "int":
-            values = values.astype(numpy.float64)
-        values[gone] = numpy.nan if missing is None else missing
+    values[numpy.frombuffer(absent, dtype=bool)] = fill
     return values
 
 

@@ -121,6 +121,8 @@ def test_columns(threads):
     filled = orlenta.columns(ENTRY, MESSAGES, ["level", "note", "lit"], missing=-1)
     assert filled["level"].dtype == numpy.int64 and filled["level"][:2].tolist() == [-1, 9]
     assert filled["note"][:2].tolist() == [-1, "n1"]
+    texts = orlenta.columns(ENTRY, MESSAGES, ["level", "lit", "share"], missing="")
+    assert [texts[path][:2].tolist() for path in texts] == [["", 9], ["", True], ["", 0.5]]
     empty = orlenta.columns(ENTRY, [], ["id"])
     assert len(empty["id"]) == 0
 
