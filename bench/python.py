@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""The Python package beside what one writes by hand: ctypes, JSON from the library, and Python's json.
+"""The Python package beside what one writes by hand with ctypes: the library's decoder and then either its records, read
+word by word, or its JSON, read by Python's json.
 
 python.py [--rounds N] [--record]: PYTHONPATH has the package; --record writes docs/performance.md's section. Both take
 turns in one process, so that other work on the machine meets both; columns are the best of the rounds, and ratios those
@@ -31,38 +32,191 @@ CORE = {
 }
 
 
-class ByHand:
-    """A type through ctypes: asn1_uper_decode, asn1_jer_encode2 with compact text, json.loads, and back."""
+LIBRARY = ctypes.CDLL(os.environ["ORLENTA_LIBRARY"])
+for function in ("asn1_uper_decode", "asn1_jer_encode2", "asn1_jer_decode", "asn1_uper_encode"):
+    getattr(LIBRARY, function).restype = ctypes.c_int64
 
-    library = ctypes.CDLL(os.environ["ORLENTA_LIBRARY"])
+
+def pointer_to(type):
+    """The descriptor of a type, as the library exports it."""
+    name = "asn1_type_" + type.replace(".", "_").replace("-", "_")
+    return ctypes.c_void_p(ctypes.addressof(ctypes.c_char.in_dll(LIBRARY, name)))
+
+
+def decode_by_hand(descriptor, octets, use):
+    """Decodes a message, and gives what `use` makes of its record."""
+    value = ctypes.c_void_p()
+    if LIBRARY.asn1_uper_decode(ctypes.byref(value), descriptor, octets, ctypes.c_uint64(len(octets)), None) < 0:
+        raise ValueError
+    made = use(value)
+    LIBRARY.asn1_free_value(descriptor, value)
+    return made
+
+
+class Json:
+    """A type through ctypes and JSON: asn1_uper_decode, asn1_jer_encode2 with compact text, json.loads, and back."""
+
+    compact = ctypes.create_string_buffer(24)
 
     def __init__(self, type):
-        self.descriptor = ctypes.c_char.in_dll(self.library, "asn1_type_" + type.replace(".", "_").replace("-", "_"))
-        self.pointer = ctypes.byref(self.descriptor)
-        self.compact = ctypes.create_string_buffer(24)
-        for name in ("asn1_uper_decode", "asn1_jer_encode2", "asn1_jer_decode", "asn1_uper_encode"):
-            getattr(self.library, name).restype = ctypes.c_int64
+        self.descriptor = pointer_to(type)
 
     def decode(self, octets):
-        value, text = ctypes.c_void_p(), ctypes.c_void_p()
-        if self.library.asn1_uper_decode(ctypes.byref(value), self.pointer, octets, ctypes.c_uint64(len(octets)), None) < 0:
-            raise ValueError
-        size = self.library.asn1_jer_encode2(ctypes.byref(text), self.pointer, value, self.compact)
+        return decode_by_hand(self.descriptor, octets, self.loads)
+
+    def loads(self, value):
+        text = ctypes.c_void_p()
+        size = LIBRARY.asn1_jer_encode2(ctypes.byref(text), self.descriptor, value, self.compact)
         made = json.loads(ctypes.string_at(text, size))
-        self.library.asn1_free(text)
-        self.library.asn1_free_value(self.pointer, value)
+        LIBRARY.asn1_free(text)
         return made
 
     def encode(self, made):
         text = json.dumps(made).encode()
         value, octets = ctypes.c_void_p(), ctypes.c_void_p()
-        if self.library.asn1_jer_decode(ctypes.byref(value), self.pointer, text, ctypes.c_uint64(len(text)), None) < 0:
+        if LIBRARY.asn1_jer_decode(ctypes.byref(value), self.descriptor, text, ctypes.c_uint64(len(text)), None) < 0:
             raise ValueError
-        size = self.library.asn1_uper_encode(ctypes.byref(octets), self.pointer, value)
+        size = LIBRARY.asn1_uper_encode(ctypes.byref(octets), self.descriptor, value)
         encoded = ctypes.string_at(octets, size)
-        self.library.asn1_free(octets)
-        self.library.asn1_free_value(self.pointer, value)
+        LIBRARY.asn1_free(octets)
+        LIBRARY.asn1_free_value(self.descriptor, value)
         return encoded
+
+
+# ---- records by hand ----------------------------------------------------------------------------------------------
+
+P, U4, U8, I8 = ctypes.c_void_p, ctypes.c_uint32, ctypes.c_uint64, ctypes.c_int64
+
+
+def structure(text):
+    kinds = {"p": P, "u": U4, "U": U8, "I": I8, "s": ctypes.c_char_p}
+    fields = [(name, kinds[kind]) for kind, name in (word.split(":") for word in text.split())]
+    return type("Structure", (ctypes.Structure,), {"_fields_": fields})
+
+
+FACTS = structure("p:type u:kind u:string_type u:is_extensible u:is_big u:has_lower u:has_upper I:lower I:upper p:big_lower "
+                  "p:big_upper u:root_count u:count U:record_size p:element p:contained")
+COMPONENT = structure("s:name p:type u:offset u:has_presence_word u:presence_offset u:presence u:is_addition u:opens u:closes "
+                      "u:default_word p:big_default")
+ALTERNATIVE = structure("s:name p:type u:is_addition U:selector_offset U:value_offset")
+ITEM = structure("s:name u:number u:is_addition")
+STRING = structure("p:data U:length")
+OPEN = structure("p:type p:data U:length")
+INTEGER = structure("p:limbs u:size u:capacity u:negative")
+
+
+class Records:
+    """A type through ctypes, its records read as one reads them by hand: the same values as the package's."""
+
+    def __init__(self, type):
+        self.descriptor = pointer_to(type)
+        self.readers = {}
+        self.read = self.reader(self.descriptor.value)
+
+    def decode(self, octets):
+        return decode_by_hand(self.descriptor, octets, lambda value: self.read(value.value))
+
+    def reader(self, descriptor):
+        """A function from the address of a record to a value."""
+        if descriptor not in self.readers:
+            self.readers[descriptor] = lambda address: self.readers[descriptor](address)
+            self.readers[descriptor] = self.make(descriptor)
+        return self.readers[descriptor]
+
+    def make(self, descriptor):
+        facts = FACTS()
+        LIBRARY.orlenta_type_describe(P(descriptor), ctypes.byref(facts))
+        kind, word = facts.kind, U4.from_address
+        if kind in (0, 2):
+            return self.record(self.parts(facts, COMPONENT, LIBRARY.orlenta_type_component))
+        if kind in (1, 3):
+            return self.list(facts.element)
+        if kind == 4:
+            return self.choice(self.parts(facts, ALTERNATIVE, LIBRARY.orlenta_type_alternative))
+        if kind == 5 and facts.is_big:
+            return big_integer
+        if kind == 5:
+            is_unsigned = facts.lower >= 0 and not facts.is_extensible
+            word = U4.from_address if is_unsigned else ctypes.c_int32.from_address
+            return lambda address: word(address).value
+        if kind == 6:
+            return lambda address: word(address).value != 0
+        if kind == 7:
+            return bit_string
+        if kind == 9:
+            items = [part.name.decode() for part in self.parts(facts, ITEM, LIBRARY.orlenta_type_item)]
+            return lambda address: items[word(address).value]
+        if kind == 16:
+            return self.open_type
+        return {8: octets_at, 15: lambda address: octets_at(address).decode("utf-8")}.get(kind, lambda address: None)
+
+    def parts(self, facts, kind, get):
+        parts = [kind() for _ in range(facts.count)]
+        for index, part in enumerate(parts):
+            get(P(facts.type), index, ctypes.byref(part))
+        return parts
+
+    def record(self, parts):
+        plan = [(part.name.decode(), part.offset, part.presence_offset if part.has_presence_word else None,
+                 self.reader(part.type)) for part in parts]
+
+        def read(address):
+            return {name: reader(address + offset) for name, offset, presence, reader in plan
+                    if presence is None or U4.from_address(address + presence).value}
+        return read
+
+    def list(self, element):
+        facts, read = FACTS(), self.reader(element)
+        LIBRARY.orlenta_type_describe(P(element), ctypes.byref(facts))
+        stride = facts.record_size
+
+        def elements(address):
+            array = STRING.from_address(address)
+            return [read(array.data + i * stride) for i in range(array.length)]
+        return elements
+
+    def choice(self, parts):
+        plan = [(part.name.decode(), part.value_offset, self.reader(part.type)) for part in parts]
+
+        def read(address):
+            name, offset, reader = plan[U4.from_address(address).value]
+            return name, reader(address + offset)
+        return read
+
+    def open_type(self, address):
+        held = OPEN.from_address(address)
+        return self.reader(held.type)(held.data)
+
+
+def octets_at(address):
+    held = STRING.from_address(address)
+    return ctypes.string_at(held.data, held.length)
+
+
+def bit_string(address):
+    held = STRING.from_address(address)
+    return ctypes.string_at(held.data, (held.length + 7) // 8), held.length
+
+
+def big_integer(address):
+    held = INTEGER.from_address(address)
+    magnitude = int.from_bytes(ctypes.string_at(held.limbs, 4 * held.size), "little")
+    return -magnitude if held.negative else magnitude
+
+
+def without_type_names(value):
+    """Open types have the names of their types only in the package."""
+    if isinstance(value, dict):
+        return {name: without_type_names(part) for name, part in value.items()}
+    if isinstance(value, list):
+        return [without_type_names(part) for part in value]
+    if isinstance(value, tuple) and isinstance(value[0], str):
+        name, part = value
+        return without_type_names(part) if "." in name else (name, without_type_names(part))
+    return value
+
+
+# ---- measuring ----------------------------------------------------------------------------------------------------
 
 
 def messages():
@@ -81,26 +235,34 @@ def take_time(calls, argument, times):
     return (time.thread_time_ns() - start) / times / 1000
 
 
-def in_turns(ours, theirs, rounds):
-    """(best, median) of each, in microseconds. Both are (call, argument)."""
-    times = max(1, int(2000 / take_time(*theirs, 3)))
-    both = [(take_time(*ours, times), take_time(*theirs, times)) for _ in range(rounds)]
-    return [(min(column), statistics.median(column)) for column in zip(*both)]
+def in_turns(calls, rounds):
+    """(best, median) of each of (call, argument), in microseconds."""
+    times = max(1, int(2000 / max(take_time(*call, 3) for call in calls)))
+    rows = [[take_time(*call, times) for call in calls] for _ in range(rounds)]
+    return [(min(column), statistics.median(column)) for column in zip(*rows)]
 
 
 def measure(rounds):
+    """(name, octets, (ours, by records, by JSON), (ours, by JSON)) for decoding and encoding."""
     for name, type_name, text in messages():
-        type, hand = orlenta.type(type_name), ByHand(type_name)
+        type, by_json, records = orlenta.type(type_name), Json(type_name), Records(type_name)
         value = type.decode(text, "jer")
         octets = type.encode(value)
-        made = hand.decode(octets)
-        if type.decode(octets) != value or hand.encode(made) != octets:
-            raise SystemExit(f"{name}: the two differ")
-        row = [name, len(octets)]
-        for ours, theirs in [((type.decode, octets), (hand.decode, octets)), ((type.encode, value), (hand.encode, made))]:
-            (best, median), (their_best, their_median) = in_turns(ours, theirs, rounds)
-            row += [best, their_best, their_median / median]
-        yield row
+        made = by_json.decode(octets)
+        if by_json.encode(made) != octets or records.decode(octets) != without_type_names(value):
+            raise SystemExit(f"{name}: they differ")
+        decoding = in_turns([(type.decode, octets), (records.decode, octets), (by_json.decode, octets)], rounds)
+        encoding = in_turns([(type.encode, value), (by_json.encode, made)], rounds)
+        yield name, len(octets), decoding, encoding
+
+
+def cells(times):
+    """Ours, and of each other its time and how many times ours that is."""
+    (best, median), *others = times
+    yield f"{best:.2f}"
+    for their_best, their_median in others:
+        yield f"{their_best:.1f}"
+        yield f"{their_median / median:.1f}"
 
 
 def many(rounds):
@@ -121,11 +283,10 @@ def many(rounds):
 
 def table(rounds):
     load = os.getloadavg()[0]
-    lines = ["| message | octets | decode µs | by hand | ratio | encode µs | by hand | ratio |",
-             "| --- | ---: | ---: | ---: | ---: | ---: | ---: | ---: |"]
-    for name, size, *numbers in measure(rounds):
-        formats = ("{:.2f}", "{:.1f}", "{:.1f}") * 2
-        lines.append(f"| {name} | {size} | " + " | ".join(map(str.format, formats, numbers)) + " |")
+    lines = ["| message | octets | decode µs | by records | ratio | by JSON | ratio | encode µs | by JSON | ratio |",
+             "| --- |" + " ---: |" * 9]
+    for name, size, decoding, encoding in measure(rounds):
+        lines.append(" | ".join([f"| {name}", str(size), *cells(decoding), *cells(encoding)]) + " |")
     lines += ["", "On one core, for us-bsm-core: "
               + ", ".join(f"{what} {number:,.0f} messages a second" for what, number in many(rounds)) + "."]
     head = (f"Python {platform.python_version()}, {os.cpu_count()} processors; load {load:.1f} when it began and "
