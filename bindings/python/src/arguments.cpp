@@ -16,8 +16,9 @@ static bool take_named(const Call& call, const Signature& signature, PyObject** 
         PyObject* name = PyTuple_GetItem(call.names, i);
         int place = place_of(signature, name);
         if (place < 0 || taken[place]) {
-            PyErr_Format(PyExc_TypeError, place < 0 ? "%s() got an unexpected keyword argument '%U'"
-                                                    : "%s() got multiple values for argument '%U'",
+            PyErr_Format(PyExc_TypeError,
+                         place < 0 ? "%s() got an unexpected keyword argument '%U'"
+                                   : "%s() got multiple values for argument '%U'",
                          signature.function, name);
             return false;
         }

@@ -36,7 +36,7 @@ bool raise_at(const Problem& problem, Py_ssize_t number) {
 namespace {
 
 struct Source {
-    Ref iterator;                   // null: there is one buffer
+    Ref iterator;  // null: there is one buffer
     Octets buffer;
     std::vector<uint64_t> offsets;  // the buffer's end is the last one
     size_t next = 0;
@@ -140,7 +140,8 @@ static bool fill(Batch& batch, Source& source) {
     return taken >= 0 && batch.used > 0;
 }
 
-static void decode_slot(const Handle& handle, const DecodeOptions& options, orlenta_arena* arena, Slot& slot) {
+static void decode_slot(const Handle& handle, const DecodeOptions& options, orlenta_arena* arena,
+                        Slot& slot) {
     Problem problem;
     if (decode(handle, options, slot.message, arena, slot.decoded, problem)) return;
     slot.problem = std::make_unique<Problem>(std::move(problem));

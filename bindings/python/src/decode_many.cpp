@@ -20,7 +20,8 @@ static PyObject* value_of(const Handle& handle, OnError on_error, const Slot& sl
 }
 
 PyObject* decode_many_call(Handle& handle, const Call& call) {
-    static const char* const names[] = {"messages", "rules", "errors", "threads", "offsets", "allow_trailing"};
+    static const char* const names[] = {"messages", "rules",   "errors",
+                                        "threads",  "offsets", "allow_trailing"};
     PyObject* taken[6];
     ManyOptions options;
     if (!take_arguments(call, {"decode_many", names, 6, 1, 3}, taken)) return nullptr;

@@ -86,8 +86,9 @@ static PyObject* whole_number(Writer& writer, PyObject* value) {
 
 static bool fail_number(Writer& writer, const Plan* plan, PyObject* number) {
     bool is_any = plan->lower == INT64_MIN || (plan->is_extensible && plan->form == Form::signed_word);
-    return fail(writer, "number out of range: " +
-                            (is_any ? std::string("not in 32 bits") : text_of(number) + " is not in " + bounds_text(plan)));
+    return fail(writer,
+                "number out of range: " + (is_any ? std::string("not in 32 bits")
+                                                  : text_of(number) + " is not in " + bounds_text(plan)));
 }
 
 static bool write_word(Writer& writer, const Plan* plan, PyObject* value, void* record) {

@@ -27,13 +27,16 @@ static PyMethodDef function(const char* name, const char* documentation) {
 static const char kDecode[] =
     "decode(type, data, rules='uper', *, allow_trailing=False)\n--\n\n"
     "The value that a message holds.\n\n"
-    "type is a name, [Region.][Module.]Type, or a Type; data is bytes-like, or a str for the text rules; rules is\n"
-    "'uper', 'aper', 'oer', 'ber', 'der', 'jer', 'xer' or 'gser'. Octets behind the message are an error unless\n"
+    "type is a name, [Region.][Module.]Type, or a Type; data is bytes-like, or a str for the text rules; "
+    "rules is\n"
+    "'uper', 'aper', 'oer', 'ber', 'der', 'jer', 'xer' or 'gser'. Octets behind the message are an error "
+    "unless\n"
     "allow_trailing says otherwise. Raises DecodeError.";
 static const char kEncode[] =
     "encode(type, value, rules='uper', *, check=False)\n--\n\n"
     "The message that holds a value: bytes, or a str by the text rules.\n\n"
-    "Names, kinds of objects, numbers and sizes are held against the type: EncodeError tells what does not fit, and\n"
+    "Names, kinds of objects, numbers and sizes are held against the type: EncodeError tells what does not "
+    "fit, and\n"
     "where. With check, all constraints are: ConstraintError.";
 static const char kConvert[] =
     "convert(type, data, from_, to, *, check=False, allow_trailing=False)\n--\n\n"
@@ -45,24 +48,26 @@ static const char kRandom[] = "random(type, seed=None)\n--\n\nA valid value, the
 static const char kExplain[] =
     "explain(type, data, rules='uper')\n--\n\nWhat each bit of a message is, as a list of Bits.";
 static const char kDecodeMany[] =
-    "decode_many(type, messages, rules='uper', errors='raise', *, threads=1, offsets=None, allow_trailing=False)\n"
+    "decode_many(type, messages, rules='uper', errors='raise', *, threads=1, offsets=None, "
+    "allow_trailing=False)\n"
     "--\n\n"
     "The values of many messages, as a list.\n\n"
-    "messages is an iterable of bytes-like objects, or with offsets one of them: message i lies between offsets[i] and\n"
-    "offsets[i + 1]. With errors='none' None stands for a message that cannot be decoded, with 'return' the exception\n"
+    "messages is an iterable of bytes-like objects, or with offsets one of them: message i lies between "
+    "offsets[i] and\n"
+    "offsets[i + 1]. With errors='none' None stands for a message that cannot be decoded, with 'return' the "
+    "exception\n"
     "itself. Messages are decoded on as many threads, without the interpreter's lock.";
 
-static PyMethodDef functions[] = {
-    function<decode_call>("decode", kDecode),
-    function<encode_call>("encode", kEncode),
-    function<convert_call>("convert", kConvert),
-    function<check_call>("check", kCheck),
-    function<random_call>("random", kRandom),
-    function<explain_call>("explain", kExplain),
-    function<decode_many_call>("decode_many", kDecodeMany),
-    function<columns_call>("columns", nullptr),
-    {"compile", compile_schema, METH_VARARGS, nullptr},
-    {}};
+static PyMethodDef functions[] = {function<decode_call>("decode", kDecode),
+                                  function<encode_call>("encode", kEncode),
+                                  function<convert_call>("convert", kConvert),
+                                  function<check_call>("check", kCheck),
+                                  function<random_call>("random", kRandom),
+                                  function<explain_call>("explain", kExplain),
+                                  function<decode_many_call>("decode_many", kDecodeMany),
+                                  function<columns_call>("columns", nullptr),
+                                  {"compile", compile_schema, METH_VARARGS, nullptr},
+                                  {}};
 
 // ---- the module ---------------------------------------------------------------------------------------------------
 
@@ -78,8 +83,9 @@ static bool import_all() {
            import_from(errors, "EncodeError", &state.encode_error) &&
            import_from(errors, "ConstraintError", &state.constraint_error) &&
            import_from(errors, "SchemaError", &state.schema_error) &&
-           import_from(names, "unknown", &state.unknown_type) && import_from(names, "matching", &state.matching) &&
-           import_from(names, "restore", &state.restore) && import_from(parts, "Component", &state.component) &&
+           import_from(names, "unknown", &state.unknown_type) &&
+           import_from(names, "matching", &state.matching) && import_from(names, "restore", &state.restore) &&
+           import_from(parts, "Component", &state.component) &&
            import_from(parts, "Alternative", &state.alternative) && import_from(parts, "Item", &state.item) &&
            import_from(parts, "Bits", &state.bits);
 }
@@ -101,8 +107,8 @@ static bool fill(PyObject* module) {
            PyModule_AddStringConstant(module, "version", orlenta_version()) == 0;
 }
 
-static PyModuleDef definition = {PyModuleDef_HEAD_INIT, "orlenta._orlenta", nullptr, -1,     functions,
-                                 nullptr,               nullptr,            nullptr, nullptr};
+static PyModuleDef definition = {
+    PyModuleDef_HEAD_INIT, "orlenta._orlenta", nullptr, -1, functions, nullptr, nullptr, nullptr, nullptr};
 
 }  // namespace orlenta::python
 

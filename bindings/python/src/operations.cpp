@@ -127,7 +127,8 @@ PyObject* convert_call(Handle& handle, const Call& call) {
     if (!take_arguments(call, {"convert", names, 5, 3, 3}, taken)) return nullptr;
     options.rules = find_rules(taken[1]);
     const Rules* to = options.rules ? find_rules(taken[2]) : nullptr;
-    if (!to || !take_flag(taken[3], &is_checked) || !take_flag(taken[4], &options.allow_trailing)) return nullptr;
+    if (!to || !take_flag(taken[3], &is_checked) || !take_flag(taken[4], &options.allow_trailing))
+        return nullptr;
     return with_record(handle, options, taken[0], [&](const Decoded& decoded, Problem&) -> PyObject* {
         if (is_checked && !passes(handle, decoded.record)) return nullptr;
         return encode(handle, *to, decoded.record);
@@ -168,8 +169,9 @@ struct Explanation {
 
 }  // namespace
 
-static const char* const kBitsKinds[] = {"value",    "extension", "presence", "index",   "tag",      "length",
-                                         "fragment", "padding",   "end",      "unknown", "trailing", "refused"};
+static const char* const kBitsKinds[] = {"value", "extension", "presence", "index",
+                                         "tag",   "length",    "fragment", "padding",
+                                         "end",   "unknown",   "trailing", "refused"};
 
 static void add_bits(void* user, const orlenta_bits* bits) {
     Explanation& explanation = *static_cast<Explanation*>(user);
@@ -178,8 +180,8 @@ static void add_bits(void* user, const orlenta_bits* bits) {
                                                  "surrogateescape")
                           : none());
     Ref row(value ? PyObject_CallFunction(state.bits, "KKsssO", static_cast<unsigned long long>(bits->offset),
-                                          static_cast<unsigned long long>(bits->width), kBitsKinds[bits->kind],
-                                          bits->text, bits->path, value.object)
+                                          static_cast<unsigned long long>(bits->width),
+                                          kBitsKinds[bits->kind], bits->text, bits->path, value.object)
                   : nullptr);
     explanation.has_failed = !row || PyList_Append(explanation.list, row.object) < 0;
 }

@@ -27,8 +27,8 @@ enum class Form : uint8_t {
     octet_string,   // bytes
     latin_text,     // str; a byte is a character
     utf8_text,
-    utf16_text,  // BMPString
-    utf32_text,  // UniversalString
+    utf16_text,         // BMPString
+    utf32_text,         // UniversalString
     object_identifier,  // str of arcs
     relative_identifier,
     real,      // float
@@ -55,8 +55,8 @@ struct Plan {
     const asn1_type_desc* type = nullptr;  // behind tags that leave the value in place
     Form form = Form::null;
     bool is_extensible = false;
-    uint32_t kind = 0;  // ASN1_KIND_...
-    uint64_t size = 0;  // bytes of a value in memory
+    uint32_t kind = 0;                             // ASN1_KIND_...
+    uint64_t size = 0;                             // bytes of a value in memory
     int64_t lower = INT64_MIN, upper = INT64_MAX;  // of an INTEGER, or of a size
     const asn1_integer* big_lower = nullptr;
     const asn1_integer* big_upper = nullptr;

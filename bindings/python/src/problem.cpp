@@ -37,9 +37,7 @@ static PyObject* class_of(Fault fault) {
     }
 }
 
-static PyObject* number_or_none(int64_t number) {
-    return number < 0 ? none() : PyLong_FromLongLong(number);
-}
+static PyObject* number_or_none(int64_t number) { return number < 0 ? none() : PyLong_FromLongLong(number); }
 
 PyObject* exception_of(Fault fault, const Problem& problem) {
     return PyObject_CallFunction(class_of(fault), "ssNN", problem.message.c_str(), problem.path.c_str(),

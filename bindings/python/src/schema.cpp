@@ -127,8 +127,8 @@ static PyObject* names_of(const Schema& schema, bool with_modules) {
 // The names that come near, or those that are meant, are the package's matter.
 static void raise_unknown(const Schema& schema, PyObject* name, size_t count) {
     Ref names(names_of(schema, count > 1));
-    Ref exception(names ? PyObject_CallFunction(state.unknown_type, "sOO", count > 1 ? "ambiguous" : "type", name,
-                                                names.object)
+    Ref exception(names ? PyObject_CallFunction(state.unknown_type, "sOO", count > 1 ? "ambiguous" : "type",
+                                                name, names.object)
                         : nullptr);
     if (exception) PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(exception.object)), exception.object);
 }
@@ -223,7 +223,8 @@ static PyObject* finish(orlenta_schema* compiled, PyObject* origin) {
 
 static bool read_source(PyObject* source, orlenta_schema_source* read) {
     Py_ssize_t size;
-    if (!PyArg_ParseTuple(source, "ss#;a source is (name, text)", &read->name, &read->text, &size)) return false;
+    if (!PyArg_ParseTuple(source, "ss#;a source is (name, text)", &read->name, &read->text, &size))
+        return false;
     read->size = static_cast<size_t>(size);
     return true;
 }
@@ -232,7 +233,8 @@ PyObject* compile_schema(PyObject*, PyObject* arguments) {
     PyObject* sources;
     orlenta_schema_options options = {};
     int module_names = 0;
-    if (!PyArg_ParseTuple(arguments, "O!zp", &PyTuple_Type, &sources, &options.region, &module_names)) return nullptr;
+    if (!PyArg_ParseTuple(arguments, "O!zp", &PyTuple_Type, &sources, &options.region, &module_names))
+        return nullptr;
     options.module_names = module_names != 0;
     std::vector<orlenta_schema_source> texts(static_cast<size_t>(PyTuple_Size(sources)));
     for (size_t i = 0; i < texts.size(); ++i) {
@@ -307,34 +309,44 @@ static PyMethodDef method(const char* name, const char* documentation) {
 PyTypeObject* make_schema_class() {
     static PyMethodDef methods[] = {
         {"type", get_type, METH_O, "type($self, name, /)\n--\n\nThe Type of a name, [Region.][Module.]Type."},
-        {"types", get_types, METH_VARARGS, "types($self, pattern=None, /)\n--\n\n"
-                                           "The names of all types, or of those that match 'EU.*CAM*'."},
+        {"types", get_types, METH_VARARGS,
+         "types($self, pattern=None, /)\n--\n\n"
+         "The names of all types, or of those that match 'EU.*CAM*'."},
         {"__reduce__", reduce, METH_NOARGS, nullptr},
-        method<decode_call>("decode", "decode($self, type, data, rules='uper', *, allow_trailing=False)\n--\n\n"
-                                      "As orlenta.decode, of a type of this schema."),
-        method<decode_with_length_call>("decode_with_length", "decode_with_length($self, type, data, rules='uper')\n--\n\n"
-                                                              "(value, octets of the message), whatever follows."),
-        method<encode_call>("encode", "encode($self, type, value, rules='uper', *, check=False)\n--\n\n"
-                                      "As orlenta.encode, of a type of this schema."),
-        method<convert_call>("convert", "convert($self, type, data, from_, to, *, check=False, "
-                                        "allow_trailing=False)\n--\n\nAs orlenta.convert, of a type of this schema."),
-        method<check_call>("check", "check($self, type, value)\n--\n\nAs orlenta.check, of a type of this schema."),
-        method<random_call>("random", "random($self, type, seed=None)\n--\n\n"
-                                      "As orlenta.random, of a type of this schema."),
-        method<explain_call>("explain", "explain($self, type, data, rules='uper')\n--\n\n"
-                                        "As orlenta.explain, of a type of this schema."),
-        method<decode_many_call>("decode_many",
-                                 "decode_many($self, type, messages, rules='uper', errors='raise', *, threads=1, "
-                                 "offsets=None, allow_trailing=False)\n--\n\n"
-                                 "As orlenta.decode_many, of a type of this schema."),
+        method<decode_call>("decode",
+                            "decode($self, type, data, rules='uper', *, allow_trailing=False)\n--\n\n"
+                            "As orlenta.decode, of a type of this schema."),
+        method<decode_with_length_call>("decode_with_length",
+                                        "decode_with_length($self, type, data, rules='uper')\n--\n\n"
+                                        "(value, octets of the message), whatever follows."),
+        method<encode_call>("encode",
+                            "encode($self, type, value, rules='uper', *, check=False)\n--\n\n"
+                            "As orlenta.encode, of a type of this schema."),
+        method<convert_call>("convert",
+                             "convert($self, type, data, from_, to, *, check=False, "
+                             "allow_trailing=False)\n--\n\nAs orlenta.convert, of a type of this schema."),
+        method<check_call>("check",
+                           "check($self, type, value)\n--\n\nAs orlenta.check, of a type of this schema."),
+        method<random_call>("random",
+                            "random($self, type, seed=None)\n--\n\n"
+                            "As orlenta.random, of a type of this schema."),
+        method<explain_call>("explain",
+                             "explain($self, type, data, rules='uper')\n--\n\n"
+                             "As orlenta.explain, of a type of this schema."),
+        method<decode_many_call>(
+            "decode_many",
+            "decode_many($self, type, messages, rules='uper', errors='raise', *, threads=1, "
+            "offsets=None, allow_trailing=False)\n--\n\n"
+            "As orlenta.decode_many, of a type of this schema."),
         method<columns_call>("_columns", nullptr),
         {}};
     static PyGetSetDef parts[] = {
-        {"notes", get_notes, nullptr, "What the compiler has to tell of the schema: (file, line, column, text, is_note).",
-         nullptr},
+        {"notes", get_notes, nullptr,
+         "What the compiler has to tell of the schema: (file, line, column, text, is_note).", nullptr},
         {}};
     static PyType_Slot slots[] = {
-        {Py_tp_doc, const_cast<char*>("A name space of types: those built in, or a schema compiled at run time.")},
+        {Py_tp_doc,
+         const_cast<char*>("A name space of types: those built in, or a schema compiled at run time.")},
         {Py_tp_methods, methods},
         {Py_tp_getset, parts},
         {Py_tp_repr, reinterpret_cast<void*>(represent)},

@@ -15,7 +15,7 @@ struct State {
     PyObject* unknown_type;  // functions of the package
     PyObject* matching;
     PyObject* restore;
-    PyObject* component;     // named tuples
+    PyObject* component;  // named tuples
     PyObject* alternative;
     PyObject* item;
     PyObject* bits;

@@ -181,7 +181,8 @@ static PyObject* read(Reader& reader, const Plan* plan, const void* record) {
         case Form::enumerated: return read_item(plan, load32(record));
         case Form::null: return none();
         case Form::bit_string: return read_bit_string(as<asn1_bit_string>(record));
-        case Form::octet_string: return bytes_of(as<asn1_string>(record).data, as<asn1_string>(record).length);
+        case Form::octet_string:
+            return bytes_of(as<asn1_string>(record).data, as<asn1_string>(record).length);
         case Form::latin_text:
             return PyUnicode_DecodeLatin1(static_cast<const char*>(load_pointer(record)),
                                           static_cast<Py_ssize_t>(as<asn1_string>(record).length), nullptr);

@@ -31,7 +31,8 @@ static void release(PyObject* self) {
 // Under a tag of its own a type is another one, but is known by its name.
 static const asn1_type_desc* named_type(const Schema& schema, const asn1_type_desc* type) {
     orlenta_type_entry entry;
-    while (kind_of(type) == ASN1_KIND_TAGGED && orlenta_catalogue_find_type(schema.catalogue, type, &entry) < 0) {
+    while (kind_of(type) == ASN1_KIND_TAGGED &&
+           orlenta_catalogue_find_type(schema.catalogue, type, &entry) < 0) {
         type = tagged_inner(type);
     }
     return type;
@@ -61,7 +62,9 @@ static PyObject* get_text(PyObject* self, void* which) {
 }
 
 static PyObject* get_schema(PyObject* self, void*) { return shared(self_of(self).schema); }
-static PyObject* get_is_root(PyObject* self, void*) { return PyBool_FromLong(handle_of(self).entry.is_root != 0); }
+static PyObject* get_is_root(PyObject* self, void*) {
+    return PyBool_FromLong(handle_of(self).entry.is_root != 0);
+}
 static PyObject* get_is_extensible(PyObject* self, void*) {
     return PyBool_FromLong(facts_of(self).is_extensible != 0);
 }
@@ -168,7 +171,8 @@ static PyObject* represent(PyObject* self) {
 static int is_same(PyObject* self, PyObject* other) {
     const Handle &one = handle_of(self), &two = handle_of(other);
     if (&one == &two) return 1;
-    if (!one.schema->compiled || !two.schema->compiled || PyUnicode_Compare(one.name, two.name) != 0) return 0;
+    if (!one.schema->compiled || !two.schema->compiled || PyUnicode_Compare(one.name, two.name) != 0)
+        return 0;
     return PyObject_RichCompareBool(one.schema->origin, two.schema->origin, Py_EQ);
 }
 
@@ -201,20 +205,26 @@ static PyMethodDef method(const char* name, const char* documentation) {
 
 PyTypeObject* make_type_class() {
     static PyMethodDef methods[] = {
-        method<decode_call>("decode", "decode($self, data, rules='uper', *, allow_trailing=False)\n--\n\n"
-                                      "The value that the message holds; see orlenta.decode."),
-        method<decode_with_length_call>("decode_with_length", "decode_with_length($self, data, rules='uper')\n--\n\n"
-                                                              "(value, octets of the message), whatever follows."),
-        method<encode_call>("encode", "encode($self, value, rules='uper', *, check=False)\n--\n\n"
-                                      "The message that holds the value; see orlenta.encode."),
+        method<decode_call>("decode",
+                            "decode($self, data, rules='uper', *, allow_trailing=False)\n--\n\n"
+                            "The value that the message holds; see orlenta.decode."),
+        method<decode_with_length_call>("decode_with_length",
+                                        "decode_with_length($self, data, rules='uper')\n--\n\n"
+                                        "(value, octets of the message), whatever follows."),
+        method<encode_call>("encode",
+                            "encode($self, value, rules='uper', *, check=False)\n--\n\n"
+                            "The message that holds the value; see orlenta.encode."),
         method<convert_call>("convert",
                              "convert($self, data, from_, to, *, check=False, allow_trailing=False)\n--\n\n"
                              "The message by other rules; see orlenta.convert."),
-        method<check_call>("check", "check($self, value)\n--\n\n"
-                                    "Raises ConstraintError if the value breaks a constraint."),
-        method<random_call>("random", "random($self, seed=None)\n--\n\nA valid value, the same for the same seed."),
-        method<explain_call>("explain", "explain($self, data, rules='uper')\n--\n\n"
-                                        "What each bit of the message is, as a list of Bits."),
+        method<check_call>("check",
+                           "check($self, value)\n--\n\n"
+                           "Raises ConstraintError if the value breaks a constraint."),
+        method<random_call>("random",
+                            "random($self, seed=None)\n--\n\nA valid value, the same for the same seed."),
+        method<explain_call>("explain",
+                             "explain($self, data, rules='uper')\n--\n\n"
+                             "What each bit of the message is, as a list of Bits."),
         method<decode_many_call>("decode_many",
                                  "decode_many($self, messages, rules='uper', errors='raise', *, threads=1, "
                                  "offsets=None, allow_trailing=False)\n--\n\n"
@@ -227,16 +237,18 @@ PyTypeObject* make_type_class() {
         {"region", get_text, nullptr, "The region; '' if the schema was given none.", nullptr},
         {"module", get_text, nullptr, "The module that has the type.", methods},
         {"schema", get_schema, nullptr, "The Schema that has the type.", nullptr},
-        {"kind", get_kind, nullptr, "What it is: 'SEQUENCE', 'INTEGER', 'IA5String', 'open type' ...", nullptr},
+        {"kind", get_kind, nullptr, "What it is: 'SEQUENCE', 'INTEGER', 'IA5String', 'open type' ...",
+         nullptr},
         {"is_root", get_is_root, nullptr, "Whether no other type of the region refers to it.", nullptr},
         {"is_extensible", get_is_extensible, nullptr, "Whether it has an extension marker.", nullptr},
-        {"bounds", get_bounds, nullptr, "(least, most) of an INTEGER or of a size, each perhaps None; or None.",
-         nullptr},
+        {"bounds", get_bounds, nullptr,
+         "(least, most) of an INTEGER or of a size, each perhaps None; or None.", nullptr},
         {"components", get_components, nullptr, "Of a SEQUENCE or SET: a list of Component.", nullptr},
         {"alternatives", get_alternatives, nullptr, "Of a CHOICE: a list of Alternative.", nullptr},
         {"items", get_items, nullptr, "Of an ENUMERATED: a list of Item.", nullptr},
         {"element", get_element, nullptr, "Of a SEQUENCE OF or SET OF: the Type of its elements.", nullptr},
-        {"contained", get_contained, nullptr, "Of a string with CONTAINING: the Type of what it holds.", nullptr},
+        {"contained", get_contained, nullptr, "Of a string with CONTAINING: the Type of what it holds.",
+         nullptr},
         {}};
     static PyType_Slot slots[] = {
         {Py_tp_doc, const_cast<char*>("One type of a schema, made by orlenta.type() or Schema.type().")},
