@@ -85,6 +85,7 @@ static bool import_all() {
            import_from(errors, "SchemaError", &state.schema_error) &&
            import_from(names, "unknown", &state.unknown_type) &&
            import_from(names, "matching", &state.matching) && import_from(names, "restore", &state.restore) &&
+           import_from("orlenta._notation", "describe", &state.describe) &&
            import_from(parts, "Component", &state.component) &&
            import_from(parts, "Alternative", &state.alternative) && import_from(parts, "Item", &state.item) &&
            import_from(parts, "Bits", &state.bits);

@@ -14,6 +14,7 @@ struct State {
     PyObject* schema_error;
     PyObject* unknown_type;  // functions of the package
     PyObject* matching;
+    PyObject* describe;
     PyObject* restore;
     PyObject* component;  // named tuples
     PyObject* alternative;

@@ -61,6 +61,10 @@ static PyObject* get_text(PyObject* self, void* which) {
     return text_object(text ? text : "");
 }
 
+static PyObject* get_documentation(PyObject* self, void*) {
+    return PyObject_CallFunction(state.describe, "O", self);
+}
+
 static PyObject* get_schema(PyObject* self, void*) { return shared(self_of(self).schema); }
 static PyObject* get_is_root(PyObject* self, void*) {
     return PyBool_FromLong(handle_of(self).entry.is_root != 0);
@@ -236,6 +240,7 @@ PyTypeObject* make_type_class() {
         {"name", get_name, nullptr, "The name in full, as 'EU.CAM'.", nullptr},
         {"region", get_text, nullptr, "The region; '' if the schema was given none.", nullptr},
         {"module", get_text, nullptr, "The module that has the type.", methods},
+        {"documentation", get_documentation, nullptr, "Its definition, in the notation of X.680.", nullptr},
         {"schema", get_schema, nullptr, "The Schema that has the type.", nullptr},
         {"kind", get_kind, nullptr, "What it is: 'SEQUENCE', 'INTEGER', 'IA5String', 'open type' ...",
          nullptr},

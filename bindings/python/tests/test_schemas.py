@@ -73,6 +73,21 @@ def test_what_types_tell():
     assert hash(record) == hash(KINDS.type("Record")) and record != KINDS.type("Group") and record != "Record"
 
 
+DEFINITIONS = {
+    "Record": "-- module Kinds\nRecord ::= SEQUENCE {\n  a Small,\n  b Colour DEFAULT green,\n  c Either OPTIONAL,\n  ...,\n"
+              "  d Big,\n  e Yes,\n  f Ia5\n}",
+    "Later": "-- module Kinds\nLater ::= INTEGER (0..9, ...)",
+    "List": "-- module Kinds\nList ::= SEQUENCE (SIZE (0..3)) OF Small",
+    "Flags": "-- module Kinds\nFlags ::= BIT STRING (SIZE (4))",
+    "Colour": "-- module Kinds\nColour ::= ENUMERATED {\n  red(0),\n  green(7),\n  ...,\n  blue(1)\n}",
+}
+
+
+def test_documentation():
+    for name, text in DEFINITIONS.items():
+        assert KINDS.type(name).documentation == text
+
+
 def test_explain():
     rows = KINDS.explain("Record", KINDS.encode("Record", {"a": 3, "c": ("number", -8)}))
     assert [(row.path, row.value) for row in rows if row.value] == [("a", "3"), ("c.number", "-8")]
