@@ -8,7 +8,7 @@ from . import _orlenta
 try:
     import numpy
 except ImportError:  # plain lists and arrays then
-    numpy = None
+    numpy = None  # type: ignore
 
 
 def _plain(sort, cells, absent, missing):
