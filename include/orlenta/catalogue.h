@@ -156,7 +156,7 @@ typedef struct orlenta_cell {
 /** The most steps of a way to a key that are told. */
 #define ORLENTA_KEY_PATH 8
 
-/** A component that chooses the row of an open type: @key of the schema (X.682 clause 10). */
+/** A component that chooses the row of an open type: `@key` in the schema (X.682 clause 10). */
 typedef struct orlenta_key {
     uint32_t levels_up;              /**< SEQUENCEs to go up from the one that has the open type */
     uint32_t path_length;            /**< steps from there; 1: a component of it */
