@@ -192,7 +192,7 @@ std::string emit_record_checks(const Layout& layout, const std::string& header) 
     Text out = fmt::format(
         "// The records of <{0}> against the tables of the region {1}. Made by orlentac; not to be edited.\n"
         "#include <{0}>\n\n"
-        "#include <cstddef>\n\n"
+        "#include <stddef.h>\n\n"
         "#define RECORD_IS(record, size) static_assert(sizeof(record) == size)\n"
         "#define MEMBER_AT(record, member, offset) static_assert(offsetof(record, member) == offset)\n\n",
         header, layout.region);

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <bit>
-
 #include "random/random.hpp"
 
 namespace orlenta::random {
@@ -15,8 +13,12 @@ static uint32_t with_bit_length(uint32_t random, uint32_t bits) {
     return (random & (top - 1)) | top;
 }
 
+static uint32_t bit_width(uint32_t number) {
+    return number != 0 ? 32 - static_cast<uint32_t>(__builtin_clz(number)) : 0;
+}
+
 uint32_t random_uint(asn1_random_params* params, uint32_t limit) {
-    uint32_t bits = draw(params) % (static_cast<uint32_t>(std::bit_width(limit)) + 1);
+    uint32_t bits = draw(params) % (bit_width(limit) + 1);
     if (bits == 0) return 0;
     uint32_t number = with_bit_length(draw(params), bits);
     return number > limit ? limit : number;
