@@ -22,7 +22,7 @@ export type Region = "CN" | "EU" | "US" | "RRC";
 
 /**
  * A value as JSON has it (X.697): SEQUENCE an object without its absent components, SEQUENCE OF an array, CHOICE an
- * object of one member, ENUMERATED and OBJECT IDENTIFIER a string, OCTET STRING upper-case hex, BIT STRING hex where the
+ * object of one member, ENUMERATED and OBJECT IDENTIFIER a string, OCTET STRING hex, BIT STRING hex where the
  * size is fixed and `{value, length}` elsewhere, REAL a number or "INF", "-INF", "NaN". An INTEGER whose bounds go
  * beyond 2^53, or that has none, is a bigint; numbers are taken for it too.
  */
@@ -112,6 +112,7 @@ export class DecodeError extends OrlentaError {
     bitPosition: number;
     /** Text rules: from 1; else 0. */
     line: number;
+    /** 0: not known. */
     column: number;
 }
 export class EncodeError extends OrlentaError {}
