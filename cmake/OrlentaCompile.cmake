@@ -13,6 +13,8 @@
 #     target_link_libraries(app PRIVATE my_messages orlenta::orlenta)
 #
 #     #include <my.h>         /* asn1_MY_SomeType, asn1_type_MY_SomeType */
+#     #include <my_build.h>   /* orlenta_MY_SomeType_set_component(): values built in C, with their presence words */
+#     #include <my.hpp>       // orlenta::my::SomeType: the same types for C++20
 #     #include <my_local.h>   /* asn1_type_MY__local_1: the tables in place, which few programs name */
 #
 # orlenta_catalogue_MY() finds the types by name.
@@ -109,7 +111,14 @@ function(orlenta_add_schema target)
     cmake_path(GET header EXTENSION LAST_ONLY extension)
     cmake_path(REMOVE_EXTENSION header LAST_ONLY OUTPUT_VARIABLE stem)
     set(local_header ${stem}_local${extension})
-    set(headers ${include_dir}/${header} ${include_dir}/${local_header})
+    set(typed_header ${stem}.hpp)
+    if(extension STREQUAL ".hpp")
+        set(typed_header ${stem}_typed.hpp)
+    endif()
+    set(headers ${include_dir}/${header})
+    foreach(beside ${local_header} ${stem}_build${extension} ${typed_header})
+        list(APPEND headers ${include_dir}/${beside})
+    endforeach()
 
     set(modules)
     foreach(file IN LISTS arg_FILES)
@@ -160,7 +169,7 @@ function(orlenta_add_schema target)
     add_custom_target(${target}_sources DEPENDS ${stamp})
     # Make knows no byproducts: without one of them, the stamp is no good.
     if(CMAKE_GENERATOR MATCHES "Makefiles")
-        set(made ${sources} ${include_dir}/${header} ${include_dir}/${local_header})
+        set(made ${sources} ${headers})
         set(script ${folder}/check_made.cmake)
         file(WRITE ${script} "set(made \"${made}\")\nforeach(file IN LISTS made)\n    if(NOT EXISTS \"\${file}\")\n"
             "        file(REMOVE \"${stamp}\")\n    endif()\nendforeach()\n")

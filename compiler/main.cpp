@@ -15,11 +15,13 @@
 #include <system_error>
 #include <vector>
 
+#include "compiler/emit/build_header.hpp"
 #include "compiler/emit/catalogue.hpp"
 #include "compiler/emit/header.hpp"
 #include "compiler/emit/programs.hpp"
 #include "compiler/emit/summary.hpp"
 #include "compiler/emit/tables.hpp"
+#include "compiler/emit/typed_header.hpp"
 #include "compiler/frontend.hpp"
 #include "compiler/layout/layout.hpp"
 #include "compiler/model/diagnostics.hpp"
@@ -235,6 +237,10 @@ std::vector<OutputFile> output_files(const Layout& layout, const CodedRegion* re
         files.push_back({options.header, [=, &layout] { return emit_header(layout, include_name); }});
         files.push_back({local_header_name(options.header),
                          [=, &layout] { return emit_local_header(layout, include_name); }});
+        files.push_back({build_header_name(options.header),
+                         [=, &layout] { return emit_build_header(layout, include_name); }});
+        files.push_back({typed_header_name(options.header),
+                         [=, &layout] { return emit_typed_header(layout, include_name); }});
         if (region)
             files.push_back({codecs_header_name(options.header),
                              [=] { return emit_codecs_header(*region, include_name); }});
@@ -250,8 +256,10 @@ std::vector<OutputFile> output_files(const Layout& layout, const CodedRegion* re
         files.push_back({fmt::format("{}_tables_{}.cpp", stem, i + 1),
                          [=, &layout, &options] { return emit_tables(layout, options.parts, i, own); }});
     if (!options.header.empty())
-        files.push_back(
-            {stem + "_records.cpp", [=, &layout] { return emit_record_checks(layout, include_name); }});
+        files.push_back({stem + "_records.cpp", [=, &layout] {
+                             return emit_record_checks(layout, include_name) +
+                                    emit_typed_checks(layout, include_name);
+                         }});
     if (region) add_program_files(files, *region, options, stem);
     return files;
 }

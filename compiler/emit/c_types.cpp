@@ -33,12 +33,6 @@ const std::unordered_set<std::string_view> kReserved = {
     "stderr", "noreturn", "near", "far", "small", "hyper", "interface", "cdecl", "pascal", "signals", "slots",
     "emit", "foreach", "forever"};
 
-std::string member_name(const std::string& schema_name) {
-    std::string name = c_name(schema_name);
-    if (kReserved.contains(name)) name += '_';
-    return name;
-}
-
 bool is_null(const Part& part) { return resolved(part.type)->kind == Kind::null; }
 
 bool is_indirect(const Table& table) {
@@ -67,6 +61,12 @@ std::string bounds_text(const Bounds& bounds) {
 }
 
 }  // namespace
+
+std::string safe_name(const std::string& schema_name) {
+    std::string name = c_name(schema_name);
+    if (kReserved.contains(name)) name += '_';
+    return name;
+}
 
 bool has_record(const Table& table) {
     return table.table_class != Table::Class::anonymous && table.kind != ASN1_KIND_OBJECT_CLASS;
@@ -107,7 +107,7 @@ std::vector<MemberNames> member_names(const Table& table) {
     std::vector<MemberNames> names;
     std::unordered_set<std::string> taken;
     for (const Part& part : table.parts) {
-        names.push_back({"", is_null(part) ? "" : member_name(part.name)});
+        names.push_back({"", is_null(part) ? "" : safe_name(part.name)});
         taken.insert(names.back().value);
     }
     for (size_t i = 0; i < names.size(); i++) {
@@ -121,6 +121,18 @@ std::vector<MemberNames> member_names(const Table& table) {
 bool has_payload(const Table& table) {
     return std::any_of(table.parts.begin(), table.parts.end(),
                        [](const Part& part) { return !is_null(part) || part.has_presence; });
+}
+
+int code_unit_size(const Table& table) {
+    const Type& type = *resolved(table.type);
+    if (type.kind != Kind::char_string) return 1;
+    return type.string_kind == StringKind::bmp ? 2 : type.string_kind == StringKind::universal ? 4 : 1;
+}
+
+std::string index_enum_name(const Table& table) { return "orlenta_" + table.symbol; }
+
+std::string key_owner(const Table& table, const Part& key) {
+    return "orlenta_" + table.symbol + "_" + c_name(key.name);
 }
 
 std::string description(const Table& table) {

@@ -9,6 +9,9 @@
 
 namespace orlentac {
 
+// A name of the schema as a member or an enumerator has it: no keyword or likely macro.
+std::string safe_name(const std::string& schema_name);
+
 // A named or nested type has a record with a name; what is in place has one of the library's types.
 bool has_record(const Table& table);
 std::string record_name(const Table& table);
@@ -31,6 +34,13 @@ struct MemberNames {
 std::vector<MemberNames> member_names(const Table& table);
 // Whether any member has a value: a record without one is padded to a byte, a CHOICE without one has no union.
 bool has_payload(const Table& table);
+
+// Bytes of a code unit of a string: 1, but 2 of a BMPString and 4 of a UniversalString.
+int code_unit_size(const Table& table);
+// The type of the constants of an ENUMERATED or of a CHOICE.
+std::string index_enum_name(const Table& table);
+// What stands before the constants of a key, orlenta_US_MessageFrame_messageId.
+std::string key_owner(const Table& table, const Part& key);
 
 // The ASN.1 type in a few words, with its bounds: "INTEGER (0..255)".
 std::string description(const Table& table);

@@ -10,7 +10,10 @@
 #include <unordered_set>
 #include <utility>
 
+#include "compiler/emit/build_header.hpp"
 #include "compiler/emit/c_types.hpp"
+#include "compiler/emit/open_types.hpp"
+#include "compiler/emit/typed_header.hpp"
 #include "compiler/layout/names.hpp"
 #include "compiler/layout/records.hpp"
 
@@ -45,13 +48,13 @@ std::string constant_name(Writer& writer, const std::string& owner, const std::s
     return name;
 }
 
-// Items, alternatives: a name for each index.
+// Items, alternatives: a name for each index. The type has one too, so that compilers watch a switch over it.
 template <typename Named>
-void put_indices(Writer& writer, const std::string& owner, const std::vector<Named>& list) {
+void put_indices(Writer& writer, const Table& table, const std::vector<Named>& list) {
     if (list.empty()) return;
-    put(writer, "enum {{\n");
+    put(writer, "enum {} {{\n", index_enum_name(table));
     for (size_t i = 0; i < list.size(); i++)
-        put(writer, "    {} = {},\n", constant_name(writer, owner, list[i].name), i);
+        put(writer, "    {} = {},\n", constant_name(writer, record_name(table), list[i].name), i);
     put(writer, "}};\n");
 }
 
@@ -83,12 +86,23 @@ void put_named_numbers(Writer& writer, const std::string& owner, const std::vect
     }
 }
 
+// What selects the actual type of an open type.
+void put_keys(Writer& writer, const Table& table) {
+    for (const KeyedComponent& open : keyed_components(writer.layout.region, table)) {
+        std::string owner = key_owner(table, table.parts[open.key_component]);
+        put(writer, "enum {{\n");
+        for (const KeyedType& type : open.types)
+            put(writer, "    {} = {},\n", constant_name(writer, owner, type.name), type.key);
+        put(writer, "}};\n");
+    }
+}
+
 // ---- records ----------------------------------------------------------------------------------------------
 
 void put_simple(Writer& writer, const Table& table) {
     std::string name = record_name(table);
     put(writer, "/* {} */\ntypedef {} {};\n", description(table), simple_type(table), name);
-    if (table.type->kind == Kind::enumerated) put_indices(writer, name, table.type->items);
+    if (table.type->kind == Kind::enumerated) put_indices(writer, table, table.type->items);
     // A type that narrows another one shares that one's names.
     if (!table.type->from) put_named_numbers(writer, name, table.type->named_numbers);
 }
@@ -166,8 +180,9 @@ void put_struct(Writer& writer, const Table& table) {
     put_structs_inside(writer, table);
     std::string name = record_name(table);
     put(writer, "/* {} */\n", description(table));
-    if (table.kind == ASN1_KIND_CHOICE) put_indices(writer, name, table.type->alternatives);
+    if (table.kind == ASN1_KIND_CHOICE) put_indices(writer, table, table.type->alternatives);
     put_names_in_place(writer, table);
+    put_keys(writer, table);
     put(writer, "struct {} {{\n", name);
     switch (table.kind) {
         case ASN1_KIND_SEQUENCE:
@@ -245,26 +260,38 @@ void count_reached(std::unordered_set<const Table*>& reached, const Table& table
     for (const Part& part : table.parts) count_reached(reached, *part.table);
 }
 
-// The root with most types beneath it makes the best example.
+// The root with most types beneath it makes the best example; but a frame, that selects among messages by a key, is what
+// all the others come in.
 const Table* example_root(const Layout& layout) {
     const Table* best = nullptr;
-    size_t most = 0;
+    std::pair<size_t, size_t> most = {0, 0};
     for (const Table* root : layout.roots) {
         if (root->kind != ASN1_KIND_SEQUENCE && root->kind != ASN1_KIND_CHOICE) continue;
         std::unordered_set<const Table*> reached;
         count_reached(reached, *root);
-        if (reached.size() > most) best = root;
-        most = std::max(most, reached.size());
+        std::vector<KeyedComponent> open = keyed_components(layout.region, *root);
+        std::pair<size_t, size_t> rank = {open.empty() ? 0 : open[0].types.size(), reached.size()};
+        if (rank > most) best = root;
+        most = std::max(most, rank);
     }
     return best;
 }
 
-void put_example(Writer& writer, const Table& root) {
-    std::string name = record_name(root);
-    std::string use = fmt::format("use message->{}", member_names(root)[0].value);
+std::string example_use(const Layout& layout, const Table& root) {
+    std::vector<MemberNames> names = member_names(root);
     if (root.kind == ASN1_KIND_CHOICE)
-        use = fmt::format("if (message->choice == {}_{}) use message->u.{}", name, c_name(root.parts[0].name),
-                          member_names(root)[0].value);
+        return fmt::format("if (message->choice == {}_{}) use message->u.{}", record_name(root),
+                           c_name(root.parts[0].name), names[0].value);
+    std::vector<KeyedComponent> open = keyed_components(layout.region, root);
+    if (open.empty()) return fmt::format("use message->{}", names[0].value);
+    return fmt::format("if (message->{} == {}_{}) use ({}*)message->{}.data",
+                       names[open[0].key_component].value, key_owner(root, root.parts[open[0].key_component]),
+                       open[0].types[0].name, value_type(*open[0].types[0].table),
+                       names[open[0].component].value);
+}
+
+void put_example(Writer& writer, const Table& root) {
+    std::string name = record_name(root), use = example_use(writer.layout, root);
     put(writer,
         " *\n"
         " * A message from its UPER encoding, with <orlenta/per.h> and <orlenta/value.h>:\n"
@@ -278,26 +305,25 @@ void put_example(Writer& writer, const Table& root) {
         root.symbol, name, use);
 }
 
+constexpr const char* kManual =
+    R"(/* The types of the region {0}: value records and descriptors. Made by orlentac; not to be edited.
+ *
+ * A type Some-Type of the schema has the record asn1_{0}_Some_Type and the descriptor
+ * asn1_type_{0}_Some_Type; structured types without a name are numbered behind the name of the type around
+ * them. Members have the names of their components, with underscores for hyphens, and one more underscore at
+ * the end if the name would be a keyword or the like. Directly before a component that may be absent stands
+ * its presence word, has_..., 0 or 1. A CHOICE has the index of its alternative in choice and the value in u;
+ * an ENUMERATED is the index of its item; both have constants, asn1_{0}_Some_Type_itemName, whose type is
+ * enum orlenta_{0}_Some_Type, so that compilers watch switch ((enum orlenta_{0}_Some_Type)member). A NULL has no
+ * member. A record of zero bytes is a valid start, and asn1_mallocz_value() gives one. Descriptors of what has
+ * no name at all are declared in <{1}>.
+ *
+ * <{2}> has functions that build values and set presence with them, <{3}> these types for C++.
+)";
+
 void put_manual(Writer& writer, const std::string& header) {
-    put(writer,
-        "/* The types of the region {0}: value records and descriptors. Made by orlentac; not to be edited.\n"
-        " *\n"
-        " * A type Some-Type of the schema has the record asn1_{0}_Some_Type and the descriptor\n"
-        " * asn1_type_{0}_Some_Type; structured types without a name are numbered behind the name of the "
-        "type around\n"
-        " * them. Members have the names of their components, with underscores for hyphens, and one more "
-        "underscore at\n"
-        " * the end if the name would be a keyword or the like. Directly before a component that may be "
-        "absent stands\n"
-        " * its presence word, has_..., 0 or 1. A CHOICE has the index of its alternative in choice and the "
-        "value in u;\n"
-        " * an ENUMERATED is the index of its item; both have constants, asn1_{0}_Some_Type_itemName. A NULL "
-        "has no\n"
-        " * member. A record of zero bytes is a valid start, and asn1_mallocz_value() gives one. Descriptors "
-        "of "
-        "what has\n"
-        " * no name at all are declared in <{1}>.\n",
-        writer.layout.region, local_header_name(header));
+    fmt::format_to(std::back_inserter(writer.out), fmt::runtime(kManual), writer.layout.region,
+                   local_header_name(header), build_header_name(header), typed_header_name(header));
     if (const Table* root = example_root(writer.layout)) put_example(writer, *root);
     put(writer, " */\n");
 }

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+// CHOICE.
+#pragma once
+
+#include <orlenta/build.h>
+
+#include <orlenta/cpp/base.hpp>
+
+namespace orlenta {
+
+namespace detail {
+
+template <std::size_t Index, class First, class... Others>
+struct type_at : type_at<Index - 1, Others...> {};
+template <class First, class... Others>
+struct type_at<0, First, Others...> {
+    using type = First;
+};
+
+}  // namespace detail
+
+// An alternative of `Alternative`, an enumeration, whose types are `Types`, over the C record. A new one is the first
+// alternative.
+template <class Record, class Alternative, class... Types>
+class ORLENTA_OVERLAY basic_choice {
+  protected:
+    Record record_;
+
+    // All of the union, not its first member alone.
+    void clear() noexcept { std::memset(&record_, 0, sizeof record_); }
+
+    void* payload() noexcept {
+        if constexpr (requires { record_.u; })
+            return &record_.u;
+        else
+            return &record_;
+    }
+    const void* payload() const noexcept { return const_cast<basic_choice*>(this)->payload(); }
+
+    void require(Alternative alternative) const {
+        if (which() != alternative) [[unlikely]]
+            detail::misuse("orlenta: an alternative is used that is not chosen\n");
+    }
+
+    template <std::size_t Index = 0, class Self, class Visitor>
+    static decltype(auto) visit_from(Self& self, Visitor&& visitor) {
+        if constexpr (Index + 1 < sizeof...(Types))
+            if (self.record_.choice != Index)
+                return visit_from<Index + 1>(self, std::forward<Visitor>(visitor));
+        return std::forward<Visitor>(visitor)(self.template get<static_cast<Alternative>(Index)>());
+    }
+
+  public:
+    basic_choice() noexcept { clear(); }
+
+    using alternative = Alternative;
+    template <Alternative A>
+    using type = typename detail::type_at<static_cast<std::size_t>(A), Types...>::type;
+
+    Alternative which() const noexcept { return static_cast<Alternative>(record_.choice); }
+    template <Alternative A>
+    bool holds() const noexcept {
+        return which() == A;
+    }
+
+    // The alternative `A`, null if another is chosen.
+    template <Alternative A>
+    type<A>* get_if() noexcept {
+        return holds<A>() ? static_cast<type<A>*>(payload()) : nullptr;
+    }
+    template <Alternative A>
+    const type<A>* get_if() const noexcept {
+        return holds<A>() ? static_cast<const type<A>*>(payload()) : nullptr;
+    }
+    // The same; ends the program if another is chosen.
+    template <Alternative A>
+    type<A>& get() {
+        return require(A), *static_cast<type<A>*>(payload());
+    }
+    template <Alternative A>
+    const type<A>& get() const {
+        return require(A), *static_cast<const type<A>*>(payload());
+    }
+
+    // `visitor` called with the alternative that is chosen; it must take all types.
+    template <class Visitor>
+    decltype(auto) visit(Visitor&& visitor) {
+        return visit_from(*this, std::forward<Visitor>(visitor));
+    }
+    template <class Visitor>
+    decltype(auto) visit(Visitor&& visitor) const {
+        return visit_from(*this, std::forward<Visitor>(visitor));
+    }
+};
+
+// One whose alternatives own nothing.
+template <class Record, class Alternative, class... Types>
+class ORLENTA_OVERLAY flat_choice : public basic_choice<Record, Alternative, Types...> {
+    using base = basic_choice<Record, Alternative, Types...>;
+
+  public:
+    template <Alternative A>
+    auto& emplace(typename base::template type<A> value = {}) {
+        this->clear();
+        this->record_.choice = static_cast<std::uint32_t>(A);
+        return *::new (this->payload()) typename base::template type<A>(value);
+    }
+};
+
+// One with alternatives that do, which the library releases by the descriptor.
+template <const asn1_type_desc* Descriptor, class Record, class Alternative, class... Types>
+class ORLENTA_OVERLAY choice : public basic_choice<Record, Alternative, Types...> {
+    using base = basic_choice<Record, Alternative, Types...>;
+
+  public:
+    choice() = default;
+    choice(choice&& other) noexcept { std::swap(this->record_, other.record_); }
+    choice& operator=(choice&& other) noexcept {
+        std::swap(this->record_, other.record_);
+        return *this;
+    }
+    ~choice() { asn1_free_value_struct(Descriptor, &this->record_); }
+
+    template <Alternative A>
+    auto& emplace() {
+        using type = typename base::template type<A>;
+        orlenta_choice_clear(&this->record_, Descriptor, sizeof(Record));
+        this->record_.choice = static_cast<std::uint32_t>(A);
+        return *::new (this->payload()) type{};
+    }
+    template <Alternative A>
+    auto& emplace(typename base::template type<A>&& value) {
+        return emplace<A>() = std::move(value);
+    }
+};
+
+}  // namespace orlenta

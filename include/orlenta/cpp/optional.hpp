@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+// Components that may be absent, and words with a type of their own.
+#pragma once
+
+#include <optional>
+#include <orlenta/cpp/base.hpp>
+
+namespace orlenta {
+
+// BOOLEAN: a 32-bit word.
+class ORLENTA_OVERLAY boolean {
+    std::int32_t word_ = 0;
+
+  public:
+    constexpr boolean() = default;
+    template <std::same_as<bool> Bool>
+    constexpr boolean(Bool value) noexcept : word_(value) {}
+    constexpr operator bool() const noexcept { return word_ != 0; }
+};
+
+namespace detail {
+
+struct key_access;
+
+// A value in a record where it begins at a multiple of 8 and its presence word, directly before it, does not.
+template <class T>
+class ORLENTA_OVERLAY close_content {
+    alignas(4) unsigned char bytes_[sizeof(T)];
+
+  public:
+    close_content() { ::new (static_cast<void*>(bytes_)) T{}; }
+    close_content(close_content&& other) noexcept {
+        ::new (static_cast<void*>(bytes_)) T(std::move(other.get()));
+    }
+    close_content& operator=(close_content&& other) noexcept {
+        get() = std::move(other.get());
+        return *this;
+    }
+    ~close_content() { get().~T(); }
+
+    T& get() noexcept { return *static_cast<T*>(static_cast<void*>(bytes_)); }
+    const T& get() const noexcept { return *static_cast<const T*>(static_cast<const void*>(bytes_)); }
+};
+
+template <class T>
+T& content(T& value) noexcept {
+    return value;
+}
+template <class T>
+T& content(close_content<T>& value) noexcept {
+    return value.get();
+}
+template <class T>
+const T& content(const close_content<T>& value) noexcept {
+    return value.get();
+}
+
+inline void require_present(std::uint32_t has) {
+    if (has == 0) [[unlikely]]
+        misuse("orlenta: a component is used that is absent\n");
+}
+
+// Whether a U makes an optional T. That it is none itself comes first, for that is asked of every record that is moved; and
+// the compiler's own words for these traits are those that cost least time.
+template <class U, class T, class Optional>
+concept taken_for =
+    !__is_same(std::remove_cvref_t<U>, Optional) && __is_constructible(T, U&&) && __is_assignable(T&, U&&);
+
+}  // namespace detail
+
+// As std::optional, in the record: to set the value is to set its presence. To use a value that is absent ends the program.
+template <class T, class Content>
+class ORLENTA_OVERLAY basic_optional {
+    std::uint32_t has_ = 0;
+    Content content_{};
+
+  public:
+    using value_type = T;
+
+    basic_optional() = default;
+    basic_optional(std::nullopt_t) noexcept {}
+    template <class U = T>
+    requires detail::taken_for<U, T, basic_optional> basic_optional(U&& value) {
+        *this = std::forward<U>(value);
+    }
+    template <class U = T>
+    requires detail::taken_for<U, T, basic_optional> basic_optional& operator=(U&& value) {
+        detail::content(content_) = std::forward<U>(value);
+        has_ = 1;
+        return *this;
+    }
+    basic_optional& operator=(std::nullopt_t) {
+        reset();
+        return *this;
+    }
+
+    bool has_value() const noexcept { return has_ != 0; }
+    explicit operator bool() const noexcept { return has_value(); }
+
+    T& operator*() & { return detail::require_present(has_), detail::content(content_); }
+    const T& operator*() const& { return detail::require_present(has_), detail::content(content_); }
+    T* operator->() { return &**this; }
+    const T* operator->() const { return &**this; }
+#ifdef __cpp_exceptions
+    T& value() & { return has_value() ? detail::content(content_) : throw std::bad_optional_access(); }
+    const T& value() const& {
+        return has_value() ? detail::content(content_) : throw std::bad_optional_access();
+    }
+#endif
+    template <class U>
+    T value_or(U&& other) const {
+        return has_value() ? detail::content(content_) : static_cast<T>(std::forward<U>(other));
+    }
+
+    // A fresh value, present.
+    T& emplace() {
+        detail::content(content_) = T{};
+        has_ = 1;
+        return detail::content(content_);
+    }
+    void reset() {
+        detail::content(content_) = T{};
+        has_ = 0;
+    }
+};
+
+template <class T, class Content>
+bool operator==(const basic_optional<T, Content>& a, std::nullopt_t) {
+    return !a.has_value();
+}
+template <class T, class Content, class U>
+requires requires(const T& t, const U& u) { t == u; }
+bool operator==(const basic_optional<T, Content>& a, const U& b) { return a.has_value() && *a == b; }
+
+template <class T>
+using optional = basic_optional<T, T>;
+template <class T>
+using close_optional = basic_optional<T, detail::close_content<T>>;
+
+// A NULL that may be absent: a presence word alone.
+class ORLENTA_OVERLAY optional_null {
+    std::uint32_t has_ = 0;
+
+  public:
+    optional_null() = default;
+    optional_null(null) noexcept : has_(1) {}
+    bool has_value() const noexcept { return has_ != 0; }
+    explicit operator bool() const noexcept { return has_value(); }
+    void emplace() noexcept { has_ = 1; }
+    void reset() noexcept { has_ = 0; }
+};
+
+// A component that selects the type of an open type beside it, and is set with that.
+template <class T>
+class ORLENTA_OVERLAY key {
+    T word_ = {};
+    friend struct detail::key_access;
+
+  public:
+    key() = default;
+    constexpr T get() const noexcept { return word_; }
+    constexpr operator T() const noexcept { return word_; }
+};
+
+// A record apart: of types that contain themselves. One that is not there yet is made when it is written to.
+template <class T>
+class ORLENTA_OVERLAY indirect {
+    T* record_ = nullptr;
+
+    T& made() {
+        if (record_ == nullptr) record_ = ::new (detail::allocated(asn1_malloc(sizeof(T)))) T{};
+        return *record_;
+    }
+    const T& there() const {
+        if (record_ == nullptr) [[unlikely]]
+            detail::misuse("orlenta: a component is used that is not there\n");
+        return *record_;
+    }
+
+  public:
+    indirect() = default;
+    indirect(indirect&& other) noexcept : record_(std::exchange(other.record_, nullptr)) {}
+    indirect& operator=(indirect&& other) noexcept {
+        std::swap(record_, other.record_);
+        return *this;
+    }
+    ~indirect() {
+        if (record_ == nullptr) return;
+        record_->~T();
+        asn1_free(record_);
+    }
+
+    explicit operator bool() const noexcept { return record_ != nullptr; }
+    T& operator*() { return made(); }
+    const T& operator*() const { return there(); }
+    T* operator->() { return &made(); }
+    const T* operator->() const { return &there(); }
+};
+
+}  // namespace orlenta

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+// Values and errors into streams and formatted text; values as JSON on one line.
+#pragma once
+
+#include <iosfwd>
+#include <orlenta/cpp/codec.hpp>
+#include <version>
+#ifdef __cpp_lib_format
+#include <format>
+#endif
+
+namespace orlenta {
+
+namespace detail {
+
+template <described T>
+std::string shown(const T& value) {
+    auto text = to_json(value);
+    return text ? std::move(*text) : "(" + text.error().to_string() + ")";
+}
+
+}  // namespace detail
+
+template <class Traits, described T>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& stream, const T& value) {
+    return stream << detail::shown(value);
+}
+template <class Traits, described T>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& stream,
+                                             const value<T>& value) {
+    return stream << detail::shown(*value);
+}
+template <class Traits>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& stream, const error& reason) {
+    return stream << reason.to_string();
+}
+
+// Whether two values are the same, by asn1_cmp_value.
+template <described T>
+bool operator==(const T& a, const T& b) noexcept {
+    return asn1_cmp_value(descriptor_of<T>(), &a, &b) == 0;
+}
+
+}  // namespace orlenta
+
+#ifdef __cpp_lib_format
+template <orlenta::described T>
+struct std::formatter<T, char> : std::formatter<std::string_view, char> {
+    auto format(const T& value, auto& context) const {
+        return std::formatter<std::string_view, char>::format(orlenta::detail::shown(value), context);
+    }
+};
+template <orlenta::described T>
+struct std::formatter<orlenta::value<T>, char> : std::formatter<T, char> {
+    auto format(const orlenta::value<T>& value, auto& context) const {
+        return std::formatter<T, char>::format(*value, context);
+    }
+};
+#endif
