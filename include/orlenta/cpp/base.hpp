@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the typed layer stands on: the descriptor of a type, what happens without memory, and views of bytes.
+/// @file
+/// What the typed layer stands on: the descriptor of a type, what happens without memory, and views of bytes.
 #pragma once
 
 #include <orlenta/memory.h>
@@ -17,28 +18,30 @@
 #include <type_traits>
 #include <utility>
 
+/// Marks a class that lies over a C record.
 // The types of this layer lie over the C records of the same values, which other code may write.
 #define ORLENTA_OVERLAY [[gnu::may_alias]]
 
 namespace orlenta {
 
-// A generated type with a descriptor of its own.
+/// A generated type with a descriptor of its own.
 template <class T>
 concept described = requires {
     { T::orlenta_descriptor() } -> std::same_as<const asn1_type_desc*>;
 };
 
+/// The descriptor of a generated type, for functions of the C library.
 template <described T>
 constexpr const asn1_type_desc* descriptor_of() noexcept {
     return T::orlenta_descriptor();
 }
 
-// The value of a NULL.
+/// The value of a NULL.
 struct null {};
 
 namespace detail {
 
-// What std containers do, too.
+/// What std containers do, too.
 [[noreturn]] inline void out_of_memory() {
 #ifdef __cpp_exceptions
     throw std::bad_alloc();
@@ -48,7 +51,7 @@ namespace detail {
 #endif
 }
 
-// A fault of the program: to go on would lose or make up a component.
+/// A fault of the program: to go on would lose or make up a component.
 [[noreturn, gnu::cold, gnu::noinline]] inline void misuse(const char* what) {
     std::fputs(what, stderr);
     std::abort();
@@ -62,12 +65,14 @@ T* allocated(T* block) {
 
 }  // namespace detail
 
-// Bytes to read: from any contiguous range of std::byte, char or uint8_t, and from text.
+/// Bytes to read: from any contiguous range of std::byte, char or uint8_t, and from text.
 class byte_view {
     const std::uint8_t* data_ = nullptr;
     std::size_t size_ = 0;
 
   public:
+    /// Of nothing, of `size` bytes at `data`, of a text, of a range.
+    /// @{
     constexpr byte_view() = default;
     constexpr byte_view(const std::uint8_t* data, std::size_t size) noexcept : data_(data), size_(size) {}
     template <class Text>
@@ -82,9 +87,13 @@ class byte_view {
              (std::convertible_to<const Range&, std::span<const std::byte>> ||
               std::convertible_to<const Range&, std::span<const std::uint8_t>>)) byte_view(const Range& range)
     noexcept : data_(reinterpret_cast<const std::uint8_t*>(std::data(range))), size_(std::size(range)) {}
+    /// @}
 
+    /// The bytes.
+    /// @{
     constexpr const std::uint8_t* data() const noexcept { return data_; }
     constexpr std::size_t size() const noexcept { return size_; }
+    /// @}
 };
 
 }  // namespace orlenta

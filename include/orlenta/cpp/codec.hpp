@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Values to bytes and text and back, and the check.
+/// @file
+/// Values to bytes and text and back, and the check.
 #pragma once
 
 #include <orlenta/ber.h>
@@ -15,12 +16,14 @@
 
 namespace orlenta {
 
-// An encoding, in a block from the library's allocator.
+/// An encoding, in a block from the library's allocator.
 class bytes {
     std::uint8_t* data_ = nullptr;
     std::size_t size_ = 0;
 
   public:
+    /// Moves; does not copy.
+    /// @{
     bytes() = default;
     bytes(std::uint8_t* block, std::size_t size) noexcept : data_(block), size_(size) {}
     bytes(bytes&& other) noexcept
@@ -31,7 +34,10 @@ class bytes {
         return *this;
     }
     ~bytes() { asn1_free(data_); }
+    /// @}
 
+    /// As of a constant container.
+    /// @{
     const std::uint8_t* data() const noexcept { return data_; }
     std::size_t size() const noexcept { return size_; }
     bool empty() const noexcept { return size_ == 0; }
@@ -39,6 +45,7 @@ class bytes {
     const std::uint8_t* end() const noexcept { return data_ + size_; }
     std::uint8_t operator[](std::size_t index) const { return data_[index]; }
     std::string_view view() const noexcept { return {reinterpret_cast<const char*>(data_), size_}; }
+    /// @}
 };
 
 // ---- encoding rules -----------------------------------------------------------------------------------------
@@ -49,7 +56,7 @@ using decoder = std::int64_t(void**, const asn1_type_desc*, const std::uint8_t*,
 using reporting_encoder = std::int64_t(std::uint8_t**, const asn1_type_desc*, const void*, asn1_error*);
 using silent_encoder = std::int64_t(std::uint8_t**, const asn1_type_desc*, const void*);
 
-// `Bounded`: the encoder itself refuses what is outside its type.
+/// `Bounded`: the encoder itself refuses what is outside its type.
 template <decoder* Decode, reporting_encoder* Encode, bool Bounded>
 struct reporting_rules {
     static constexpr bool bounded = Bounded;
@@ -77,6 +84,8 @@ inline std::int64_t encode_ber(std::uint8_t** out, const asn1_type_desc* type, c
 
 }  // namespace detail
 
+/// Encoding rules, for encode() and decode().
+/// @{
 inline constexpr detail::reporting_rules<asn1_uper_decode, asn1_uper_encode2, true> uper;
 inline constexpr detail::reporting_rules<asn1_aper_decode, asn1_aper_encode2, true> aper;
 inline constexpr detail::reporting_rules<asn1_oer_decode, asn1_oer_encode2, false> oer;
@@ -85,7 +94,9 @@ inline constexpr detail::silent_rules<asn1_ber_decode, asn1_der_encode> der;
 inline constexpr detail::silent_rules<asn1_jer_decode, asn1_jer_encode> jer;
 inline constexpr detail::silent_rules<asn1_xer_decode, asn1_xer_encode> xer;
 inline constexpr detail::silent_rules<asn1_gser_decode, asn1_gser_encode> gser;
+/// @}
 
+/// One of these.
 template <class Rules>
 concept encoding_rules = requires(void** out, const asn1_type_desc* type, asn1_error* reason) {
     { Rules::decode(out, type, nullptr, 0, reason) } -> std::same_as<std::int64_t>;
@@ -95,7 +106,7 @@ concept encoding_rules = requires(void** out, const asn1_type_desc* type, asn1_e
 
 namespace detail {
 
-// What an encoder that failed has not told: the check knows which component is not as its type wants it.
+/// What an encoder that failed has not told: the check knows which component is not as its type wants it.
 [[gnu::cold, gnu::noinline]] inline void explain_failure(error& reason, const asn1_type_desc* type,
                                                          const void* record) {
     asn1_error* told = reason.record();
@@ -106,8 +117,8 @@ namespace detail {
 
 }  // namespace detail
 
-// Encodes by the rules, as encode(uper, frame). What is outside its type fails: PER has no form for it; by other rules,
-// which would write it as it is, the value is checked before.
+/// Encodes by the rules, as encode(uper, frame). What is outside its type fails: PER has no form for it; by other rules,
+/// which would write it as it is, the value is checked before.
 template <encoding_rules Rules, described T>
 result<bytes> encode(Rules, const T& value) {
     std::uint8_t* block = nullptr;
@@ -121,13 +132,14 @@ result<bytes> encode(Rules, const T& value) {
     }
     return bytes(block, static_cast<std::size_t>(size));
 }
+/// The same of a value that is owned.
 template <encoding_rules Rules, described T>
 result<bytes> encode(Rules rules, const value<T>& value) {
     return encode(rules, *value);
 }
 
-// Decodes the value at the start of `input`, as decode<cn::MessageFrame>(uper, input). `used`, if not null, receives how
-// many bytes it took.
+/// Decodes the value at the start of `input`, as decode<cn::MessageFrame>(uper, input). `used`, if not null, receives how
+/// many bytes it took.
 template <described T, encoding_rules Rules>
 result<value<T>> decode(Rules, byte_view input, std::size_t* used = nullptr) {
     void* record = nullptr;
@@ -140,19 +152,20 @@ result<value<T>> decode(Rules, byte_view input, std::size_t* used = nullptr) {
     return value<T>::adopt(record);
 }
 
-// Holds the value, and all within it, against the constraints of its type: orlenta_check.
+/// Holds the value, and all within it, against the constraints of its type: orlenta_check.
 template <described T>
 result<void> check(const T& value) {
     error reason;
     if (orlenta_check(descriptor_of<T>(), &value, reason.record()) == 0) return detail::failed(reason);
     return {};
 }
+/// The same of a value that is owned.
 template <described T>
 result<void> check(const value<T>& value) {
     return check(*value);
 }
 
-// As JSON, with `indent` spaces a level; on one line if that is 0.
+/// As JSON, with `indent` spaces a level; on one line if that is 0.
 template <described T>
 result<std::string> to_json(const T& value, int indent = 0) {
     asn1_jer_encode_options options = {};
@@ -169,17 +182,19 @@ result<std::string> to_json(const T& value, int indent = 0) {
     while (text.ends_with('\n')) text.pop_back();
     return text;
 }
+/// The same of a value that is owned.
 template <described T>
 result<std::string> to_json(const value<T>& value, int indent = 0) {
     return to_json(*value, indent);
 }
 
+/// A value from JSON (jer.h).
 template <described T>
 result<value<T>> from_json(std::string_view text) {
     return decode<T>(jer, text);
 }
 
-// A deep copy.
+/// A deep copy.
 template <described T>
 value<T> clone(const T& record) {
     return value<T>::adopt(detail::allocated(asn1_clone_value(descriptor_of<T>(), &record)));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// INTEGER beyond 32 bits.
+/// @file
+/// INTEGER beyond 32 bits.
 #pragma once
 
 #include <orlenta/integer.h>
@@ -36,18 +37,19 @@ class ORLENTA_OVERLAY big_integer {
     }
 
   public:
-    // The number, if it fits.
+    /// The number, if it fits.
     std::optional<std::int64_t> to_int64() const noexcept {
         std::int64_t value = 0;
         if (asn1_integer_get_si64_ov(&record_, &value) != 0) return std::nullopt;
         return value;
     }
+    /// The number, if it fits.
     std::optional<std::uint64_t> to_uint64() const noexcept {
         std::uint64_t value = 0;
         if (asn1_integer_get_ui64_ov(&record_, &value) != 0) return std::nullopt;
         return value;
     }
-    // In decimal digits.
+    /// In decimal digits.
     std::string to_string() const {
         char* block = nullptr;
         std::size_t length = 0;
@@ -61,11 +63,13 @@ class ORLENTA_OVERLAY big_integer {
 
 }  // namespace detail
 
-// A number whose bounds fit `Int`, of 64 bits. One that does not fit, as an extensible type may have it, reads as the
-// nearest that does.
+/// A number whose bounds fit `Int`, of 64 bits. One that does not fit, as an extensible type may have it, reads as the
+/// nearest that does.
 template <class Int>
 class ORLENTA_OVERLAY integer : public detail::big_integer {
   public:
+    /// Zero, or a number.
+    /// @{
     integer() = default;
     template <std::integral From>
     integer(From value) {
@@ -76,7 +80,9 @@ class ORLENTA_OVERLAY integer : public detail::big_integer {
         set(static_cast<Int>(value));
         return *this;
     }
+    /// @}
 
+    /// The number.
     operator Int() const noexcept {
         using limits = std::numeric_limits<Int>;
         if constexpr (std::is_signed_v<Int>)
@@ -86,10 +92,12 @@ class ORLENTA_OVERLAY integer : public detail::big_integer {
     }
 };
 
-// A number of any size.
+/// A number of any size.
 template <>
 class ORLENTA_OVERLAY integer<void> : public detail::big_integer {
   public:
+    /// Zero, or a number.
+    /// @{
     integer() = default;
     template <std::integral From>
     integer(From value) {
@@ -100,8 +108,9 @@ class ORLENTA_OVERLAY integer<void> : public detail::big_integer {
         set(value);
         return *this;
     }
+    /// @}
 
-    // From decimal digits, with a minus before them if need be; false, and nothing changed, if `text` is something else.
+    /// From decimal digits, with a minus before them if need be; false, and nothing changed, if `text` is something else.
     bool assign(std::string_view text) {
         std::size_t sign = text.starts_with('-') ? 1 : 0;
         if (text.size() == sign || text.find_first_not_of("0123456789", sign) != text.npos) return false;

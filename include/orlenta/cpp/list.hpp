@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// SEQUENCE OF and SET OF.
+/// @file
+/// SEQUENCE OF and SET OF.
 #pragma once
 
 #include <orlenta/build.h>
@@ -9,8 +10,8 @@
 
 namespace orlenta {
 
-// As std::vector, over the record of a list; a contiguous range, and so a std::span. The record tells no capacity:
-// push_back asks the allocator for room each time, which is cheap where the block has it.
+/// As std::vector, over the record of a list; a contiguous range, and so a std::span. The record tells no capacity:
+/// push_back asks the allocator for room each time, which is cheap where the block has it.
 template <class T>
 class ORLENTA_OVERLAY list {
     T* data_ = nullptr;
@@ -19,6 +20,8 @@ class ORLENTA_OVERLAY list {
     void take(void* block) { data_ = static_cast<T*>(detail::allocated(block)); }
 
   public:
+    /// As of std::vector.
+    /// @{
     using value_type = T;
     using iterator = T*;
     using const_iterator = const T*;
@@ -51,8 +54,9 @@ class ORLENTA_OVERLAY list {
     const T& front() const { return data_[0]; }
     T& back() { return data_[count_ - 1]; }
     const T& back() const { return data_[count_ - 1]; }
+    /// @}
 
-    // A new element at the end, made of `arguments`. Pointers to elements do not survive it.
+    /// A new element at the end, made of `arguments`. Pointers to elements do not survive it.
     template <class... Arguments>
     T& emplace_back(Arguments&&... arguments) {
         take(orlenta_block_add(data_, count_, sizeof(T)));
@@ -60,14 +64,19 @@ class ORLENTA_OVERLAY list {
         count_++;
         return *element;
     }
+    /// As of std::vector.
+    /// @{
     void push_back(const T& element) { emplace_back(element); }
     void push_back(T&& element) { emplace_back(std::move(element)); }
     void pop_back() { data_[--count_].~T(); }
+    /// @}
 
-    // Room for `count` elements in all, taken at once.
+    /// Room for `count` elements in all, taken at once.
     void reserve(std::size_t count) {
         if (count > count_) take(orlenta_block_grow(data_, count_, count, sizeof(T)));
     }
+    /// As of std::vector.
+    /// @{
     void resize(std::size_t count) {
         while (count_ > count) pop_back();
         reserve(count);
@@ -78,6 +87,7 @@ class ORLENTA_OVERLAY list {
         asn1_free(data_);
         data_ = nullptr;
     }
+    /// @}
 };
 
 }  // namespace orlenta

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Open types: a value of any type, with that type's descriptor, or the bytes of an encoding that is not known further.
+/// @file
+/// Open types: a value of any type, with that type's descriptor, or the bytes of an encoding that is not known further.
 #pragma once
 
 #include <orlenta/build.h>
@@ -10,6 +11,7 @@
 
 namespace orlenta {
 
+/// Owns what it holds.
 class ORLENTA_OVERLAY open {
     asn1_open_value record_ = {};
 
@@ -21,6 +23,8 @@ class ORLENTA_OVERLAY open {
     }
 
   public:
+    /// Moves; does not copy.
+    /// @{
     open() = default;
     open(open&& other) noexcept : record_(std::exchange(other.record_, asn1_open_value{})) {}
     open& operator=(open&& other) noexcept {
@@ -28,65 +32,77 @@ class ORLENTA_OVERLAY open {
         return *this;
     }
     ~open() { release(); }
+    /// @}
 
-    // The type of the value; null for bytes.
+    /// The type of the value; null for bytes.
     const asn1_type_desc* descriptor() const noexcept { return record_.type; }
+    /// Whether there is neither value nor bytes.
     bool empty() const noexcept { return record_.data == nullptr; }
 
-    // The value, if it is of the type; else null.
+    /// The value, if it is of the type; else null.
     template <described T>
     T* get() noexcept {
         return static_cast<T*>(orlenta_open_get(&record_, descriptor_of<T>()));
     }
+    /// The same of a constant.
     template <described T>
     const T* get() const noexcept {
         return static_cast<const T*>(orlenta_open_get(&record_, descriptor_of<T>()));
     }
-    // The bytes, if there is no value.
+    /// The bytes, if there is no value.
     std::span<const std::byte> raw() const noexcept {
         if (record_.type != nullptr) return {};
         return {static_cast<const std::byte*>(record_.data), static_cast<std::size_t>(record_.length)};
     }
 
-    // A copy of an encoding. Whoever reads the message takes it for one by the rules of the message around.
+    /// A copy of an encoding. Whoever reads the message takes it for one by the rules of the message around.
     open& operator=(byte_view bytes) {
         auto* data = static_cast<std::uint8_t*>(detail::allocated(asn1_malloc(bytes.size())));
         if (bytes.size() != 0) std::memcpy(data, bytes.data(), bytes.size());
         hold(nullptr, data, bytes.size());
         return *this;
     }
+    /// A fresh value of the type.
     template <described T>
     T& emplace() {
         return *(*this = value<T>()).template get<T>();
     }
+    /// Takes over a value.
     template <described T>
     open& operator=(value<T>&& content) {
         hold(descriptor_of<T>(), content.release(), 0);
         return *this;
     }
 
-    // Takes over a value, or bytes if `type` is null.
+    /// Takes over a value, or bytes if `type` is null.
     void hold(const asn1_type_desc* type, void* data, std::size_t length) noexcept {
         release();
         record_ = {type, data, length};
     }
+    /// The value, if it is of the type; else null.
     void* content_if(const asn1_type_desc* type) const noexcept { return orlenta_open_get(&record_, type); }
 };
 
-// A type that a key selects.
+/// A type that a key selects.
 struct keyed_type {
+    /// What the key is then.
     std::int64_t key;
+    /// The type.
     const asn1_type_desc* descriptor;
 };
 
-// An open type that a key beside it selects: read as any, set by the record's set_... alone.
+/// An open type that a key beside it selects: read as any, set by the record's set_... alone.
 class ORLENTA_OVERLAY keyed_open : open {
     friend struct detail::key_access;
 
   public:
+    /// See open.
     using open::descriptor;
+    /// See open.
     using open::empty;
+    /// See open.
     using open::raw;
+    /// The value, if it is of the type; else null.
     template <described T>
     const T* get() const noexcept {
         return open::get<T>();
@@ -95,7 +111,7 @@ class ORLENTA_OVERLAY keyed_open : open {
 
 namespace detail {
 
-// What the setters and getters of the generated records do.
+/// What the setters and getters of the generated records do.
 struct key_access {
     static open& opened(keyed_open& content) { return content; }
     static open& opened(optional<keyed_open>& content) { return content.emplace(); }

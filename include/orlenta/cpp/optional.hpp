@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Components that may be absent, and words with a type of their own.
+/// @file
+/// Components that may be absent, and words with a type of their own.
 #pragma once
 
 #include <optional>
@@ -7,22 +8,25 @@
 
 namespace orlenta {
 
-// BOOLEAN: a 32-bit word.
+/// BOOLEAN: a 32-bit word.
 class ORLENTA_OVERLAY boolean {
     std::int32_t word_ = 0;
 
   public:
+    /// As a bool.
+    /// @{
     constexpr boolean() = default;
     template <std::same_as<bool> Bool>
     constexpr boolean(Bool value) noexcept : word_(value) {}
     constexpr operator bool() const noexcept { return word_ != 0; }
+    /// @}
 };
 
 namespace detail {
 
 struct key_access;
 
-// A value in a record where it begins at a multiple of 8 and its presence word, directly before it, does not.
+/// A value in a record where it begins at a multiple of 8 and its presence word, directly before it, does not.
 template <class T>
 class ORLENTA_OVERLAY close_content {
     alignas(4) unsigned char bytes_[sizeof(T)];
@@ -60,21 +64,23 @@ inline void require_present(std::uint32_t has) {
         misuse("orlenta: a component is used that is absent\n");
 }
 
-// Whether a U makes an optional T. That it is none itself comes first, for that is asked of every record that is moved; and
-// the compiler's own words for these traits are those that cost least time.
+/// Whether a U makes an optional T. That it is none itself comes first, for that is asked of every record that is moved; and
+/// the compiler's own words for these traits are those that cost least time.
 template <class U, class T, class Optional>
 concept taken_for =
     !__is_same(std::remove_cvref_t<U>, Optional) && __is_constructible(T, U&&) && __is_assignable(T&, U&&);
 
 }  // namespace detail
 
-// As std::optional, in the record: to set the value is to set its presence. To use a value that is absent ends the program.
+/// As std::optional, in the record: to set the value is to set its presence. To use a value that is absent ends the program.
 template <class T, class Content>
 class ORLENTA_OVERLAY basic_optional {
     std::uint32_t has_ = 0;
     Content content_{};
 
   public:
+    /// As of std::optional.
+    /// @{
     using value_type = T;
 
     basic_optional() = default;
@@ -111,19 +117,23 @@ class ORLENTA_OVERLAY basic_optional {
     T value_or(U&& other) const {
         return has_value() ? detail::content(content_) : static_cast<T>(std::forward<U>(other));
     }
+    /// @}
 
-    // A fresh value, present.
+    /// A fresh value, present.
     T& emplace() {
         detail::content(content_) = T{};
         has_ = 1;
         return detail::content(content_);
     }
+    /// Makes it absent.
     void reset() {
         detail::content(content_) = T{};
         has_ = 0;
     }
 };
 
+/// As of std::optional.
+/// @{
 template <class T, class Content>
 bool operator==(const basic_optional<T, Content>& a, std::nullopt_t) {
     return !a.has_value();
@@ -131,38 +141,47 @@ bool operator==(const basic_optional<T, Content>& a, std::nullopt_t) {
 template <class T, class Content, class U>
 requires requires(const T& t, const U& u) { t == u; }
 bool operator==(const basic_optional<T, Content>& a, const U& b) { return a.has_value() && *a == b; }
+/// @}
 
+/// A component that may be absent.
 template <class T>
 using optional = basic_optional<T, T>;
+/// The same where its value does not begin where it would in a record of its own.
 template <class T>
 using close_optional = basic_optional<T, detail::close_content<T>>;
 
-// A NULL that may be absent: a presence word alone.
+/// A NULL that may be absent: a presence word alone.
 class ORLENTA_OVERLAY optional_null {
     std::uint32_t has_ = 0;
 
   public:
+    /// As of std::optional.
+    /// @{
     optional_null() = default;
     optional_null(null) noexcept : has_(1) {}
     bool has_value() const noexcept { return has_ != 0; }
     explicit operator bool() const noexcept { return has_value(); }
     void emplace() noexcept { has_ = 1; }
     void reset() noexcept { has_ = 0; }
+    /// @}
 };
 
-// A component that selects the type of an open type beside it, and is set with that.
+/// A component that selects the type of an open type beside it, and is set with that.
 template <class T>
 class ORLENTA_OVERLAY key {
     T word_ = {};
     friend struct detail::key_access;
 
   public:
+    /// To be read alone.
+    /// @{
     key() = default;
     constexpr T get() const noexcept { return word_; }
     constexpr operator T() const noexcept { return word_; }
+    /// @}
 };
 
-// A record apart: of types that contain themselves. One that is not there yet is made when it is written to.
+/// A record apart: of types that contain themselves. One that is not there yet is made when it is written to.
 template <class T>
 class ORLENTA_OVERLAY indirect {
     T* record_ = nullptr;
@@ -178,6 +197,8 @@ class ORLENTA_OVERLAY indirect {
     }
 
   public:
+    /// As a std::unique_ptr.
+    /// @{
     indirect() = default;
     indirect(indirect&& other) noexcept : record_(std::exchange(other.record_, nullptr)) {}
     indirect& operator=(indirect&& other) noexcept {
@@ -195,6 +216,7 @@ class ORLENTA_OVERLAY indirect {
     const T& operator*() const { return there(); }
     T* operator->() { return &made(); }
     const T* operator->() const { return &there(); }
+    /// @}
 };
 
 }  // namespace orlenta

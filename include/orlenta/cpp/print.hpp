@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Values and errors into streams and formatted text; values as JSON on one line.
+/// @file
+/// Values and errors into streams and formatted text; values as JSON on one line.
 #pragma once
 
 #include <iosfwd>
@@ -21,6 +22,8 @@ std::string shown(const T& value) {
 
 }  // namespace detail
 
+/// A value as JSON on one line, or an error, into a stream.
+/// @{
 template <class Traits, described T>
 std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& stream, const T& value) {
     return stream << detail::shown(value);
@@ -34,8 +37,9 @@ template <class Traits>
 std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& stream, const error& reason) {
     return stream << reason.to_string();
 }
+/// @}
 
-// Whether two values are the same, by asn1_cmp_value.
+/// Whether two values are the same, by asn1_cmp_value.
 template <described T>
 bool operator==(const T& a, const T& b) noexcept {
     return asn1_cmp_value(descriptor_of<T>(), &a, &b) == 0;

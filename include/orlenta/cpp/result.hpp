@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What functions that may fail give: std::expected where the standard library has it, else a class of the same form.
+/// @file
+/// What functions that may fail give: std::expected where the standard library has it, else a class of the same form.
 #pragma once
 
 #include <orlenta/error.h>
@@ -14,22 +15,24 @@
 
 namespace orlenta {
 
-// What was wrong, and where.
+/// What was wrong, and where.
 class error {
     asn1_error record_;
 
   public:
+    /// Nothing wrong yet.
     error() noexcept { asn1_error_init(&record_); }
 
+    /// What was wrong.
     std::string_view message() const noexcept { return record_.message; }
-    // Component path, as a.b[3].c; empty if it is not known.
+    /// Component path, as a.b[3].c; empty if it is not known.
     std::string_view path() const noexcept { return record_.path; }
-    // Binary encodings: bits from the start of the message.
+    /// Binary encodings: bits from the start of the message.
     int bit_position() const noexcept { return record_.bit_position; }
-    // Text: line, from 1.
+    /// Text: line, from 1.
     int line() const noexcept { return record_.line; }
 
-    // Message and place in one line.
+    /// Message and place in one line.
     std::string to_string() const {
         std::string text(message());
         if (record_.path[0] != '\0') text.append(" at ").append(path());
@@ -38,11 +41,13 @@ class error {
         if (record_.line > 1) text.append(" (line ").append(std::to_string(line())).append(")");
         return text;
     }
+    /// The record, for functions of the C library.
     asn1_error* record() noexcept { return &record_; }
 };
 
 #ifdef __cpp_lib_expected
 
+/// A T, or what was wrong.
 template <class T>
 using result = std::expected<T, error>;
 
@@ -52,15 +57,18 @@ inline std::unexpected<error> failed(const error& reason) { return std::unexpect
 
 #else
 
-// Thrown by result::value() of a failure.
+/// Thrown by result::value() of a failure.
 class bad_result_access : public std::exception {
     orlenta::error reason_;
 
   public:
+    /// Of the error given.
     explicit bad_result_access(const orlenta::error& reason) noexcept : reason_(reason) {}
+    /// The message.
     const char* what() const noexcept override {
         return const_cast<bad_result_access*>(this)->reason_.record()->message;
     }
+    /// The error.
     const orlenta::error& error() const noexcept { return reason_; }
 };
 
@@ -73,6 +81,7 @@ inline failure failed(const error& reason) { return {reason}; }
 
 }  // namespace detail
 
+/// A T, or what was wrong: std::expected<T, error>, as far as the library needs it.
 template <class T>
 class result {
     union {
@@ -90,6 +99,8 @@ class result {
     }
 
   public:
+    /// As of std::expected.
+    /// @{
     using value_type = T;
     using error_type = orlenta::error;
 
@@ -121,14 +132,18 @@ class result {
     const T& value() const& { return require(), value_; }
     T&& value() && { return require(), std::move(value_); }
     const orlenta::error& error() const noexcept { return error_; }
+    /// @}
 };
 
+/// Nothing, or what was wrong.
 template <>
 class result<void> {
     orlenta::error error_;
     bool has_value_ = true;
 
   public:
+    /// As of std::expected.
+    /// @{
     using value_type = void;
     using error_type = orlenta::error;
 
@@ -145,6 +160,7 @@ class result<void> {
 #endif
     }
     const orlenta::error& error() const noexcept { return error_; }
+    /// @}
 };
 
 #endif

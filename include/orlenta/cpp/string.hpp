@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// OCTET STRING, character strings, BIT STRING and OBJECT IDENTIFIER. A string owns a copy of what is assigned.
+/// @file
+/// OCTET STRING, character strings, BIT STRING and OBJECT IDENTIFIER. A string owns a copy of what is assigned.
 #pragma once
 
 #include <orlenta/build.h>
@@ -12,7 +13,7 @@ namespace orlenta {
 
 namespace detail {
 
-// Pointer and length of a block that the record owns.
+/// Pointer and length of a block that the record owns.
 template <class Record>
 class ORLENTA_OVERLAY block {
   protected:
@@ -42,17 +43,17 @@ class ORLENTA_OVERLAY block {
 
 }  // namespace detail
 
+/// OCTET STRING.
 class ORLENTA_OVERLAY octets : public detail::block<asn1_string> {
   public:
+    /// From bytes, which are copied.
+    /// @{
     octets() = default;
     octets(std::initializer_list<std::uint8_t> bytes) { *this = byte_view(bytes.begin(), bytes.size()); }
     template <class Bytes>
-    requires(std::convertible_to<const Bytes&, byte_view>) octets(const Bytes& bytes) {
-        *this = bytes;
-    }
+    requires(std::convertible_to<const Bytes&, byte_view>) octets(const Bytes& bytes) { *this = bytes; }
     template <class Bytes>
-        requires(std::convertible_to<const Bytes&, byte_view>)
-    octets& operator=(const Bytes& bytes) {
+    requires(std::convertible_to<const Bytes&, byte_view>) octets& operator=(const Bytes& bytes) {
         byte_view view(bytes);
         set(view.data(), view.size(), 1);
         return *this;
@@ -60,56 +61,72 @@ class ORLENTA_OVERLAY octets : public detail::block<asn1_string> {
     octets& operator=(std::initializer_list<std::uint8_t> bytes) {
         return *this = byte_view(bytes.begin(), bytes.size());
     }
+    /// @}
 
+    /// The bytes.
+    /// @{
     const std::uint8_t* data() const noexcept { return record_.data; }
     std::span<const std::byte> bytes() const noexcept { return units<std::byte>(); }
     operator std::span<const std::byte>() const noexcept { return bytes(); }
     std::string_view view() const noexcept { return {reinterpret_cast<const char*>(data()), size()}; }
+    /// @}
 };
 
-// A character string of code units that are `Char`.
+/// A character string of code units that are `Char`.
 template <class Char>
 class ORLENTA_OVERLAY basic_text : public detail::block<asn1_string> {
   public:
+    /// What it is assigned from and read as.
     using view_type = std::basic_string_view<Char>;
 
+    /// From a text, which is copied.
+    /// @{
     basic_text() = default;
     template <class Text>
-    requires(std::convertible_to<const Text&, view_type>) basic_text(const Text& text) {
-        *this = text;
-    }
+    requires(std::convertible_to<const Text&, view_type>) basic_text(const Text& text) { *this = text; }
     template <class Text>
-        requires(std::convertible_to<const Text&, view_type>)
-    basic_text& operator=(const Text& text) {
+    requires(std::convertible_to<const Text&, view_type>) basic_text& operator=(const Text& text) {
         view_type view(text);
         set(view.data(), view.size(), sizeof(Char));
         return *this;
     }
+    /// @}
 
+    /// The text.
+    /// @{
     view_type view() const noexcept {
         std::span<const Char> chars = this->template units<Char>();
         return {chars.data(), chars.size()};
     }
     operator view_type() const noexcept { return view(); }
     friend bool operator==(const basic_text& a, view_type b) noexcept { return a.view() == b; }
+    /// @}
 };
 
+/// Strings of 8 bits a character; BMPString; UniversalString.
+/// @{
 using text = basic_text<char>;
 using text16 = basic_text<char16_t>;  // BMPString
 using text32 = basic_text<char32_t>;  // UniversalString
+/// @}
 
-// OBJECT IDENTIFIER and RELATIVE-OID, as the octets of their contents (X.690 clauses 8.19 and 8.20).
+/// OBJECT IDENTIFIER and RELATIVE-OID, as the octets of their contents (X.690 clauses 8.19 and 8.20).
 class ORLENTA_OVERLAY object_identifier : public octets {
   public:
+    /// See octets.
+    /// @{
     using octets::octets;
     using octets::operator=;
+    /// @}
 };
 
-// A BIT STRING whose bits are told by `Bit`, an enumeration or a number. One that has no bits yet gets `Least` of them when
-// one is set.
+/// A BIT STRING whose bits are told by `Bit`, an enumeration or a number. One that has no bits yet gets `Least` of them when
+/// one is set.
 template <class Bit, std::size_t Least>
 class ORLENTA_OVERLAY bits : public detail::block<asn1_bit_string> {
   public:
+    /// From the bits that are one.
+    /// @{
     bits() = default;
     bits(std::initializer_list<Bit> ones) { *this = ones; }
     bits& operator=(std::initializer_list<Bit> ones) {
@@ -118,25 +135,32 @@ class ORLENTA_OVERLAY bits : public detail::block<asn1_bit_string> {
         for (Bit bit : ones) set(bit);
         return *this;
     }
+    /// @}
 
-    // `count` bits of `bytes`, the first of which is bit 7 of the first byte.
+    /// `count` bits of `bytes`, the first of which is bit 7 of the first byte.
     void assign(byte_view bytes, std::size_t count) {
         if (count > bytes.size() * 8) detail::misuse("orlenta: more bits than bytes\n");
         if (orlenta_bit_string_set(&record_, bytes.data(), count) != 0) detail::out_of_memory();
     }
+    /// Sets one bit; the string grows if need be.
     void set(Bit bit, bool value = true) {
         if (orlenta_bit_string_set_bit(&record_, static_cast<std::uint64_t>(bit), value, Least) != 0)
             detail::out_of_memory();
     }
+    /// No bits.
     void clear() noexcept {
         asn1_free(record_.data);
         record_ = {};
     }
 
+    /// Whether the bit is there and one.
+    /// @{
     bool test(Bit bit) const noexcept {
         return orlenta_bit_string_get_bit(&record_, static_cast<std::uint64_t>(bit)) != 0;
     }
     bool operator[](Bit bit) const noexcept { return test(bit); }
+    /// @}
+    /// The bytes.
     std::span<const std::byte> bytes() const noexcept {
         return {reinterpret_cast<const std::byte*>(record_.data), (size() + 7) / 8};
     }

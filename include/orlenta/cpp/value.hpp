@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A value that is owned.
+/// @file
+/// A value that is owned.
 #pragma once
 
 #include <orlenta/value.h>
@@ -9,8 +10,8 @@
 
 namespace orlenta {
 
-// Owns a value of a generated type, with all that it holds. Moves; does not copy but by clone(). Moved from, it is empty,
-// and good for nothing but to be assigned to.
+/// Owns a value of a generated type, with all that it holds. Moves; does not copy but by clone(). Moved from, it is empty,
+/// and good for nothing but to be assigned to.
 template <described T>
 class value {
     T* record_;
@@ -21,32 +22,41 @@ class value {
     explicit value(taken given) noexcept : record_(given.record) {}
 
   public:
-    // With all components absent, zero, empty, or what they are by DEFAULT.
+    /// With all components absent, zero, empty, or what they are by DEFAULT.
     value() : record_(::new (detail::allocated(asn1_malloc(sizeof(T)))) T{}) {}
+    /// Moves.
+    /// @{
     value(value&& other) noexcept : record_(std::exchange(other.record_, nullptr)) {}
     value& operator=(value&& other) noexcept {
         std::swap(record_, other.record_);
         return *this;
     }
     ~value() { asn1_free_value(descriptor_of<T>(), record_); }
+    /// @}
 
-    // Takes over a record from the C library, made by a decoder or by asn1_mallocz_value.
+    /// Takes over a record from the C library, made by a decoder or by asn1_mallocz_value.
     static value adopt(void* record) noexcept { return value(taken{static_cast<T*>(record)}); }
-    // Gives the record up, to be released by asn1_free_value.
+    /// Gives the record up, to be released by asn1_free_value.
     T* release() noexcept { return std::exchange(record_, nullptr); }
 
+    /// A deep copy.
     value clone() const { return adopt(detail::allocated(asn1_clone_value(descriptor_of<T>(), record_))); }
 
+    /// As of std::unique_ptr.
+    /// @{
     T& operator*() noexcept { return *record_; }
     const T& operator*() const noexcept { return *record_; }
     T* operator->() noexcept { return record_; }
     const T* operator->() const noexcept { return record_; }
-    // For functions of the C library, too.
+    /// @}
+    /// For functions of the C library, too.
     T* get() noexcept { return record_; }
+    /// The same of a constant.
     const T* get() const noexcept { return record_; }
 
+    /// Whether they are the same.
     friend bool operator==(const value& a, const value& b) noexcept { return (a <=> b) == 0; }
-    // The order of asn1_cmp_value.
+    /// The order of asn1_cmp_value.
     friend std::strong_ordering operator<=>(const value& a, const value& b) noexcept {
         return asn1_cmp_value(descriptor_of<T>(), a.record_, b.record_) <=> 0;
     }
