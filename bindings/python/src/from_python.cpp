@@ -160,15 +160,9 @@ static bool write_real(Writer& writer, PyObject* value, void* record) {
     return !PyErr_Occurred();
 }
 
-// The index of an item's or alternative's name; -1 if there is none.
-static long index_of(const Plan* plan, PyObject* name) {
-    PyObject* index = plan->index ? PyDict_GetItemWithError(plan->index, name) : nullptr;
-    return index ? PyLong_AsLong(index) : -1;
-}
-
 static bool write_item(Writer& writer, const Plan* plan, PyObject* value, void* record) {
     if (!PyUnicode_Check(value)) return fail_kind(writer, "the name of an item", value);
-    long index = index_of(plan, value);
+    long index = find_name(plan->index, value);
     if (index < 0) return fail(writer, "no item is called '" + text_of(value) + "'");
     store32(record, static_cast<uint32_t>(index));
     return true;
@@ -354,7 +348,7 @@ static bool write_choice(Writer& writer, const Plan* plan, PyObject* value, void
     if (!is_pair(value) || !PyUnicode_Check(PyTuple_GetItem(value, 0)))
         return fail_kind(writer, "(name of an alternative, value)", value);
     PyObject* name = PyTuple_GetItem(value, 0);
-    long index = index_of(plan, name);
+    long index = find_name(plan->index, name);
     if (index < 0) return fail(writer, "no alternative is called '" + text_of(name) + "'");
     const Member& member = plan->members[static_cast<size_t>(index)];
     store32(at_offset(record, plan->selector_offset), static_cast<uint32_t>(index));

@@ -15,7 +15,7 @@ State state;
 
 template <Operation operation>
 static PyObject* of_builtin(PyObject*, PyObject* const* values, Py_ssize_t count, PyObject* names) {
-    return call_with_type(schema_of(state.builtin), operation, "function", values, count, names);
+    return call_with_type(schema_of(state.builtin), operation, values, count, names);
 }
 
 template <Operation operation>
@@ -25,7 +25,7 @@ static PyMethodDef function(const char* name, const char* documentation) {
 }
 
 static const char kDecode[] =
-    "decode(type, data, rules='uper', *, allow_trailing=False)\n--\n\n"
+    "decode(type, /, data, rules='uper', *, allow_trailing=False)\n--\n\n"
     "The value that a message holds.\n\n"
     "type is a name, [Region.][Module.]Type, or a Type; data is bytes-like, or a str for the text rules; "
     "rules is\n"
@@ -33,22 +33,22 @@ static const char kDecode[] =
     "unless\n"
     "allow_trailing says otherwise. Raises DecodeError.";
 static const char kEncode[] =
-    "encode(type, value, rules='uper', *, check=False)\n--\n\n"
+    "encode(type, /, value, rules='uper', *, check=False)\n--\n\n"
     "The message that holds a value: bytes, or a str by the text rules.\n\n"
     "Names, kinds of objects, numbers and sizes are held against the type: EncodeError tells what does not "
     "fit, and\n"
     "where. With check, all constraints are: ConstraintError.";
 static const char kConvert[] =
-    "convert(type, data, from_, to, *, check=False, allow_trailing=False)\n--\n\n"
+    "convert(type, /, data, from_, to, *, check=False, allow_trailing=False)\n--\n\n"
     "A message by other rules, without objects in between.";
 static const char kCheck[] =
-    "check(type, value)\n--\n\n"
+    "check(type, /, value)\n--\n\n"
     "Raises ConstraintError if the value breaks a constraint, EncodeError if it is none of the type.";
-static const char kRandom[] = "random(type, seed=None)\n--\n\nA valid value, the same for the same seed.";
+static const char kRandom[] = "random(type, /, seed=None)\n--\n\nA valid value, the same for the same seed.";
 static const char kExplain[] =
-    "explain(type, data, rules='uper')\n--\n\nWhat each bit of a message is, as a list of Bits.";
+    "explain(type, /, data, rules='uper')\n--\n\nWhat each bit of a message is, as a list of Bits.";
 static const char kDecodeMany[] =
-    "decode_many(type, messages, rules='uper', errors='raise', *, threads=1, offsets=None, "
+    "decode_many(type, /, messages, rules='uper', errors='raise', *, threads=1, offsets=None, "
     "allow_trailing=False)\n"
     "--\n\n"
     "The values of many messages, as a list.\n\n"

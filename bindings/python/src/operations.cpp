@@ -20,10 +20,10 @@ Handle* take_handle(Schema& schema, PyObject* type) {
     return nullptr;
 }
 
-PyObject* call_with_type(Schema& schema, Operation* operation, const char* function, PyObject* const* values,
-                         Py_ssize_t count, PyObject* names) {
+PyObject* call_with_type(Schema& schema, Operation* operation, PyObject* const* values, Py_ssize_t count,
+                         PyObject* names) {
     if (count < 1) {
-        PyErr_Format(PyExc_TypeError, "%s() misses the argument 'type'", function);
+        PyErr_SetString(PyExc_TypeError, "a type expected, as the first argument");
         return nullptr;
     }
     Handle* handle = take_handle(schema, values[0]);

@@ -24,7 +24,7 @@ using Operation = PyObject*(Handle&, const Call&);
 Handle* take_handle(Schema& schema, PyObject* type);
 
 // The same for a call whose first argument is the type.
-PyObject* call_with_type(Schema& schema, Operation* operation, const char* function, PyObject* const* values,
-                         Py_ssize_t count, PyObject* names);
+PyObject* call_with_type(Schema& schema, Operation* operation, PyObject* const* values, Py_ssize_t count,
+                         PyObject* names);
 
 }  // namespace orlenta::python

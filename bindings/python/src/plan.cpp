@@ -10,7 +10,6 @@ namespace orlenta::python {
 Plan::~Plan() {
     for (Member& member : members) Py_XDECREF(member.name);
     for (PyObject* item : items) Py_XDECREF(item);
-    Py_XDECREF(index);
 }
 
 static bool build(Plans& plans, Plan& plan);
@@ -78,25 +77,19 @@ static bool add_components(Plans& plans, Plan& plan) {
     return true;
 }
 
-static bool add_to_index(Plan& plan, PyObject* name, size_t index) {
-    if (!plan.index) plan.index = PyDict_New();
-    Ref number(plan.index ? PyLong_FromSize_t(index) : nullptr);
-    return number && PyDict_SetItem(plan.index, name, number.object) == 0;
-}
-
 static bool add_alternatives(Plans& plans, Plan& plan) {
     orlenta_alternative part;
     for (uint32_t i = 0; orlenta_type_alternative(plan.type, i, &part) == 0; ++i) {
         Member& member = plan.members.emplace_back();
         member.name = PyUnicode_InternFromString(part.name);
-        if (!member.name || !add_to_index(plan, member.name, i)) return false;
+        if (!member.name) return false;
         plan.selector_offset = part.selector_offset;
         member.offset = static_cast<uint32_t>(part.value_offset);
         const Plan* inner = plan_of(plans, part.type);
         if (!inner) return false;
         plan.members[i].plan = inner;
     }
-    return true;
+    return make_index(plan.index, plan.members.size(), [&](size_t i) { return plan.members[i].name; });
 }
 
 static bool add_items(Plan& plan) {
@@ -105,9 +98,8 @@ static bool add_items(Plan& plan) {
         PyObject* name = PyUnicode_InternFromString(part.name);
         if (!name) return false;
         plan.items.push_back(name);
-        if (!add_to_index(plan, name, i)) return false;
     }
-    return true;
+    return make_index(plan.index, plan.items.size(), [&](size_t i) { return plan.items[i]; });
 }
 
 static void set_bounds(Plan& plan, const orlenta_type_facts& facts) {

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "name_index.hpp"
 #include "python.hpp"
 
 namespace orlenta::python {
@@ -65,7 +66,7 @@ struct Plan {
     uint64_t stride = 0;          // bytes of an element
     std::vector<Member> members;
     std::vector<PyObject*> items;  // interned
-    PyObject* index = nullptr;     // dict from names of alternatives or items to their indices
+    NameIndex index;               // of alternatives or items
 
     Plan() = default;
     Plan(const Plan&) = delete;

@@ -297,7 +297,7 @@ static PyObject* get_notes(PyObject* self, void*) {
 
 template <Operation operation>
 static PyObject* by_name(PyObject* self, PyObject* const* values, Py_ssize_t count, PyObject* names) {
-    return call_with_type(schema_of(self), operation, "Schema method", values, count, names);
+    return call_with_type(schema_of(self), operation, values, count, names);
 }
 
 template <Operation operation>
@@ -314,28 +314,28 @@ PyTypeObject* make_schema_class() {
          "The names of all types, or of those that match 'EU.*CAM*'."},
         {"__reduce__", reduce, METH_NOARGS, nullptr},
         method<decode_call>("decode",
-                            "decode($self, type, data, rules='uper', *, allow_trailing=False)\n--\n\n"
+                            "decode($self, type, /, data, rules='uper', *, allow_trailing=False)\n--\n\n"
                             "As orlenta.decode, of a type of this schema."),
         method<decode_with_length_call>("decode_with_length",
-                                        "decode_with_length($self, type, data, rules='uper')\n--\n\n"
+                                        "decode_with_length($self, type, /, data, rules='uper')\n--\n\n"
                                         "(value, octets of the message), whatever follows."),
         method<encode_call>("encode",
-                            "encode($self, type, value, rules='uper', *, check=False)\n--\n\n"
+                            "encode($self, type, /, value, rules='uper', *, check=False)\n--\n\n"
                             "As orlenta.encode, of a type of this schema."),
         method<convert_call>("convert",
-                             "convert($self, type, data, from_, to, *, check=False, "
+                             "convert($self, type, /, data, from_, to, *, check=False, "
                              "allow_trailing=False)\n--\n\nAs orlenta.convert, of a type of this schema."),
         method<check_call>("check",
-                           "check($self, type, value)\n--\n\nAs orlenta.check, of a type of this schema."),
+                           "check($self, type, /, value)\n--\n\nAs orlenta.check, of a type of this schema."),
         method<random_call>("random",
-                            "random($self, type, seed=None)\n--\n\n"
+                            "random($self, type, /, seed=None)\n--\n\n"
                             "As orlenta.random, of a type of this schema."),
         method<explain_call>("explain",
-                             "explain($self, type, data, rules='uper')\n--\n\n"
+                             "explain($self, type, /, data, rules='uper')\n--\n\n"
                              "As orlenta.explain, of a type of this schema."),
         method<decode_many_call>(
             "decode_many",
-            "decode_many($self, type, messages, rules='uper', errors='raise', *, threads=1, "
+            "decode_many($self, type, /, messages, rules='uper', errors='raise', *, threads=1, "
             "offsets=None, allow_trailing=False)\n--\n\n"
             "As orlenta.decode_many, of a type of this schema."),
         method<columns_call>("_columns", nullptr),

@@ -192,6 +192,10 @@ static Py_hash_t hash(PyObject* self) { return PyObject_Hash(handle_of(self).nam
 
 // As its schema and its name.
 static PyObject* reduce(PyObject* self, PyObject*) {
+    if (!handle_of(self).entry.type) {
+        PyErr_SetString(PyExc_TypeError, "a type in place has no name by which another process knows it");
+        return nullptr;
+    }
     Ref maker(PyObject_GetAttrString(self_of(self).schema, "type"));
     return maker ? Py_BuildValue("O(O)", maker.object, handle_of(self).name) : nullptr;
 }

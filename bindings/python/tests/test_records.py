@@ -70,7 +70,7 @@ def test_help_and_types_for_editors():
     from pathlib import Path
 
     page = pydoc.render_doc(orlenta, renderer=pydoc.plaintext)
-    for word in ("decode(type, data, rules='uper', *, allow_trailing=False)", "CHOICE", "decode_many", "columns"):
+    for word in ("decode(type, /, data, rules='uper', *, allow_trailing=False)", "CHOICE", "decode_many", "columns"):
         assert word in page
     for name in orlenta.__all__:
         assert getattr(orlenta, name).__doc__, name

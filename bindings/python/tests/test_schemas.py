@@ -11,6 +11,8 @@ from test_values import KINDS
 
 import orlenta
 
+IN_PLACE = orlenta.compile_text("S DEFINITIONS ::= BEGIN A ::= SEQUENCE { a INTEGER (0..9) } END")
+
 
 def test_a_schema_from_a_file_in_one_line(sensors):
     value = {"station": 7, "quantity": "humidity", "value": 455, "quality": "good"}
@@ -127,6 +129,8 @@ def test_pickles():
     again = pickle.loads(pickle.dumps(KINDS.type("Record")))
     assert again == KINDS.type("Record") and hash(again) == hash(KINDS.type("Record")) and again.schema is not KINDS
     assert pickle.loads(pickle.dumps(again)).schema is again.schema
+    with pytest.raises(TypeError):
+        pickle.dumps(IN_PLACE.type("A").components[0].type)
     other = subprocess.run([sys.executable, "-c", "import pickle, sys; print(pickle.load(sys.stdin.buffer).encode(3, 'jer'))"],
                            input=pickle.dumps(KINDS.type("Small")), capture_output=True, check=True)
     assert other.stdout == b"3\n"
