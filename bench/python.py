@@ -94,8 +94,9 @@ def structure(text):
     return type("Structure", (ctypes.Structure,), {"_fields_": fields})
 
 
-FACTS = structure("p:type u:kind u:string_type u:is_extensible u:is_big u:has_lower u:has_upper I:lower I:upper p:big_lower "
-                  "p:big_upper u:root_count u:count U:record_size p:element p:contained")
+FACTS = structure("p:type p:inner u:kind u:string_type u:is_extensible u:is_big u:is_unsigned u:has_lower u:has_upper I:lower "
+                  "I:upper p:big_lower p:big_upper u:root_count u:count U:record_size p:element p:contained p:object_class "
+                  "u:column u:key_count")
 COMPONENT = structure("s:name p:type u:offset u:has_presence_word u:presence_offset u:presence u:is_addition u:opens u:closes "
                       "u:default_word p:big_default")
 ALTERNATIVE = structure("s:name p:type u:is_addition U:selector_offset U:value_offset")
@@ -136,8 +137,7 @@ class Records:
         if kind == 5 and facts.is_big:
             return big_integer
         if kind == 5:
-            is_unsigned = facts.lower >= 0 and not facts.is_extensible
-            word = U4.from_address if is_unsigned else ctypes.c_int32.from_address
+            word = U4.from_address if facts.is_unsigned else ctypes.c_int32.from_address
             return lambda address: word(address).value
         if kind == 6:
             return lambda address: word(address).value != 0

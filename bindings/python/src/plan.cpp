@@ -40,7 +40,7 @@ static Form form_of(const orlenta_type_facts& facts) {
         case ASN1_KIND_CHOICE: return Form::choice;
         case ASN1_KIND_INTEGER:
             if (facts.is_big) return Form::big_integer;
-            return is_unsigned_integer(facts.type) ? Form::unsigned_word : Form::signed_word;
+            return facts.is_unsigned ? Form::unsigned_word : Form::signed_word;
         case ASN1_KIND_BOOLEAN: return Form::boolean;
         case ASN1_KIND_BIT_STRING: return Form::bit_string;
         case ASN1_KIND_OCTET_STRING: return Form::octet_string;
