@@ -143,8 +143,9 @@ std::string description(const Table& table) {
     bool has_sizes = type.kind == Kind::bit_string || type.kind == Kind::octet_string || is_list(type) ||
                      type.kind == Kind::char_string;
     std::string bounds = has_values || has_sizes ? bounds_text(type.bounds) : "";
-    if (bounds.empty()) return text;
-    return has_values ? fmt::format("{} ({})", text, bounds) : fmt::format("{} (SIZE({}))", text, bounds);
+    if (!bounds.empty())
+        text += has_values ? fmt::format(" ({})", bounds) : fmt::format(" (SIZE({}))", bounds);
+    return type.unit ? fmt::format("{}; unit {}", text, type.unit->text) : text;
 }
 
 }  // namespace orlentac

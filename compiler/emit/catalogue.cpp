@@ -41,6 +41,27 @@ void put_entries(std::string& out, const CatalogueForm& form) {
     out += "};\n\n";
 }
 
+std::string number_text(int64_t number) { return number == INT64_MIN ? "INT64_MIN" : std::to_string(number); }
+
+void put_units(std::string& out, const CatalogueForm& form) {
+    auto at = std::back_inserter(out);
+    if (!form.specials.empty()) out += "static constinit const orlenta_special specials[] = {\n";
+    for (const SpecialForm& special : form.specials)
+        fmt::format_to(at, "    {{{}, {}, texts + {}, {}}},\n", number_text(special.first),
+                       number_text(special.last), special.meaning, special.is_limit);
+    if (!form.specials.empty()) out += "};\n\n";
+    if (form.units.empty()) return;
+    out += "static constinit const orlenta_unit units[] = {\n";
+    for (const UnitForm& unit : form.units)
+        fmt::format_to(at, "    {{texts + {}, {}, {}, {}, {}, {}}},\n", unit.symbol, unit.scale, unit.offset,
+                       unit.digits, unit.special_count,
+                       unit.special_count ? fmt::format("specials + {}", unit.first_special) : "nullptr");
+    out += "};\n\nstatic constinit const unit_place unit_places[] = {\n";
+    for (const orlenta::catalogue::unit_place& place : form.unit_places)
+        fmt::format_to(at, "    {{{}, {}, {}}},\n", place.from, place.word, place.unit);
+    out += "};\n\n";
+}
+
 }  // namespace
 
 std::string emit_catalogue(const Layout& layout) {
@@ -64,16 +85,20 @@ std::string emit_catalogue(const Layout& layout) {
     put_texts(out, form.texts);
     put_pointers(out, form.types);
     put_entries(out, form);
-    fmt::format_to(
-        at,
-        "}}  // namespace\n\n"
-        "constinit const orlenta::catalogue::region orlenta_region_{0} = {{{1}, {2}, {3}, texts, {4}}};\n\n"
-        "const orlenta_catalogue* orlenta_catalogue_{0}() {{\n"
-        "    static constexpr const region* regions[] = {{&orlenta_region_{0}}};\n"
-        "    static constexpr orlenta_catalogue catalogue = {{regions, 1}};\n"
-        "    return &catalogue;\n}}\n",
-        layout.region, orlenta::catalogue::kFormat, form.entries.size(),
-        form.entries.empty() ? "nullptr" : "entries", form.types.empty() ? "nullptr" : "types");
+    put_units(out, form);
+    fmt::format_to(at,
+                   "}}  // namespace\n\n"
+                   "constinit const orlenta::catalogue::region orlenta_region_{0} = {{{1}, {2}, {3}, texts, "
+                   "{4}, {5}, {6}, "
+                   "{7}}};\n\n"
+                   "const orlenta_catalogue* orlenta_catalogue_{0}() {{\n"
+                   "    static constexpr const region* regions[] = {{&orlenta_region_{0}}};\n"
+                   "    static constexpr orlenta_catalogue catalogue = {{regions, 1}};\n"
+                   "    return &catalogue;\n}}\n",
+                   layout.region, orlenta::catalogue::kFormat, form.entries.size(),
+                   form.entries.empty() ? "nullptr" : "entries", form.types.empty() ? "nullptr" : "types",
+                   form.units.empty() ? "nullptr" : "units", form.units.empty() ? "nullptr" : "unit_places",
+                   form.unit_places.size());
     return out;
 }
 

@@ -21,6 +21,8 @@ struct orlenta_schema {
     MemoryTables tables;
     CatalogueForm names;
     std::vector<const asn1_type_desc*> types;  // of `names`
+    std::vector<orlenta_special> specials;     // likewise
+    std::vector<orlenta_unit> units;           // likewise
     orlenta::catalogue::region region = {};
     const orlenta::catalogue::region* regions[1] = {&region};
     orlenta_catalogue catalogue = {regions, 1};
@@ -50,8 +52,18 @@ void add_types(orlenta_schema& schema, const Layout& layout) {
         types.emplace(layout.tables[i], schema.tables.tables[i].type);
     schema.names = catalogue_form(layout);
     for (const Table* table : schema.names.types) schema.types.push_back(types.at(table));
-    schema.region = {orlenta::catalogue::kFormat, static_cast<uint32_t>(schema.names.entries.size()),
-                     schema.names.entries.data(), schema.names.texts.data(), schema.types.data()};
+    const CatalogueForm& names = schema.names;
+    const char* texts = names.texts.data();
+    for (const SpecialForm& special : names.specials)
+        schema.specials.push_back({special.first, special.last, texts + special.meaning, special.is_limit});
+    for (const UnitForm& unit : names.units)
+        schema.units.push_back({texts + unit.symbol, unit.scale, unit.offset, unit.digits,
+                                static_cast<uint32_t>(unit.special_count),
+                                schema.specials.data() + unit.first_special});
+    schema.region = {orlenta::catalogue::kFormat, static_cast<uint32_t>(names.entries.size()),
+                     names.entries.data(),        texts,
+                     schema.types.data(),         schema.units.data(),
+                     names.unit_places.data(),    static_cast<uint32_t>(names.unit_places.size())};
 }
 
 bool is_region_name(const std::string& name) {

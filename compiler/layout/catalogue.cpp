@@ -6,6 +6,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "compiler/model/references.hpp"
+
 namespace orlentac {
 
 using orlenta::catalogue::entry;
@@ -111,6 +113,56 @@ void add_alias(Ways& ways, TextPool& pool, const Alias& alias) {
     ways.out.entries.push_back(made);
 }
 
+// ---- units ------------------------------------------------------------------------------------------------
+
+uint32_t add_unit(CatalogueForm& out, TextPool& pool, const Unit& unit) {
+    out.units.push_back({place_of(pool, unit.symbol), unit.scale, unit.offset, unit.digits,
+                         out.specials.size(), unit.specials.size()});
+    for (const SpecialNumbers& special : unit.specials) {
+        int32_t is_limit = special.meaning == "orMore" ? 1 : special.meaning == "orLess" ? -1 : 0;
+        out.specials.push_back({special.first, special.last, place_of(pool, special.meaning), is_limit});
+    }
+    return static_cast<uint32_t>(out.units.size() - 1);
+}
+
+using UnitPlace = orlenta::catalogue::unit_place;
+
+// Types in place by the words of listed ones.
+std::unordered_map<const Table*, UnitPlace> places_by_words(const Ways& ways) {
+    std::unordered_map<const Table*, UnitPlace> places;
+    for (uint32_t i = 0; i < ways.listed.size(); i++) {
+        const std::vector<Word>& words = ways.listed[i]->words;
+        for (size_t k = 1; k < words.size() && k < orlenta::catalogue::kByPointer; k++)
+            if (words[k].sort == Word::Sort::table)
+                places.try_emplace(words[k].table, UnitPlace{i, static_cast<uint16_t>(k), 0});
+    }
+    return places;
+}
+
+UnitPlace pointer_place(CatalogueForm& out, const Table* table) {
+    out.types.push_back(table);
+    return {static_cast<uint32_t>(out.types.size() - 1), orlenta::catalogue::kByPointer, 0};
+}
+
+void add_units(Ways& ways, TextPool& pool, const Layout& layout) {
+    const std::unordered_map<const Table*, UnitPlace> by_words = places_by_words(ways);
+    std::unordered_map<std::string, uint32_t> known;  // by what the schema says
+    for (const Table* table : layout.tables) {
+        if (table->kind != ASN1_KIND_INTEGER && table->kind != ASN1_KIND_REAL) continue;
+        const Unit* unit = resolved(table->type)->unit;
+        if (!unit) continue;
+        auto [number, is_new] = known.try_emplace(unit->text, 0);
+        if (is_new) number->second = add_unit(ways.out, pool, *unit);
+        auto listed = ways.entries.find(table);
+        auto by_word = by_words.find(table);
+        UnitPlace place = listed != ways.entries.end() ? UnitPlace{listed->second, 0, 0}
+                          : by_word != by_words.end()  ? by_word->second
+                                                       : pointer_place(ways.out, table);
+        place.unit = number->second;
+        ways.out.unit_places.push_back(place);
+    }
+}
+
 }  // namespace
 
 CatalogueForm catalogue_form(const Layout& layout) {
@@ -129,6 +181,7 @@ CatalogueForm catalogue_form(const Layout& layout) {
     }
     ways.has_way.resize(ways.listed.size());
     find_ways(ways);
+    add_units(ways, pool, layout);
     if (layout.lists_aliases)
         for (const Alias& alias : layout.aliases) add_alias(ways, pool, alias);
     return out;

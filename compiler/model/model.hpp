@@ -10,16 +10,12 @@
 #include <string_view>
 #include <vector>
 
+#include "compiler/model/place.hpp"
+#include "compiler/model/unit.hpp"
+
 namespace orlentac {
 
 using Number = boost::multiprecision::cpp_int;
-
-// A place in a source file; line and column count from 1, columns in bytes.
-struct Place {
-    const std::string* file = nullptr;
-    int line = 0;
-    int column = 0;
-};
 
 enum class Kind {
     sequence,
@@ -221,6 +217,7 @@ struct Type {
     std::vector<CodeRange> alphabet;         // effective permitted alphabet, ascending, types 0 to 5
     std::optional<uint32_t> universal_tag;   // if it differs from the kind's own, e.g. 24 for GeneralizedTime
     std::vector<NamedNumber> named_numbers;  // integer: named numbers; bit_string: named bits
+    const Unit* unit = nullptr;              // integer, real; in the schema's pool
     Type* contained = nullptr;               // CONTAINING
     std::optional<TableConstraint> table;    // open_type
     ObjectClass* fixed_from = nullptr;       // the type was written CLASS.&field: which class
@@ -263,6 +260,7 @@ struct Schema {
     std::deque<NamedType> named_pool;
     std::deque<ObjectClass> class_pool;
     std::deque<ObjectSet> set_pool;
+    std::deque<Unit> unit_pool;
     std::deque<std::string> file_names;
 };
 

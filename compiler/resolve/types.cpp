@@ -103,6 +103,20 @@ Type* named_reference(Resolver& resolver, const AstType& ast, const Meaning& mea
     return type;
 }
 
+// Special numbers have to be numbers of the type, unless an extension may bring them.
+void set_unit(Resolver& resolver, Type& type, const Unit& unit) {
+    if (type.kind != Kind::integer && type.kind != Kind::real)
+        return error(resolver.diags, unit.place, "a unit is of an INTEGER or REAL, not of {}",
+                     kind_name(type.kind));
+    for (const SpecialNumbers& special : unit.specials) {
+        bool is_below = type.bounds.lower && special.first < *type.bounds.lower;
+        bool is_above = type.bounds.upper && special.last > *type.bounds.upper;
+        if ((is_below || is_above) && !type.bounds.extensible)
+            error(resolver.diags, special.place, "the number is none of the type's");
+    }
+    type.unit = &resolver.schema.unit_pool.emplace_back(unit);
+}
+
 // What stands at the end of a reference, under the constraints that it has there.
 Type* copy_of_target(Resolver& resolver, const AstType& ast, const Scope& scope) {
     Base next = next_base(resolver, {&ast, &scope});
@@ -183,6 +197,7 @@ Type* resolve_in_place(Resolver& resolver, const AstType& ast, const Scope& scop
         type = copy_of_target(resolver, ast, scope);
     }
     if (!is_open) apply_constraints(resolver, *type, ast, base, scope);
+    if (ast.unit) set_unit(resolver, *type, *ast.unit);
     add_tags(resolver, *type, ast, scope);
     return type;
 }
@@ -193,6 +208,13 @@ static Type* resolve_untagged(Resolver& resolver, const AstType& ast, const Scop
     if (ast.sort == AstType::Sort::reference) return resolve_plain_reference(resolver, ast, scope);
     Base next = next_base(resolver, {&ast, &scope});
     return next ? resolve_type(resolver, *next.type, *next.scope) : new_type(resolver, Kind::null, ast.place);
+}
+
+// A type that is no more than another name has no unit of its own.
+static void refuse_unit(Resolver& resolver, const AstType& ast) {
+    if (ast.unit)
+        error(resolver.diags, ast.unit->place,
+              "a unit stands where the INTEGER or REAL is defined, not at its name");
 }
 
 Type* resolve_type(Resolver& resolver, const AstType& ast, const Scope& scope) {
@@ -206,6 +228,7 @@ Type* resolve_type(Resolver& resolver, const AstType& ast, const Scope& scope) {
         unconstrained.kind = base_kind(base);
         apply_constraints(resolver, unconstrained, ast, base, scope);
     }
+    refuse_unit(resolver, ast);
     Type* type = resolve_untagged(resolver, ast, scope);
     add_tags(resolver, *type, ast, scope);
     return type;

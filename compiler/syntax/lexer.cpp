@@ -164,13 +164,17 @@ void skip_block_comment(Cursor& cursor, Diagnostics& diags) {
     } while (depth > 0);
 }
 
+bool at_unit(const Cursor& cursor) {
+    return starts_with(cursor, kUnitMark) && is_space(peek(cursor, kUnitMark.size()));
+}
+
 void skip_blanks(Cursor& cursor, Diagnostics& diags) {
     while (!at_end(cursor)) {
         if (is_space(peek(cursor)) || peek(cursor) == kNoBreakSpace) {
             advance(cursor);
         } else if (starts_with(cursor, "\xC2\xA0")) {
             advance(cursor, 2);
-        } else if (starts_with(cursor, "--")) {
+        } else if (starts_with(cursor, "--") && !at_unit(cursor)) {
             skip_line_comment(cursor);
         } else if (starts_with(cursor, "/*")) {
             skip_block_comment(cursor, diags);
@@ -294,6 +298,21 @@ void read_symbol(Cursor& cursor, Token& token, Diagnostics& diags) {
     advance(cursor);
 }
 
+// Up to where a comment ends.
+void read_unit(Cursor& cursor, Token& token) {
+    token.sort = Token::Sort::unit;
+    size_t start = cursor.at + kUnitMark.size();
+    skip_line_comment(cursor);
+    token.text = cursor.text.substr(start, cursor.at - start);
+    if (token.text.ends_with("--")) token.text.resize(token.text.size() - 2);
+}
+
+void add_token(std::vector<Token>& tokens, Token token) {
+    bool is_behind_comma = token.sort == Token::Sort::unit && !tokens.empty() &&
+                           tokens.back().sort == Token::Sort::symbol && tokens.back().text == ",";
+    tokens.insert(tokens.end() - is_behind_comma, std::move(token));
+}
+
 // False if nothing came of what stands at the cursor.
 bool read_token(Cursor& cursor, Token& token, Diagnostics& diags) {
     char c = peek(cursor);
@@ -310,6 +329,8 @@ bool read_token(Cursor& cursor, Token& token, Diagnostics& diags) {
         read_quoted(cursor, token, diags);
     } else if (c == '"') {
         read_text(cursor, token, diags);
+    } else if (c == '-' && at_unit(cursor)) {
+        read_unit(cursor, token);
     } else {
         read_symbol(cursor, token, diags);
         return !token.text.empty();
@@ -327,7 +348,7 @@ std::vector<Token> tokenize(const std::string* file, std::string_view text, Diag
     for (skip_blanks(cursor, diags); !at_end(cursor); skip_blanks(cursor, diags)) {
         Token token{{}, cursor.place, Token::Sort::end, cursor.line_start};
         cursor.line_start = false;
-        if (read_token(cursor, token, diags)) tokens.push_back(std::move(token));
+        if (read_token(cursor, token, diags)) add_token(tokens, std::move(token));
     }
     tokens.push_back({{}, cursor.place, Token::Sort::end, true});
     return tokens;
@@ -336,6 +357,7 @@ std::vector<Token> tokenize(const std::string* file, std::string_view text, Diag
 std::string token_text(const Token& token) {
     switch (token.sort) {
         case Token::Sort::end: return "the end of the file";
+        case Token::Sort::unit: return "a unit";
         case Token::Sort::bits: return fmt::format("'{}'B", token.text);
         case Token::Sort::hex: return fmt::format("'{}'H", token.text);
         case Token::Sort::text: return fmt::format("\"{}\"", token.text);

@@ -23,6 +23,7 @@ struct Token {
         hex,          // '0AF'H: likewise
         text,         // "...": text is the contents, quotes undoubled and line ends joined
         symbol,       // ::= .. ... [[ ]] and single characters
+        unit,         // the comment --@ unit ...: text is what stands behind that
         end
     };
     // In this order it is smallest: a large schema has half a million.
@@ -32,12 +33,16 @@ struct Token {
     bool first_in_line = false;
 };
 
+// What begins a comment that is no mere comment.
+constexpr std::string_view kUnitMark = "--@ unit";
+
 // A run of tokens, [first, last); `last` points at a token too, the list's end mark at the latest.
 struct TokenRange {
     const Token* first = nullptr;
     const Token* last = nullptr;
 };
 
+// A unit that stands behind a comma comes before it, next to what it is of.
 // The list ends with a token of sort `end`. What cannot be a token is reported and left out.
 std::vector<Token> tokenize(const std::string* file, std::string_view text, Diagnostics& diags);
 

@@ -59,6 +59,13 @@ AstItem parse_item(Parser& parser, std::string_view what) {
     return item;
 }
 
+void accept_unit(Parser& parser, AstType& type) {
+    if (!is_sort(parser, Token::Sort::unit)) return;
+    const Token& token = *parser.at++;
+    if (type.unit) throw SyntaxError{token.place, "the type has a unit already"};
+    type.unit = parse_unit(token);
+}
+
 // { name (1), ... } of INTEGER and BIT STRING.
 void parse_named_numbers(Parser& parser, AstType& type) {
     if (!accept_symbol(parser, "{")) return;
@@ -124,6 +131,7 @@ AstComponent parse_component(Parser& parser, bool choice, const ListState& state
         component.presence = Presence::defaulted;
         component.default_value = parse_value(parser);
     }
+    accept_unit(parser, *component.type);
     return component;
 }
 
@@ -404,6 +412,7 @@ AstType* parse_type(Parser& parser) {
         !parse_builtin_type(parser, type))
         parse_referenced_type(parser, type);
     while (is_symbol(parser, "(")) type.constraints.push_back(parse_constraint(parser));
+    accept_unit(parser, type);
     return &type;
 }
 

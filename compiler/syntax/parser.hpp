@@ -52,6 +52,7 @@ std::vector<TokenRange> read_brace_list(Parser& parser);
 constexpr std::string_view kInstructionsNote = "encoding instructions have no effect (X.693, X.695)";
 
 AstType* parse_type(Parser& parser);
+Unit parse_unit(const Token& token);
 AstValue* parse_value(Parser& parser);
 AstReference parse_type_reference(Parser& parser, std::string_view what);
 // TYPE-IDENTIFIER and ABSTRACT-SYNTAX too.

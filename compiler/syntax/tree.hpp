@@ -119,6 +119,7 @@ struct AstType {
     std::string element_name;
     bool extensible = false;
     std::vector<AstConstraint*> constraints;  // in the order in which they apply
+    std::optional<Unit> unit;
     Place place;
 };
 

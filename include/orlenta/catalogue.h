@@ -63,6 +63,37 @@ ORLENTA_API int orlenta_catalogue_find_type(const orlenta_catalogue* catalogue, 
 
 /** @} */
 
+/** @name What numbers mean
+ * @{ */
+
+/** Numbers that stand for something else than their size. */
+typedef struct orlenta_special {
+    int64_t first;       /**< the number, or the first of some */
+    int64_t last;        /**< the last of them */
+    const char* meaning; /**< "unavailable", "unknown", "orMore" */
+    int32_t is_limit;    /**< 1 and -1: the physical value or more, or less; 0: there is no physical value */
+} orlenta_special;
+
+/** The unit of a type's numbers, as the standards have it: physical value = number * scale + offset. */
+typedef struct orlenta_unit {
+    const char* symbol;              /**< "m/s", "deg", "%"; "1" of a plain number */
+    double scale;                    /**< what a step stands for */
+    double offset;                   /**< what 0 stands for */
+    uint32_t digits;                 /**< decimals that tell a physical value in full */
+    uint32_t special_count;          /**< how many specials there are */
+    const orlenta_special* specials; /**< no two of one number */
+} orlenta_unit;
+
+/** The unit of an INTEGER or REAL, behind tags too; it lives as long as the catalogue. Null if there is none. Looks at all
+ * units. */
+ORLENTA_API const orlenta_unit* orlenta_unit_of(const orlenta_catalogue* catalogue,
+                                                const asn1_type_desc* type);
+
+/** What `number` stands for besides its size; null for most. */
+ORLENTA_API const orlenta_special* orlenta_unit_special(const orlenta_unit* unit, int64_t number);
+
+/** @} */
+
 /** @name What a type is made of
  *
  * Of any descriptor, wherever it comes from. All that is handed out lives as long as the descriptor.
@@ -85,8 +116,10 @@ typedef struct orlenta_type_facts {
     const asn1_integer* big_upper; /**< likewise */
     uint32_t root_count;           /**< parts without those behind the extension marker */
     uint32_t count;                /**< components, alternatives, items, ranges, class fields, rows */
-    uint64_t record_size; /**< bytes of a value in memory; 0 of an OBJECT_CLASS, which has no values */
+    uint64_t record_size;   /**< bytes of a value in memory; 0 of an OBJECT_CLASS, which has no values */
+    uint32_t pointer_count; /**< to follow from the place of a value to its record; tags may ask so */
     const asn1_type_desc* element;      /**< of a list */
+    uint64_t stride;                    /**< of a list: bytes from an element to the next */
     const asn1_type_desc* contained;    /**< of a string with a CONTAINING constraint */
     const asn1_type_desc* object_class; /**< of an open type that an object set constrains; else null */
     uint32_t column;                    /**< of that class: the field that gives the open type */

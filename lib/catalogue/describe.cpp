@@ -33,6 +33,7 @@ static void describe_list(orlenta_type_facts* facts) {
     list_layout list = list_of(facts->type);
     describe_size(facts, list.has_lower, list.has_upper, list.lower, list.upper);
     facts->element = list.element;
+    facts->stride = list.stride;
 }
 
 static void describe_choice(orlenta_type_facts* facts) {
@@ -99,7 +100,9 @@ using namespace orlenta;
 void orlenta_type_describe(const asn1_type_desc* type, orlenta_type_facts* facts) {
     *facts = {};
     if (kind_of(type) == ASN1_KIND_TAGGED) facts->inner = tagged_inner(type);
-    facts->type = untagged(type);
+    for (; kind_of(type) == ASN1_KIND_TAGGED; type = tagged_inner(type))
+        facts->pointer_count += is_indirect(type);
+    facts->type = type;
     facts->kind = kind_of(facts->type);
     facts->is_extensible = is_extensible(facts->type);
     if (facts->kind <= ASN1_KIND_ANY) facts->record_size = static_cast<uint64_t>(asn1_get_size(facts->type));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <string.h>
 
-#include "catalogue/region.hpp"
+#include "catalogue/ways.hpp"
 
 namespace orlenta::catalogue {
 
@@ -50,18 +50,6 @@ static bool is_called(const orlenta_type_entry& entry, const wanted_name& wanted
 }
 
 // ---- regions ----------------------------------------------------------------------------------------------
-
-// Those of another orlentac are empty.
-static uint32_t count_of(const region& in) { return in.format == kFormat ? in.count : 0; }
-
-static const asn1_type_desc* type_of(const region& in, const entry* at) {
-    uint16_t words[kLongestWay];
-    uint32_t length = 0;
-    for (; at->word != 0; at = in.entries + at->from) words[length++] = at->word;
-    const asn1_type_desc* type = in.types[at->from];
-    while (length > 0) type = type[words[--length]].type;
-    return type;
-}
 
 // All but the descriptor, the way to which takes longest.
 static void read_names(const region& in, const entry& at, orlenta_type_entry* out) {

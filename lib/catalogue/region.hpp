@@ -26,12 +26,23 @@ struct entry {
     uint16_t flags;   // kHasTableName: the name in C is another one than `name`, and stands behind it
 };
 
+// Which descriptor a unit is of: that of an entry, or what a word of it points at, or one with a pointer.
+struct unit_place {
+    uint32_t from;  // the entry; or index of a pointer
+    uint16_t word;  // 0: the entry's own; kByPointer
+    uint32_t unit;
+};
+enum : uint16_t { kByPointer = UINT16_MAX };
+
 struct region {
     uint32_t format;  // kFormat of the orlentac that wrote it
     uint32_t count;
     const entry* entries;
     const char* texts;  // each with a zero behind it; the region's name begins them
     const asn1_type_desc* const* types;
+    const orlenta_unit* units;
+    const unit_place* unit_places;
+    uint32_t unit_place_count;
 };
 
 }  // namespace orlenta::catalogue

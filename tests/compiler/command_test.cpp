@@ -62,6 +62,18 @@ TEST_F(Command, WritesTablesHeaderAndChecks) {
     EXPECT_NE(read("out").find("named"), std::string::npos);
 }
 
+TEST_F(Command, WritesUnitsIntoTheHeader) {
+    std::string module =
+        write("m.asn1",
+              "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nB ::= INTEGER (0..7) --@ unit 0.5  m;7 unknown\n"
+              "C ::= SEQUENCE { x INTEGER (0..9) --@ unit 1 s -- }\nEND\n");
+    ASSERT_EQ(run(compile(module)), 0) << read("err");
+    std::string header = read("gen/t.h");
+    EXPECT_NE(header.find("/* INTEGER (0..7); unit 0.5 m;7 unknown */\ntypedef uint32_t asn1_T_B;"),
+              std::string::npos);
+    EXPECT_NE(header.find("    uint32_t x; /* INTEGER (0..9); unit 1 s */\n"), std::string::npos);
+}
+
 TEST_F(Command, LeavesFilesAloneThatAreTheSame) {
     std::string module = write("m.asn1", kGood);
     ASSERT_EQ(run(compile(module)), 0);

@@ -506,6 +506,41 @@ INSTANTIATE_TEST_SUITE_P(
                               "2:16: CONTAINING applies to OCTET STRING and BIT STRING, not to INTEGER\n"}));
 
 INSTANTIATE_TEST_SUITE_P(
+    Units, Wrong,
+    testing::Values(
+        WrongCase{
+            "A ::= INTEGER --@ unit",
+            "2:23: expected the number that a step stands for in this unit, found the end of the comment\n"},
+        WrongCase{"A ::= INTEGER --@ unit x m",
+                  "2:24: expected the number that a step stands for in this unit, found 'x'\n"},
+        WrongCase{"A ::= INTEGER --@ unit 0.0 m", "2:24: a step of 0 has no meaning\n"},
+        WrongCase{"A ::= INTEGER --@ unit 1",
+                  "2:25: expected the unit's symbol in this unit, found the end of the comment\n"},
+        WrongCase{"A ::= INTEGER --@ unit 1. m",
+                  "2:27: expected a digit behind the point in this unit, found 'm'\n"},
+        WrongCase{"A ::= INTEGER --@ unit 0.0000000000000001 m", "2:42: expected at most 15 digits\n"},
+        WrongCase{"A ::= INTEGER --@ unit 1 m x",
+                  "2:28: expected ';' or the end of the comment in this unit, found 'x'\n"},
+        WrongCase{"A ::= INTEGER --@ unit 1 m; 5",
+                  "2:30: expected a word that tells the number's meaning in this unit, found the end of the "
+                  "comment\n"},
+        WrongCase{"A ::= INTEGER --@ unit 1 m; 5 a; 3..6 b", "2:34: the number means 'a' already\n"},
+        WrongCase{"A ::= INTEGER --@ unit 1 m; 9..8 a", "2:29: the range is empty\n"},
+        WrongCase{"A ::= INTEGER --@ unit 1 m; 99999999999999999999 a",
+                  "2:29: the number has more than 64 bits\n"},
+        WrongCase{"A ::= INTEGER (0..7) --@ unit 1 m; 8 a", "2:36: the number is none of the type's\n"},
+        WrongCase{"A ::= INTEGER (0..7, ...) --@ unit 1 m; 8 a", ""},
+        WrongCase{"A ::= INTEGER --@ unit 1 m -- --@ unit 2 m",
+                  "2:31: expected an assignment or END, found a unit\n"},
+        WrongCase{"A ::= BOOLEAN --@ unit 1 m", "2:15: a unit is of an INTEGER or REAL, not of BOOLEAN\n"},
+        WrongCase{"A ::= B --@ unit 1 m\nB ::= REAL",
+                  "2:9: a unit stands where the INTEGER or REAL is defined, not at its name\n"},
+        WrongCase{"A ::= --@ unit 1 m\nREAL", "2:7: expected a type, found a unit\n"},
+        WrongCase{"A ::= SEQUENCE { a REAL --@ unit 1 m --, --@ unit 1 m\n}",
+                  "2:42: the type has a unit already\n"},
+        WrongCase{"A ::= INTEGER --@ units are none", ""}));
+
+INSTANTIATE_TEST_SUITE_P(
     Tags, Wrong,
     testing::Values(
         WrongCase{

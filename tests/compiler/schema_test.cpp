@@ -146,6 +146,66 @@ TEST(Schema, CompilesPublishedModulesFromFiles) {
     EXPECT_STREQ(orlenta_version(), ORLENTA_VERSION);
 }
 
+// ---- units ------------------------------------------------------------------------------------------------
+
+std::string shown(const orlenta_unit* unit, int64_t number) {
+    if (!unit) return "";
+    const orlenta_special* special = orlenta_unit_special(unit, number);
+    if (special && special->is_limit == 0) return special->meaning;
+    char text[64];
+    snprintf(text, sizeof text, "%.*f %s", static_cast<int>(unit->digits),
+             static_cast<double>(number) * unit->scale + unit->offset, unit->symbol);
+    return text + std::string(special ? special->is_limit > 0 ? " or more" : " or less" : "");
+}
+
+TEST(Schema, HasUnits) {
+    Schema schema = compile(
+        "A DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+        "Speed ::= INTEGER (0..8191) --@ unit 0.02 m/s; 8191 unavailable\n"
+        "Pressure ::= INTEGER { none (0) } (0..255) --@ unit 200 Pa + 57800; 0 unavailable; 254..255 orMore "
+        "--\n"
+        "R ::= SEQUENCE { s Speed, t INTEGER (-60..67) OPTIONAL, --@ unit 1 degC - 40.5; -60 orLess\n"
+        "  slow Speed (0..100),\n"
+        "  r REAL, --@ unit 60 s\n"
+        "  l SEQUENCE OF INTEGER (0..3), --@ unit 0.5 %\n  n INTEGER (0..3), c Same }\n"
+        "E ::= SEQUENCE { e [99] EXPLICIT INTEGER (0..9) --@ unit 0.25 km -- DEFAULT 3 }\n"
+        "Same ::= Speed\nEND",
+        "MY");
+    const orlenta_catalogue* catalogue = orlenta_schema_catalogue(schema.get());
+    ASSERT_NE(catalogue, nullptr) << messages(schema);
+    const struct {
+        const char *record, *component;
+        int64_t number;
+        const char* text;
+    } rows[] = {
+        {"R", "s", 917, "18.34 m/s"},
+        {"R", "s", 8191, "unavailable"},
+        {"R", "t", 10, "-30.5 degC"},
+        {"R", "t", -60, "-100.5 degC or less"},
+        {"R", "slow", 7, "0.14 m/s"},
+        {"E", "e", 7, "1.75 km"},
+        {"R", "r", 2, "120 s"},
+        {"R", "l", 3, "1.5 %"},
+        {"R", "n", 3, ""},
+        {"R", "c", 8191, "unavailable"},
+    };
+    for (const auto& [record, name, number, text] : rows) {
+        orlenta_component component = {};
+        for (uint32_t i = 0; component.name == nullptr || std::string(component.name) != name; ++i)
+            ASSERT_EQ(orlenta_type_component(type_of(schema, record), i, &component), 0) << name;
+        orlenta_type_facts facts;
+        orlenta_type_describe(component.type, &facts);
+        EXPECT_EQ(shown(orlenta_unit_of(catalogue, facts.element ? facts.element : component.type), number),
+                  text)
+            << name;
+    }
+    const orlenta_unit* pressure = orlenta_unit_of(catalogue, type_of(schema, "Pressure"));
+    EXPECT_EQ(shown(pressure, 1) + ", " + shown(pressure, 0) + ", " + shown(pressure, 254),
+              "58000 Pa, unavailable, 108600 Pa or more");
+    EXPECT_EQ(orlenta_unit_of(catalogue, type_of(schema, "R")), nullptr);
+    EXPECT_EQ(orlenta_unit_of(orlenta_catalogue_builtin(), type_of(schema, "Speed")), nullptr);
+}
+
 // ---- what a type is made of -------------------------------------------------------------------------------
 
 // Types of one module as text, put together from what the interface tells.
