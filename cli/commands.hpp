@@ -32,6 +32,7 @@ struct ConvertOptions {
     bool keep_going = false;
     bool allow_trailing = false;
     bool envelope = false;
+    bool physical = false;
     unsigned jobs = 1;
 };
 int run_convert(const ConvertOptions& options);

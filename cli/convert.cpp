@@ -3,6 +3,8 @@
 
 #include <fmt/format.h>
 
+#include "cli/units.hpp"
+
 namespace cli {
 
 Converter::Converter(const Plan& plan) : plan_(plan), arena_(orlenta_arena_create(0)) {}
@@ -33,10 +35,16 @@ bool Converter::write_value(const CodedType& type, const Value& value, std::stri
     size_t start = output->size();
     if (plan_.envelope)
         fmt::format_to(std::back_inserter(*output), "{{\"type\":\"{}\",\"value\":", type.name);
+    size_t begin = output->size();
     if (!is_plain) encoded_.clear();
     if (!encode(*plan_.to, type, value.get(), plan_.style, is_plain ? output : &encoded_, problem)) {
         output->resize(start);
         return false;
+    }
+    if (plan_.physical) {
+        std::string json =
+            with_physical_values(type.type, value.get(), std::string_view(*output).substr(begin));
+        output->replace(begin, std::string::npos, json);
     }
     if (plan_.envelope) output->insert(output->size() - 1, "}");
     if (is_plain) return true;

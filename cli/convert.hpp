@@ -30,6 +30,7 @@ struct Plan {
     bool allow_trailing = false;
     bool keep_going = false;
     bool envelope = false;  // {"type": ..., "value": ...}
+    bool physical = false;  // numbers with their units
 };
 
 // What is wrong with a message, and which one it is.

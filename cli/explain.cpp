@@ -9,10 +9,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "cli/commands.hpp"
 #include "cli/diary.hpp"
 #include "cli/type_names.hpp"
+#include "cli/units.hpp"
 
 namespace cli {
 
@@ -21,6 +23,7 @@ namespace {
 struct Line {
     orlenta_bits bits;
     std::string text, path, value, type;
+    std::optional<Reading> reading = {};  // of a number with a unit
 };
 
 }  // namespace
@@ -53,9 +56,12 @@ static void take_bits(void* user, const orlenta_bits* bits) {
     orlenta_type_facts facts;
     orlenta_type_describe(bits->type, &facts);
     const char* type = asn1_get_type_name(facts.type);
-    static_cast<std::vector<Line>*>(user)->push_back(
-        {*bits, bits->text, bits->path,
-         bits->value ? std::string(bits->value, bits->value_length) : std::string(), type ? type : ""});
+    Line line = {*bits, bits->text, bits->path,
+                 bits->value ? std::string(bits->value, bits->value_length) : std::string(),
+                 type ? type : ""};
+    const orlenta_unit* unit = bits->value ? unit_of(bits->type) : nullptr;
+    if (unit) line.reading = read_number(*unit, line.value);
+    static_cast<std::vector<Line>*>(user)->push_back(std::move(line));
 }
 
 // ---- the bits ---------------------------------------------------------------------------------------------
@@ -75,6 +81,7 @@ static std::string digits(const std::string& message, const orlenta_bits& bits, 
 }
 
 static constexpr uint64_t kLongestBinary = 32;
+static constexpr size_t kLongestValue = 40;
 
 static std::string cut(std::string text, size_t most) {
     if (text.size() <= most) return text;
@@ -106,6 +113,10 @@ static size_t code_points(const std::string& text) {
         std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
+static std::string value_text(const Line& line) {
+    return cut(line.reading ? line.value + " = " + sentence(*line.reading) : line.value, kLongestValue);
+}
+
 // A value is told by its type.
 static const std::string& about_text(const Line& line) { return line.bits.value ? line.type : line.text; }
 
@@ -121,7 +132,7 @@ static std::string path_text(const std::string& path, size_t most) {
 }
 
 static void print_lines(const std::vector<Line>& lines, const std::string& message) {
-    constexpr size_t kLongestValue = 40, kShortestPath = 24;
+    constexpr size_t kShortestPath = 24;
     const char* plain = std::getenv("NO_COLOR");
     bool has_colours = isatty(STDOUT_FILENO) != 0 && (!plain || !*plain);
     size_t bits_width = 0, path_width = 0, value_width = 0, about_width = 0;
@@ -129,7 +140,7 @@ static void print_lines(const std::vector<Line>& lines, const std::string& messa
         bits_width = std::max(bits_width, bits_text(message, line.bits).size());
         path_width = std::max(path_width, line.path.size());
         about_width = std::max(about_width, about_text(line).size());
-        value_width = std::max(value_width, code_points(cut(line.value, kLongestValue)));
+        value_width = std::max(value_width, code_points(value_text(line)));
     }
     if (size_t columns = terminal_width()) {
         size_t others = 6 + 1 + 5 + 2 + bits_width + 2 + 2 + value_width + 2 + about_width;
@@ -137,7 +148,7 @@ static void print_lines(const std::vector<Line>& lines, const std::string& messa
         path_width = std::min(path_width, std::max(room, kShortestPath));
     }
     for (const Line& line : lines) {
-        std::string value = cut(line.value, kLongestValue);
+        std::string value = value_text(line);
         const char* colour = has_colours ? colour_of(line.bits.kind) : "";
         fmt::print("{}{:>6} {:>5}  {:<{}}  {:<{}}  {}{:{}}  {}{}\n", colour, line.bits.offset,
                    line.bits.width, bits_text(message, line.bits), bits_width,
@@ -167,6 +178,7 @@ static void print_json(const std::vector<Line>& lines, const std::string& messag
             bool is_json = Json::accept(line.value);
             text.insert(text.size() - 1, ",\"value\":" + (is_json ? line.value : dump(Json(line.value))));
         }
+        if (line.reading) text.insert(text.size() - 1, "," + json_members(*line.reading));
         fmt::print("{}\n", text);
     }
 }

@@ -134,6 +134,9 @@ static void add_convert(CLI::App* app, Arguments* arguments) {
     command->add_flag(
         "--keep-going,-k", options->keep_going,
         "Report a bad message, put null, an empty line or an empty record in its place, and go on");
+    command->add_flag("--physical", options->physical,
+                      "jer: {\"raw\":...,\"physical\":...,\"unit\":...} for numbers that have a unit; for "
+                      "reading, and not taken as input");
     command->add_flag("--envelope", options->envelope, "jer: {\"type\": ..., \"value\": ...}");
 }
 
@@ -249,6 +252,7 @@ static int run_convert_command(Arguments* arguments) {
     bool lines = options.layout.lines || options.layout.length_octets > 0;
     options.style = style_of(arguments->convert_style, lines, options.to);
     require(!options.envelope || options.to == find_rules("jer"), "--envelope is for jer");
+    require(!options.physical || options.to == find_rules("jer"), "--physical is for jer");
     if (arguments->must_pass) options.check = CheckPolicy::refuse;
     if (arguments->no_check) options.check = CheckPolicy::none;
     return run_convert(options);

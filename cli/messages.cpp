@@ -60,6 +60,7 @@ static bool make_plan(const ConvertOptions& options, Plan* plan) {
     plan->allow_trailing = options.allow_trailing;
     plan->keep_going = options.keep_going;
     plan->envelope = options.envelope;
+    plan->physical = options.physical;
     return choose_types(options.type, plan);
 }
 

@@ -9,6 +9,8 @@
 
 #include <vector>
 
+#include "cli/units.hpp"
+
 namespace cli {
 
 // ---- constraints ------------------------------------------------------------------------------------------
@@ -85,9 +87,17 @@ static std::string margin(int level) { return std::string(static_cast<size_t>(le
 
 static std::string body_text(const asn1_type_desc* type, int level);
 
+// As orlentac reads it; what follows on the line wants an end of the comment.
+static std::string unit_comment(const asn1_type_desc* type, const char* end) {
+    orlenta_type_facts facts;
+    orlenta_type_describe(type, &facts);
+    const orlenta_unit* unit = facts.inner ? nullptr : unit_of(type);
+    return unit ? fmt::format(" --@ unit {}{}", unit_text(*unit), end) : "";
+}
+
 static std::string type_text(const asn1_type_desc* type, int level) {
     const orlenta_type_entry* entry = entry_of(type);
-    return entry && is_named(*entry) ? entry->name : body_text(type, level);
+    return entry && is_named(*entry) ? entry->name : body_text(type, level) + unit_comment(type, " --");
 }
 
 static std::string block(const char* word, const std::vector<std::string>& items, int level) {
@@ -278,7 +288,8 @@ static std::string body_text(const asn1_type_desc* type, int level) {
 }
 
 std::string definition_text(const orlenta_type_entry& entry) {
-    return fmt::format("{} ::= {}\n", is_named(entry) ? entry.name : entry.table, body_text(entry.type, 0));
+    return fmt::format("{} ::= {}{}\n", is_named(entry) ? entry.name : entry.table, body_text(entry.type, 0),
+                       unit_comment(entry.type, ""));
 }
 
 // ---- one line ---------------------------------------------------------------------------------------------

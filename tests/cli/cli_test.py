@@ -26,10 +26,10 @@ SUMMARY = f'orlenta: 5 messages, 3 bad: 1 "{NO_DIGIT}", 1 "1 byte behind the mes
 HIGH = JSON.replace("75", "128")
 TOO_HIGH = "integer range is -127 .. 127 (at vert)\n"
 SET4_LINES = """\
-     0    12  001100010000      lon   -1216   Acceleration
-    12    12  111110100001      lat   2001    Acceleration
-    24     8  11001010          vert  75      VerticalAcceleration
-    32    16  0000000000000000  yaw   -32767  YawRate
+     0    12  001100010000      lon   -1216 = -12.16 m/s^2    Acceleration
+    12    12  111110100001      lat   2001 = unavailable      Acceleration
+    24     8  11001010          vert  75 = 14.709975 m/s^2    VerticalAcceleration
+    32    16  0000000000000000  yaw   -32767 = -327.67 deg/s  YawRate
 """
 FRAMES = bytes.fromhex("0006" + UPER) * 2
 
@@ -107,11 +107,12 @@ CASES = [
     ("convert --type CN.DescriptiveName --from jer --to uper --hex", '"\u00e9"', 1, "", "...is not allowed"),
     # Bit by bit: the whole message, one that is cut short, one with more behind it.
     (f"explain {SET4} --from uper --hex", UPER, 0, SET4_LINES, ""),
-    (f"explain {SET4} --from uper --hex", UPER[:10], 1, "...    24     8  11001010      vert  75     VerticalAcceleration\n"
-     "    32     8  00000000                   not decoded\n",
+    (f"explain {SET4} --from uper --hex", UPER[:10], 1,
+     "...    24     8  11001010      vert  75 = 14.709975 m/s^2  VerticalAcceleration\n"
+     "    32     8  00000000                                  not decoded\n",
      "orlenta: <stdin>: reading after end of stream (bit 32, at yaw)\n"),
     (f"explain {SET4} --from uper --json", bytes.fromhex(UPER + "ff"), 1, '...{"offset":32,"width":16,"bits":"0000000000000000"'
-     ',"kind":"value","text":"value","path":"yaw","type":"YawRate","value":-32767}\n{"offset":48,"width":8,"bits":"11111111"'
+     ',"kind":"value","text":"value","path":"yaw","type":"YawRate","value":-32767,"physical":-327.67,"unit":"deg/s"}\n{"offset":48,"width":8,"bits":"11111111"'
      ',"kind":"trailing","text":"behind the message","path":"","type":"AccelerationSet4Way"}\n',
      "orlenta: <stdin>: 1 byte behind the message (bit 48)\n"),
     (f"explain {SENSORS} --type Sensors.Reading --from uper --hex", "0000601680", 0,
@@ -131,6 +132,8 @@ CASES = [
     (f"convert {SET4} --from jer --to gser --lines", "", 2, "", "...gser cannot be written on one line\n"),
     (f"convert {SET4} --from jer --to xer --indent 4", "", 2, "", "...xer is indented by 2\n"),
     (f"convert {SET4} --from jer --to uper --envelope", "", 2, "", "...--envelope is for jer\n"),
+    (f"convert {SET4} --from jer --to xer --physical", "", 2, "", "...--physical is for jer\n"),
+    ("show EU.HoursMinutes", "", 0, "...hours INTEGER (0..23) --@ unit 1 h --,\n", ""),
     ("help morse", "", 2, "", "...there is no help on morse; see orlenta help\n"),
     ("help rules", "", 0, "...  gser  GSER, RFC 3641\n", ""),
     ("help check", "", 0, "...orlenta check [OPTIONS]", ""),
@@ -164,11 +167,11 @@ CASES = [
      "Position3D ::= SEQUENCE {\n    lat Latitude,\n    lon Longitude,\n    elevation Elevation OPTIONAL\n}\n", ""),
     ("show asn1_type_CN_Position_LL_24B --depth 1", "", 0,
      "Position-LL-24B ::= SEQUENCE {\n    lon OffsetLL-B12,\n    lat OffsetLL-B12\n}\n\n"
-     "OffsetLL-B12 ::= INTEGER (-2048..2047)\n", ""),
+     "OffsetLL-B12 ::= INTEGER (-2048..2047) --@ unit 0.0000001 deg\n", ""),
     ("show CN.DescriptiveName", "", 0, "DescriptiveName ::= IA5String (SIZE (1..63))\n", ""),
     ("show CN.ConnectsToList", "", 0, "ConnectsToList ::= SEQUENCE (SIZE (1..8)) OF Connection\n", ""),
     ("show CN.EventSource", "", 0, "...    unknown (0),\n", ""),
-    ("show CN.MessageFrame --recursive", "", 0, "...\nLatitude ::= INTEGER (-900000000..900000001)\n", ""),
+    ("show CN.MessageFrame --recursive", "", 0, "...\nLatitude ::= INTEGER (-900000000..900000001) --@ unit 0.0000001 deg; 900000001 unavailable\n", ""),
     ("roots CN", "", 0, "...CN.MessageFrame\n", ""),
 ]
 
