@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+// The smallest value of a type, for parts that are added by hand.
+import type { TypeInfo, Value } from "orlenta";
+
+const LONGEST_LIST = 64;
+
+function integer({ lower, upper }: TypeInfo): Value {
+    if (lower !== undefined && lower > 0) return lower;
+    if (upper !== undefined && upper < 0) return upper;
+    return 0;
+}
+
+function bitString({ lower = 0, upper, isExtensible }: TypeInfo): Value {
+    const value = "00".repeat(Math.ceil(Number(lower) / 8));
+    return lower === upper && !isExtensible ? value : { value, length: Number(lower) };
+}
+
+/** `nested` are the types on the way here, which a type that holds itself would otherwise repeat without end. */
+export function minimalValue(type: TypeInfo, nested: TypeInfo[] = []): Value {
+    if (nested.includes(type)) return null;
+    const inside = [...nested, type];
+    switch (type.kind) {
+        case "BOOLEAN": return false;
+        case "INTEGER": return integer(type);
+        case "REAL": return 0;
+        case "ENUMERATED": return type.items?.[0]?.name ?? "";
+        case "BIT STRING": return bitString(type);
+        case "OCTET STRING": return "00".repeat(Number(type.lower ?? 0));
+        case "OBJECT IDENTIFIER": return "1.0";
+        case "RELATIVE-OID": return "0";
+        case "string": return (type.stringType === "NumericString" ? "0" : "A").repeat(Number(type.lower ?? 0));
+        case "SEQUENCE":
+        case "SET": {
+            const needed = (type.components ?? []).filter(({ presence, isAddition }) => presence === "mandatory" && !isAddition);
+            return Object.fromEntries(needed.map((component) => [component.name, minimalValue(component.type, inside)]));
+        }
+        case "SEQUENCE OF":
+        case "SET OF": {
+            const length = Math.min(Number(type.lower ?? 0), LONGEST_LIST);
+            const element = type.element;
+            return element ? Array.from({ length }, () => minimalValue(element, inside)) : [];
+        }
+        case "CHOICE": {
+            const first = type.alternatives?.[0];
+            return first ? { [first.name]: minimalValue(first.type, inside) } : {};
+        }
+        default: return null;
+    }
+}

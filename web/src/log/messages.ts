@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the page and the worker that reads logs tell each other.
+import type { Choice } from "../codec/reading";
+import type { Summary } from "./summary";
+
+export interface Order {
+    log: Blob;
+    choice: Choice;
+    /** Modules of ASN.1 in place of the message sets. */
+    schema?: { name: string; text: string }[];
+}
+
+export type Answer =
+    | { kind: "some"; summaries: Summary[]; octets: number }
+    | { kind: "done" }
+    | { kind: "failed"; message: string };

@@ -1,0 +1,427 @@
+// SPDX-License-Identifier: Apache-2.0
+// The page: what was typed or dropped becomes a message or a log, and goes to the views.
+import type { Rules, Schema, Value } from "orlenta";
+import { type Engine, startEngine } from "../codec/engine";
+import { jsonText } from "../codec/json";
+import { type Choice, identify, InputError, type Message, type Reading, readMessage, type Source } from "../codec/reading";
+import { isText, REGIONS, RULE_NAMES, RULES } from "../codec/types";
+import { formOf, toBase64, toHex } from "../input/bytes";
+import { isLog, readEntry } from "../input/lines";
+import { LARGEST_LOG, Log } from "../log/log";
+import { createSchemaTab, FILE, FIRST_SCHEMA } from "../schema/tab";
+import { byId, debounced, h } from "../view/dom";
+import { createList } from "../view/message-list";
+import { AUTO, createPicker } from "../view/type-picker";
+import type { Base } from "../view/hex";
+import { acceptFiles, looksLikeText } from "./drop";
+import { EXAMPLES } from "./examples";
+import { createInspector } from "./inspector";
+import { listenToKeys } from "./keys";
+import { fromFragment, toFragment } from "./link";
+import { createMapPane } from "./map-pane";
+import { loadSaved, save } from "./saved";
+import { createTabs } from "./tabs";
+import { applyTheme, nextTheme } from "./theme";
+
+const TYPING_MS = 180;
+const SAVING_MS = 400;
+/** A longer file stays a file, beside the text field. */
+const LONGEST_TEXT = 262_144;
+
+const saved = loadSaved();
+const choice: Choice = { type: saved.type ?? AUTO, rules: (saved.rules as Rules | "auto") ?? "auto" };
+let theme = saved.theme ?? "";
+let base: Base = saved.base ?? "hex";
+let file: File | null = null;
+let log: Log | null = null;
+let selected = 0;
+let reading: Reading | null = null;
+const edits = new Map<number, string>();
+let schema: Schema | null = null;
+let refreshed = 0;
+
+let engineStarted: Promise<Engine> | null = null;
+const engine = () => (engineStarted ??= startEngine());
+
+const input = byId<HTMLTextAreaElement>("input");
+const rules = byId<HTMLSelectElement>("rules");
+const useSchema = byId<HTMLInputElement>("use-schema");
+
+// ---- what is told ------------------------------------------------------------------------------------------------
+
+function tell(text: string, isWrong = false): void {
+    const note = byId("note");
+    note.textContent = text;
+    note.classList.toggle("wrong", isWrong);
+}
+
+const saveSoon = debounced(SAVING_MS, () =>
+    save({
+        text: file ? "" : input.value,
+        type: choice.type,
+        rules: choice.rules,
+        schema: schemaTab.text(),
+        useSchema: useSchema.checked,
+        theme,
+        base,
+    }),
+);
+
+// ---- views -------------------------------------------------------------------------------------------------------
+
+const mapPane = createMapPane({
+    onPick(message, path) {
+        if (log && message !== selected) void select(message).then(() => inspector.reveal(path));
+        else inspector.reveal(path);
+    },
+    onMoment: (message) => void select(message),
+    async valueAt(message) {
+        const value = await readAt(message);
+        return value?.value;
+    },
+});
+
+const inspector = createInspector({
+    onEdit,
+    onPoint: (path) => mapPane.point(path),
+    onCopy: (text) => void copy(text, "copied"),
+    onUse(encoded) {
+        if (!reading) return;
+        setText(encoded.text, { type: reading.type, rules: encoded.rules });
+    },
+});
+
+const list = createList(byId("list"), (index) => void select(index));
+
+const picker = createPicker(byId<HTMLInputElement>("type"), byId("type-list"), {
+    async types() {
+        if (useSchema.checked && schema) return schema.types();
+        const started = await engine();
+        await Promise.allSettled(REGIONS.map((region) => started.need(region)));
+        return started.codec.types();
+    },
+    onPick(name) {
+        choice.type = name;
+        void refresh();
+    },
+});
+
+const schemaTab = createSchemaTab(byId("editor"), byId("problems"), engine, saved.schema || FIRST_SCHEMA, {
+    onText: saveSoon,
+    onCompiled(next) {
+        schema = next;
+        byId("use-schema-label").hidden = next === null && !useSchema.checked;
+        if (useSchema.checked) void refresh();
+    },
+});
+
+// ---- reading -----------------------------------------------------------------------------------------------------
+
+async function source(): Promise<Source> {
+    if (useSchema.checked && !schema) await schemaTab.compileNow();
+    if (useSchema.checked && !schema) throw new Error("the schema does not compile: see its tab");
+    return { engine: await engine(), schema: useSchema.checked ? (schema ?? undefined) : undefined };
+}
+
+async function readText(text: string, hint?: Message): Promise<Reading> {
+    const from = await source();
+    return readMessage(await identify(from, text, choice, hint));
+}
+
+/** A message of the log, or undefined if it is none. */
+async function readAt(index: number): Promise<Reading | undefined> {
+    try {
+        const text = edits.get(index) ?? readEntry(await (log as Log).textAt(index))?.message ?? "";
+        return await readText(text, reading ?? undefined);
+    } catch {
+        return undefined;
+    }
+}
+
+function showReading(next: Reading, isEdited = false): void {
+    reading = next;
+    inspector.show(next);
+    picker.show(choice.type, next.type);
+    const octets = typeof next.data === "string" ? new TextEncoder().encode(next.data).length : next.data.length;
+    const found = choice.type === AUTO ? " · type found by itself" : "";
+    const changed = isEdited && log ? " · changed here, not in the log" : "";
+    tell(`${next.type} · ${RULE_NAMES[next.rules]} · ${octets} octets${found}${changed}`);
+    if (log) mapPane.showLog(log, selected, false);
+    else mapPane.showOne(next.value, isEdited);
+}
+
+async function showText(text: string): Promise<void> {
+    const mine = ++refreshed;
+    if (text.trim() === "") {
+        reading = null;
+        picker.show(choice.type, null);
+        inspector.clear();
+        if (!log) mapPane.showOne(undefined, false);
+        return tell("");
+    }
+    try {
+        const next = await readText(text, reading ?? undefined);
+        if (mine === refreshed) showReading(next);
+    } catch (error) {
+        if (mine !== refreshed) return;
+        reading = null;
+        picker.show(choice.type, null);
+        inspector.showBroken(text, error instanceof InputError ? error.position : null);
+        if (log) mapPane.showLog(log, selected, false);
+        else mapPane.showOne(undefined, false);
+        tell((error as Error).message, true);
+    }
+}
+
+/** Reads anew what stands in the text field, or the file. */
+async function refresh(): Promise<void> {
+    saveSoon();
+    picker.show(choice.type, null);
+    rules.value = choice.rules;
+    log?.stop();
+    log = null;
+    edits.clear();
+    selected = 0;
+    byId("progress").hidden = true;
+    const isMany = file !== null || isLog(input.value);
+    byId("list").hidden = !isMany;
+    if (isMany) startLog(file ?? new Blob([input.value]));
+    else await showText(readEntry(input.value)?.message ?? input.value);
+}
+
+// ---- logs --------------------------------------------------------------------------------------------------------
+
+function startLog(blob: Blob): void {
+    const mine = new Log(blob);
+    log = mine;
+    const progress = byId("progress");
+    progress.hidden = false;
+    const show = (isDone: boolean) => {
+        if (mine !== log) return;
+        list.show(mine.messages, selected);
+        if (mine.messages.length === 0) return;
+        if (!reading || isDone) void select(selected);
+        else mapPane.showLog(mine, selected, true);
+    };
+    reading = null;
+    mine.start(choice, useSchema.checked ? [{ name: FILE, text: schemaTab.text() }] : undefined, {
+        onProgress(octets) {
+            progress.style.setProperty("--done", `${(100 * octets) / Math.max(blob.size, 1)}%`);
+            show(false);
+        },
+        onDone(error) {
+            progress.hidden = true;
+            show(true);
+            if (error) return tell(error, true);
+            if (mine.messages.length === 0) tell("no message in it", true);
+            mapPane.showLog(mine, selected, true);
+        },
+    });
+}
+
+async function select(index: number): Promise<void> {
+    if (!log || index < 0 || index >= log.messages.length) return;
+    selected = index;
+    list.show(log.messages, selected);
+    await showText(edits.get(index) ?? readEntry(await log.textAt(index))?.message ?? "");
+}
+
+async function openFile(next: File): Promise<void> {
+    if (next.size > LARGEST_LOG) {
+        const size = Math.round(next.size / 1e6);
+        return tell(`${next.name} has ${size} MB: this page takes ${LARGEST_LOG / 1e6} MB. The command orlenta works through any log.`, true);
+    }
+    forgetLink();
+    file = null;
+    if (!(await looksLikeText(next))) {
+        input.value = toHex(new Uint8Array(await next.arrayBuffer()));
+    } else if (next.size <= LONGEST_TEXT) {
+        input.value = await next.text();
+    } else {
+        file = next;
+        input.value = "";
+        input.placeholder = `${next.name}, ${(next.size / 1e6).toFixed(1)} MB`;
+    }
+    await refresh();
+}
+
+// ---- edits -------------------------------------------------------------------------------------------------------
+
+function encodeEdited({ codec, type, rules: under, data }: Reading, value: Value): { data: Uint8Array | string; text: string } {
+    if (isText(under)) {
+        const violation = codec.check(type, value);
+        if (violation) throw violation;
+        const text = codec.convert(type, jsonText(value), "jer", under, 2) as string;
+        return { data: text, text };
+    }
+    const bytes = codec.encode(type, value, under);
+    const before = log ? (edits.get(selected) ?? "") : input.value;
+    return { data: bytes, text: typeof data !== "string" && formOf(before) === "base64" ? toBase64(bytes) : toHex(bytes) };
+}
+
+function onEdit(from: Reading, value: Value): void {
+    try {
+        const { data, text } = encodeEdited(from, value);
+        refreshed++;
+        if (log) edits.set(selected, text);
+        else {
+            // The type stays, though the message may no longer show it.
+            choice.type = from.type;
+            choice.rules = from.rules;
+            rules.value = choice.rules;
+            input.value = text;
+        }
+        forgetLink();
+        saveSoon();
+        showReading(readMessage({ ...from, data }), true);
+    } catch (error) {
+        const { message, path = "" } = error as Error & { path?: string };
+        inspector.showRefused(value, { path, message: message.replace(/ \(at [^)]*\)$/, "") });
+        mapPane.showOne(value, true);
+    }
+}
+
+function setText(text: string, next: Partial<Choice>): void {
+    file = null;
+    input.value = text;
+    Object.assign(choice, next);
+    forgetLink();
+    void refresh();
+}
+
+// ---- links -------------------------------------------------------------------------------------------------------
+
+function forgetLink(): void {
+    if (location.hash !== "") history.replaceState(null, "", location.pathname + location.search);
+}
+
+async function copy(text: string, done: string): Promise<void> {
+    try {
+        await navigator.clipboard.writeText(text);
+        tell(done);
+    } catch {
+        tell("the browser keeps the clipboard to itself; the address line has the link", true);
+    }
+}
+
+async function copyLink(): Promise<void> {
+    if (!reading) return tell("there is no message to link to", true);
+    const { data, type, rules: under } = reading;
+    const fragment = await toFragment({ data, type, rules: under, schema: useSchema.checked ? schemaTab.text() : undefined });
+    history.replaceState(null, "", fragment);
+    await copy(location.href, "the link is in the address line and in the clipboard");
+}
+
+async function followLink(): Promise<boolean> {
+    const linked = await fromFragment(location.hash);
+    if (!linked) return false;
+    file = null;
+    choice.type = linked.type;
+    choice.rules = linked.rules;
+    input.value = typeof linked.data === "string" ? linked.data : toHex(linked.data);
+    useSchema.checked = linked.schema !== undefined;
+    if (linked.schema !== undefined) {
+        schemaTab.setText(linked.schema);
+        schema = await schemaTab.compileNow();
+    }
+    await refresh();
+    return true;
+}
+
+// ---- start -------------------------------------------------------------------------------------------------------
+
+function fillRules(): void {
+    const options = RULES.map((one) => h("option", { value: one }, RULE_NAMES[one]));
+    rules.replaceChildren(h("option", { value: "auto" }, "any rules"), ...options);
+    rules.value = choice.rules;
+    rules.addEventListener("change", () => {
+        choice.rules = rules.value as Rules | "auto";
+        void refresh();
+    });
+}
+
+function fillExamples(): void {
+    const examples = byId<HTMLSelectElement>("examples");
+    examples.append(...EXAMPLES.map(({ name }, i) => h("option", { value: String(i) }, name)));
+    examples.addEventListener("change", () => {
+        const example = EXAMPLES[Number(examples.value)];
+        examples.value = "";
+        if (!example) return;
+        useSchema.checked = false;
+        showInput("message");
+        setText(example.text, { type: example.type ?? AUTO, rules: (example.rules as Rules) ?? "auto" });
+    });
+}
+
+const main = document.querySelector("main") as HTMLElement;
+const showInput = createTabs(["message", "schema"], (name) => {
+    byId("pane-message").hidden = name !== "message";
+    byId("pane-schema").hidden = name !== "schema";
+    byId("use-schema-label").hidden = name !== "schema" && !useSchema.checked;
+    if (name === "schema") void schemaTab.open();
+});
+const showResult = createTabs(["value", "map", "encodings"], (name) => {
+    main.dataset.side = name;
+});
+
+function listen(): void {
+    const readSoon = debounced(TYPING_MS, () => void refresh());
+    input.addEventListener("input", () => {
+        file = null;
+        forgetLink();
+        readSoon();
+    });
+    useSchema.addEventListener("change", () => {
+        if (useSchema.checked && schema && !schema.types().some(({ name }) => name === choice.type))
+            choice.type = schema.types().find(({ isRoot }) => isRoot)?.name ?? AUTO;
+        else if (!useSchema.checked) choice.type = AUTO;
+        void refresh();
+    });
+    byId("stop").addEventListener("click", () => {
+        log?.stop();
+        byId("progress").hidden = true;
+    });
+    byId("base").addEventListener("click", () => setBase(base === "hex" ? "bits" : "hex"));
+    byId("theme").addEventListener("click", () => {
+        theme = nextTheme(theme);
+        applyTheme(theme);
+        saveSoon();
+    });
+    byId("help").addEventListener("click", () => byId<HTMLDialogElement>("keys").showModal());
+    byId("copy-link").addEventListener("click", () => void copyLink());
+    window.addEventListener("hashchange", () => void followLink());
+    acceptFiles((next) => void openFile(next));
+    listenToKeys({
+        "/": () => picker.focus(),
+        "?": () => byId<HTMLDialogElement>("keys").showModal(),
+        j: () => void select(selected + 1),
+        k: () => void select(selected - 1),
+        "1": () => showResult("value"),
+        "2": () => showResult("map"),
+        "3": () => showResult("encodings"),
+        m: () => showInput("message"),
+        s: () => showInput("schema"),
+        " ": () => mapPane.togglePlay(),
+    });
+}
+
+function setBase(next: Base): void {
+    base = next;
+    inspector.setBase(base);
+    byId("base").textContent = base === "hex" ? "bits" : "hex";
+    saveSoon();
+}
+
+export async function start(): Promise<void> {
+    applyTheme(theme);
+    fillRules();
+    fillExamples();
+    listen();
+    setBase(base);
+    useSchema.checked = saved.useSchema ?? false;
+    showInput("message");
+    showResult("value");
+    if (await followLink()) return;
+    input.value = saved.text ?? EXAMPLES[0].text;
+    await refresh();
+}

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+// What was typed, kept by the browser until the next visit.
+export interface Saved {
+    text: string;
+    type: string;
+    rules: string;
+    schema: string;
+    useSchema: boolean;
+    theme: "" | "light" | "dark";
+    base: "hex" | "bits";
+}
+
+const KEY = "orlenta.page";
+/** The browser's store is a few megabytes; a longer text would push out the rest. */
+const LONGEST = 1_500_000;
+
+export function loadSaved(): Partial<Saved> {
+    try {
+        return JSON.parse(localStorage.getItem(KEY) ?? "{}") as Partial<Saved>;
+    } catch {
+        return {};
+    }
+}
+
+export function save(state: Saved): void {
+    try {
+        const text = state.text.length > LONGEST ? "" : state.text;
+        localStorage.setItem(KEY, JSON.stringify({ ...state, text }));
+    } catch {
+        // Full, or forbidden: the page works without.
+    }
+}

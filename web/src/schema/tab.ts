@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: Apache-2.0
+// The tab for a schema of one's own: compiles as one types, and tells what is wrong where.
+import type { Problem, Schema, SchemaError } from "orlenta";
+import type { Engine } from "../codec/engine";
+import { debounced, h } from "../view/dom";
+import type { SchemaEditor } from "./editor";
+
+export const FILE = "schema.asn1";
+
+export const FIRST_SCHEMA = `-- A message of your own. What you type compiles at once; its types
+-- take the place of the message sets' while "use" is ticked.
+Sensors DEFINITIONS AUTOMATIC TAGS ::= BEGIN
+
+Reading ::= SEQUENCE {
+    station   INTEGER (0..65535),
+    kind      Kind,
+    value     REAL,
+    position  Position OPTIONAL,
+    ...
+}
+
+Kind ::= ENUMERATED { temperature, humidity, visibility, ... }
+
+Position ::= SEQUENCE {
+    latitude   INTEGER (-900000000..900000001),
+    longitude  INTEGER (-1800000000..1800000001)
+}
+
+END
+`;
+
+export interface SchemaTab {
+    /** Loads editor and compiler, if they are not there yet. */
+    open(): Promise<void>;
+    text(): string;
+    setText(text: string): void;
+    compileNow(): Promise<Schema | null>;
+}
+
+export interface SchemaEvents {
+    onText(text: string): void;
+    /** Null while it does not compile. */
+    onCompiled(schema: Schema | null): void;
+}
+
+const TYPING_MS = 350;
+
+export function createSchemaTab(
+    host: HTMLElement,
+    problemList: HTMLElement,
+    engine: () => Promise<Engine>,
+    initial: string,
+    events: SchemaEvents,
+): SchemaTab {
+    let text = initial;
+    let editor: SchemaEditor | null = null;
+    let schema: Schema | null = null;
+    let run = 0;
+
+    function tell(problems: Problem[], summary: string): void {
+        editor?.mark(problems);
+        const entries = problems.map(({ line, column, text: what, isNote }) =>
+            h(
+                "li",
+                { class: isNote ? "note" : "wrong" },
+                h("button", { class: "link", click: () => editor?.goTo(line) }, line > 0 ? `${line}:${column}` : "schema"),
+                ` ${what}`,
+            ),
+        );
+        problemList.replaceChildren(h("li", { class: "summary" }, summary), ...entries);
+    }
+
+    async function compileNow(): Promise<Schema | null> {
+        const mine = ++run;
+        try {
+            const { orlenta } = await engine();
+            const next = await orlenta.compile([{ name: FILE, text }]);
+            if (mine !== run) {
+                next.free();
+                return schema;
+            }
+            schema?.free();
+            schema = next;
+            const count = next.types().length;
+            tell(next.notes, `compiles: ${count} ${count === 1 ? "type" : "types"}`);
+        } catch (error) {
+            if (mine !== run) return schema;
+            const problems = (error as SchemaError).problems;
+            tell(problems ?? [], problems ? "does not compile" : (error as Error).message);
+            schema = null;
+        }
+        events.onCompiled(schema);
+        return schema;
+    }
+
+    const compileSoon = debounced(TYPING_MS, () => void compileNow());
+    const typed = (next: string) => {
+        if (next === text) return;
+        text = next;
+        events.onText(text);
+        compileSoon();
+    };
+
+    return {
+        text: () => text,
+        setText(next) {
+            if (editor) editor.setText(next);
+            else typed(next);
+        },
+        compileNow,
+        async open() {
+            if (!editor) {
+                const { createEditor } = await import("./editor");
+                host.replaceChildren();
+                editor = createEditor(host, text, typed);
+                await compileNow();
+            }
+            editor.focus();
+        },
+    };
+}

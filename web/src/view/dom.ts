@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+// Elements of HTML, in short.
+
+type Attributes = Record<string, string | number | boolean | undefined | ((event: never) => void)>;
+
+/** Attributes that are functions are listeners, `true` is an attribute without a value, false and undefined are none. */
+export function h<Name extends keyof HTMLElementTagNameMap>(
+    name: Name,
+    attributes: Attributes = {},
+    ...inside: (Node | string)[]
+): HTMLElementTagNameMap[Name] {
+    const element = document.createElement(name);
+    for (const [key, value] of Object.entries(attributes)) {
+        if (value === undefined || value === false) continue;
+        if (typeof value === "function") element.addEventListener(key, value as EventListener);
+        else element.setAttribute(key, value === true ? "" : String(value));
+    }
+    element.append(...inside);
+    return element;
+}
+
+export function byId<Kind extends HTMLElement = HTMLElement>(id: string): Kind {
+    const element = document.getElementById(id);
+    if (!element) throw new Error(`no element ${id}`);
+    return element as Kind;
+}
+
+/** Calls `work` once, when there was no call for `milliseconds`. */
+export function debounced(milliseconds: number, work: () => void): () => void {
+    let timer = 0;
+    return () => {
+        clearTimeout(timer);
+        timer = window.setTimeout(work, milliseconds);
+    };
+}

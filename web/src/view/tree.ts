@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: Apache-2.0
+// A value as a tree that can be walked by keys, pointed at and edited.
+import type { TypeInfo, Value } from "orlenta";
+import { minimalValue } from "../codec/minimal";
+import { isWithin, joinPath, parsePath, withValueAt } from "../codec/path";
+import { h } from "./dom";
+import { editor } from "./edit";
+import { absentOf, canGrow, childrenOf, type Node, type OpenTypes, rootNode } from "./tree-nodes";
+import { leafText, meaning, shortened, typeText } from "./value-text";
+
+export interface Shown {
+    typeName: string;
+    type: TypeInfo;
+    value: Value;
+    open: OpenTypes;
+    isEditable: boolean;
+    /** Where something is wrong, and what. */
+    error?: { path: string; message: string };
+}
+
+export interface TreeEvents {
+    onPoint(path: string | null): void;
+    onEdit(value: Value): void;
+}
+
+export interface TreeView {
+    show(shown: Shown | null): void;
+    /** Lights the component up; opens the way to it and scrolls there if `isRevealed`. */
+    light(path: string | null, isRevealed?: boolean): void;
+}
+
+const OPEN_AT_FIRST = 250;
+const MOST_CHILDREN = 200;
+
+export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
+    host.setAttribute("role", "tree");
+    host.setAttribute("aria-label", "value");
+    let shown: Shown | null = null;
+    let closed = new Set<string>();
+    let opened = new Set<string>();
+    let openDepth = Infinity;
+    let focus = "";
+    let lit: string | null = null;
+    const rows = new Map<string, { row: HTMLElement; node: Node }>();
+
+    const isOpen = ({ path, depth }: Node) => (opened.has(path) || depth < openDepth) && !closed.has(path);
+
+    function change(path: string, part: Value | undefined): void {
+        if (!shown) return;
+        focus = path;
+        events.onEdit(withValueAt(shown.value, parsePath(path), part));
+    }
+
+    function toggle(node: Node, open: boolean): void {
+        (open ? closed : opened).delete(node.path);
+        (open ? opened : closed).add(node.path);
+        render();
+        focusRow(node.path);
+    }
+
+    function startEdit(node: Node): void {
+        const hit = rows.get(node.path);
+        if (!shown?.isEditable || !hit || !node.type) return;
+        const cell = hit.row.querySelector(".value");
+        const cancel = () => {
+            render();
+            focusRow(node.path);
+        };
+        const field = editor(node.type, node.value, (value) => change(node.path, value), cancel);
+        if (!cell || !field) return;
+        cell.replaceChildren(field);
+        field.focus();
+        if (field instanceof HTMLInputElement) field.select();
+        else if (field instanceof HTMLSelectElement) showOptions(field);
+    }
+
+    function addControl(node: Node): HTMLElement | null {
+        if (canGrow(node)) {
+            const element = node.type?.element as TypeInfo;
+            const path = joinPath(node.path, (node.value as Value[]).length);
+            const grow = () => {
+                opened.add(node.path);
+                change(path, minimalValue(element));
+            };
+            return h("button", { class: "act", title: "add an element", tabindex: -1, click: grow }, "+");
+        }
+        const absent = node.type?.components ? absentOf(node) : [];
+        if (absent.length === 0) return null;
+        const options = absent.map(({ name }) => h("option", { value: name }, name));
+        const select = h("select", { class: "act", title: "add a component", tabindex: -1 }, h("option", { value: "" }, "+"), ...options);
+        select.addEventListener("change", () => {
+            const component = absent.find(({ name }) => name === select.value);
+            if (!component) return;
+            opened.add(node.path);
+            change(joinPath(node.path, component.name), component.default ?? minimalValue(component.type));
+        });
+        return select;
+    }
+
+    function alternativeControl(node: Node): HTMLElement {
+        const [current] = Object.keys(node.value as object);
+        const alternatives = node.type?.alternatives ?? [];
+        if (!shown?.isEditable) return h("span", { class: "value choice" }, current ?? "");
+        const options = alternatives.map(({ name }) => h("option", { selected: name === current }, name));
+        const select = h("select", { class: "value choice", tabindex: -1, title: "alternative" }, ...options);
+        select.addEventListener("change", () => {
+            const to = alternatives.find(({ name }) => name === select.value);
+            if (to) change(node.path, { [to.name]: minimalValue(to.type) });
+        });
+        return select;
+    }
+
+    function valueCell(node: Node): HTMLElement {
+        if (node.type?.kind === "CHOICE") return alternativeControl(node);
+        if (Array.isArray(node.value)) return h("span", { class: "value count" }, `${node.value.length}`);
+        if (node.isContainer) return h("span", { class: "value count" });
+        const text = leafText(node.value, node.type);
+        const kind = (node.type?.kind ?? "").replace(/ /g, "-").toLowerCase();
+        const stands = meaning(node.value, node.type);
+        const cell = h("span", { class: `value ${kind}`, title: text.length > 60 ? text : undefined }, shortened(text));
+        if (shown?.isEditable) cell.addEventListener("click", () => startEdit(node));
+        return stands ? h("span", { class: "value-with" }, cell, h("span", { class: "unit" }, stands)) : cell;
+    }
+
+    function rowFor(node: Node): HTMLElement {
+        const error = shown?.error;
+        const isWrong = error !== undefined && error.path === node.path;
+        const row = h(
+            "div",
+            {
+                class: `row${isWrong ? " wrong" : ""}`,
+                role: "treeitem",
+                tabindex: -1,
+                "aria-level": node.depth + 1,
+                "aria-expanded": node.isContainer ? isOpen(node) : undefined,
+                "data-path": node.path,
+            },
+            h("span", { class: "twisty" }, node.isContainer ? (isOpen(node) ? "▾" : "▸") : ""),
+            h("span", { class: "name" }, node.name),
+            valueCell(node),
+        );
+        row.style.setProperty("--depth", String(node.depth));
+        if (isWrong) row.append(h("span", { class: "why" }, error.message));
+        row.append(h("span", { class: "type" }, node.type ? typeText(node.type) : ""));
+        if (shown?.isEditable) {
+            const add = node.isContainer ? addControl(node) : null;
+            if (add) row.append(add);
+            if (node.isRemovable) {
+                const remove = () => change(node.path, undefined);
+                row.append(h("button", { class: "act", title: "take out", tabindex: -1, click: remove }, "×"));
+            }
+        }
+        return row;
+    }
+
+    function collect(node: Node, into: HTMLElement[]): void {
+        const row = rowFor(node);
+        rows.set(node.path, { row, node });
+        into.push(row);
+        if (!node.isContainer || !isOpen(node) || !shown) return;
+        const children = childrenOf(node, shown.open);
+        for (const child of children.slice(0, MOST_CHILDREN)) collect(child, into);
+        if (children.length > MOST_CHILDREN)
+            into.push(h("div", { class: "row more" }, `… and ${children.length - MOST_CHILDREN} more`));
+    }
+
+    /** An error at a component that could not be read has a row of its own. */
+    function addErrorRow(list: HTMLElement[]): void {
+        const error = shown?.error;
+        if (!error || rows.has(error.path)) return;
+        const steps = parsePath(error.path);
+        const missing = h(
+            "div",
+            { class: "row wrong missing", "data-path": error.path },
+            h("span", { class: "twisty" }, "✕"),
+            h("span", { class: "name" }, error.path || "message"),
+            h("span", { class: "why" }, error.message),
+        );
+        missing.style.setProperty("--depth", String(Math.min(steps.length, 6)));
+        list.push(missing);
+    }
+
+    function render(): void {
+        rows.clear();
+        const list: HTMLElement[] = [];
+        if (shown) {
+            collect(rootNode(shown.typeName, shown.value, shown.type), list);
+            addErrorRow(list);
+        }
+        host.replaceChildren(...list);
+        (rows.get(focus) ?? rows.get(""))?.row.setAttribute("tabindex", "0");
+        paint();
+    }
+
+    function paint(): void {
+        for (const [path, { row }] of rows) row.classList.toggle("lit", lit !== null && lit !== "" && path !== "" && path === lit);
+    }
+
+    function focusRow(path: string): void {
+        rows.get(focus)?.row.setAttribute("tabindex", "-1");
+        focus = path;
+        const row = rows.get(path)?.row;
+        row?.setAttribute("tabindex", "0");
+        row?.focus();
+    }
+
+    function onKey(event: KeyboardEvent): void {
+        const hit = rows.get((event.target as HTMLElement).dataset.path ?? "\0");
+        if (!hit || event.ctrlKey || event.metaKey || event.altKey) return;
+        const order = [...rows.keys()];
+        const at = order.indexOf(hit.node.path);
+        const { node } = hit;
+        const to = (i: number) => focusRow(order[Math.min(Math.max(i, 0), order.length - 1)]);
+        const parent = () => order.slice(0, at).reverse().find((path) => isWithin(node.path, path)) ?? "";
+        const keys: Record<string, () => void> = {
+            ArrowDown: () => to(at + 1),
+            ArrowUp: () => to(at - 1),
+            Home: () => to(0),
+            End: () => to(order.length - 1),
+            ArrowRight: () => (node.isContainer && !isOpen(node) ? toggle(node, true) : to(at + 1)),
+            ArrowLeft: () => (node.isContainer && isOpen(node) ? toggle(node, false) : focusRow(parent())),
+            Enter: () => (node.isContainer ? (hit.row.querySelector<HTMLSelectElement>("select.choice") ?? hit.row).focus() : startEdit(node)),
+            F2: () => startEdit(node),
+            "+": () => {
+                const add = hit.row.querySelector<HTMLElement>(".act");
+                if (add instanceof HTMLSelectElement) add.focus();
+                else if (add?.textContent === "+") add.click();
+            },
+            Delete: () => node.isRemovable && shown?.isEditable && change(node.path, undefined),
+        };
+        if (!keys[event.key]) return;
+        event.preventDefault();
+        keys[event.key]();
+    }
+
+    host.addEventListener("keydown", onKey);
+    const pathUnder = (event: Event) => (event.target as HTMLElement).closest<HTMLElement>("[data-path]")?.dataset.path ?? null;
+    host.addEventListener("pointerover", (event) => events.onPoint(pathUnder(event)));
+    host.addEventListener("pointerleave", () => events.onPoint(null));
+    host.addEventListener("focusin", (event) => events.onPoint(pathUnder(event)));
+    host.addEventListener("click", (event) => {
+        const target = event.target as HTMLElement;
+        const hit = rows.get(pathUnder(event) ?? "\0");
+        if (!hit || target.closest("select,input,button")) return;
+        if (target.closest(".value") && !hit.node.isContainer) return;
+        if (hit.node.isContainer && target.closest(".twisty,.name")) toggle(hit.node, !isOpen(hit.node));
+        else focusRow(hit.node.path);
+    });
+
+    return {
+        show(next) {
+            const isOther = next?.typeName !== shown?.typeName;
+            shown = next;
+            if (isOther) {
+                closed = new Set();
+                opened = new Set();
+                focus = "";
+            }
+            if (next) openDepth = opened.size + closed.size > 0 && !isOther ? openDepth : depthThatFits(next);
+            const hadFocus = host.contains(document.activeElement);
+            render();
+            if (hadFocus) focusRow(rows.has(focus) ? focus : "");
+        },
+        light(path, isRevealed = false) {
+            lit = path;
+            if (path !== null && isRevealed && !rows.has(path)) {
+                for (let steps = parsePath(path); steps.length > 0; steps = steps.slice(0, -1))
+                    opened.add(steps.slice(0, -1).reduce<string>(joinPath, ""));
+                closed = new Set([...closed].filter((one) => !isWithin(path, one)));
+                render();
+            }
+            paint();
+            if (isRevealed && path) rows.get(path)?.row.scrollIntoView({ block: "nearest" });
+        },
+    };
+}
+
+/** So deep that about OPEN_AT_FIRST rows are seen. */
+function depthThatFits({ typeName, value, type, open }: Shown): number {
+    let level = [rootNode(typeName, value, type)];
+    let count = 1;
+    for (let depth = 0; level.length > 0; depth++) {
+        level = level.flatMap((node) => childrenOf(node, open));
+        count += level.length;
+        if (count > OPEN_AT_FIRST) return Math.max(depth, 2);
+    }
+    return Infinity;
+}
+
+function showOptions(select: HTMLSelectElement): void {
+    try {
+        select.showPicker();
+    } catch {
+        // Not all browsers have it, and it needs a gesture; the list opens by a key or click then.
+    }
+}

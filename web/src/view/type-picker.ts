@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+// Search for a type: a line of text with the types whose names contain it.
+import type { TypeEntry } from "orlenta";
+import { h } from "./dom";
+
+export const AUTO = "auto";
+
+export interface PickerEvents {
+    /** All types, whole messages first; loads what is not there yet. */
+    types(): Promise<TypeEntry[]>;
+    onPick(name: string): void;
+}
+
+export interface Picker {
+    show(name: string, found: string | null): void;
+    focus(): void;
+}
+
+const MOST_SHOWN = 60;
+const AUTO_TEXT = "found by itself";
+
+function rank({ name, isRoot }: TypeEntry, pattern: string): number {
+    const last = name.slice(name.lastIndexOf(".") + 1).toLowerCase();
+    if (last === pattern || name.toLowerCase() === pattern) return 0;
+    if (/MessageFrame$/.test(name)) return 1;
+    const starts = last.startsWith(pattern) ? 0 : 1;
+    return (isRoot ? 2 : 4) + starts;
+}
+
+export function createPicker(input: HTMLInputElement, list: HTMLElement, events: PickerEvents): Picker {
+    let current = AUTO;
+    let found: string | null = null;
+    let names: string[] = [];
+    let active = 0;
+
+    const label = () => (current === AUTO ? (found ?? "") : current);
+
+    function close(): void {
+        list.hidden = true;
+        input.setAttribute("aria-expanded", "false");
+        input.value = label();
+    }
+
+    function pick(name: string): void {
+        current = name;
+        if (name === AUTO) found = null;
+        close();
+        events.onPick(name);
+    }
+
+    function paint(): void {
+        [...list.children].forEach((option, i) => {
+            option.setAttribute("aria-selected", String(i === active));
+            if (i === active) {
+                option.scrollIntoView({ block: "nearest" });
+                input.setAttribute("aria-activedescendant", option.id);
+            }
+        });
+    }
+
+    async function open(): Promise<void> {
+        list.hidden = false;
+        input.setAttribute("aria-expanded", "true");
+        const all = await events.types();
+        if (list.hidden) return;
+        const pattern = input.value === label() ? "" : input.value.trim().toLowerCase();
+        const hits = all
+            .filter(({ name }) => name.toLowerCase().includes(pattern))
+            .map((entry) => ({ entry, at: rank(entry, pattern) }))
+            .sort((a, b) => a.at - b.at || a.entry.name.length - b.entry.name.length || (a.entry.name < b.entry.name ? -1 : 1));
+        names = [AUTO, ...hits.slice(0, MOST_SHOWN).map(({ entry }) => entry.name)];
+        active = pattern !== "" && names.length > 1 ? 1 : 0;
+        list.replaceChildren(
+            ...names.map((name, i) => {
+                const [region, rest] = name === AUTO ? ["", AUTO_TEXT] : splitName(name);
+                const option = h("li", { role: "option", id: `type-${i}` }, h("span", { class: "region" }, region), rest);
+                option.addEventListener("pointerdown", (event) => {
+                    event.preventDefault();
+                    pick(name);
+                });
+                return option;
+            }),
+        );
+        if (hits.length > MOST_SHOWN) list.append(h("li", { class: "more" }, `… ${hits.length - MOST_SHOWN} more: type to narrow`));
+        paint();
+    }
+
+    input.addEventListener("focus", () => {
+        input.select();
+        void open();
+    });
+    input.addEventListener("input", () => void open());
+    input.addEventListener("blur", close);
+    input.addEventListener("keydown", (event) => {
+        const step = { ArrowDown: 1, ArrowUp: -1 }[event.key];
+        if (step !== undefined) {
+            event.preventDefault();
+            if (list.hidden) void open();
+            active = Math.min(Math.max(active + step, 0), names.length - 1);
+            paint();
+        } else if (event.key === "Enter" && !list.hidden && names[active]) {
+            pick(names[active]);
+            input.blur();
+        } else if (event.key === "Escape") input.blur();
+    });
+
+    return {
+        show(name, detected) {
+            current = name;
+            found = detected;
+            if (document.activeElement !== input) input.value = label();
+            input.placeholder = AUTO_TEXT;
+            input.classList.toggle("found", name === AUTO && detected !== null);
+        },
+        focus: () => input.focus(),
+    };
+}
+
+function splitName(name: string): [string, string] {
+    const dot = name.indexOf(".");
+    return dot < 0 ? ["", name] : [name.slice(0, dot), name.slice(dot + 1)];
+}

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+// Values without components as text, and what their numbers stand for.
+import type { TypeInfo, Value } from "orlenta";
+
+const MOST_BITS = 64;
+const LONGEST = 120;
+
+function bitsText(value: Value, type: TypeInfo): string {
+    const [hex, length] =
+        typeof value === "string"
+            ? [value, Number(type.lower ?? value.length * 4)]
+            : [(value as { value: string }).value, (value as { length: number }).length];
+    if (length > MOST_BITS) return `'${hex}'H, ${length} bits`;
+    const bits = [...hex].map((digit) => Number.parseInt(digit, 16).toString(2).padStart(4, "0")).join("");
+    return `'${bits.slice(0, length)}'B`;
+}
+
+export function isContainer(value: Value | undefined, type: TypeInfo | undefined): boolean {
+    return value !== null && typeof value === "object" && type?.kind !== "BIT STRING";
+}
+
+export function leafText(value: Value, type: TypeInfo | undefined): string {
+    switch (type?.kind) {
+        case "NULL": return "NULL";
+        case "BIT STRING": return bitsText(value, type);
+        case "OCTET STRING": return value === "" ? "empty" : String(value);
+        case "string": return JSON.stringify(value);
+        default: return value === null ? "NULL" : String(value);
+    }
+}
+
+export function shortened(text: string): string {
+    return text.length > LONGEST ? `${text.slice(0, LONGEST)}…` : text;
+}
+
+function scaled(number: number, scale: number): string {
+    const digits = Math.min(9, Math.max(0, Math.ceil(-Math.log10(Math.abs(scale)) - 1e-9) + (`${scale}`.match(/[1-9]/g)?.length ?? 1) - 1));
+    return number.toFixed(digits);
+}
+
+/** The quantity that an INTEGER stands for, or what a number of it means. */
+export function meaning(value: Value, type: TypeInfo | undefined): string {
+    if (!type?.unit || (typeof value !== "number" && typeof value !== "bigint")) return "";
+    const { unit, scale, offset, special } = type.unit;
+    const number = Number(value);
+    const named = special.find((one) => one.value === number);
+    if (named) return named.meaning;
+    if (scale === 1 && offset === 0) return unit;
+    return `${scaled(number * scale + offset, scale)} ${unit}`.trim();
+}
+
+export function boundsText({ kind, lower, upper }: TypeInfo): string {
+    if (lower === undefined && upper === undefined) return "";
+    const range = lower === upper ? `${lower}` : `${lower ?? "MIN"}..${upper ?? "MAX"}`;
+    return kind === "INTEGER" ? `(${range})` : `(SIZE ${range})`;
+}
+
+export function typeText(type: TypeInfo): string {
+    const name = type.name?.slice(type.name.lastIndexOf(".") + 1);
+    return name ?? (type.kind === "string" ? (type.stringType ?? "string") : type.kind);
+}

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+// Serves build/web on the loopback, compressed as servers do it, and counts what was sent.
+import { createServer } from "node:http";
+import { readFile } from "node:fs/promises";
+import { extname, join, normalize } from "node:path";
+import { gzipSync } from "node:zlib";
+
+const TYPES = {
+    ".html": "text/html; charset=utf-8",
+    ".js": "text/javascript",
+    ".css": "text/css",
+    ".wasm": "application/wasm",
+    ".svg": "image/svg+xml",
+    ".webmanifest": "application/manifest+json",
+};
+
+export async function serve(folder, port = 0) {
+    const sent = new Map();
+    const packed = new Map();
+    const server = createServer(async (request, response) => {
+        const path = normalize(decodeURIComponent(new URL(request.url, "http://loopback").pathname));
+        const name = path.endsWith("/") ? `${path}index.html` : path;
+        try {
+            if (!packed.has(name)) packed.set(name, gzipSync(await readFile(join(folder, name)), { level: 9 }));
+            const body = packed.get(name);
+            sent.set(name, body.length);
+            response.writeHead(200, { "content-type": TYPES[extname(name)] ?? "application/octet-stream", "content-encoding": "gzip" });
+            response.end(body);
+        } catch {
+            response.writeHead(404).end();
+        }
+    });
+    await new Promise((resolve) => server.listen(port, "127.0.0.1", resolve));
+    return { url: `http://127.0.0.1:${server.address().port}/`, sent, close: () => server.close() };
+}
