@@ -17,13 +17,14 @@ export type Rules = "uper" | "aper" | "oer" | "ber" | "der" | "jer" | "xer" | "g
 /** Rules whose encodings are text; orlenta.convert() gives a string for them and bytes for the others. */
 export type TextRules = "jer" | "xer" | "gser";
 
-/** A message set that comes with the package, each a wasm module of its own. RRC is the part of US that 3GPP defines. */
+/** A message set that comes with the package, each a wasm module of its own. RRC is the part of US that
+ * 3GPP defines, and IEEE 1609.3, which is made of it. */
 export type Region = "CN" | "EU" | "US" | "RRC";
 
 /**
  * A value as JSON has it (X.697): SEQUENCE an object without its absent components, SEQUENCE OF an array, CHOICE an
  * object of one member, ENUMERATED and OBJECT IDENTIFIER a string, OCTET STRING hex, BIT STRING hex where the
- * size is fixed and `{value, length}` elsewhere, REAL a number or "INF", "-INF", "NaN". An INTEGER whose bounds go
+ * size is fixed and `{value, length}` elsewhere, REAL a number or "-0", "INF", "-INF", "NaN". An INTEGER whose bounds go
  * beyond 2^53, or that has none, is a bigint; numbers are taken for it too.
  */
 export type Value = null | boolean | number | bigint | string | Value[] | { [name: string]: Value };

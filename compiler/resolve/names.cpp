@@ -2,6 +2,7 @@
 // Names: which module defines what, imports it, or only seems to.
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 #include "compiler/resolve/resolve.hpp"
 
@@ -142,11 +143,7 @@ size_t distance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
-struct Candidate {
-    size_t distance;
-    std::string text;
-    auto operator<=>(const Candidate&) const = default;
-};
+using Candidate = std::pair<size_t, std::string>;  // distance, text
 
 // "did you mean 'Latitude' or 'Altitude' of module 'B'?"; empty if nothing looks much the same.
 std::string nearest_names(const Resolver& resolver, const ModuleNames& module, const std::string& name,
@@ -158,7 +155,7 @@ std::string nearest_names(const Resolver& resolver, const ModuleNames& module, c
         size_t gap = std::max(other.size(), name.size()) - std::min(other.size(), name.size());
         if (gap >= limit) return;
         size_t found = distance(name, other);
-        if (found < limit) candidates.push_back({found, std::move(text)});
+        if (found < limit) candidates.emplace_back(found, std::move(text));
     };
     for (const auto& [other, modules] : resolver.region_names) {
         if (std::isupper(other[0]) != std::isupper(name[0])) continue;
@@ -171,7 +168,7 @@ std::string nearest_names(const Resolver& resolver, const ModuleNames& module, c
     std::sort(candidates.begin(), candidates.end());
     std::string text;
     for (size_t i = 0; i < std::min(candidates.size(), kMost); i++)
-        text += (i == 0 ? "" : " or ") + candidates[i].text;
+        text += (i == 0 ? "" : " or ") + candidates[i].second;
     return text.empty() ? "" : fmt::format("; did you mean {}?", text);
 }
 

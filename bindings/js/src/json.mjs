@@ -9,15 +9,17 @@ export function parse(text) {
     return text.includes('{"":') ? JSON.parse(text, unwrap) : JSON.parse(text);
 }
 
-function print_number(value) {
+// A fraction is read as such only before an exponent.
+function printNumber(value) {
     if (Number.isNaN(value)) return '"NaN"';
     if (!Number.isFinite(value)) return value > 0 ? '"INF"' : '"-INF"';
-    return Object.is(value, -0) ? '"-0"' : String(value);
+    if (Object.is(value, -0)) return '"-0"';
+    return Number.isInteger(value) ? String(value) : value.toExponential();
 }
 
 export function print(value) {
     switch (typeof value) {
-        case "number": return print_number(value);
+        case "number": return printNumber(value);
         case "bigint": return String(value);
         case "object":
             if (value === null) return "null";

@@ -233,6 +233,7 @@ export class Module {
             return this.#resultText()
                 .trimEnd()
                 .split("\n")
+                .filter((line) => line)
                 .map((line) => {
                     const [region, module, name, isRoot] = line.split("\t");
                     return { region, module, name, isRoot: isRoot === "1" };

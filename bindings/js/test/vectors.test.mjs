@@ -36,9 +36,9 @@ const exact = (json) => JSON.parse(json.replace(/([:[,]|^)(-?\d{16,})(?=[,\]}]|$
 
 const hex = (bytes) => Buffer.from(bytes).toString("hex");
 
-for (const [file, module] of [["cn.tsv", "CN"], ["eu.tsv", "EU"], ["us.tsv", "US"], ["us-rrc.tsv", "RRC"]]) {
+for (const [file, ...regions] of [["cn.tsv", "CN"], ["eu.tsv", "EU"], ["us.tsv", "US", "RRC"], ["us-rrc.tsv", "RRC"]]) {
     test(file, async () => {
-        const orlenta = await loadBuilt([module]);
+        const orlenta = await loadBuilt(regions);
         const roots = new Set(orlenta.types().filter((type) => type.isRoot).map((type) => type.name));
         let line = 0;
         let compared = 0;
@@ -54,7 +54,11 @@ for (const [file, module] of [["cn.tsv", "CN"], ["eu.tsv", "EU"], ["us.tsv", "US
                 const decoded = orlenta.decode(type, Buffer.from(octets, "hex"), rules);
                 value ??= decoded;
                 assert.deepEqual(decoded, value, `${where}: ${rules}`);
-                assert.equal(hex(orlenta.encode(type, decoded, rules)), octets, `${where}: ${rules}`);
+                // Some contained values end in padding, which check() and so encode() refuse.
+                const again = orlenta.check(type, decoded)
+                    ? orlenta.convert(type, Buffer.from(octets, "hex"), rules, rules)
+                    : orlenta.encode(type, decoded, rules);
+                assert.equal(hex(again), octets, `${where}: ${rules}`);
                 compared += 1;
             }
             if (value !== undefined) assert.deepEqual(adapt(exact(json), value), value, where);

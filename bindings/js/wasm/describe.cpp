@@ -83,8 +83,8 @@ ORLENTA_JS int js_describe(const asn1_type_desc* type) {
             asn1_printf(&buffer, ",\"region\":\"%s\",\"module\":\"%s\",\"name\":\"%s\"", entry.region,
                         entry.module, entry.name);
     }
-    if (facts.has_lower != 0) put_bound(&buffer, "lower", facts.big_lower, facts.lower);
-    if (facts.has_upper != 0) put_bound(&buffer, "upper", facts.big_upper, facts.upper);
+    if (facts.has_lower != 0 || facts.big_lower) put_bound(&buffer, "lower", facts.big_lower, facts.lower);
+    if (facts.has_upper != 0 || facts.big_upper) put_bound(&buffer, "upper", facts.big_upper, facts.upper);
     switch (facts.kind) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET: put_components(&buffer, facts.type); break;
