@@ -187,6 +187,15 @@ void put_tagged_name(Writer& writer, const Table& table) {
 
 // ---- SEQUENCE and SET -------------------------------------------------------------------------------------
 
+// What a component that may be absent begins with. The constructor says so as well; to say it here keeps compilers from
+// warning where a program initialises the other members alone. That costs them time for each type of a component, so it
+// is said where programs do that: in small records, and of what is a word.
+std::string absent(Writer& writer, const Table& table, const Part& part) {
+    uint32_t kind = behind_tags(*part.table).kind;
+    bool is_word = kind == ASN1_KIND_INTEGER || kind == ASN1_KIND_BOOLEAN || kind == ASN1_KIND_REAL;
+    return is_word || is_flat(writer, table) ? " = {}" : "";
+}
+
 // What a member begins with: a word with its DEFAULT, if it has one, else zero.
 std::string initial_value(Writer& writer, const Part& part, const Component& component) {
     const Table& described = behind_tags(*part.table);
@@ -194,16 +203,19 @@ std::string initial_value(Writer& writer, const Part& part, const Component& com
     switch (described.kind) {
         case ASN1_KIND_INTEGER: {
             bool big = (word0(described) & ASN1_WORD0_BIG) != 0;
-            if (!has_default) return big ? "" : " = 0";
+            if (!has_default) return big ? " = {}" : " = 0";
             const Number& number = component.default_value->number;
             if (!big) return fmt::format(" = {}", number == INT32_MIN ? "INT32_MIN" : number.str());
             return fmt::format(" = {}", number < INT64_MIN + 1 || number > INT64_MAX ? "0" : number.str());
         }
-        case ASN1_KIND_BOOLEAN: return has_default && component.default_value->boolean ? " = true" : "";
+        case ASN1_KIND_BOOLEAN: return has_default && component.default_value->boolean ? " = true" : " = {}";
         case ASN1_KIND_ENUMERATED:
             return fmt::format(" = static_cast<{}>({})", typed_value(writer, *part.table),
                                has_default ? component.default_value->item : 0);
         case ASN1_KIND_REAL: return " = 0";
+        case ASN1_KIND_BIT_STRING:
+        case ASN1_KIND_OCTET_STRING:
+        case ASN1_KIND_CHAR_STRING: return " = {}";
         default: return "";
     }
 }
@@ -236,16 +248,18 @@ void put_member(Writer& writer, const Table& table, size_t index, const MemberNa
     const Part& part = table.parts[index];
     const Component& component = resolved(table.type)->components[index];
     if (names.value.empty()) {
-        if (part.has_presence) put(writer, "    ::orlenta::optional_null {};\n", safe_name(component.name));
+        if (part.has_presence)
+            put(writer, "    ::orlenta::optional_null {} = {{}};\n", safe_name(component.name));
         return;
     }
     std::string type = typed_value(writer, *part.table);
     if (is_keyed) type = "::orlenta::keyed_open";
     if (is_key) {
-        put(writer, "    ::orlenta::key<{}> {};\n", type, names.value);
+        put(writer, "    ::orlenta::key<{}> {} = {{}};\n", type, names.value);
         return;
     }
-    std::string initial = part.has_presence ? "" : initial_value(writer, part, component);
+    std::string initial =
+        part.has_presence ? absent(writer, table, part) : initial_value(writer, part, component);
     if (part.has_presence) type = optional_type(table, part, type);
     put(writer, "    {} {}{};", type, names.value, initial);
     if (!has_record(unwrapped(*part.table))) put(writer, "  // {}", description(unwrapped(*part.table)));

@@ -30,8 +30,8 @@ def include_dirs(args):
     return [args.source / "include", args.build / "include"]
 
 
-def public_headers(args):
-    return sorted(header for folder in include_dirs(args) for header in folder.glob("orlenta/*.h"))
+def public_headers(args, pattern="*.h"):
+    return sorted(header for folder in include_dirs(args) for header in folder.glob(f"orlenta/{pattern}"))
 
 
 def compilers(args, *names):
@@ -53,6 +53,9 @@ def check_headers(args):
             for compiler in names:
                 # Included, not compiled itself: "#pragma once" in the main file would be a warning.
                 run(compiler, *options, *strict, *includes, "-", input=f"#include <orlenta/{header.name}>\n")
+    for header in public_headers(args, "cpp/*.hpp"):
+        run(args.cxx, "-x", "c++", "-std=c++20", *strict, *includes, "-",
+            input=f"#include <orlenta/cpp/{header.name}>\n")
 
 
 def declared_names(args, macro="ORLENTA_API"):
@@ -139,6 +142,20 @@ def check_regions(args):
 
 
 EXAMPLE_OUTPUT = "10 bytes: lat 399087000, lon 1163975000, elevation 435\n"
+# What the programs that build messages print first, and the most lines that main() may take.
+MESSAGES = {"bsm": "48 bytes", "cam": "42 bytes", "map": "60 bytes"}
+MAIN_LINES = {"c": 35, "cpp": 25}
+
+
+def check_messages(args, build):
+    """The programs for one message in C and C++ encode the same and are short."""
+    for name, output in MESSAGES.items():
+        for language, most in MAIN_LINES.items():
+            printed = run(build / f"{name}_{language}")
+            expect(printed.startswith(output), f"{name}_{language} printed {printed}")
+            source = (args.source / "examples" / f"{name}.{language}").read_text()
+            lines = re.search(r"^int main\(.*?\{\n(.*?)^\}", source, re.S | re.M).group(1).splitlines()
+            expect(len([line for line in lines if line.strip()]) <= most, f"{name}.{language} is long")
 
 
 def check_packages(args):
@@ -154,6 +171,7 @@ def check_packages(args):
         run("cmake", "--build", folder / "examples")
         for program in sorted((folder / "examples").glob("position_*")):
             expect(run(program) == EXAMPLE_OUTPUT, f"{program.name} printed something else")
+        check_messages(args, folder / "examples")
 
         (folder / "c_only").mkdir()
         (folder / "c_only" / "CMakeLists.txt").write_text(
@@ -218,8 +236,20 @@ Reading ::= SEQUENCE { id INTEGER (0..255), level Level, note IA5String (SIZE (0
 Level ::= ENUMERATED { low, high, ... }
 END
 """
+OWN_TYPED_PROGRAM = """
+#include <my.hpp>
+int main() {
+    orlenta::value<orlenta::my::Reading> there;
+    there->id = 200;
+    there->level = orlenta::my::Level::high;
+    there->note = "warm";
+    auto bytes = orlenta::encode(orlenta::uper, there);
+    return bytes && *orlenta::decode<orlenta::my::Reading>(orlenta::uper, *bytes) == there ? 0 : 1;
+}
+"""
 OWN_PROGRAM = """
 #include <my.h>
+#include <my_build.h>
 #include <my_codecs.h>
 #include <my_local.h>
 #include <other.h>
@@ -276,11 +306,14 @@ def check_own_schema(args):
         (folder / "Sensors.asn1").write_text(OWN_MODULE)
         (folder / "Common.asn1").write_text("Common DEFINITIONS AUTOMATIC TAGS ::= BEGIN Unit ::= NULL END\n")
         (folder / "app.c").write_text(OWN_PROGRAM)
+        (folder / "typed.cpp").write_text(OWN_TYPED_PROGRAM)
         more = ("orlenta_add_schema(more REGION OTHER FILES Common.asn1)\n"
                 "target_link_libraries(app PRIVATE more)\n"
                 "add_executable(static_app app.c)\n"
                 "target_link_libraries(static_app PRIVATE my_messages more orlenta::orlenta_static)\n"
-                "target_link_options(static_app PRIVATE -Wl,--gc-sections)\n")
+                "target_link_options(static_app PRIVATE -Wl,--gc-sections)\n"
+                "add_executable(typed typed.cpp)\ntarget_compile_features(typed PRIVATE cxx_std_20)\n"
+                "target_link_libraries(typed PRIVATE my_messages orlenta::orlenta)\n")
         (folder / "CMakeLists.txt").write_text(
             "cmake_minimum_required(VERSION 3.25)\nproject(own LANGUAGES C CXX)\nadd_executable(app app.c)\n" +
             recipe + more)
@@ -292,6 +325,7 @@ def check_own_schema(args):
             # Extension bit, presence bit, 8 bits of id, extension bit and 1 bit of level: 12 bits.
             for app in ("app", "static_app"):
                 expect(run(build / app) == "2 bytes: id 200, level 1\n", f"another value came back to {app}")
+            run(build / "typed")
             for pattern in ("my_tables_1.cpp", "my.h"):  # what is deleted is made again
                 made = next(build.glob(f"**/{pattern}"))
                 made.unlink()
@@ -300,13 +334,16 @@ def check_own_schema(args):
 
 
 def check_readme(args):
-    """The programs that the README shows stand in examples/ as shown."""
-    text = (args.source / "README.md").read_text()
-    blocks = re.findall(r"```(c|cpp)\n(.*?)```", text, re.S)
-    expect({kind for kind, _ in blocks} == {"c", "cpp"}, "the README shows no example")
-    for kind, code in blocks:
-        example = (args.source / "examples" / f"position.{kind}").read_text()
-        expect(textwrap.indent(code, "    ") in example, f"not in examples/position.{kind}:\n{code}")
+    """The programs that the README and the manual of typed values show stand in examples/ as shown."""
+    examples = {}
+    for kind in ("c", "cpp"):
+        sources = (args.source / "examples").glob(f"*.{kind}")
+        examples[kind] = "\n".join(source.read_text() for source in sources)
+    for page in ("README.md", "docs/typed.md"):
+        blocks = re.findall(r"```(c|cpp)\n(.*?)```", (args.source / page).read_text(), re.S)
+        expect({kind for kind, _ in blocks} == {"c", "cpp"}, f"{page} shows no example")
+        for kind, code in blocks:
+            expect(textwrap.indent(code, "    ") in examples[kind], f"{page}: in no example:\n{code}")
 
 
 def sessions(page):

@@ -106,16 +106,23 @@ concept encoding_rules = requires(void** out, const asn1_type_desc* type, asn1_e
 
 namespace detail {
 
+using checker = int(const asn1_type_desc*, const void*, asn1_error*);
+
 /// What an encoder that failed has not told: the check knows which component is not as its type wants it.
 [[gnu::cold, gnu::noinline]] inline void explain_failure(error& reason, const asn1_type_desc* type,
-                                                         const void* record) {
+                                                         const void* record, checker* check) {
     asn1_error* told = reason.record();
-    if (told->path[0] != '\0' && told->message[0] != '\0') return;
-    if (orlenta_check(type, record, told) == 0 || told->message[0] != '\0') return;
+    if (told->message[0] != '\0' || check(type, record, told) == 0) return;
     asn1_pstrcpy(told->message, sizeof told->message, "the value cannot be encoded");
 }
 
 }  // namespace detail
+
+/// What tells why an encoder failed. Rules that hold bounds themselves do with the smaller check.
+template <class Rules>
+inline constexpr detail::checker* check_of = orlenta_check;
+template <class Rules>
+requires(Rules::bounded) inline constexpr detail::checker* check_of<Rules> = asn1_check_constraints;
 
 /// Encodes by the rules, as encode(uper, frame). What is outside its type fails: PER has no form for it; by other rules,
 /// which would write it as it is, the value is checked before.
@@ -127,7 +134,8 @@ result<bytes> encode(Rules, const T& value) {
         if (orlenta_check(descriptor_of<T>(), &value, reason.record()) == 0) return detail::failed(reason);
     std::int64_t size = Rules::encode(&block, descriptor_of<T>(), &value, reason.record());
     if (size < 0) [[unlikely]] {
-        detail::explain_failure(reason, descriptor_of<T>(), &value);
+        // Of PER the lesser check, for orlenta_check has decoders of all rules with it.
+        detail::explain_failure(reason, descriptor_of<T>(), &value, check_of<Rules>);
         return detail::failed(reason);
     }
     return bytes(block, static_cast<std::size_t>(size));
@@ -174,7 +182,7 @@ result<std::string> to_json(const T& value, int indent = 0) {
     std::int64_t size = asn1_jer_encode2(&block, descriptor_of<T>(), &value, &options);
     if (size < 0) [[unlikely]] {
         error reason;
-        detail::explain_failure(reason, descriptor_of<T>(), &value);
+        detail::explain_failure(reason, descriptor_of<T>(), &value, orlenta_check);
         return detail::failed(reason);
     }
     std::string text(reinterpret_cast<const char*>(block), static_cast<std::size_t>(size));

@@ -70,6 +70,17 @@ template <class U, class T, class Optional>
 concept taken_for =
     !__is_same(std::remove_cvref_t<U>, Optional) && __is_constructible(T, U&&) && __is_assignable(T&, U&&);
 
+// A number is given as any literal is, without regard to its sign: 1 for an unsigned component. What is wider than the
+// component is the compiler's to warn of.
+template <class T, class U>
+decltype(auto) converted(U&& value) {
+    if constexpr (std::is_integral_v<T> && std::is_integral_v<std::remove_cvref_t<U>> &&
+                  sizeof(U) <= sizeof(T))
+        return static_cast<T>(value);
+    else
+        return std::forward<U>(value);
+}
+
 }  // namespace detail
 
 /// As std::optional, in the record: to set the value is to set its presence. To use a value that is absent ends the program.
@@ -83,15 +94,22 @@ class ORLENTA_OVERLAY basic_optional {
     /// @{
     using value_type = T;
 
-    basic_optional() = default;
+    basic_optional() noexcept {}
     basic_optional(std::nullopt_t) noexcept {}
-    template <class U = T>
+    template <class U>
     requires detail::taken_for<U, T, basic_optional> basic_optional(U&& value) {
         *this = std::forward<U>(value);
     }
-    template <class U = T>
+    template <class U>
     requires detail::taken_for<U, T, basic_optional> basic_optional& operator=(U&& value) {
-        detail::content(content_) = std::forward<U>(value);
+        detail::content(content_) = detail::converted<T>(std::forward<U>(value));
+        has_ = 1;
+        return *this;
+    }
+    // For components in braces: opt = {.lat = 1}. A word has none, so that opt = {} is as with std::optional.
+    basic_optional(T&& value) requires(__is_class(T)) { *this = std::move(value); }
+    basic_optional& operator=(T&& value) requires(__is_class(T)) {
+        detail::content(content_) = std::move(value);
         has_ = 1;
         return *this;
     }
