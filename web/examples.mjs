@@ -27,13 +27,14 @@ function onArm(arm, along, left) {
     };
 }
 
-/** A lane of an arm from the stop line outwards, which bends a little. */
-const armPoints = (arm, left) => [
-    onArm(arm, 15, left),
-    onArm(arm, 40, left),
-    onArm(arm, 62, left + 1.2),
-    onArm(arm, 84, left + 4),
-];
+const CORNERS = [15, 40, 62, 84];
+
+/** How far an arm has bent to the left. */
+const bend = (along) => Math.max(0, (along - 40) * 0.055, 1.21 + (along - 62) * 0.127);
+
+/** A lane of an arm from the stop line outwards. */
+const armPoints = (arm, left) => CORNERS.map((along) => onArm(arm, along, left + bend(along)));
+const onLane = (arm, along, left) => onArm(arm, along, left + bend(along));
 
 const LEFT_LANE = 1.75; // metres from the middle of the road; traffic that comes keeps to its right
 const RIGHT_LANE = 5.25;
@@ -153,10 +154,10 @@ function journey(from, lane, toArm, distances) {
     const entry = onArm(from, 15, lane);
     const exit = onArm(toArm, 15, EGRESS);
     return distances.map((distance) => {
-        if (distance >= 0) return onArm(from, 15 + distance, lane);
+        if (distance >= 0) return onLane(from, 15 + distance, lane);
         const inside = Math.min(1, -distance / 30);
         if (inside < 1) return { x: entry.x + (exit.x - entry.x) * inside, y: entry.y + (exit.y - entry.y) * inside };
-        return onArm(toArm, 15 - distance - 30, EGRESS);
+        return onLane(toArm, 15 - distance - 30, EGRESS);
     });
 }
 
@@ -165,10 +166,10 @@ const stopping = (start, step, count) => rolling(start, step, count).map((distan
 
 const STEPS = 24;
 const TRAVELLERS = [
-    { id: 1001, type: 5, speed: 13.2, length: 44, width: 18, way: journey(NORTH, RIGHT_LANE, SOUTH, rolling(70, 6.6, STEPS)) },
-    { id: 1002, type: 5, speed: 11.4, length: 41, width: 18, way: journey(SOUTH, RIGHT_LANE, NORTH, rolling(88, 5.7, STEPS)) },
+    { id: 1001, type: 5, speed: 11.2, length: 44, width: 18, way: journey(NORTH, RIGHT_LANE, SOUTH, rolling(68, 5.6, STEPS)) },
+    { id: 1002, type: 5, speed: 10, length: 41, width: 18, way: journey(SOUTH, RIGHT_LANE, NORTH, rolling(69, 5.0, STEPS)) },
     { id: 1003, type: 8, speed: 7.6, length: 120, width: 25, way: journey(EAST, RIGHT_LANE, WEST, stopping(60, 3.8, STEPS)) },
-    { id: 1004, type: 5, speed: 8.8, length: 46, width: 19, way: journey(WEST, LEFT_LANE, NORTH, stopping(75, 4.4, STEPS)) },
+    { id: 1004, type: 5, speed: 8.8, length: 46, width: 19, way: journey(WEST, LEFT_LANE, NORTH, stopping(68, 4.4, STEPS)) },
 ];
 
 function bearing(a, b) {
@@ -248,7 +249,7 @@ const denm = {
             actionID: { originatingStationID: 900, sequenceNumber: 7 },
             detectionTime: 688_000_020_000,
             referenceTime: 688_000_020_400,
-            eventPosition: euPosition(place(CROSSING_EU, onArm(WEST, 66, EGRESS - 4))),
+            eventPosition: euPosition(place(CROSSING_EU, onLane(WEST, 66, EGRESS - 4))),
             relevanceDistance: "lessThan50m",
             validityDuration: 600,
             stationType: 15,
@@ -257,8 +258,8 @@ const denm = {
         location: {
             traces: [
                 [44, 26, 8].map((along, i, all) => {
-                    const from = place(CROSSING_EU, i === 0 ? onArm(WEST, 66, EGRESS - 4) : onArm(WEST, all[i - 1], EGRESS));
-                    const there = place(CROSSING_EU, onArm(WEST, along, EGRESS));
+                    const from = place(CROSSING_EU, i === 0 ? onLane(WEST, 66, EGRESS - 4) : onLane(WEST, all[i - 1], EGRESS));
+                    const there = place(CROSSING_EU, onLane(WEST, along, EGRESS));
                     return {
                         pathPosition: {
                             deltaLatitude: units(there.lat - from.lat),

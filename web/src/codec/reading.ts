@@ -65,7 +65,8 @@ export async function identify(source: Source, text: string, choice: Choice, hin
         return { codec, data, rules: rules ?? rulesFor(codec, choice.type, data), type: choice.type };
     }
     if (source.schema) throw new UnknownMessage("choose a type of the schema");
-    if (hint && typeof hint.data !== "string" && fitsAgain(hint, data, rules)) return { ...hint, data };
+    if (hint && typeof hint.data !== "string" && fitsAgain(hint, data, rules))
+        return { codec: hint.codec, rules: hint.rules, type: hint.type, data };
     const allowed = rules ? [rules as BinaryRules] : BINARY;
     const found = await detect({ codec, need: (region) => source.engine.need(region) }, data, allowed);
     if (!found) throw new UnknownMessage("no whole message of CN, EU or US fits: choose a type, and rules");
@@ -91,8 +92,8 @@ function fitsAgain({ codec, type, rules, data }: Message, next: Uint8Array, want
     }
 }
 
-export function readMessage(message: Message): Reading {
-    const { codec, data, rules, type } = message;
+export function readMessage({ codec, data, rules, type }: Message): Reading {
+    const message = { codec, data, rules, type };
     const info = codec.type(type);
     if (typeof data !== "string") {
         const { bits, error } = codec.explain(type, data, rules as BinaryRules);
@@ -107,8 +108,13 @@ export function readMessage(message: Message): Reading {
     }
 }
 
+/** The library's errors end with the path, which is shown on its own. */
+export function withoutPath(message: string): string {
+    return message.replace(/ \(at [^()]*\)$/, "");
+}
+
 function plainError({ message, path = "", bitPosition = -1, line = 0, column = 0 }: DecodeError) {
-    return { message, path, bit: bitPosition, line, column };
+    return { message: withoutPath(message), path, bit: bitPosition, line, column };
 }
 
 export { InputError };

@@ -45,12 +45,15 @@ function fromBase64(text: string): Uint8Array {
     }
 }
 
+/** Of base64's digits two thirds are not hexadecimal; fewer are slips of hexadecimal text. */
+const MOST_SLIPS = 0.25;
+
 /** Base64 is taken for it only where it cannot be hexadecimal and is whole. */
 export function formOf(text: string): Form {
     const bare = text.replace(/\s/g, "");
-    const isHex = /^(0[xX]|[0-9a-fA-F:,;_-])*$/.test(bare);
+    const others = bare.replace(/0[xX]|[0-9a-fA-F:,;_-]/g, "");
     const isBase64 = bare.length % 4 === 0 && /^[A-Za-z0-9+/_-]+={0,2}$/.test(bare);
-    return !isHex && isBase64 ? "base64" : "hex";
+    return isBase64 && (others.length > bare.length * MOST_SLIPS || /[+/=]/.test(others)) ? "base64" : "hex";
 }
 
 /** @throws InputError */

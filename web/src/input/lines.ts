@@ -57,6 +57,8 @@ export function splitLines(piece: Uint8Array, isLast: boolean): { lines: Line[];
     return { lines, rest: piece.length - start };
 }
 
+const WHOLE_TEXT = /^(\{.*\}|\[.*\]|<([^\s/>]+).*(<\/\2>|\/>))$/;
+
 /**
  * Whether a text is several messages. Bytes of one message may be wrapped or be a dump of rows: then its lines are of
  * one length but for the last, and short.
@@ -67,7 +69,7 @@ export function isLog(text: string): boolean {
         .map((line) => line.trim())
         .filter((line) => line !== "" && !line.startsWith("#"));
     if (lines.length < 2) return false;
-    if (/^[<{[]/.test(lines[0])) return /[>}\]]$/.test(lines[0]) && lines[0].length > 2 && /^[<{[]/.test(lines[1]);
+    if (/^[<{[]/.test(lines[0])) return WHOLE_TEXT.test(lines[0]) && WHOLE_TEXT.test(lines[1]);
     const body = lines.slice(0, -1).map((line) => line.length);
     const last = lines[lines.length - 1].length;
     const isWrapped = body.every((length) => length === body[0]) && last <= body[0] && [16, 32, 47, 48, 60, 64, 76, 80].includes(body[0]);

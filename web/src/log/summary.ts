@@ -4,6 +4,7 @@ import type { Value } from "orlenta";
 import { featuresOf } from "../map/extract";
 import { keysOf, mainPlace } from "../map/features";
 import type { LatLon } from "../map/geo";
+import { members } from "../map/members";
 
 export interface Summary {
     /** In octets of the log. */
@@ -13,6 +14,8 @@ export interface Summary {
     time?: number;
     type: string;
     error?: string;
+    /** What the message is, where the type does not tell. */
+    frame?: string;
     /** Who or what it is about. */
     label?: string;
     /** The things that a map shows of it. */
@@ -20,9 +23,37 @@ export interface Summary {
     at?: LatLon;
 }
 
-export function aboutValue(value: Value): Pick<Summary, "keys" | "at" | "label"> {
+// DSRCmsgID of SAE J2735.
+const US_MESSAGES: Record<number, string> = {
+    18: "MAP",
+    19: "SPAT",
+    20: "BSM",
+    21: "CSR",
+    22: "EVA",
+    23: "ICA",
+    24: "NMEA",
+    25: "PDM",
+    26: "PVD",
+    27: "RSA",
+    28: "RTCM",
+    29: "SRM",
+    30: "SSM",
+    31: "TIM",
+    32: "PSM",
+    41: "SDSM",
+};
+
+/** Which message a frame holds. */
+function inFrame(value: Value): string | undefined {
+    const { messageId, ...rest } = members(value);
+    if (typeof messageId === "number") return US_MESSAGES[messageId] ?? `message ${messageId}`;
+    const [name, ...others] = Object.keys(rest);
+    return name?.endsWith("Frame") && others.length === 0 ? name : undefined;
+}
+
+export function aboutValue(value: Value): Pick<Summary, "keys" | "at" | "label" | "frame"> {
     const features = featuresOf(value);
     const { stations, happenings, intersections, signals } = features;
     const label = stations[0]?.label ?? happenings[0]?.label ?? intersections[0]?.label ?? signals[0]?.key;
-    return { keys: keysOf(features), at: mainPlace(features), label };
+    return { keys: keysOf(features), at: mainPlace(features), label, frame: inFrame(value) };
 }

@@ -27,7 +27,7 @@ function laneElements({ lane, points }: Drawn, message: number): SVGElement[] {
 
 /** One bar across the lane, in as many parts as there are signal groups that its traffic obeys. */
 function stopLine(scene: Scene, { lane, points, intersection }: Drawn): SVGElement[] {
-    if (!lane.isIngress || points.length < 2) return [];
+    if (!lane.isIngress || points.length < 2 || lane.connections.length === 0) return [];
     const groups = [...new Set(lane.connections.map(({ signalGroup }) => signalGroup))].filter((group) => group !== undefined);
     const [at, next] = points;
     const along = direction(at, next);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Several messages on one map: of what speaks of the same thing the newest counts.
 import type { Features, Happening, Intersection, Signal, Signals, Station } from "./features";
-import type { LatLon } from "./geo";
+import { fromMetres, type LatLon } from "./geo";
 
 /** What a thing on the map came from. */
 export interface Origin {
@@ -39,11 +39,19 @@ export function sceneOf(items: { message: number; features: Features }[], trails
     };
 }
 
+/** A larger area would leave little to see of what lies in it. Metres. */
+const LARGEST_AREA = 200;
+
+function corners({ at, radius }: Happening): LatLon[] {
+    if (!radius || radius > LARGEST_AREA) return [];
+    return [-radius, radius].map((metres) => fromMetres({ x: metres, y: metres }, at));
+}
+
 /** All places, for a view that shows everything. */
 export function placesOf(scene: Scene): LatLon[] {
     return [
         ...scene.stations.flatMap(({ at, history }) => [at, ...history]),
-        ...scene.happenings.flatMap(({ at, traces }) => [at, ...traces.flat()]),
+        ...scene.happenings.flatMap((one) => [one.at, ...corners(one), ...one.traces.flat()]),
         ...scene.intersections.flatMap(({ at, lanes }) => [at, ...lanes.flatMap(({ points }) => points)]),
         ...scene.trails.flat(),
     ];

@@ -3,7 +3,7 @@
 import type { Rules, Schema, Value } from "orlenta";
 import { type Engine, startEngine } from "../codec/engine";
 import { jsonText } from "../codec/json";
-import { type Choice, identify, InputError, type Message, type Reading, readMessage, type Source } from "../codec/reading";
+import { type Choice, identify, InputError, type Message, type Reading, readMessage, type Source, withoutPath } from "../codec/reading";
 import { isText, REGIONS, RULE_NAMES, RULES } from "../codec/types";
 import { formOf, toBase64, toHex } from "../input/bytes";
 import { isLog, readEntry } from "../input/lines";
@@ -276,7 +276,7 @@ function onEdit(from: Reading, value: Value): void {
         showReading(readMessage({ ...from, data }), true);
     } catch (error) {
         const { message, path = "" } = error as Error & { path?: string };
-        inspector.showRefused(value, { path, message: message.replace(/ \(at [^)]*\)$/, "") });
+        inspector.showRefused(value, { path, message: withoutPath(message) });
         mapPane.showOne(value, true);
     }
 }

@@ -118,7 +118,7 @@ export function createInspector(events: InspectorEvents): Inspector {
             note.hidden = !error;
             if (error) {
                 const where = error.line > 0 ? `line ${error.line}` : error.bit >= 0 ? `bit ${error.bit}` : "";
-                note.textContent = `Stopped: ${[error.message, where, error.path].filter((part) => part).join(" · ")}`;
+                note.replaceChildren(h("b", {}, `Stopped${where && ` at ${where}`}: `), error.message, h("small", {}, error.path));
             }
             showTree(reading, reading.value, error, !error);
             if (error) byId("encodings").replaceChildren();

@@ -26,7 +26,7 @@ export function createList(host: HTMLElement, onPick: (index: number) => void): 
     host.setAttribute("aria-label", "messages");
 
     function row(index: number): HTMLElement {
-        const { type, error, time } = messages[index];
+        const { type, frame, label, error, time } = messages[index];
         const element = h(
             "div",
             {
@@ -38,8 +38,8 @@ export function createList(host: HTMLElement, onPick: (index: number) => void): 
             },
             h("span", { class: "number" }, `${index + 1}`),
             h("span", { class: "time" }, timeText(time)),
-            h("span", { class: "what" }, error ? error : type.slice(type.indexOf(".") + 1)),
-            h("span", { class: "from" }, error ? "" : (messages[index].label ?? "")),
+            h("span", { class: "what" }, error ?? frame ?? type.slice(type.indexOf(".") + 1)),
+            h("span", { class: "from" }, error ? "" : (label ?? "")),
         );
         element.style.top = `${index * ROW}px`;
         return element;

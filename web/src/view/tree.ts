@@ -164,20 +164,22 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             into.push(h("div", { class: "row more" }, `… and ${children.length - MOST_CHILDREN} more`));
     }
 
-    /** An error at a component that could not be read has a row of its own. */
+    /** An error at a component that could not be read has a row of its own, behind what there is of its parent. */
     function addErrorRow(list: HTMLElement[]): void {
         const error = shown?.error;
         if (!error || rows.has(error.path)) return;
-        const steps = parsePath(error.path);
+        const [parent, hit] = [...rows].filter(([path]) => isWithin(error.path, path)).pop() ?? ["", undefined];
+        const name = error.path.slice(parent.length).replace(/^\./, "") || "message";
         const missing = h(
             "div",
             { class: "row wrong missing", "data-path": error.path },
             h("span", { class: "twisty" }, "✕"),
-            h("span", { class: "name" }, error.path || "message"),
+            h("span", { class: "name" }, name),
             h("span", { class: "why" }, error.message),
         );
-        missing.style.setProperty("--depth", String(Math.min(steps.length, 6)));
-        list.push(missing);
+        missing.style.setProperty("--depth", String((hit?.node.depth ?? 0) + 1));
+        const last = list.findLastIndex((row) => isWithin(row.dataset.path ?? "", parent));
+        list.splice(last + 1, 0, missing);
     }
 
     function render(): void {
@@ -260,6 +262,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             const hadFocus = host.contains(document.activeElement);
             render();
             if (hadFocus) focusRow(rows.has(focus) ? focus : "");
+            else host.querySelector(".row.wrong")?.scrollIntoView({ block: "nearest" });
         },
         light(path, isRevealed = false) {
             lit = path;

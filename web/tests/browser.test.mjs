@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: Apache-2.0
+// The built page in a real browser. Screenshots lie in build/web-shots for people to look at.
+import assert from "node:assert/strict";
+import { mkdir } from "node:fs/promises";
+import { tmpdir } from "node:os";
+import { writeFile, rm } from "node:fs/promises";
+import { dirname, join, resolve } from "node:path";
+import { after, before, test } from "node:test";
+import { fileURLToPath, pathToFileURL } from "node:url";
+import puppeteer from "puppeteer-core";
+import { serve } from "./serve.mjs";
+
+const root = resolve(dirname(fileURLToPath(import.meta.url)), "../..");
+const shots = join(root, "build/web-shots");
+const library = resolve(process.env.ORLENTA_PACKAGE ?? join(root, "build/wasm32/bindings/js/package"));
+const PATIENCE = { timeout: 60_000 };
+
+let site;
+let browser;
+let orlenta;
+/** Whatever went wrong in any page without a test looking for it. */
+const surprises = [];
+
+before(async () => {
+    await mkdir(shots, { recursive: true });
+    const { load } = await import(pathToFileURL(join(library, "orlenta.mjs")).href);
+    orlenta = await load({ regions: ["CN", "EU", "US"] });
+    site = await serve(join(root, "build/web"));
+    browser = await puppeteer.launch({
+        executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
+        args: ["--disable-gpu", ...(process.getuid?.() === 0 ? ["--no-sandbox"] : [])],
+    });
+});
+after(async () => {
+    await browser?.close();
+    site?.close();
+    assert.deepEqual(surprises, []);
+});
+
+/** A page of a new visitor. */
+async function open(fragment = "", size = { width: 1280, height: 820 }) {
+    const context = await browser.createBrowserContext();
+    const page = await context.newPage();
+    page.on("pageerror", (error) => surprises.push(error.message));
+    page.on("request", (request) => {
+        if (!request.url().startsWith(site.url) && !request.url().startsWith("blob:") && !request.url().startsWith("data:"))
+            surprises.push(`asked for ${request.url()}`);
+    });
+    await page.setViewport(size);
+    await page.goto(site.url + fragment);
+    await page.waitForSelector("#tree .row", PATIENCE);
+    return page;
+}
+
+const shoot = (page, name) => page.screenshot({ path: join(shots, `${name}.png`) });
+const row = (path) => `#tree .row[data-path="${path}"]`;
+const textOf = (page, selector) => page.$eval(selector, (element) => element.textContent);
+
+async function type(page, text) {
+    await page.$eval("#input", (input, value) => {
+        input.value = value;
+        input.dispatchEvent(new Event("input"));
+    }, text);
+}
+const settled = (page, note) =>
+    page.waitForFunction((part) => document.querySelector("#note").textContent.includes(part), PATIENCE, note);
+const example = async (page, name) => {
+    const value = await page.$$eval("#examples option", (all, part) => all.find(({ textContent }) => textContent.includes(part)).value, name);
+    await page.select("#examples", value);
+};
+const hexOf = (page) =>
+    page.$$eval("#hex .octet", (cells) => cells.map(({ textContent }) => textContent).join(""));
+const litOctets = (page) =>
+    page.$$eval("#hex .octet", (cells) => cells.flatMap(({ style }, i) => (style.backgroundImage.includes("--lit") ? [i] : [])));
+
+const CAM = "EU.CAM";
+const STATION = "header.stationID";
+const SPEED = "cam.camParameters.highFrequencyContainer.basicVehicleContainerHighFrequency.speed.speedValue";
+
+test("the first message: found by itself, light in weight, lit both ways", async () => {
+    const page = await open();
+    const { duration, weight } = await page.evaluate(() => {
+        const { loadEventEnd } = performance.getEntriesByType("navigation")[0];
+        const entries = performance.getEntriesByType("resource");
+        const last = Math.max(loadEventEnd, ...entries.map(({ responseEnd }) => responseEnd));
+        return { duration: last, weight: entries.reduce((sum, { transferSize }) => sum + transferSize, 0) };
+    });
+    console.log(`first message: ${Math.round(weight / 1024)} KB, ${Math.round(duration)} ms`);
+    assert.ok(weight < 400 * 1024, `${weight} octets`);
+    assert.deepEqual([...site.sent.keys()].filter((name) => name.endsWith(".wasm")), ["/wasm/eu.wasm"]);
+    await settled(page, `${CAM} · UPER`);
+
+    await page.hover(`${row(STATION)} .name`);
+    assert.deepEqual(await litOctets(page), [2, 3, 4, 5]);
+    await page.hover("#hex .octet[data-octet='4']");
+    await page.waitForSelector(`${row(STATION)}.lit`, PATIENCE);
+    assert.match(await textOf(page, "#run"), /header\.stationID.*bits 16–47.*1001/);
+    await page.click("#base");
+    await page.hover(`${row(SPEED)} .name`);
+    await shoot(page, "1-decoded-bits");
+    assert.match(await textOf(page, "#hex .octet"), /^[01]{8}$/);
+});
+
+test("what is wrong is marked, and the page goes on", async () => {
+    const page = await open();
+    const good = await hexOf(page);
+    await type(page, "02020000zz");
+    await settled(page, "no hexadecimal digit");
+    assert.equal(await textOf(page, "#text mark"), "z");
+
+    await example(page, "cut short");
+    await page.waitForSelector("#hex .octet.at-error", PATIENCE);
+    assert.match(await textOf(page, "#value-note"), /reading after end of stream/);
+    assert.equal(await textOf(page, `${row(STATION)} .value`), "1001", "what had been read before is there");
+    assert.match(await page.$eval("#tree .row.wrong", ({ dataset }) => dataset.path), /vehicleLengthValue$/);
+    await shoot(page, "2-error");
+
+    const cam = orlenta.convert(CAM, Buffer.from(good, "hex"), "uper", "jer", 2);
+    await type(page, cam.replace(/"speedValue": \d+/, '"speedValue": "fast"'));
+    const wrongLine = () =>
+        page.waitForFunction(() => /fast/.test(document.querySelector("#text .line.wrong")?.textContent), PATIENCE);
+    await wrongLine();
+    await new Promise((done) => setTimeout(done, 600)); // until it is stored
+    await page.reload();
+    await wrongLine(); // nothing typed is lost
+    await type(page, good);
+    await page.waitForSelector(row(SPEED), PATIENCE);
+});
+
+test("edits: numbers, choices, optional parts and lists, and all encodings follow", async () => {
+    const page = await open();
+    const decoded = async () => orlenta.decode(CAM, Buffer.from(await hexOf(page), "hex"));
+    const changed = async (work) => {
+        const before = await hexOf(page);
+        await work();
+        await page.waitForFunction(
+            (old) => [...document.querySelectorAll("#hex .octet")].map(({ textContent }) => textContent).join("") !== old,
+            PATIENCE,
+            before,
+        );
+        return decoded();
+    };
+    const edit = async (path, text) => {
+        await page.click(`${row(path)} .value`);
+        await page.keyboard.type(text);
+        await page.keyboard.press("Enter");
+    };
+    const fast = "cam.camParameters.highFrequencyContainer.basicVehicleContainerHighFrequency";
+    const history = "cam.camParameters.lowFrequencyContainer.basicVehicleContainerLowFrequency.pathHistory";
+    const fastOf = (value) => value.cam.camParameters.highFrequencyContainer.basicVehicleContainerHighFrequency;
+
+    assert.equal(fastOf(await changed(() => edit(SPEED, "1234"))).speed.speedValue, 1234);
+    await page.click(`${row(`${fast}.driveDirection`)} .value`);
+    assert.equal(fastOf(await changed(() => page.select(`${row(`${fast}.driveDirection`)} select`, "backward"))).driveDirection, "backward");
+    const grown = await changed(() => page.select(`${row(fast)} select.act`, "steeringWheelAngle"));
+    assert.ok(fastOf(grown).steeringWheelAngle);
+    const angle = `${row(`${fast}.steeringWheelAngle`)} button[title="take out"]`;
+    assert.equal(fastOf(await changed(() => page.$eval(angle, (button) => button.click()))).steeringWheelAngle, undefined);
+    const points = (value) => value.cam.camParameters.lowFrequencyContainer.basicVehicleContainerLowFrequency.pathHistory.length;
+    const before = points(await decoded());
+    assert.equal(points(await changed(() => page.$eval(`${row(history)} button.act`, (button) => button.click()))), before + 1);
+
+    // Beyond its bounds a number is not taken.
+    await page.click(`${row(SPEED)} .value`);
+    await page.keyboard.type("99999");
+    assert.ok(await page.$("#tree .edit:invalid"));
+    await page.keyboard.press("Escape");
+
+    await page.click("#tab-encodings");
+    const shown = await page.$$eval("#encodings details", (all) => all.map((one) => [one.dataset.rules, one.querySelector(".size").textContent]));
+    const value = await decoded();
+    const expected = ["uper", "aper", "oer", "ber", "der"].map((rules) => [rules, `${orlenta.encode(CAM, value, rules).length} B`]);
+    assert.deepEqual(shown.slice(0, 5), expected);
+    assert.equal(shown.length, 8);
+    await page.$eval("#encodings details[data-rules=xer]", (details) => (details.open = true));
+    await shoot(page, "3-encodings");
+    await page.$eval("#encodings details[data-rules=xer] .buttons button:last-child", (button) => button.click());
+    await page.waitForSelector("#text .line", PATIENCE);
+    await page.click("#tab-value");
+    await page.hover(`${row(STATION)} .name`);
+    assert.match(await textOf(page, "#text .line.lit"), /<stationID>1001/);
+});
+
+test("a schema of one's own", async () => {
+    const page = await open();
+    await page.click("#tab-schema");
+    await page.waitForSelector("#editor .cm-content", PATIENCE);
+    await page.waitForFunction(() => document.querySelector("#problems").textContent.includes("compiles"), PATIENCE);
+    const write = async (text) => {
+        await page.click("#editor .cm-content");
+        await page.keyboard.down("Control");
+        await page.keyboard.press("a");
+        await page.keyboard.up("Control");
+        await page.keyboard.sendCharacter(text);
+    };
+    await write("M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nA ::= SEQUENCE { a INTEGER (0..7), b Colour }\nEND\n");
+    await page.waitForSelector("#problems .wrong", PATIENCE);
+    assert.match(await textOf(page, "#problems .wrong"), /^2:\d+ .*Colour/);
+    await page.waitForSelector("#editor .cm-lint-marker-error", PATIENCE);
+    await shoot(page, "4-schema-error");
+
+    await write("M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nA ::= SEQUENCE { a INTEGER (0..7), b Colour }\nColour ::= ENUMERATED { red, green }\nEND\n");
+    await page.waitForFunction(() => document.querySelector("#problems").textContent.includes("2 types"), PATIENCE);
+    await page.click("#use-schema");
+    await page.click("#tab-message");
+    await type(page, "b0");
+    await settled(page, "A · UPER · 1 octets");
+    assert.deepEqual(await page.$$eval("#tree .row:not([aria-expanded]) .value", (all) => all.map(({ textContent }) => textContent)), ["5", "green"]);
+    await shoot(page, "5-schema-used");
+
+    await page.click("#copy-link");
+    await page.waitForFunction(() => location.hash.includes("s="), PATIENCE);
+    const other = await open(new URL(page.url()).hash);
+    await other.waitForSelector(row("b"), PATIENCE);
+    assert.equal(await textOf(other, `${row("a")} .value`), "5");
+});
+
+test("maps: EU, US and CN, and the time of a log", async () => {
+    const page = await open();
+    await page.click("#tab-map");
+    const count = (selector) => page.$$eval(`#map ${selector}`, (all) => all.length);
+    const at = async (moment) => {
+        await page.$eval("#moment", (slider, value) => {
+            slider.value = value;
+            slider.dispatchEvent(new Event("input"));
+        }, String(moment));
+        await page.waitForSelector(`.message.current[aria-selected=true]`, PATIENCE);
+        await page.waitForFunction((text) => document.querySelector("#moment-text").textContent.startsWith(text), PATIENCE, `${moment + 1} of`);
+        await new Promise((done) => setTimeout(done, 300));
+    };
+    await example(page, "Europe: MAPEM");
+    await page.waitForFunction(() => document.querySelector("#moment-text").textContent.includes("of 122"), PATIENCE);
+    await page.waitForSelector("#progress", { ...PATIENCE, hidden: true });
+    await at(1);
+    assert.equal(await count(".lane"), 20);
+    assert.equal(await count(".mark.vehicle"), 0);
+    const first = await page.$$eval("#map .stop", (all) => all.map((one) => one.getAttribute("class")));
+    assert.ok(first.includes("stop green") && first.includes("stop red"));
+    await at(56);
+    assert.equal(await count(".mark.vehicle"), 4);
+    assert.equal(await count(".mark.happening"), 1);
+    assert.ok((await count(".trail")) === 4 && (await count(".connection.green")) > 0);
+    assert.notDeepEqual(await page.$$eval("#map .stop", (all) => all.map((one) => one.getAttribute("class"))), first);
+    await shoot(page, "6-map-log");
+    await page.setViewport({ width: 1680, height: 950 });
+    await shoot(page, "7-wide");
+    await page.setViewport({ width: 1280, height: 820 });
+
+    for (const [name, shot] of [["US", "8-map-us"], ["China", "9-map-cn"]]) {
+        await example(page, `${name}: MAP`);
+        await settled(page, name === "US" ? "US.MessageFrame" : "CN.MessageFrame");
+        await page.waitForSelector("#progress", { ...PATIENCE, hidden: true });
+        await page.waitForFunction(() => document.querySelector("#moment-text").textContent.includes("of 3"), PATIENCE);
+        await at(2);
+        assert.equal(await count(".mark.vehicle"), 1, name);
+        assert.ok((await count(".lane")) >= 12 && (await count(".stop.green")) > 0, name);
+        await shoot(page, shot);
+    }
+});
+
+test("a link shows the same to a colleague", async () => {
+    const page = await open();
+    await type(page, Buffer.from(orlenta.encode("US.MessageFrame", orlenta.random("US.MessageFrame", 3))).toString("hex"));
+    await settled(page, "US.MessageFrame");
+    await page.click("#copy-link");
+    await page.waitForFunction(() => location.hash.includes("m="), PATIENCE);
+    const other = await open(new URL(page.url()).hash);
+    await settled(other, "US.MessageFrame");
+    assert.equal(await hexOf(other), await hexOf(page));
+    assert.equal(await textOf(other, "#tree"), await textOf(page, "#tree"));
+});
+
+test("a log of 20 MB leaves the page alive; one of more than 200 MB is refused", async () => {
+    const page = await open();
+    const cam = await hexOf(page);
+    const line = `${cam}\n`;
+    const file = join(tmpdir(), `orlenta-${process.pid}.hex`);
+    await writeFile(file, line.repeat(Math.ceil(20e6 / line.length)));
+    await page.evaluate(() => {
+        window.longest = 0;
+        let last = performance.now();
+        const frame = (now) => {
+            window.longest = Math.max(window.longest, now - last);
+            last = now;
+            requestAnimationFrame(frame);
+        };
+        requestAnimationFrame(frame);
+    });
+    const start = Date.now();
+    await (await page.$("#file")).uploadFile(file);
+    await page.waitForSelector("#progress", { ...PATIENCE, visible: true });
+    await page.waitForFunction(() => document.querySelectorAll(".message").length > 3, PATIENCE);
+    await page.hover(`${row(STATION)} .name`);
+    assert.deepEqual(await litOctets(page), [2, 3, 4, 5], "it answers while it works");
+    await shoot(page, "10-big-log");
+    await page.waitForSelector("#progress", { timeout: 240_000, hidden: true });
+    const count = Math.ceil(20e6 / line.length);
+    await page.waitForFunction((end) => document.querySelector("#moment-text").textContent.includes(`of ${end}`), PATIENCE, count);
+    const longest = await page.evaluate(() => window.longest);
+    console.log(`log of 20 MB: ${count} messages in ${((Date.now() - start) / 1000).toFixed(1)} s, longest frame ${Math.round(longest)} ms`);
+    await rm(file);
+
+    await page.evaluate(() => {
+        const part = new Uint8Array(1e6);
+        const carried = new DataTransfer();
+        carried.items.add(new File(Array(201).fill(part), "huge.log"));
+        window.dispatchEvent(new DragEvent("drop", { dataTransfer: carried }));
+    });
+    await settled(page, "takes 200 MB");
+});
+
+test("dark, narrow, and without a network", async () => {
+    const page = await open("", { width: 390, height: 844, isMobile: true, hasTouch: true });
+    await page.emulateMediaFeatures([{ name: "prefers-color-scheme", value: "dark" }]);
+    const overflow = await page.evaluate(() => document.documentElement.scrollWidth - document.documentElement.clientWidth);
+    assert.equal(overflow, 0, "nothing to scroll to the side");
+    await shoot(page, "11-phone-dark");
+    await page.evaluate(() => navigator.serviceWorker.ready);
+    await page.waitForFunction(async () => (await caches.keys()).length === 1, PATIENCE);
+    await page.reload();
+    await page.waitForSelector("#tree .row", PATIENCE);
+    await page.setOfflineMode(true);
+    await page.reload();
+    await page.waitForSelector("#tree .row", PATIENCE);
+    await page.setOfflineMode(false);
+});

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { textRules } from "../src/codec/reading";
+import { fromFragment, toFragment } from "../src/page/link";
+import { InputError, readBytes, toHex } from "../src/input/bytes";
+import { isLog, readEntry, splitLines } from "../src/input/lines";
+
+test("bytes in all forms that people paste", () => {
+    const rows: [text: string, hex: string | { at: number }][] = [
+        ["0a1B", "0a1b"],
+        ["0x0a 0X1b", "0a1b"],
+        ["0a:1b,\n 2c-3d", "0a1b2c3d"],
+        ["", ""],
+        ["AAEC/w==", "000102ff"],
+        ["_-8xzQ==", "ffef31cd"],
+        ["abcd", "abcd"], // hexadecimal before base64
+        ["0a1g", { at: 3 }],
+        ["0a1", { at: 3 }],
+    ];
+    for (const [text, expected] of rows)
+        if (typeof expected === "string") assert.equal(toHex(readBytes(text)), expected, text);
+        else assert.throws(() => readBytes(text), (error: InputError) => error.position === expected.at, text);
+});
+
+test("what a text is, and the lines of a log", () => {
+    const texts: [text: string, rules: string | undefined, isLog: boolean][] = [
+        ["00\n01020304\n", undefined, true],
+        [`${"00".repeat(16)}\n${"00".repeat(16)}\n0011`, undefined, false],
+        ['{\n "a": 1\n}', "jer", false],
+        ['{"a":1}\n{"a":2}', "jer", true],
+        ["{ a 1,\n b 2 }", "gser", false],
+        ["<A>\n<b/></A>", "xer", false],
+        ["bsmFrame : { }", "gser", false],
+    ];
+    for (const [text, rules, many] of texts) assert.deepEqual([textRules(text), isLog(text)], [rules, many], text);
+
+    const lines: [line: string, message?: string, time?: number][] = [
+        ["  0011 ", "0011"],
+        ["# a note"],
+        [" "],
+        ["12.5 0011", "0011", 12_500],
+        ["2026-03-01T10:00:00.250Z, 0011", "0011", Date.UTC(2026, 2, 1, 10, 0, 0, 250)],
+        ["1700000000123 0011", "0011", 1_700_000_000_123],
+        ["1700000000123", "1700000000123"], // nothing but digits is the message
+    ];
+    for (const [line, message, time] of lines) {
+        const entry = readEntry(line);
+        assert.deepEqual([entry?.message, entry?.time], [message, time], line);
+    }
+});
+
+test("a log in pieces", () => {
+    const bytes = new TextEncoder().encode("ab\ncd\nef");
+    assert.deepEqual(splitLines(bytes, false), { lines: [{ start: 0, end: 2 }, { start: 3, end: 5 }], rest: 2 });
+    assert.deepEqual(splitLines(bytes, true).lines[2], { start: 6, end: 8 });
+});
+
+test("links carry bytes, text and a schema, and survive what is none", async () => {
+    const rows = [
+        { type: "EU.CAM", rules: "uper" as const, data: Uint8Array.from([0, 251, 255]) },
+        { type: "A", rules: "jer" as const, data: '{"ä":1}', schema: "A DEFINITIONS ::= BEGIN END" },
+    ];
+    for (const row of rows) assert.deepEqual(await fromFragment(await toFragment(row)), row);
+    for (const fragment of ["", "#top", "#t=A&x=%%%", "#m=*"]) assert.equal(await fromFragment(fragment), null, fragment);
+});
