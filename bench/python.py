@@ -95,8 +95,8 @@ def structure(text):
 
 
 FACTS = structure("p:type p:inner u:kind u:string_type u:is_extensible u:is_big u:is_unsigned u:has_lower u:has_upper I:lower "
-                  "I:upper p:big_lower p:big_upper u:root_count u:count U:record_size p:element p:contained p:object_class "
-                  "u:column u:key_count")
+                  "I:upper p:big_lower p:big_upper u:root_count u:count U:record_size u:pointer_count p:element U:stride p:contained "
+                  "p:object_class u:column u:key_count")
 COMPONENT = structure("s:name p:type u:offset u:has_presence_word u:presence_offset u:presence u:is_addition u:opens u:closes "
                       "u:default_word p:big_default")
 ALTERNATIVE = structure("s:name p:type u:is_addition U:selector_offset U:value_offset")
@@ -131,7 +131,7 @@ class Records:
         if kind in (0, 2):
             return self.record(self.parts(facts, COMPONENT, LIBRARY.orlenta_type_component))
         if kind in (1, 3):
-            return self.list(facts.element)
+            return self.list(facts.element, facts.stride)
         if kind == 4:
             return self.choice(self.parts(facts, ALTERNATIVE, LIBRARY.orlenta_type_alternative))
         if kind == 5 and facts.is_big:
@@ -165,10 +165,8 @@ class Records:
                     if presence is None or U4.from_address(address + presence).value}
         return read
 
-    def list(self, element):
-        facts, read = FACTS(), self.reader(element)
-        LIBRARY.orlenta_type_describe(P(element), ctypes.byref(facts))
-        stride = facts.record_size
+    def list(self, element, stride):
+        read = self.reader(element)
 
         def elements(address):
             array = STRING.from_address(address)

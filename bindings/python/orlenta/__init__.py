@@ -34,7 +34,7 @@ from ._columns import columns
 from ._errors import ConstraintError, DecodeError, EncodeError, Error, SchemaError, UnknownType
 from ._orlenta import (Schema, Type, builtin, check, convert, decode, decode_many, encode, explain, random)
 from ._orlenta import version as __version__
-from ._parts import Alternative, Bits, Component, Item
+from ._parts import Alternative, Bits, Component, Item, Special, Unit
 from ._schema import compile, compile_text
 from ._show import show
 
@@ -43,6 +43,6 @@ types = builtin.types
 
 __all__ = [
     "Alternative", "Bits", "Component", "ConstraintError", "DecodeError", "EncodeError", "Error", "Item", "Schema",
-    "SchemaError", "Type", "UnknownType", "builtin", "check", "columns", "compile", "compile_text", "convert", "decode",
-    "decode_many", "encode", "explain", "random", "show", "type", "types",
+    "SchemaError", "Special", "Type", "Unit", "UnknownType", "builtin", "check", "columns", "compile", "compile_text",
+    "convert", "decode", "decode_many", "encode", "explain", "random", "show", "type", "types",
 ]

@@ -2,7 +2,7 @@
 from collections.abc import Iterable, Sequence
 from typing import Any, List, Optional, Tuple, Union
 
-from ._parts import Alternative, Bits, Component, Item
+from ._parts import Alternative, Bits, Component, Item, Unit
 
 Octets = Union[bytes, bytearray, memoryview, str]
 
@@ -16,6 +16,7 @@ class Type:
     is_root: bool
     is_extensible: bool
     bounds: Optional[Tuple[Optional[int], Optional[int]]]
+    unit: Optional[Unit]
     components: List[Component]
     alternatives: List[Alternative]
     items: List[Item]

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """What types and messages are made of."""
 
-from typing import TYPE_CHECKING, Any, NamedTuple, Optional
+from typing import TYPE_CHECKING, Any, List, NamedTuple, Optional
 
 if TYPE_CHECKING:
     from . import Type
@@ -31,6 +31,31 @@ class Item(NamedTuple):
     name: str
     number: int
     is_addition: bool
+
+
+class Special(NamedTuple):
+    """Numbers of a unit with a meaning of their own."""
+
+    first: int
+    last: int
+    meaning: str  # "unavailable", "orMore"
+    is_limit: int  # 1 and -1: the physical value or more, or less; 0: they have no physical value
+
+
+class Unit(NamedTuple):
+    """What the numbers of a type stand for: physical value = number * scale + offset."""
+
+    symbol: str  # "m/s", "deg", "%"; "1" of a plain number
+    scale: float
+    offset: float
+    specials: List[Special]
+
+    def physical(self, number):
+        """The physical value of a number, or the meaning of one that has none."""
+        for special in self.specials:
+            if special.first <= number <= special.last and not special.is_limit:
+                return special.meaning
+        return number * self.scale + self.offset
 
 
 class Bits(NamedTuple):

@@ -88,7 +88,8 @@ static bool import_all() {
            import_from("orlenta._notation", "describe", &state.describe) &&
            import_from(parts, "Component", &state.component) &&
            import_from(parts, "Alternative", &state.alternative) && import_from(parts, "Item", &state.item) &&
-           import_from(parts, "Bits", &state.bits);
+           import_from(parts, "Bits", &state.bits) && import_from(parts, "Unit", &state.unit) &&
+           import_from(parts, "Special", &state.special);
 }
 
 static bool add(PyObject* module, const char* name, PyObject* object) {

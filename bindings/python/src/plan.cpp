@@ -131,7 +131,7 @@ static bool build(Plans& plans, Plan& plan) {
         case Form::enumerated: return add_items(plan);
         case Form::list:
             plan.inner = plan_of(plans, facts.element);
-            plan.stride = list_of(plan.type).stride;
+            plan.stride = facts.stride;
             return plan.inner != nullptr;
         default: return true;
     }

@@ -20,6 +20,8 @@ struct State {
     PyObject* alternative;
     PyObject* item;
     PyObject* bits;
+    PyObject* unit;
+    PyObject* special;
     PyTypeObject* type_class;
     PyTypeObject* schema_class;
     PyObject* builtin;  // the schema of the message sets

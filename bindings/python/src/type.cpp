@@ -105,8 +105,6 @@ static PyObject* get_bounds(PyObject* self, void*) {
                 facts.has_upper ? PyLong_FromLongLong(facts.upper) : none());
 }
 
-// ---- what it is made of -------------------------------------------------------------------------------------------
-
 // A list of what `make` gives for 0, 1 and so on, until that is null without an exception.
 template <typename Make>
 static PyObject* parts_of(const Make& make) {
@@ -118,6 +116,28 @@ static PyObject* parts_of(const Make& make) {
     }
     return PyErr_Occurred() ? nullptr : list.release();
 }
+
+static PyObject* specials_of(const orlenta_unit& unit) {
+    return parts_of([&](uint32_t i) -> PyObject* {
+        if (i == unit.special_count) return nullptr;
+        const orlenta_special& special = unit.specials[i];
+        return PyObject_CallFunction(state.special, "LLsi", static_cast<long long>(special.first),
+                                     static_cast<long long>(special.last), special.meaning,
+                                     static_cast<int>(special.is_limit));
+    });
+}
+
+static PyObject* get_unit(PyObject* self, void*) {
+    const Handle& handle = handle_of(self);
+    const orlenta_unit* unit = orlenta_unit_of(handle.schema->catalogue, handle.type);
+    if (!unit) return none();
+    Ref specials(specials_of(*unit));
+    return specials ? PyObject_CallFunction(state.unit, "sddO", unit->symbol, unit->scale, unit->offset,
+                                            specials.object)
+                    : nullptr;
+}
+
+// ---- what it is made of -------------------------------------------------------------------------------------------
 
 static PyObject* default_of(PyObject* self, const orlenta_component& part) {
     if (part.presence != ORLENTA_DEFAULT) return none();
@@ -252,6 +272,7 @@ PyTypeObject* make_type_class() {
         {"is_extensible", get_is_extensible, nullptr, "Whether it has an extension marker.", nullptr},
         {"bounds", get_bounds, nullptr,
          "(least, most) of an INTEGER or of a size, each perhaps None; or None.", nullptr},
+        {"unit", get_unit, nullptr, "Of an INTEGER or REAL: its Unit, or None.", nullptr},
         {"components", get_components, nullptr, "Of a SEQUENCE or SET: a list of Component.", nullptr},
         {"alternatives", get_alternatives, nullptr, "Of a CHOICE: a list of Alternative.", nullptr},
         {"items", get_items, nullptr, "Of an ENUMERATED: a list of Item.", nullptr},
