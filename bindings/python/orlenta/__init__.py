@@ -30,9 +30,8 @@ Many messages: decode_many, and columns for single parts of them. orlenta.asn1to
 orlenta.records dataclasses, orlenta.show a value in a notebook.
 """
 
-from ._columns import columns
 from ._errors import ConstraintError, DecodeError, EncodeError, Error, SchemaError, UnknownType
-from ._orlenta import (Schema, Type, builtin, check, convert, decode, decode_many, encode, explain, random)
+from ._orlenta import (Schema, Type, builtin, check, columns, convert, decode, decode_many, encode, explain, random)
 from ._orlenta import version as __version__
 from ._parts import Alternative, Bits, Component, Item, Special, Unit
 from ._schema import compile, compile_text

@@ -6,6 +6,7 @@
 #include "core/descriptor.hpp"
 #include "field_path.hpp"
 #include "operations.hpp"
+#include "state.hpp"
 #include "to_python.hpp"
 
 namespace orlenta::python {
@@ -197,21 +198,23 @@ static bool add_row(Schema& schema, OnError on_error, std::vector<Column>& colum
     return true;
 }
 
-static PyObject* make_columns(Handle& handle, const ManyOptions& options, PyObject* paths) {
+static PyObject* make_columns(Handle& handle, const ManyOptions& options, PyObject* paths,
+                              PyObject* missing) {
     std::vector<Column> columns;
     if (!take_paths(handle, paths, columns)) return nullptr;
     bool is_done = for_each_message(handle, options, [&](Slot& slot, Py_ssize_t number) {
         return add_row(*handle.schema, options.on_error, columns, slot, number);
     });
-    return is_done ? finished(columns) : nullptr;
+    Ref made(is_done ? finished(columns) : nullptr);
+    return made ? PyObject_CallFunction(state.arrays, "OOO", paths, made.object, missing) : nullptr;
 }
 
 PyObject* columns_call(Handle& handle, const Call& call) {
-    static const char* const names[] = {"messages", "paths",   "rules",         "errors",
-                                        "threads",  "offsets", "allow_trailing"};
-    PyObject* taken[7];
+    static const char* const names[] = {"messages", "paths",   "rules",          "errors",
+                                        "threads",  "offsets", "allow_trailing", "missing"};
+    PyObject* taken[8];
     ManyOptions options;
-    if (!take_arguments(call, {"columns", names, 7, 2, 7}, taken)) return nullptr;
+    if (!take_arguments(call, {"columns", names, 8, 2, 4}, taken)) return nullptr;
     options.messages = taken[0];
     options.offsets = taken[5] == Py_None ? nullptr : taken[5];
     options.decode.rules = find_rules(taken[2]);
@@ -220,8 +223,9 @@ PyObject* columns_call(Handle& handle, const Call& call) {
         !take_flag(taken[6], &options.decode.allow_trailing)) {
         return nullptr;
     }
+    Ref paths(PySequence_List(taken[1]));
     try {
-        return make_columns(handle, options, taken[1]);
+        return paths ? make_columns(handle, options, paths.object, taken[7] ? taken[7] : Py_None) : nullptr;
     } catch (const std::bad_alloc&) {
         return PyErr_NoMemory();
     }

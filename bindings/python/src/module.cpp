@@ -58,6 +58,20 @@ static const char kDecodeMany[] =
     "exception\n"
     "itself. Messages are decoded on as many threads, without the interpreter's lock.";
 
+static const char kColumns[] =
+    "columns(type, /, messages, paths, rules='uper', errors='raise', *, threads=1, offsets=None, "
+    "allow_trailing=False, "
+    "missing=None)\n--\n\n"
+    "Single parts of many messages: a dict from paths to numpy arrays of one row for each message.\n\n"
+    "A path is as 'coreData.lat', 'nodes[0].refPos.lat', or 'value.coreData.lat' through an open type. "
+    "INTEGER gives\n"
+    "int64, REAL float64, BOOLEAN bool, and all else objects. For a part that is absent stands missing, else "
+    "NaN (with\n"
+    "which an int64 column becomes float64) or None. With errors='none' a message that cannot be decoded has "
+    "no part.\n"
+    "Without numpy columns are of array.array or list. The other arguments are those of decode_many.\n\n"
+    "pandas.DataFrame(orlenta.columns(...)) makes a table of it.";
+
 static PyMethodDef functions[] = {function<decode_call>("decode", kDecode),
                                   function<encode_call>("encode", kEncode),
                                   function<convert_call>("convert", kConvert),
@@ -65,7 +79,7 @@ static PyMethodDef functions[] = {function<decode_call>("decode", kDecode),
                                   function<random_call>("random", kRandom),
                                   function<explain_call>("explain", kExplain),
                                   function<decode_many_call>("decode_many", kDecodeMany),
-                                  function<columns_call>("columns", nullptr),
+                                  function<columns_call>("columns", kColumns),
                                   {"compile", compile_schema, METH_VARARGS, nullptr},
                                   {}};
 
@@ -85,6 +99,7 @@ static bool import_all() {
            import_from(errors, "SchemaError", &state.schema_error) &&
            import_from(names, "unknown", &state.unknown_type) &&
            import_from(names, "matching", &state.matching) && import_from(names, "restore", &state.restore) &&
+           import_from("orlenta._arrays", "arrays", &state.arrays) &&
            import_from("orlenta._notation", "describe", &state.describe) &&
            import_from(parts, "Component", &state.component) &&
            import_from(parts, "Alternative", &state.alternative) && import_from(parts, "Item", &state.item) &&

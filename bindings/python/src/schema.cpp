@@ -338,7 +338,11 @@ PyTypeObject* make_schema_class() {
             "decode_many($self, type, /, messages, rules='uper', errors='raise', *, threads=1, "
             "offsets=None, allow_trailing=False)\n--\n\n"
             "As orlenta.decode_many, of a type of this schema."),
-        method<columns_call>("_columns", nullptr),
+        method<columns_call>(
+            "columns",
+            "columns($self, type, /, messages, paths, rules='uper', errors='raise', *, threads=1, "
+            "offsets=None, allow_trailing=False, missing=None)\n--\n\n"
+            "As orlenta.columns, of a type of this schema."),
         {}};
     static PyGetSetDef parts[] = {
         {"notes", get_notes, nullptr,

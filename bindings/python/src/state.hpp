@@ -15,6 +15,7 @@ struct State {
     PyObject* unknown_type;  // functions of the package
     PyObject* matching;
     PyObject* describe;
+    PyObject* arrays;
     PyObject* restore;
     PyObject* component;  // named tuples
     PyObject* alternative;

@@ -257,7 +257,11 @@ PyTypeObject* make_type_class() {
                                  "decode_many($self, messages, rules='uper', errors='raise', *, threads=1, "
                                  "offsets=None, allow_trailing=False)\n--\n\n"
                                  "A list of values; see orlenta.decode_many."),
-        method<columns_call>("_columns", nullptr),
+        method<columns_call>(
+            "columns",
+            "columns($self, messages, paths, rules='uper', errors='raise', *, threads=1, offsets=None, "
+            "allow_trailing=False, missing=None)\n--\n\n"
+            "Arrays of single parts; see orlenta.columns."),
         {"__reduce__", reduce, METH_NOARGS, nullptr},
         {}};
     static PyGetSetDef parts[] = {

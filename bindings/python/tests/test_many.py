@@ -125,12 +125,14 @@ def test_columns(threads):
     assert [texts[path][:2].tolist() for path in texts] == [["", 9], ["", True], ["", 0.5]]
     empty = orlenta.columns(ENTRY, [], ["id"])
     assert len(empty["id"]) == 0
+    for made in (ENTRY.columns(MESSAGES, ["id"]), SCHEMA.columns("Entry", MESSAGES, ["id"])):
+        assert made["id"].tolist() == list(range(COUNT))
 
 
 def test_columns_without_numpy(monkeypatch):
-    from orlenta import _columns
+    from orlenta import _arrays
 
-    monkeypatch.setattr(_columns, "numpy", None)
+    monkeypatch.setattr(_arrays, "numpy", None)
     made = orlenta.columns(ENTRY, MESSAGES[:3], ["id", "ratio", "level", "on", "note"], missing=0)
     assert {path: list(cells) for path, cells in made.items()} == {
         "id": [0, 1, 2], "ratio": [0, 0.25, 0.5], "level": [0, 9, 0], "on": [False, True, False], "note": [0, "n1", 0]}

@@ -1,9 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Single parts of many messages, each as an array."""
+"""Columns of messages' parts as arrays."""
 
 import array
-
-from . import _orlenta
 
 try:
     import numpy
@@ -46,22 +44,7 @@ def _array(sort, cells, absent, missing):
     return values
 
 
-def columns(type, messages, paths, rules="uper", errors="raise", *, threads=1, offsets=None, allow_trailing=False,
-            missing=None):
-    """The parts of many messages that `paths` name, as a dict from paths to numpy arrays of one row for each message.
-
-    A path is as "coreData.lat", "nodes[0].refPos.lat", or "value.coreData.lat" through an open type. INTEGER gives
-    int64, REAL float64, BOOLEAN bool, and all else objects. For a part that is absent stands `missing`, else NaN
-    (with which an int64 column becomes float64) or None. With errors="none" a message that cannot be decoded has no
-    part. Without numpy columns are of array.array or list. The other arguments are those of decode_many.
-
-    pandas.DataFrame(orlenta.columns(...)) makes a table of it.
-    """
-    paths = list(paths)
-    how = (rules, errors, threads, offsets, allow_trailing)
-    if isinstance(type, _orlenta.Type):
-        made = type._columns(messages, paths, *how)
-    else:
-        made = _orlenta.columns(type, messages, paths, *how)
+def arrays(paths, columns, missing):
+    """A dict from paths to arrays, of columns of (sort, cells, which rows are absent)."""
     finish = _plain if numpy is None else _array
-    return {path: finish(*column, missing) for path, column in zip(paths, made)}
+    return {path: finish(*column, missing) for path, column in zip(paths, columns)}
