@@ -111,6 +111,7 @@ def test_steady_as_tracemalloc_sees_it():
         first = tracemalloc.get_traced_memory()[0]
         for _ in range(4):
             run()
-        assert tracemalloc.get_traced_memory()[0] - first < 1000
+        # An object lost by each round of any of them, 200 in all, would be 5,600 bytes at the least.
+        assert tracemalloc.get_traced_memory()[0] - first < 4000
     finally:
         tracemalloc.stop()
