@@ -121,6 +121,7 @@ using checker = int(const asn1_type_desc*, const void*, asn1_error*);
 /// What tells why an encoder failed. Rules that hold bounds themselves do with the smaller check.
 template <class Rules>
 inline constexpr detail::checker* check_of = orlenta_check;
+/// The smaller one.
 template <class Rules>
 requires(Rules::bounded) inline constexpr detail::checker* check_of<Rules> = asn1_check_constraints;
 
