@@ -68,8 +68,15 @@ export interface TypeInfo {
     items?: { name: string; number: number; isAddition: boolean }[];
     /** SEQUENCE OF and SET OF. */
     element?: TypeInfo;
-    /** Of an INTEGER that stands for a quantity: physical = value * scale + offset. */
-    unit?: { unit: string; scale: number; offset: number; special: { value: number; meaning: string }[] };
+    /** Of an INTEGER that stands for a quantity: physical = value * scale + offset; the unit may be "". */
+    unit?: { unit: string; scale: number; offset: number; special: Special[] };
+}
+
+/** Numbers from `value` to `last` that stand for something else than their size. */
+export interface Special {
+    value: number;
+    last: number;
+    meaning: string;
 }
 
 /** `type` is made when it is first looked at, so that types which hold themselves do no harm. */

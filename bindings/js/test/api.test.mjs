@@ -71,6 +71,8 @@ test("types and what they are made of", async () => {
         ["mandatory", "INTEGER", 0, 127],
     );
     assert.equal(codec.type("EU.CAM").kind, "SEQUENCE");
+    const { unit, scale, special } = codec.type("CN.Speed").unit;
+    assert.deepEqual([unit, scale, special.at(-1)], ["m/s", 0.02, { value: 8191, last: 8191, meaning: "unavailable" }]);
 });
 
 test("each bit of a message, and of one that breaks off", async () => {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a type is made of, one level of it, as JSON; types inside are the addresses of their descriptors.
 #include <orlenta/type_info.h>
+#include <string.h>
 
 #include "bridge.hpp"
 
@@ -68,6 +69,20 @@ static void put_items(asn1_byte_buffer* buffer, const asn1_type_desc* type) {
     asn1_puts(buffer, "]");
 }
 
+static void put_unit(asn1_byte_buffer* buffer, const orlenta_unit* unit) {
+    asn1_puts(buffer, ",\"unit\":{\"unit\":");
+    put_json_string(buffer, strcmp(unit->symbol, "1") == 0 ? "" : unit->symbol);
+    asn1_printf(buffer, ",\"scale\":%.17g,\"offset\":%.17g,\"special\":[", unit->scale, unit->offset);
+    for (uint32_t i = 0; i < unit->special_count; ++i) {
+        const orlenta_special* special = &unit->specials[i];
+        asn1_printf(buffer, "%s{\"value\":%lld,\"last\":%lld,\"meaning\":", i > 0 ? "," : "",
+                    static_cast<long long>(special->first), static_cast<long long>(special->last));
+        put_json_string(buffer, special->meaning);
+        asn1_puts(buffer, "}");
+    }
+    asn1_puts(buffer, "]}");
+}
+
 ORLENTA_JS int js_describe(const asn1_type_desc* type) {
     orlenta_type_facts facts;
     orlenta_type_describe(type, &facts);
@@ -85,6 +100,7 @@ ORLENTA_JS int js_describe(const asn1_type_desc* type) {
     }
     if (facts.has_lower != 0 || facts.big_lower) put_bound(&buffer, "lower", facts.big_lower, facts.lower);
     if (facts.has_upper != 0 || facts.big_upper) put_bound(&buffer, "upper", facts.big_upper, facts.upper);
+    if (const orlenta_unit* unit = orlenta_unit_of(types, type)) put_unit(&buffer, unit);
     switch (facts.kind) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET: put_components(&buffer, facts.type); break;

@@ -43,7 +43,7 @@ export function meaning(value: Value, type: TypeInfo | undefined): string {
     if (!type?.unit || (typeof value !== "number" && typeof value !== "bigint")) return "";
     const { unit, scale, offset, special } = type.unit;
     const number = Number(value);
-    const named = special.find((one) => one.value === number);
+    const named = special.find((one) => one.value <= number && number <= one.last);
     if (named) return named.meaning;
     if (scale === 1 && offset === 0) return unit;
     return `${scaled(number * scale + offset, scale)} ${unit}`.trim();
