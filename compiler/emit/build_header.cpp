@@ -87,10 +87,6 @@ void put_part_opener(Writer& writer, const Table& table, const Part& part, const
         names.presence, names.value);
 }
 
-const Table& behind_tags(const Table& table) {
-    return table.kind == ASN1_KIND_TAGGED ? behind_tags(*table.parts[0].table) : table;
-}
-
 // Nothing for what has no use for it: a word or a record that is always there is set as any member.
 void put_component(Writer& writer, const Table& table, const Part& part, const MemberNames& names) {
     bool optional = !names.presence.empty();
@@ -172,15 +168,17 @@ void put_sequence(Writer& writer, const Table& table) {
 void put_choice(Writer& writer, const Table& table) {
     std::vector<MemberNames> names = member_names(table);
     std::string record = record_name(table);
+    std::string clear = owns_nothing(table) ? "memset(record, 0, sizeof *record)"
+                                            : fmt::format(
+                                                  "orlenta_choice_clear(record, asn1_type_{}, "
+                                                  "sizeof *record)",
+                                                  table.symbol);
     for (size_t i = 0; i < names.size(); i++) {
         std::string name = function_name(writer, table, "set", table.parts[i].name);
         bool has_value = !names[i].value.empty();
-        put(writer,
-            "static inline {}{} {}({}* record) {{\n"
-            "    orlenta_choice_clear(record, asn1_type_{}, sizeof *record);\n"
-            "    record->choice = {};\n",
-            has_value ? value_type(*table.parts[i].table) : "void", has_value ? "*" : "", name, record,
-            table.symbol, i);
+        put(writer, "static inline {}{} {}({}* record) {{\n    {};\n    record->choice = {};\n",
+            has_value ? value_type(*table.parts[i].table) : "void", has_value ? "*" : "", name, record, clear,
+            i);
         if (has_value) put(writer, "    return &record->u.{};\n", names[i].value);
         put(writer, "}}\n");
     }

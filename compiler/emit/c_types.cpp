@@ -123,6 +123,28 @@ bool has_payload(const Table& table) {
                        [](const Part& part) { return !is_null(part) || part.has_presence; });
 }
 
+const Table& behind_tags(const Table& table) {
+    return table.kind == ASN1_KIND_TAGGED ? behind_tags(*table.parts[0].table) : table;
+}
+
+bool owns_nothing(const Table& table) {
+    if (value_type(table).ends_with('*')) return false;
+    const Table& described = behind_tags(table);
+    switch (described.kind) {
+        case ASN1_KIND_INTEGER: return (word0(described) & ASN1_WORD0_BIG) == 0;
+        case ASN1_KIND_BOOLEAN:
+        case ASN1_KIND_ENUMERATED:
+        case ASN1_KIND_NULL:
+        case ASN1_KIND_REAL: return true;
+        case ASN1_KIND_SEQUENCE:
+        case ASN1_KIND_SET:
+        case ASN1_KIND_CHOICE:
+            return std::all_of(described.parts.begin(), described.parts.end(),
+                               [](const Part& part) { return owns_nothing(*part.table); });
+        default: return false;
+    }
+}
+
 int code_unit_size(const Table& table) {
     const Type& type = *resolved(table.type);
     if (type.kind != Kind::char_string) return 1;

@@ -35,6 +35,10 @@ std::vector<MemberNames> member_names(const Table& table);
 // Whether any member has a value: a record without one is padded to a byte, a CHOICE without one has no union.
 bool has_payload(const Table& table);
 
+// What a value is behind the tags before it.
+const Table& behind_tags(const Table& table);
+// Whether a value owns no block, so that nothing is to be released, and a copy is one of bytes.
+bool owns_nothing(const Table& table);
 // Bytes of a code unit of a string: 1, but 2 of a BMPString and 4 of a UniversalString.
 int code_unit_size(const Table& table);
 // The type of the constants of an ENUMERATED or of a CHOICE.

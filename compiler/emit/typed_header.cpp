@@ -29,7 +29,6 @@ struct Writer {
     std::string out;
     std::unordered_set<std::string> names;              // of types
     std::unordered_set<const Table*> defined;           // structs and names of others
-    std::unordered_map<const Table*, bool> flat;        // whether a value owns nothing
     std::unordered_set<const Table*> declared;          // tables in place
     std::unordered_map<const void*, std::string> bits;  // enumerations of named bits, by BIT STRING
 };
@@ -58,33 +57,7 @@ std::string fresh_name(Writer& writer, const std::string& owner, const char* suf
 
 bool is_pointer(const Table& table) { return value_type(table).ends_with('*'); }
 
-const Table& behind_tags(const Table& table) {
-    return table.kind == ASN1_KIND_TAGGED ? behind_tags(*table.parts[0].table) : table;
-}
-
 // ---- types of members -------------------------------------------------------------------------------------
-
-// Those that own nothing are copied as they are.
-bool is_flat(Writer& writer, const Table& table) {
-    if (is_pointer(table)) return false;
-    const Table& described = behind_tags(table);
-    switch (described.kind) {
-        case ASN1_KIND_INTEGER: return (word0(described) & ASN1_WORD0_BIG) == 0;
-        case ASN1_KIND_BOOLEAN:
-        case ASN1_KIND_ENUMERATED:
-        case ASN1_KIND_NULL:
-        case ASN1_KIND_REAL: return true;
-        case ASN1_KIND_SEQUENCE:
-        case ASN1_KIND_SET:
-        case ASN1_KIND_CHOICE: break;
-        default: return false;
-    }
-    auto known = writer.flat.find(&described);
-    if (known != writer.flat.end()) return known->second;
-    bool flat = keyed_components(writer.layout.region, described).empty();
-    for (const Part& part : described.parts) flat = flat && is_flat(writer, *part.table);
-    return writer.flat[&described] = flat;
-}
 
 std::string integer_type(const Table& table) {
     if ((word0(table) & ASN1_WORD0_BIG) == 0) return simple_type(table);
@@ -190,10 +163,10 @@ void put_tagged_name(Writer& writer, const Table& table) {
 // What a component that may be absent begins with. The constructor says so as well; to say it here keeps compilers from
 // warning where a program initialises the other members alone. That costs them time for each type of a component, so it
 // is said where programs do that: in small records, and of what is a word.
-std::string absent(Writer& writer, const Table& table, const Part& part) {
+std::string absent(const Table& table, const Part& part) {
     uint32_t kind = behind_tags(*part.table).kind;
     bool is_word = kind == ASN1_KIND_INTEGER || kind == ASN1_KIND_BOOLEAN || kind == ASN1_KIND_REAL;
-    return is_word || is_flat(writer, table) ? " = {}" : "";
+    return is_word || owns_nothing(table) ? " = {}" : "";
 }
 
 // What a member begins with: a word with its DEFAULT, if it has one, else zero.
@@ -258,8 +231,7 @@ void put_member(Writer& writer, const Table& table, size_t index, const MemberNa
         put(writer, "    ::orlenta::key<{}> {} = {{}};\n", type, names.value);
         return;
     }
-    std::string initial =
-        part.has_presence ? absent(writer, table, part) : initial_value(writer, part, component);
+    std::string initial = part.has_presence ? absent(table, part) : initial_value(writer, part, component);
     if (part.has_presence) type = optional_type(table, part, type);
     put(writer, "    {} {}{};", type, names.value, initial);
     if (!has_record(unwrapped(*part.table))) put(writer, "  // {}", description(unwrapped(*part.table)));
@@ -355,7 +327,7 @@ void put_structs_inside(Writer& writer, const Table& table) {
 }
 
 void put_choice_base(Writer& writer, const Table& table, const std::string& alternatives) {
-    if (is_flat(writer, table))
+    if (owns_nothing(table))
         put(writer, "::orlenta::flat_choice<{}, {}", record_name(table), alternatives);
     else
         put(writer, "::orlenta::choice<asn1_type_{}, {}, {}", table.symbol, record_name(table), alternatives);
@@ -444,7 +416,7 @@ std::string typed_header_name(const std::string& header) {
 }
 
 std::string emit_typed_header(const Layout& layout, const std::string& header) {
-    Writer writer = {layout, {}, {}, {}, {}, {}, {}};
+    Writer writer = {layout, {}, {}, {}, {}, {}};
     for (const Table* table : layout.tables)
         if (has_record(*table)) writer.names.insert(typed_name(layout, *table));
     for (const Alias& alias : layout.aliases) writer.names.insert(alias.name);

@@ -59,12 +59,22 @@ static int check_choice(check_state* state, const asn1_type_desc* type, const vo
 // BIT STRING and OCTET STRING, whose records have one layout.
 static int check_octets(check_state* state, const asn1_type_desc* type, const void* value) {
     int result = check_binary_string(state, type, value);
-    if (result < 0 || !state->is_whole) return result;
+    if (result < 0 || !state->contents) return result;
     const asn1_type_desc* contained = asn1_get_containing_type(type);
     if (!contained) return 0;
     const asn1_string* string = static_cast<const asn1_string*>(value);
     uint64_t size = kind_of(type) == ASN1_KIND_BIT_STRING ? (string->length + 7) / 8 : string->length;
-    return check_contained(state, contained, string->data, size);
+    return state->contents(state, contained, string->data, size);
+}
+
+// Raw bytes pass: no rules are known by which to read them.
+int check_open_value(check_state* state, const asn1_type_desc* type, const asn1_open_value* value) {
+    if (!value->type) return 0;
+    if (!value->data) return asn1_check_error(state, "value is missing");
+    if (!state->is_whole) return 0;
+    if (table_constraint_of(type) && asn1_get_constrained_type(state->frames, type) != value->type)
+        return asn1_check_error(state, "open type does not fit its key");
+    return asn1_check_value(state, value->type, value->data);
 }
 
 int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value) {
@@ -93,12 +103,14 @@ int asn1_check_value(check_state* state, const asn1_type_desc* type, const void*
     }
 }
 
-static int check_from_root(const asn1_type_desc* type, const void* value, bool is_whole, asn1_error* error) {
+int check_from_root(const asn1_type_desc* type, const void* value, bool is_whole, contents_check* contents,
+                    asn1_error* error) {
     check_state state;
     state.path.depth = 0;
     asn1_error_init(&state.error);
     state.stack = begin_stack();
     state.is_whole = is_whole;
+    state.contents = contents;
     state.frames = nullptr;
     if (asn1_check_value(&state, type, value) >= 0) return 1;
     hand_out_error(error, &state.error);
@@ -108,9 +120,9 @@ static int check_from_root(const asn1_type_desc* type, const void* value, bool i
 }  // namespace orlenta::check
 
 int asn1_check_constraints(const asn1_type_desc* type, const void* value, asn1_error* error) {
-    return orlenta::check::check_from_root(type, value, false, error);
+    return orlenta::check::check_from_root(type, value, false, nullptr, error);
 }
 
-int orlenta_check(const asn1_type_desc* type, const void* value, asn1_error* error) {
-    return orlenta::check::check_from_root(type, value, true, error);
+int orlenta_check_values(const asn1_type_desc* type, const void* value, asn1_error* error) {
+    return orlenta::check::check_from_root(type, value, true, nullptr, error);
 }

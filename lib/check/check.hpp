@@ -11,11 +11,18 @@
 
 namespace orlenta::check {
 
+struct check_state;
+
+// What the octets of a string with a CONTAINING constraint are held against.
+using contents_check = int(check_state* state, const asn1_type_desc* contained, const uint8_t* data,
+                           uint64_t size);
+
 struct check_state {
     asn1_type_path path;
     asn1_error error;
     stack_guard stack;
-    bool is_whole;  // open types, contained values and the index of an ENUMERATED count as well
+    bool is_whole;                    // open types and the index of an ENUMERATED count as well
+    contents_check* contents;         // null: contained values do not count
     const asn1_parent_frame* frames;  // innermost SEQUENCE or SET, null outside
 };
 
@@ -23,11 +30,11 @@ struct check_state {
 int asn1_check_error(check_state* state, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 // check.cpp
+int check_from_root(const asn1_type_desc* type, const void* value, bool is_whole, contents_check* contents,
+                    asn1_error* error);
 int asn1_check_value(check_state* state, const asn1_type_desc* type, const void* value);
 
-// inner.cpp
 int check_open_value(check_state* state, const asn1_type_desc* type, const asn1_open_value* value);
-int check_contained(check_state* state, const asn1_type_desc* contained, const uint8_t* data, uint64_t size);
 
 // numbers.cpp
 int check_integer(check_state* state, const asn1_type_desc* type, const void* value);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Values within values: those of open types, and those whose encoding a string contains.
+// The check of the whole message: with values whose encoding a string contains, and so with all that decodes them.
 #include <orlenta/ber.h>
+#include <orlenta/check.h>
 #include <orlenta/oer.h>
 #include <orlenta/per.h>
 #include <orlenta/value.h>
@@ -8,20 +9,6 @@
 #include "check/check.hpp"
 
 namespace orlenta::check {
-
-// ---- open types -------------------------------------------------------------------------------------------
-
-// Raw bytes pass: no rules are known by which to read them.
-int check_open_value(check_state* state, const asn1_type_desc* type, const asn1_open_value* value) {
-    if (!value->type) return 0;
-    if (!value->data) return asn1_check_error(state, "value is missing");
-    if (!state->is_whole) return 0;
-    if (table_constraint_of(type) && asn1_get_constrained_type(state->frames, type) != value->type)
-        return asn1_check_error(state, "open type does not fit its key");
-    return asn1_check_value(state, value->type, value->data);
-}
-
-// ---- CONTAINING -------------------------------------------------------------------------------------------
 
 enum class contents_rules { uper, aper, oer, ber, count };
 
@@ -58,7 +45,8 @@ static int check_contained_by(check_state* state, contents_rules rules, const as
 
 // A value does not tell by which rules it came in or will go out, and contents follow these (X.682 clause 11): any
 // will do. The report is that of unaligned PER, which the message sets use.
-int check_contained(check_state* state, const asn1_type_desc* contained, const uint8_t* data, uint64_t size) {
+static int check_contained(check_state* state, const asn1_type_desc* contained, const uint8_t* data,
+                           uint64_t size) {
     if (check_contained_by(state, contents_rules::uper, contained, data, size) == 0) return 0;
     asn1_error report = state->error;
     for (int i = 1; i < static_cast<int>(contents_rules::count); ++i) {
@@ -69,3 +57,7 @@ int check_contained(check_state* state, const asn1_type_desc* contained, const u
 }
 
 }  // namespace orlenta::check
+
+int orlenta_check(const asn1_type_desc* type, const void* value, asn1_error* error) {
+    return orlenta::check::check_from_root(type, value, true, orlenta::check::check_contained, error);
+}

@@ -141,6 +141,21 @@ def check_regions(args):
         expect(regions == {"CN"}, f"regions: {regions}")
 
 
+def check_static_size(args):
+    """The typed layer adds a tenth at most to a static program for one message."""
+    with tempfile.TemporaryDirectory() as folder:
+        sizes, printed = [], set()
+        for compiler, source in (([args.cc, "-std=c11"], "static.c"), ([args.cxx, "-std=c++20"], "static.cpp")):
+            program = Path(folder) / source
+            run(*compiler, "-Os", "-s", "-ffunction-sections", "-fdata-sections", "-Wl,--gc-sections",
+                *(f"-I{d}" for d in include_dirs(args)), HERE / source, "-o", program,
+                args.build / "liborlenta.a", "-lm")
+            printed.add(run(program))
+            sizes.append(program.stat().st_size)
+        expect(len(printed) == 1, f"they print {printed}")
+        expect(sizes[1] <= sizes[0] * 1.1, f"{sizes[0]} bytes in C, {sizes[1]} through the typed layer")
+
+
 EXAMPLE_OUTPUT = "10 bytes: lat 399087000, lon 1163975000, elevation 435\n"
 # What the programs that build messages print first, and the most lines that main() may take.
 MESSAGES = {"bsm": "48 bytes", "cam": "42 bytes", "map": "60 bytes"}

@@ -106,24 +106,15 @@ concept encoding_rules = requires(void** out, const asn1_type_desc* type, asn1_e
 
 namespace detail {
 
-using checker = int(const asn1_type_desc*, const void*, asn1_error*);
-
 /// What an encoder that failed has not told: the check knows which component is not as its type wants it.
 [[gnu::cold, gnu::noinline]] inline void explain_failure(error& reason, const asn1_type_desc* type,
-                                                         const void* record, checker* check) {
+                                                         const void* record) {
     asn1_error* told = reason.record();
-    if (told->message[0] != '\0' || check(type, record, told) == 0) return;
+    if (told->message[0] != '\0' || orlenta_check_values(type, record, told) == 0) return;
     asn1_pstrcpy(told->message, sizeof told->message, "the value cannot be encoded");
 }
 
 }  // namespace detail
-
-/// What tells why an encoder failed. Rules that hold bounds themselves do with the smaller check.
-template <class Rules>
-inline constexpr detail::checker* check_of = orlenta_check;
-/// The smaller one.
-template <class Rules>
-requires(Rules::bounded) inline constexpr detail::checker* check_of<Rules> = asn1_check_constraints;
 
 /// Encodes by the rules, as encode(uper, frame). What is outside its type fails: PER has no form for it; by other rules,
 /// which would write it as it is, the value is checked before.
@@ -132,11 +123,11 @@ result<bytes> encode(Rules, const T& value) {
     std::uint8_t* block = nullptr;
     error reason;
     if constexpr (!Rules::bounded)
-        if (orlenta_check(descriptor_of<T>(), &value, reason.record()) == 0) return detail::failed(reason);
+        if (orlenta_check_values(descriptor_of<T>(), &value, reason.record()) == 0)
+            return detail::failed(reason);
     std::int64_t size = Rules::encode(&block, descriptor_of<T>(), &value, reason.record());
     if (size < 0) [[unlikely]] {
-        // Of PER the lesser check, for orlenta_check has decoders of all rules with it.
-        detail::explain_failure(reason, descriptor_of<T>(), &value, check_of<Rules>);
+        detail::explain_failure(reason, descriptor_of<T>(), &value);
         return detail::failed(reason);
     }
     return bytes(block, static_cast<std::size_t>(size));
@@ -183,7 +174,7 @@ result<std::string> to_json(const T& value, int indent = 0) {
     std::int64_t size = asn1_jer_encode2(&block, descriptor_of<T>(), &value, &options);
     if (size < 0) [[unlikely]] {
         error reason;
-        detail::explain_failure(reason, descriptor_of<T>(), &value, orlenta_check);
+        detail::explain_failure(reason, descriptor_of<T>(), &value);
         return detail::failed(reason);
     }
     std::string text(reinterpret_cast<const char*>(block), static_cast<std::size_t>(size));
