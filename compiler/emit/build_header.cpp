@@ -168,11 +168,12 @@ void put_sequence(Writer& writer, const Table& table) {
 void put_choice(Writer& writer, const Table& table) {
     std::vector<MemberNames> names = member_names(table);
     std::string record = record_name(table);
-    std::string clear = owns_nothing(table) ? "memset(record, 0, sizeof *record)"
-                                            : fmt::format(
-                                                  "orlenta_choice_clear(record, asn1_type_{}, "
-                                                  "sizeof *record)",
-                                                  table.symbol);
+    // Stores, not memset: of a record that may be null, as `add` may return it, compilers warn with that.
+    std::string clear =
+        owns_nothing(table)
+            ? fmt::format("{} cleared;\n    memset(&cleared, 0, sizeof cleared);\n    *record = cleared",
+                          record)
+            : fmt::format("orlenta_choice_clear(record, asn1_type_{}, sizeof *record)", table.symbol);
     for (size_t i = 0; i < names.size(); i++) {
         std::string name = function_name(writer, table, "set", table.parts[i].name);
         bool has_value = !names[i].value.empty();

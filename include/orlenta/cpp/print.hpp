@@ -17,7 +17,8 @@ namespace detail {
 template <described T>
 std::string shown(const T& value) {
     auto text = to_json(value);
-    return text ? std::move(*text) : "(" + text.error().to_string() + ")";
+    if (text) return std::move(*text);
+    return std::string("(").append(text.error().to_string()).append(")");
 }
 
 }  // namespace detail
