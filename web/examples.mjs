@@ -445,7 +445,7 @@ const examples = [
     { name: "Crossing, US: MAP, SPAT, BSM", text: logUs() },
     { name: "Crossing, China: MAP, SPAT, BSM", text: logCn() },
     { name: "DENM: a stationary vehicle", text: hex("EU.DENM", denm) },
-    { name: "A CAM that was cut short", text: oneCam.slice(0, 64), type: "EU.CAM", rules: "uper" },
+    { name: "A CAM that was cut short", text: oneCam.slice(0, 64) },
 ];
 
 const entries = examples.map((example) => `    ${JSON.stringify(example)},\n`).join("");
@@ -456,8 +456,6 @@ await writeFile(
 export interface Example {
     name: string;
     text: string;
-    type?: string;
-    rules?: string;
 }
 
 export const EXAMPLES: Example[] = [

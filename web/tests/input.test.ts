@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { textRules } from "../src/codec/reading";
+import { likelyRegions, likelyType } from "../src/codec/detect";
 import { fromFragment, toFragment } from "../src/page/link";
 import { InputError, readBytes, toHex } from "../src/input/bytes";
+import { textRules } from "../src/input/rules";
 import { isLog, readEntry, splitLines } from "../src/input/lines";
 
 test("bytes in all forms that people paste", () => {
@@ -63,4 +64,19 @@ test("links carry bytes, text and a schema, and survive what is none", async () 
     ];
     for (const row of rows) assert.deepEqual(await fromFragment(await toFragment(row)), row);
     for (const fragment of ["", "#top", "#t=A&x=%%%", "#m=*"]) assert.equal(await fromFragment(fragment), null, fragment);
+});
+
+test("what the first octets of a message show", () => {
+    const rows: [hex: string, type: string | null, first: string][] = [
+        ["0202000003e9", "EU.CAM", "EU"],
+        ["0101", "EU.DENM", "EU"],
+        ["0203", null, "CN"],
+        ["0014251d", "US.MessageFrame", "US"],
+        ["01822686a7", null, "CN"],
+        ["00", null, "CN"],
+    ];
+    for (const [hex, type, first] of rows) {
+        const bytes = readBytes(hex);
+        assert.deepEqual([likelyType(bytes), likelyRegions(bytes)[0]], [type, first], hex);
+    }
 });

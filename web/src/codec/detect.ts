@@ -44,6 +44,13 @@ export function likelyRegions(bytes: Uint8Array): DetectableRegion[] {
     return isEu ? ["EU", "US", "CN"] : isUs ? ["US", "CN", "EU"] : ["CN", "US", "EU"];
 }
 
+/** What the first octets show without a doubt; CN's frames begin with nothing of their own. */
+export function likelyType(bytes: Uint8Array): string | null {
+    const [region] = likelyRegions(bytes);
+    if (region === "EU") return `EU.${EU_MESSAGES[bytes[1]][0]}`;
+    return region === "US" ? "US.MessageFrame" : null;
+}
+
 function messageId(value: Value): number | undefined {
     const header = (value as { header?: { messageID?: number } } | null)?.header;
     return header?.messageID;

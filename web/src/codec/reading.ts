@@ -2,7 +2,8 @@
 // A message read: from what was typed to its value, its bits, and what is wrong with it.
 import type { Bits, Codec, DecodeError, Rules, TypeInfo, Value } from "orlenta";
 import { InputError, readBytes } from "../input/bytes";
-import { detect, typeOfText } from "./detect";
+import { textRules } from "../input/rules";
+import { detect, likelyType, typeOfText } from "./detect";
 import { type Engine, needType } from "./engine";
 import { partialValue } from "./partial";
 import { BINARY, type BinaryRules, isText } from "./types";
@@ -31,15 +32,6 @@ export interface Reading extends Message {
 
 export class UnknownMessage extends Error {}
 
-/** The rules of a text, as far as it shows; undefined for bytes. */
-export function textRules(text: string): Rules | undefined {
-    const start = text.trimStart().slice(0, 200);
-    if (start.startsWith("<")) return "xer";
-    if (/^(\{\s*("|\})|\[)/.test(start)) return "jer";
-    if (/^\{\s*[a-z]|^[a-z][\w-]*\s*:/.test(start)) return "gser";
-    return undefined;
-}
-
 /** Where types come from: a compiled schema, or the message sets, loaded as they are needed. */
 export interface Source {
     engine: Engine;
@@ -47,11 +39,13 @@ export interface Source {
 }
 
 /**
- * Finds out the type and the rules. `hint` are those of the message before, tried first.
+ * Finds out the type and the rules. A cut message has the type that its first octets show.
  * @throws InputError, UnknownMessage, and what loading throws
  */
-export async function identify(source: Source, text: string, choice: Choice, hint?: Message): Promise<Message> {
-    const rules = choice.rules === "auto" ? textRules(text) : choice.rules;
+export async function identify(source: Source, text: string, choice: Choice): Promise<Message> {
+    // A text that can be no bytes is read as what it is, whatever was chosen for the message before.
+    const isChosen = choice.rules !== "auto" && (isText(choice.rules) || textRules(text) === undefined);
+    const rules = isChosen ? (choice.rules as Rules) : textRules(text);
     const codec = source.schema ?? source.engine.codec;
     if (rules && isText(rules)) {
         const type = choice.type === "auto" ? typeOfText(text) : choice.type;
@@ -65,12 +59,12 @@ export async function identify(source: Source, text: string, choice: Choice, hin
         return { codec, data, rules: rules ?? rulesFor(codec, choice.type, data), type: choice.type };
     }
     if (source.schema) throw new UnknownMessage("choose a type of the schema");
-    if (hint && typeof hint.data !== "string" && fitsAgain(hint, data, rules))
-        return { codec: hint.codec, rules: hint.rules, type: hint.type, data };
     const allowed = rules ? [rules as BinaryRules] : BINARY;
     const found = await detect({ codec, need: (region) => source.engine.need(region) }, data, allowed);
-    if (!found) throw new UnknownMessage("no whole message of CN, EU or US fits: choose a type, and rules");
-    return { codec, data, rules: found.rules, type: found.type };
+    const type = found?.type ?? likelyType(data);
+    if (!type) throw new UnknownMessage("no whole message of CN, EU or US fits: choose a type, and rules");
+    await needType(source.engine, type);
+    return { codec, data, rules: found?.rules ?? allowed[0], type };
 }
 
 function rulesFor(codec: Codec, type: string, data: Uint8Array): BinaryRules {
@@ -81,15 +75,15 @@ function rulesFor(codec: Codec, type: string, data: Uint8Array): BinaryRules {
     return BINARY.find(takesAll) ?? "uper";
 }
 
-// Frames tell their messages apart by themselves; those of EU have a messageID in the second octet.
-function fitsAgain({ codec, type, rules, data }: Message, next: Uint8Array, wanted?: Rules): boolean {
-    if (wanted && wanted !== rules) return false;
-    if (type.startsWith("EU.") && (rules === "ber" || rules === "der" || data[1] !== next[1])) return false;
-    try {
-        return codec.check(type, codec.decode(type, next, rules)) === null;
-    } catch {
-        return false;
-    }
+/**
+ * The next message of a log as the one before, if the first octets do not speak against it; null if they do. Whether it
+ * is, decoding shows.
+ */
+export function likeBefore(before: Message, text: string, choice: Choice): Message | null {
+    if (typeof before.data === "string" || textRules(text) || before.rules === "ber" || before.rules === "der") return null;
+    const data = readBytes(text);
+    const isAlike = choice.type !== "auto" || likelyType(data) === likelyType(before.data);
+    return isAlike && data.length > 0 ? { ...before, data } : null;
 }
 
 export function readMessage({ codec, data, rules, type }: Message): Reading {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What is kept of each message of a log; the message itself is read anew when it is looked at.
-import type { Value } from "orlenta";
+import type { Rules, Value } from "orlenta";
 import { featuresOf } from "../map/extract";
 import { keysOf, mainPlace } from "../map/features";
 import type { LatLon } from "../map/geo";
@@ -12,7 +12,9 @@ export interface Summary {
     end: number;
     /** Milliseconds. */
     time?: number;
+    /** Empty if it was not found. */
     type: string;
+    rules?: Rules;
     error?: string;
     /** What the message is, where the type does not tell. */
     frame?: string;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Works through a log beside the page, a piece at a time.
 import { startEngine } from "../codec/engine";
-import { identify, type Message, type Source } from "../codec/reading";
+import { identify, likeBefore, type Message, type Source, withoutPath } from "../codec/reading";
 import { readEntry, splitLines } from "../input/lines";
 import type { Answer, Order } from "./messages";
 import { aboutValue, type Summary } from "./summary";
@@ -11,20 +11,27 @@ const PAUSE_MS = 120;
 
 const answer = (message: Answer) => self.postMessage(message);
 
-async function summarise(source: Source, text: string, order: Order, hint?: Message): Promise<[Omit<Summary, "start" | "end">, Message?]> {
-    const entry = readEntry(text);
-    if (!entry) throw new Error("no message");
-    const { time } = entry;
+type Told = Omit<Summary, "start" | "end">;
+
+function decoded({ codec, type, data, rules }: Message): Told {
+    return { type, rules, ...aboutValue(codec.decode(type, data, rules)) };
+}
+
+/** As the message before, or else by all means; gives what the next one may be like. */
+async function read(source: Source, text: string, order: Order, before?: Message): Promise<[Told, Message?]> {
     try {
-        const message = await identify(source, entry.message, order.choice, hint);
-        try {
-            const value = message.codec.decode(message.type, message.data, message.rules);
-            return [{ time, type: message.type, ...aboutValue(value) }, message];
-        } catch (error) {
-            return [{ time, type: message.type, error: (error as Error).message, keys: [] }, hint];
-        }
+        const alike = before && likeBefore(before, text, order.choice);
+        if (alike) return [decoded(alike), alike];
+    } catch {
+        // It is something else, or broken.
+    }
+    let message: Message | undefined;
+    try {
+        message = await identify(source, text, order.choice);
+        return [decoded(message), message];
     } catch (error) {
-        return [{ time, type: "", error: (error as Error).message, keys: [] }, hint];
+        const { type = "", rules } = message ?? {};
+        return [{ type, rules, error: withoutPath((error as Error).message), keys: [] }, before];
     }
 }
 
@@ -33,8 +40,8 @@ async function work(order: Order): Promise<void> {
     const source: Source = { engine, schema: order.schema && (await engine.orlenta.compile(order.schema)) };
     const decoder = new TextDecoder();
     let summaries: Summary[] = [];
-    let told = 0;
-    let hint: Message | undefined;
+    let toldAt = 0;
+    let before: Message | undefined;
     for (let start = 0; start < order.log.size; ) {
         const end = Math.min(start + PIECE, order.log.size);
         let piece = new Uint8Array(await order.log.slice(start, end).arrayBuffer());
@@ -46,14 +53,15 @@ async function work(order: Order): Promise<void> {
         }
         for (const line of lines) {
             const text = decoder.decode(piece.subarray(line.start, line.end));
-            if (!readEntry(text)) continue;
-            const [summary, message] = await summarise(source, text, order, hint);
-            hint = message;
-            summaries.push({ start: start + line.start, end: start + line.end, ...summary });
-            if (performance.now() - told > PAUSE_MS) {
+            const entry = readEntry(text);
+            if (!entry) continue;
+            const [told, message] = await read(source, entry.message, order, before);
+            before = message;
+            summaries.push({ start: start + line.start, end: start + line.end, time: entry.time, ...told });
+            if (performance.now() - toldAt > PAUSE_MS) {
                 answer({ kind: "some", summaries, octets: start + line.end });
                 summaries = [];
-                told = performance.now();
+                toldAt = performance.now();
             }
         }
         start += piece.length - rest;

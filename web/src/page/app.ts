@@ -3,7 +3,7 @@
 import type { Rules, Schema, Value } from "orlenta";
 import { type Engine, startEngine } from "../codec/engine";
 import { jsonText } from "../codec/json";
-import { type Choice, identify, InputError, type Message, type Reading, readMessage, type Source, withoutPath } from "../codec/reading";
+import { type Choice, identify, InputError, type Reading, readMessage, type Source, withoutPath } from "../codec/reading";
 import { isText, REGIONS, RULE_NAMES, RULES } from "../codec/types";
 import { formOf, toBase64, toHex } from "../input/bytes";
 import { isLog, readEntry } from "../input/lines";
@@ -123,16 +123,24 @@ async function source(): Promise<Source> {
     return { engine: await engine(), schema: useSchema.checked ? (schema ?? undefined) : undefined };
 }
 
-async function readText(text: string, hint?: Message): Promise<Reading> {
-    const from = await source();
-    return readMessage(await identify(from, text, choice, hint));
+async function readText(text: string, as: Choice): Promise<Reading> {
+    return readMessage(await identify(await source(), text, as));
+}
+
+/** What the worker has found out of a message of the log. */
+function knownOf(index: number): Choice {
+    const { type, rules: under } = (log as Log).messages[index];
+    return type === "" ? choice : { type, rules: under ?? choice.rules };
+}
+
+async function textAt(index: number): Promise<string> {
+    return edits.get(index) ?? readEntry(await (log as Log).textAt(index))?.message ?? "";
 }
 
 /** A message of the log, or undefined if it is none. */
 async function readAt(index: number): Promise<Reading | undefined> {
     try {
-        const text = edits.get(index) ?? readEntry(await (log as Log).textAt(index))?.message ?? "";
-        return await readText(text, reading ?? undefined);
+        return await readText(await textAt(index), knownOf(index));
     } catch {
         return undefined;
     }
@@ -150,7 +158,7 @@ function showReading(next: Reading, isEdited = false): void {
     else mapPane.showOne(next.value, isEdited);
 }
 
-async function showText(text: string): Promise<void> {
+async function showText(text: string, as: Choice = choice): Promise<void> {
     const mine = ++refreshed;
     if (text.trim() === "") {
         reading = null;
@@ -160,7 +168,7 @@ async function showText(text: string): Promise<void> {
         return tell("");
     }
     try {
-        const next = await readText(text, reading ?? undefined);
+        const next = await readText(text, as);
         if (mine === refreshed) showReading(next);
     } catch (error) {
         if (mine !== refreshed) return;
@@ -196,25 +204,26 @@ function startLog(blob: Blob): void {
     log = mine;
     const progress = byId("progress");
     progress.hidden = false;
-    const show = (isDone: boolean) => {
+    let isShown = false;
+    const show = () => {
         if (mine !== log) return;
         list.show(mine.messages, selected);
         if (mine.messages.length === 0) return;
-        if (!reading || isDone) void select(selected);
-        else mapPane.showLog(mine, selected, true);
+        if (isShown) return mapPane.showLog(mine, selected, true);
+        isShown = true;
+        void select(selected);
     };
     reading = null;
     mine.start(choice, useSchema.checked ? [{ name: FILE, text: schemaTab.text() }] : undefined, {
         onProgress(octets) {
             progress.style.setProperty("--done", `${(100 * octets) / Math.max(blob.size, 1)}%`);
-            show(false);
+            show();
         },
         onDone(error) {
             progress.hidden = true;
-            show(true);
-            if (error) return tell(error, true);
-            if (mine.messages.length === 0) tell("no message in it", true);
-            mapPane.showLog(mine, selected, true);
+            show();
+            if (error) tell(error, true);
+            else if (mine.messages.length === 0) tell("no message in it", true);
         },
     });
 }
@@ -223,7 +232,7 @@ async function select(index: number): Promise<void> {
     if (!log || index < 0 || index >= log.messages.length) return;
     selected = index;
     list.show(log.messages, selected);
-    await showText(edits.get(index) ?? readEntry(await log.textAt(index))?.message ?? "");
+    await showText(await textAt(index), knownOf(index));
 }
 
 async function openFile(next: File): Promise<void> {
@@ -349,7 +358,7 @@ function fillExamples(): void {
         if (!example) return;
         useSchema.checked = false;
         showInput("message");
-        setText(example.text, { type: example.type ?? AUTO, rules: (example.rules as Rules) ?? "auto" });
+        setText(example.text, { type: AUTO, rules: "auto" });
     });
 }
 

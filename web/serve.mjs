@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Serves build/web on the loopback, compressed as servers do it, and counts what was sent.
+// Serves build/web on the loopback, compressed as servers do it, and counts what was sent: node serve.mjs [PORT]
 import { createServer } from "node:http";
 import { readFile } from "node:fs/promises";
-import { extname, join, normalize } from "node:path";
+import { dirname, extname, join, normalize } from "node:path";
+import { fileURLToPath } from "node:url";
 import { gzipSync } from "node:zlib";
 
 const TYPES = {
@@ -32,4 +33,10 @@ export async function serve(folder, port = 0) {
     });
     await new Promise((resolve) => server.listen(port, "127.0.0.1", resolve));
     return { url: `http://127.0.0.1:${server.address().port}/`, sent, close: () => server.close() };
+}
+
+if (process.argv[1] === fileURLToPath(import.meta.url)) {
+    const folder = join(dirname(fileURLToPath(import.meta.url)), "../build/web");
+    const { url } = await serve(folder, Number(process.argv[2] ?? 8040));
+    console.log(`the page is at ${url} until Ctrl+C`);
 }
