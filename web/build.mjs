@@ -3,7 +3,7 @@
 // taken from where the wasm32 build puts it, or from ORLENTA_PACKAGE.
 import { createHash } from "node:crypto";
 import { cp, mkdir, readdir, readFile, rm, writeFile } from "node:fs/promises";
-import { dirname, join, relative, resolve } from "node:path";
+import { basename, dirname, join, relative, resolve } from "node:path";
 import { fileURLToPath } from "node:url";
 import { build } from "esbuild";
 
@@ -29,8 +29,9 @@ async function buildPage() {
     const out = join(root, "build/web");
     await rm(out, { recursive: true, force: true });
     await mkdir(out, { recursive: true });
-    await build({
+    const { metafile } = await build({
         ...common,
+        metafile: true,
         entryPoints: { main: "src/main.ts", worker: "src/log/worker.ts", style: "src/style.css" },
         absWorkingDir: here,
         outdir: out,
@@ -40,6 +41,12 @@ async function buildPage() {
         legalComments: "none",
     });
     await cp(join(here, "static"), out, { recursive: true });
+    // What main.js imports is asked for along with it.
+    const [, { imports }] = Object.entries(metafile.outputs).find(([file]) => file.endsWith("/main.js"));
+    const chunks = imports.filter(({ kind }) => kind === "import-statement").map(({ path }) => basename(path));
+    const preloads = chunks.map((chunk) => `<link rel="modulepreload" href="${chunk}">`).join("\n");
+    const index = await readFile(join(here, "static/index.html"), "utf8");
+    await writeFile(join(out, "index.html"), index.replace("<!-- chunks -->", preloads));
     await cp(join(library, "wasm"), join(out, "wasm"), { recursive: true });
 
     // The worker that serves the page without a network keeps these files; their contents name its cache.

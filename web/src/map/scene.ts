@@ -42,8 +42,8 @@ export function sceneOf(items: { message: number; features: Features }[], trails
 /** A larger area would leave little to see of what lies in it. Metres. */
 const LARGEST_AREA = 200;
 
-function corners({ at, radius }: Happening): LatLon[] {
-    if (!radius || radius > LARGEST_AREA) return [];
+function corners({ intersections }: Scene, { at, radius }: Happening): LatLon[] {
+    if (!radius || radius > LARGEST_AREA || intersections.length > 0) return [];
     return [-radius, radius].map((metres) => fromMetres({ x: metres, y: metres }, at));
 }
 
@@ -51,7 +51,7 @@ function corners({ at, radius }: Happening): LatLon[] {
 export function placesOf(scene: Scene): LatLon[] {
     return [
         ...scene.stations.flatMap(({ at, history }) => [at, ...history]),
-        ...scene.happenings.flatMap((one) => [one.at, ...corners(one), ...one.traces.flat()]),
+        ...scene.happenings.flatMap((one) => [one.at, ...corners(scene, one), ...one.traces.flat()]),
         ...scene.intersections.flatMap(({ at, lanes }) => [at, ...lanes.flatMap(({ points }) => points)]),
         ...scene.trails.flat(),
     ];

@@ -240,9 +240,11 @@ async function openFile(next: File): Promise<void> {
         const size = Math.round(next.size / 1e6);
         return tell(`${next.name} has ${size} MB: this page takes ${LARGEST_LOG / 1e6} MB. The command orlenta works through any log.`, true);
     }
+    const isTextual = await looksLikeText(next);
+    if (!isTextual && next.size > LONGEST_TEXT) return tell(`${next.name} is no text, and too long for one message`, true);
     forgetLink();
     file = null;
-    if (!(await looksLikeText(next))) {
+    if (!isTextual) {
         input.value = toHex(new Uint8Array(await next.arrayBuffer()));
     } else if (next.size <= LONGEST_TEXT) {
         input.value = await next.text();

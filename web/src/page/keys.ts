@@ -3,7 +3,9 @@
 export function listenToKeys(keys: Record<string, () => void>): void {
     document.addEventListener("keydown", (event) => {
         const target = event.target as HTMLElement;
-        const isTyping = target.matches("input, textarea, select, [contenteditable], button, summary, dialog *");
+        const isTyping =
+            target.matches("input:not([type=range]), textarea, select, [contenteditable], dialog *") ||
+            (event.key === " " && target.matches("button, summary, input"));
         if (event.defaultPrevented || event.ctrlKey || event.metaKey || event.altKey || isTyping) return;
         const work = keys[event.key];
         if (!work) return;

@@ -6,7 +6,7 @@ import { isWithin, joinPath, parsePath, withValueAt } from "../codec/path";
 import { h } from "./dom";
 import { editor } from "./edit";
 import { absentOf, canGrow, childrenOf, type Node, type OpenTypes, rootNode } from "./tree-nodes";
-import { leafText, meaning, shortened, typeText } from "./value-text";
+import { boundsText, leafText, meaning, shortened, typeText } from "./value-text";
 
 export interface Shown {
     typeName: string;
@@ -136,7 +136,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
                 "data-path": node.path,
             },
             h("span", { class: "twisty" }, node.isContainer ? (isOpen(node) ? "▾" : "▸") : ""),
-            h("span", { class: "name" }, node.name),
+            h("span", { class: "name", title: node.type && `${typeText(node.type)} ${boundsText(node.type)}`.trim() }, node.name),
             valueCell(node),
         );
         row.style.setProperty("--depth", String(node.depth));
