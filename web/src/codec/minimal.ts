@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The smallest value of a type, for parts that are added by hand.
-import type { TypeInfo, Value } from "orlenta";
+import type { Codec, TypeInfo, Value } from "orlenta";
 
 const LONGEST_LIST = 64;
 
@@ -44,6 +44,18 @@ export function minimalValue(type: TypeInfo, nested: TypeInfo[] = []): Value {
             const first = type.alternatives?.[0];
             return first ? { [first.name]: minimalValue(first.type, inside) } : {};
         }
+        case "open type": return {}; // fits a SEQUENCE whose components are all optional, as extensions mostly have
         default: return null;
+    }
+}
+
+/** Where a type needs what does not show in it, as open types do, a value that the library makes. */
+export function freshValue(codec: Codec, type: TypeInfo): Value {
+    const value = minimalValue(type);
+    if (!type.name) return value;
+    try {
+        return codec.check(type.name, value) ? codec.random(type.name) : value;
+    } catch {
+        return codec.random(type.name);
     }
 }

@@ -14,7 +14,7 @@ export interface Viewport {
 
 const CLOSEST = 40;
 const FARTHEST = 1e-5;
-const MARGIN = 0.12;
+const MARGIN = 0.08;
 /** A single place is shown with so many metres around it. */
 const AROUND_ONE = 60;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // One message in all its views: octets or text, the tree, the encodings; pointing at one of them lights up the others.
 import type { Bits, Codec, TypeInfo, Value } from "orlenta";
+import { freshValue } from "../codec/minimal";
 import { isWithin, parsePath } from "../codec/path";
 import type { Reading } from "../codec/reading";
 import { isText } from "../codec/types";
@@ -97,7 +98,8 @@ export function createInspector(events: InspectorEvents): Inspector {
         const shown = value ?? (error && reading.info.components ? {} : undefined);
         if (shown === undefined) return tree.show(null);
         const open = openTypes(reading.codec, reading.runs);
-        tree.show({ typeName: reading.type, type: reading.info, value: shown, open, isEditable, error });
+        const fresh = (type: TypeInfo) => freshValue(reading.codec, type);
+        tree.show({ typeName: reading.type, type: reading.info, value: shown, open, fresh, isEditable, error });
     }
 
     function showEncoded(reading: Reading): void {

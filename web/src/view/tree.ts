@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // A value as a tree that can be walked by keys, pointed at and edited.
 import type { TypeInfo, Value } from "orlenta";
-import { minimalValue } from "../codec/minimal";
 import { isWithin, joinPath, parsePath, withValueAt } from "../codec/path";
 import { h } from "./dom";
 import { editor } from "./edit";
@@ -13,6 +12,8 @@ export interface Shown {
     type: TypeInfo;
     value: Value;
     open: OpenTypes;
+    /** A small value of the type, for parts that are added. */
+    fresh(type: TypeInfo): Value;
     isEditable: boolean;
     /** Where something is wrong, and what. */
     error?: { path: string; message: string };
@@ -80,7 +81,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             const path = joinPath(node.path, (node.value as Value[]).length);
             const grow = () => {
                 opened.add(node.path);
-                change(path, minimalValue(element));
+                change(path, shown?.fresh(element));
             };
             return h("button", { class: "act", title: "add an element", tabindex: -1, click: grow }, "+");
         }
@@ -92,7 +93,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             const component = absent.find(({ name }) => name === select.value);
             if (!component) return;
             opened.add(node.path);
-            change(joinPath(node.path, component.name), component.default ?? minimalValue(component.type));
+            change(joinPath(node.path, component.name), component.default ?? shown?.fresh(component.type));
         });
         return select;
     }
@@ -105,7 +106,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         const select = h("select", { class: "value choice", tabindex: -1, title: "alternative" }, ...options);
         select.addEventListener("change", () => {
             const to = alternatives.find(({ name }) => name === select.value);
-            if (to) change(node.path, { [to.name]: minimalValue(to.type) });
+            if (to) change(node.path, { [to.name]: shown?.fresh(to.type) ?? null });
         });
         return select;
     }
