@@ -69,7 +69,9 @@ function laneTypes() {
         const value = "00".repeat(Math.ceil(lower / 8));
         return lower === upper && !isExtensible ? value : { value, length: lower };
     };
-    return Object.fromEntries(["vehicle", "bikeLane", "crosswalk"].map((name) => [name, { [name]: none(bits(laneType, name)) }]));
+    return Object.fromEntries(
+        ["vehicle", "bikeLane", "crosswalk"].map((name) => [name, { [name]: none(bits(laneType, name)) }]),
+    );
 }
 const TYPES = laneTypes();
 
@@ -86,8 +88,14 @@ const to = (arm, signalGroup) => ({ connectingLane: { lane: laneId(arm % 4, "egr
 
 function laneSet() {
     return ARMS.flatMap((_, arm) => [
-        lane(arm, "left", armPoints(arm, LEFT_LANE), "80", "vehicle", [to(arm + 1, leftGroup(arm)), to(arm + 2, straightGroup(arm))]),
-        lane(arm, "right", armPoints(arm, RIGHT_LANE), "80", "vehicle", [to(arm + 2, straightGroup(arm)), to(arm + 3, straightGroup(arm))]),
+        lane(arm, "left", armPoints(arm, LEFT_LANE), "80", "vehicle", [
+            to(arm + 1, leftGroup(arm)),
+            to(arm + 2, straightGroup(arm)),
+        ]),
+        lane(arm, "right", armPoints(arm, RIGHT_LANE), "80", "vehicle", [
+            to(arm + 2, straightGroup(arm)),
+            to(arm + 3, straightGroup(arm)),
+        ]),
         lane(arm, "bicycles", armPoints(arm, BICYCLES).slice(0, 3), "80", "bikeLane"),
         lane(arm, "egress", armPoints(arm, EGRESS), "40", "vehicle"),
         lane(arm, "crosswalk", [onArm(arm, 12, 10), onArm(arm, 12, -5)], "c0", "crosswalk", [
@@ -133,7 +141,9 @@ const spatData = (step) => ({
             timeStamp: 20_000 + step * 500,
             states: PROGRAMME[Math.floor(step / 6) % PROGRAMME.length].map((eventState, i) => ({
                 signalGroup: i + 1,
-                "state-time-speed": [{ eventState, timing: { minEndTime: 30 * 10 + step * 5, likelyTime: 30 * 10 + step * 5 + 20 } }],
+                "state-time-speed": [
+                    { eventState, timing: { minEndTime: 30 * 10 + step * 5, likelyTime: 30 * 10 + step * 5 + 20 } },
+                ],
             })),
         },
     ],
@@ -166,10 +176,38 @@ const stopping = (start, step, count) => rolling(start, step, count).map((distan
 
 const STEPS = 24;
 const TRAVELLERS = [
-    { id: 1001, type: 5, speed: 11.2, length: 44, width: 18, way: journey(NORTH, RIGHT_LANE, SOUTH, rolling(68, 5.6, STEPS)) },
-    { id: 1002, type: 5, speed: 10, length: 41, width: 18, way: journey(SOUTH, RIGHT_LANE, NORTH, rolling(69, 5.0, STEPS)) },
-    { id: 1003, type: 8, speed: 7.6, length: 120, width: 25, way: journey(EAST, RIGHT_LANE, WEST, stopping(60, 3.8, STEPS)) },
-    { id: 1004, type: 5, speed: 8.8, length: 46, width: 19, way: journey(WEST, LEFT_LANE, NORTH, stopping(68, 4.4, STEPS)) },
+    {
+        id: 1001,
+        type: 5,
+        speed: 11.2,
+        length: 44,
+        width: 18,
+        way: journey(NORTH, RIGHT_LANE, SOUTH, rolling(68, 5.6, STEPS)),
+    },
+    {
+        id: 1002,
+        type: 5,
+        speed: 10,
+        length: 41,
+        width: 18,
+        way: journey(SOUTH, RIGHT_LANE, NORTH, rolling(69, 5.0, STEPS)),
+    },
+    {
+        id: 1003,
+        type: 8,
+        speed: 7.6,
+        length: 120,
+        width: 25,
+        way: journey(EAST, RIGHT_LANE, WEST, stopping(60, 3.8, STEPS)),
+    },
+    {
+        id: 1004,
+        type: 5,
+        speed: 8.8,
+        length: 46,
+        width: 19,
+        way: journey(WEST, LEFT_LANE, NORTH, stopping(68, 4.4, STEPS)),
+    },
 ];
 
 function bearing(a, b) {
@@ -179,7 +217,8 @@ function bearing(a, b) {
 
 function headingAt(way, i) {
     for (let from = Math.max(i - 1, 0); from >= 0; from--)
-        if (Math.hypot(way[from + 1].x - way[from].x, way[from + 1].y - way[from].y) > 0.2) return bearing(way[from], way[from + 1]);
+        if (Math.hypot(way[from + 1].x - way[from].x, way[from + 1].y - way[from].y) > 0.2)
+            return bearing(way[from], way[from + 1]);
     return bearing(way[0], way[1]);
 }
 
@@ -218,9 +257,15 @@ function camOf({ id, type, speed, length, width, way }, i, withHistory) {
                         heading: { headingValue: Math.round(headingAt(way, i) * 10) % 3600, headingConfidence: 10 },
                         speed: { speedValue: moves || i === 0 ? Math.round(speed * 100) : 0, speedConfidence: 5 },
                         driveDirection: "forward",
-                        vehicleLength: { vehicleLengthValue: length, vehicleLengthConfidenceIndication: "noTrailerPresent" },
+                        vehicleLength: {
+                            vehicleLengthValue: length,
+                            vehicleLengthConfidenceIndication: "noTrailerPresent",
+                        },
                         vehicleWidth: width,
-                        longitudinalAcceleration: { longitudinalAccelerationValue: 2, longitudinalAccelerationConfidence: 10 },
+                        longitudinalAcceleration: {
+                            longitudinalAccelerationValue: 2,
+                            longitudinalAccelerationConfidence: 10,
+                        },
                         curvature: { curvatureValue: 0, curvatureConfidence: "onePerMeter-0-002" },
                         curvatureCalculationMode: "yawRateUsed",
                         yawRate: { yawRateValue: 12, yawRateConfidence: "degSec-000-05" },
@@ -258,7 +303,10 @@ const denm = {
         location: {
             traces: [
                 [44, 26, 8].map((along, i, all) => {
-                    const from = place(CROSSING_EU, i === 0 ? onLane(WEST, 66, EGRESS - 4) : onLane(WEST, all[i - 1], EGRESS));
+                    const from = place(
+                        CROSSING_EU,
+                        i === 0 ? onLane(WEST, 66, EGRESS - 4) : onLane(WEST, all[i - 1], EGRESS),
+                    );
                     const there = place(CROSSING_EU, onLane(WEST, along, EGRESS));
                     return {
                         pathPosition: {
@@ -274,14 +322,18 @@ const denm = {
 };
 
 function crossingLog() {
-    const lines = ["# a crossing in Europe: MAPEM, SPATEM, CAM of four vehicles, and a DENM; seconds before each message"];
+    const lines = [
+        "# a crossing in Europe: MAPEM, SPATEM, CAM of four vehicles, and a DENM; seconds before each message",
+    ];
     const add = (seconds, type, value) => lines.push(`${seconds.toFixed(3)} ${hex(type, value)}`);
     const header = (messageID) => ({ protocolVersion: 2, messageID, stationID: 900 });
     add(20, "EU.MAPEM", { header: header(5), map: mapData(CROSSING_EU, "Ring and Mill Road") });
     for (let step = 0; step < STEPS; step++) {
         const now = 20 + step / 2;
         add(now + 0.01, "EU.SPATEM", { header: header(4), spat: spatData(step) });
-        TRAVELLERS.forEach((traveller, i) => add(now + 0.05 + i * 0.08, "EU.CAM", camOf(traveller, step, step % 4 === 3)));
+        TRAVELLERS.forEach((traveller, i) =>
+            add(now + 0.05 + i * 0.08, "EU.CAM", camOf(traveller, step, step % 4 === 3)),
+        );
         if (step === 8) add(now + 0.42, "EU.DENM", denm);
     }
     return lines.join("\n");
@@ -315,11 +367,16 @@ function bsmUs() {
                 accuracy: { semiMajor: 30, semiMinor: 22, orientation: 9000 },
                 transmission: "forwardGears",
                 speed: 610,
-                heading: Math.round((ARMS[SOUTH] / 0.0125)),
+                heading: Math.round(ARMS[SOUTH] / 0.0125),
                 angle: 0,
                 accelSet: { long: -35, lat: 4, vert: 0, yaw: 60 },
                 brakes: {
-                    wheelBrakes: "78", traction: "on", abs: "on", scs: "on", brakeBoost: "off", auxBrakes: "off",
+                    wheelBrakes: "78",
+                    traction: "on",
+                    abs: "on",
+                    scs: "on",
+                    brakeBoost: "off",
+                    auxBrakes: "off",
                 },
                 size: { width: 190, length: 480 },
             },
@@ -359,13 +416,17 @@ function mapCn() {
             {
                 laneID: 1,
                 laneWidth: 340,
-                connectsTo: [{ remoteIntersection: id((arm + 1) % 4), connectingLane: { lane: 1 }, phaseId: leftGroup(arm) }],
+                connectsTo: [
+                    { remoteIntersection: id((arm + 1) % 4), connectingLane: { lane: 1 }, phaseId: leftGroup(arm) },
+                ],
                 points: inbound(arm, LEFT_LANE),
             },
             {
                 laneID: 2,
                 laneWidth: 340,
-                connectsTo: [{ remoteIntersection: id((arm + 2) % 4), connectingLane: { lane: 1 }, phaseId: straightGroup(arm) }],
+                connectsTo: [
+                    { remoteIntersection: id((arm + 2) % 4), connectingLane: { lane: 1 }, phaseId: straightGroup(arm) },
+                ],
                 points: inbound(arm, RIGHT_LANE),
             },
         ],
@@ -375,14 +436,22 @@ function mapCn() {
         const offset = (where) => {
             const there = place(CROSSING_CN, where);
             return {
-                posOffset: { offsetLL: { "position-LL6": { lon: units(there.lon - at.lon), lat: units(there.lat - at.lat) } } },
+                posOffset: {
+                    offsetLL: { "position-LL6": { lon: units(there.lon - at.lon), lat: units(there.lat - at.lat) } },
+                },
             };
         };
         return {
             name: `arm ${arm + 1}`,
             id: id(arm),
             refPos: { lat: units(at.lat), lon: units(at.lon) },
-            inLinks: [{ upstreamNodeId: middle, linkWidth: 340, lanes: [{ laneID: 1, points: armPoints(arm, EGRESS).map(offset) }] }],
+            inLinks: [
+                {
+                    upstreamNodeId: middle,
+                    linkWidth: 340,
+                    lanes: [{ laneID: 1, points: armPoints(arm, EGRESS).map(offset) }],
+                },
+            ],
         };
     };
     const nodes = [

@@ -25,7 +25,10 @@ export async function serve(folder, port = 0) {
             if (!packed.has(name)) packed.set(name, gzipSync(await readFile(join(folder, name)), { level: 9 }));
             const body = packed.get(name);
             sent.set(name, body.length);
-            response.writeHead(200, { "content-type": TYPES[extname(name)] ?? "application/octet-stream", "content-encoding": "gzip" });
+            response.writeHead(200, {
+                "content-type": TYPES[extname(name)] ?? "application/octet-stream",
+                "content-encoding": "gzip",
+            });
             response.end(body);
         } catch {
             response.writeHead(404).end();

@@ -21,7 +21,9 @@ const CACHE = `orlenta-${VERSION}`;
 
 async function dropOld(): Promise<void> {
     const names = await caches.keys();
-    await Promise.all(names.filter((name) => name.startsWith("orlenta-") && name !== CACHE).map((name) => caches.delete(name)));
+    await Promise.all(
+        names.filter((name) => name.startsWith("orlenta-") && name !== CACHE).map((name) => caches.delete(name)),
+    );
     await worker.clients.claim();
 }
 

@@ -42,7 +42,11 @@ async function open(fragment = "", size = { width: 1280, height: 820 }) {
     const page = await context.newPage();
     page.on("pageerror", (error) => surprises.push(error.message));
     page.on("request", (request) => {
-        if (!request.url().startsWith(site.url) && !request.url().startsWith("blob:") && !request.url().startsWith("data:"))
+        if (
+            !request.url().startsWith(site.url) &&
+            !request.url().startsWith("blob:") &&
+            !request.url().startsWith("data:")
+        )
             surprises.push(`asked for ${request.url()}`);
     });
     await page.setViewport(size);
@@ -56,21 +60,30 @@ const row = (path) => `#tree .row[data-path="${path}"]`;
 const textOf = (page, selector) => page.$eval(selector, (element) => element.textContent);
 
 async function type(page, text) {
-    await page.$eval("#input", (input, value) => {
-        input.value = value;
-        input.dispatchEvent(new Event("input"));
-    }, text);
+    await page.$eval(
+        "#input",
+        (input, value) => {
+            input.value = value;
+            input.dispatchEvent(new Event("input"));
+        },
+        text,
+    );
 }
 const settled = (page, note) =>
     page.waitForFunction((part) => document.querySelector("#note").textContent.includes(part), PATIENCE, note);
 const example = async (page, name) => {
-    const value = await page.$$eval("#examples option", (all, part) => all.find(({ textContent }) => textContent.includes(part)).value, name);
+    const value = await page.$$eval(
+        "#examples option",
+        (all, part) => all.find(({ textContent }) => textContent.includes(part)).value,
+        name,
+    );
     await page.select("#examples", value);
 };
-const hexOf = (page) =>
-    page.$$eval("#hex .octet", (cells) => cells.map(({ textContent }) => textContent).join(""));
+const hexOf = (page) => page.$$eval("#hex .octet", (cells) => cells.map(({ textContent }) => textContent).join(""));
 const litOctets = (page) =>
-    page.$$eval("#hex .octet", (cells) => cells.flatMap(({ style }, i) => (style.backgroundImage.includes("--lit") ? [i] : [])));
+    page.$$eval("#hex .octet", (cells) =>
+        cells.flatMap(({ style }, i) => (style.backgroundImage.includes("--lit") ? [i] : [])),
+    );
 
 const CAM = "EU.CAM";
 const STATION = "header.stationID";
@@ -88,7 +101,10 @@ test("the first message: found by itself, light in weight, lit both ways", async
     const times = `${Math.round(duration)} ms, of which ${Math.round(TaskDuration * 1000)} ms in the page`;
     console.log(`first message: ${Math.round(weight / 1024)} KB, ${times}`);
     assert.ok(weight < 400 * 1024, `${weight} octets`);
-    assert.deepEqual([...site.sent.keys()].filter((name) => name.endsWith(".wasm")), ["/wasm/eu.wasm"]);
+    assert.deepEqual(
+        [...site.sent.keys()].filter((name) => name.endsWith(".wasm")),
+        ["/wasm/eu.wasm"],
+    );
     await settled(page, `${CAM} · UPER`);
 
     await page.hover(`${row(STATION)} .name`);
@@ -135,7 +151,8 @@ test("edits: numbers, choices, optional parts and lists, and all encodings follo
         const before = await hexOf(page);
         await work();
         await page.waitForFunction(
-            (old) => [...document.querySelectorAll("#hex .octet")].map(({ textContent }) => textContent).join("") !== old,
+            (old) =>
+                [...document.querySelectorAll("#hex .octet")].map(({ textContent }) => textContent).join("") !== old,
             PATIENCE,
             before,
         );
@@ -152,14 +169,24 @@ test("edits: numbers, choices, optional parts and lists, and all encodings follo
 
     assert.equal(fastOf(await changed(() => edit(SPEED, "1234"))).speed.speedValue, 1234);
     await page.click(`${row(`${fast}.driveDirection`)} .value`);
-    assert.equal(fastOf(await changed(() => page.select(`${row(`${fast}.driveDirection`)} select`, "backward"))).driveDirection, "backward");
+    assert.equal(
+        fastOf(await changed(() => page.select(`${row(`${fast}.driveDirection`)} select`, "backward"))).driveDirection,
+        "backward",
+    );
     const grown = await changed(() => page.select(`${row(fast)} select.act`, "steeringWheelAngle"));
     assert.ok(fastOf(grown).steeringWheelAngle);
     const angle = `${row(`${fast}.steeringWheelAngle`)} button[title="take out"]`;
-    assert.equal(fastOf(await changed(() => page.$eval(angle, (button) => button.click()))).steeringWheelAngle, undefined);
-    const points = (value) => value.cam.camParameters.lowFrequencyContainer.basicVehicleContainerLowFrequency.pathHistory.length;
+    assert.equal(
+        fastOf(await changed(() => page.$eval(angle, (button) => button.click()))).steeringWheelAngle,
+        undefined,
+    );
+    const points = (value) =>
+        value.cam.camParameters.lowFrequencyContainer.basicVehicleContainerLowFrequency.pathHistory.length;
     const before = points(await decoded());
-    assert.equal(points(await changed(() => page.$eval(`${row(history)} button.act`, (button) => button.click()))), before + 1);
+    assert.equal(
+        points(await changed(() => page.$eval(`${row(history)} button.act`, (button) => button.click()))),
+        before + 1,
+    );
 
     // Beyond its bounds a number is not taken.
     await page.click(`${row(SPEED)} .value`);
@@ -168,9 +195,14 @@ test("edits: numbers, choices, optional parts and lists, and all encodings follo
     await page.keyboard.press("Escape");
 
     await page.click("#tab-encodings");
-    const shown = await page.$$eval("#encodings details", (all) => all.map((one) => [one.dataset.rules, one.querySelector(".size").textContent]));
+    const shown = await page.$$eval("#encodings details", (all) =>
+        all.map((one) => [one.dataset.rules, one.querySelector(".size").textContent]),
+    );
     const value = await decoded();
-    const expected = ["uper", "aper", "oer", "ber", "der"].map((rules) => [rules, `${orlenta.encode(CAM, value, rules).length} B`]);
+    const expected = ["uper", "aper", "oer", "ber", "der"].map((rules) => [
+        rules,
+        `${orlenta.encode(CAM, value, rules).length} B`,
+    ]);
     assert.deepEqual(shown.slice(0, 5), expected);
     assert.equal(shown.length, 8);
     await page.$eval("#encodings details[data-rules=xer]", (details) => (details.open = true));
@@ -200,13 +232,18 @@ test("a schema of one's own", async () => {
     await page.waitForSelector("#editor .cm-lint-marker-error", PATIENCE);
     await shoot(page, "4-schema-error");
 
-    await write("M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nA ::= SEQUENCE { a INTEGER (0..7), b Colour }\nColour ::= ENUMERATED { red, green }\nEND\n");
+    await write(
+        "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nA ::= SEQUENCE { a INTEGER (0..7), b Colour }\nColour ::= ENUMERATED { red, green }\nEND\n",
+    );
     await page.waitForFunction(() => document.querySelector("#problems").textContent.includes("2 types"), PATIENCE);
     await page.click("#use-schema");
     await page.click("#tab-message");
     await type(page, "b0");
     await settled(page, "A · UPER · 1 octets");
-    assert.deepEqual(await page.$$eval("#tree .row:not([aria-expanded]) .value", (all) => all.map(({ textContent }) => textContent)), ["5", "green"]);
+    assert.deepEqual(
+        await page.$$eval("#tree .row:not([aria-expanded]) .value", (all) => all.map(({ textContent }) => textContent)),
+        ["5", "green"],
+    );
     await shoot(page, "5-schema-used");
 
     await page.click("#copy-link");
@@ -221,12 +258,20 @@ test("maps: EU, US and CN, and the time of a log", async () => {
     await page.click("#tab-map");
     const count = (selector) => page.$$eval(`#map ${selector}`, (all) => all.length);
     const at = async (moment) => {
-        await page.$eval("#moment", (slider, value) => {
-            slider.value = value;
-            slider.dispatchEvent(new Event("input"));
-        }, String(moment));
+        await page.$eval(
+            "#moment",
+            (slider, value) => {
+                slider.value = value;
+                slider.dispatchEvent(new Event("input"));
+            },
+            String(moment),
+        );
         await page.waitForSelector(`.message.current[aria-selected=true]`, PATIENCE);
-        await page.waitForFunction((text) => document.querySelector("#moment-text").textContent.startsWith(text), PATIENCE, `${moment + 1} of`);
+        await page.waitForFunction(
+            (text) => document.querySelector("#moment-text").textContent.startsWith(text),
+            PATIENCE,
+            `${moment + 1} of`,
+        );
         await new Promise((done) => setTimeout(done, 300));
     };
     await example(page, "Europe: MAPEM");
@@ -247,7 +292,10 @@ test("maps: EU, US and CN, and the time of a log", async () => {
     await shoot(page, "7-wide");
     await page.setViewport({ width: 1280, height: 820 });
 
-    for (const [name, shot] of [["US", "8-map-us"], ["China", "9-map-cn"]]) {
+    for (const [name, shot] of [
+        ["US", "8-map-us"],
+        ["China", "9-map-cn"],
+    ]) {
         await example(page, `${name}: MAP`);
         await settled(page, name === "US" ? "US.MessageFrame" : "CN.MessageFrame");
         await page.waitForSelector("#progress", { ...PATIENCE, hidden: true });
@@ -261,7 +309,10 @@ test("maps: EU, US and CN, and the time of a log", async () => {
 
 test("a link shows the same to a colleague", async () => {
     const page = await open();
-    await type(page, Buffer.from(orlenta.encode("US.MessageFrame", orlenta.random("US.MessageFrame", 3))).toString("hex"));
+    await type(
+        page,
+        Buffer.from(orlenta.encode("US.MessageFrame", orlenta.random("US.MessageFrame", 3))).toString("hex"),
+    );
     await settled(page, "US.MessageFrame");
     await page.click("#copy-link");
     await page.waitForFunction(() => location.hash.includes("m="), PATIENCE);
@@ -296,9 +347,15 @@ test("a log of 20 MB leaves the page alive; one of more than 200 MB is refused",
     await shoot(page, "10-big-log");
     await page.waitForSelector("#progress", { timeout: 240_000, hidden: true });
     const count = Math.ceil(20e6 / line.length);
-    await page.waitForFunction((end) => document.querySelector("#moment-text").textContent.includes(`of ${end}`), PATIENCE, count);
+    await page.waitForFunction(
+        (end) => document.querySelector("#moment-text").textContent.includes(`of ${end}`),
+        PATIENCE,
+        count,
+    );
     const longest = await page.evaluate(() => window.longest);
-    console.log(`log of 20 MB: ${count} messages in ${((Date.now() - start) / 1000).toFixed(1)} s, longest frame ${Math.round(longest)} ms`);
+    console.log(
+        `log of 20 MB: ${count} messages in ${((Date.now() - start) / 1000).toFixed(1)} s, longest frame ${Math.round(longest)} ms`,
+    );
     await rm(file);
 
     await page.evaluate(() => {
@@ -313,7 +370,9 @@ test("a log of 20 MB leaves the page alive; one of more than 200 MB is refused",
 test("dark, narrow, and without a network", async () => {
     const page = await open("", { width: 390, height: 844, isMobile: true, hasTouch: true });
     await page.emulateMediaFeatures([{ name: "prefers-color-scheme", value: "dark" }]);
-    const overflow = await page.evaluate(() => document.documentElement.scrollWidth - document.documentElement.clientWidth);
+    const overflow = await page.evaluate(
+        () => document.documentElement.scrollWidth - document.documentElement.clientWidth,
+    );
     assert.equal(overflow, 0, "nothing to scroll to the side");
     await shoot(page, "11-phone-dark");
     await page.evaluate(() => navigator.serviceWorker.ready);

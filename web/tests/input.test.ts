@@ -21,7 +21,12 @@ test("bytes in all forms that people paste", () => {
     ];
     for (const [text, expected] of rows)
         if (typeof expected === "string") assert.equal(toHex(readBytes(text)), expected, text);
-        else assert.throws(() => readBytes(text), (error: InputError) => error.position === expected.at, text);
+        else
+            assert.throws(
+                () => readBytes(text),
+                (error: InputError) => error.position === expected.at,
+                text,
+            );
 });
 
 test("what a text is, and the lines of a log", () => {
@@ -53,7 +58,13 @@ test("what a text is, and the lines of a log", () => {
 
 test("a log in pieces", () => {
     const bytes = new TextEncoder().encode("ab\ncd\nef");
-    assert.deepEqual(splitLines(bytes, false), { lines: [{ start: 0, end: 2 }, { start: 3, end: 5 }], rest: 2 });
+    assert.deepEqual(splitLines(bytes, false), {
+        lines: [
+            { start: 0, end: 2 },
+            { start: 3, end: 5 },
+        ],
+        rest: 2,
+    });
     assert.deepEqual(splitLines(bytes, true).lines[2], { start: 6, end: 8 });
 });
 
@@ -63,7 +74,8 @@ test("links carry bytes, text and a schema, and survive what is none", async () 
         { type: "A", rules: "jer" as const, data: '{"ä":1}', schema: "A DEFINITIONS ::= BEGIN END" },
     ];
     for (const row of rows) assert.deepEqual(await fromFragment(await toFragment(row)), row);
-    for (const fragment of ["", "#top", "#t=A&x=%%%", "#m=*"]) assert.equal(await fromFragment(fragment), null, fragment);
+    for (const fragment of ["", "#top", "#t=A&x=%%%", "#m=*"])
+        assert.equal(await fromFragment(fragment), null, fragment);
 });
 
 test("what the first octets of a message show", () => {

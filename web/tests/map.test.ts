@@ -11,7 +11,8 @@ const AT = { lat: 520_000_000, lon: 100_000_000 };
 const ORIGIN = { lat: 52, lon: 10 };
 
 /** In units of 10^-7 degrees from AT. */
-const offsets = (places: LatLon[]) => places.map(({ lat, lon }) => [Math.round(lat * 1e7) - AT.lat, Math.round(lon * 1e7) - AT.lon]);
+const offsets = (places: LatLon[]) =>
+    places.map(({ lat, lon }) => [Math.round(lat * 1e7) - AT.lat, Math.round(lon * 1e7) - AT.lon]);
 /** In metres, rounded to centimetres. */
 const metres = (places: LatLon[]) =>
     places.map((place) => {
@@ -20,7 +21,9 @@ const metres = (places: LatLon[]) =>
     });
 
 test("histories: EU relative to the point before, US and CN to the vehicle", () => {
-    const delta = (lat: number, lon: number) => ({ pathPosition: { deltaLatitude: lat, deltaLongitude: lon, deltaAltitude: 0 } });
+    const delta = (lat: number, lon: number) => ({
+        pathPosition: { deltaLatitude: lat, deltaLongitude: lon, deltaAltitude: 0 },
+    });
     const crumb = (lat: number, lon: number) => ({ latOffset: lat, lonOffset: lon });
     const offset = (lat: number, lon: number) => ({ llvOffset: { offsetLL: { "position-LL1": { lat, lon } } } });
     const eu: Value = {
@@ -29,10 +32,15 @@ test("histories: EU relative to the point before, US and CN to the vehicle", () 
             camParameters: {
                 basicContainer: { stationType: 5, referencePosition: { latitude: AT.lat, longitude: AT.lon } },
                 highFrequencyContainer: {
-                    basicVehicleContainerHighFrequency: { heading: { headingValue: 905 }, speed: { speedValue: 16383 } },
+                    basicVehicleContainerHighFrequency: {
+                        heading: { headingValue: 905 },
+                        speed: { speedValue: 16383 },
+                    },
                 },
                 lowFrequencyContainer: {
-                    basicVehicleContainerLowFrequency: { pathHistory: [delta(10, 20), delta(1, 2), delta(131072, 0), delta(1, 1)] },
+                    basicVehicleContainerLowFrequency: {
+                        pathHistory: [delta(10, 20), delta(1, 2), delta(131072, 0), delta(1, 1)],
+                    },
                 },
             },
         },
@@ -41,7 +49,9 @@ test("histories: EU relative to the point before, US and CN to the vehicle", () 
         messageId: 20,
         value: {
             coreData: { id: "aa", lat: AT.lat, long: AT.lon, heading: 28800, speed: 50 },
-            partII: [{ "partII-Id": 0, "partII-Value": { pathHistory: { crumbData: [crumb(10, 20), crumb(11, 22)] } } }],
+            partII: [
+                { "partII-Id": 0, "partII-Value": { pathHistory: { crumbData: [crumb(10, 20), crumb(11, 22)] } } },
+            ],
         },
     };
     const cn: Value = {
@@ -61,13 +71,23 @@ test("histories: EU relative to the point before, US and CN to the vehicle", () 
     for (const [value, key, heading, speed] of rows) {
         const [station] = featuresOf(value).stations;
         assert.deepEqual([station.key, station.heading, station.speed], [key, heading, speed]);
-        assert.deepEqual(offsets(station.history), [[10, 20], [11, 22]], key);
+        assert.deepEqual(
+            offsets(station.history),
+            [
+                [10, 20],
+                [11, 22],
+            ],
+            key,
+        );
     }
 });
 
 test("places of types that nobody knows", () => {
     const value: Value = { a: [{ where: { latitude: AT.lat, longitude: AT.lon } }], b: { lat: 900000001, lon: 0 } };
-    assert.deepEqual(featuresOf(value).stations.map(({ path }) => path), ["a[0].where"]);
+    assert.deepEqual(
+        featuresOf(value).stations.map(({ path }) => path),
+        ["a[0].where"],
+    );
 });
 
 const lane = (id: number, nodeList: Value, rest: Value = {}): Value => ({
@@ -91,25 +111,49 @@ test("lanes of MAPEM: nodes one from the other, places, computed lanes; lights b
                         lane(1, nodes({ "node-XY1": { x: 100, y: 200 } }, { "node-XY6": { x: 0, y: 1000 } }), {
                             connectsTo: [{ connectingLane: { lane: 2 }, signalGroup: 4 }],
                         }),
-                        lane(2, nodes({ "node-LatLon": { lat: AT.lat + 1000, lon: AT.lon } }, { "node-XY1": { x: 0, y: 100 } })),
-                        lane(3, { computed: { referenceLaneId: 1, offsetXaxis: { small: 300 }, offsetYaxis: { large: 0 } } }),
+                        lane(
+                            2,
+                            nodes(
+                                { "node-LatLon": { lat: AT.lat + 1000, lon: AT.lon } },
+                                { "node-XY1": { x: 0, y: 100 } },
+                            ),
+                        ),
+                        lane(3, {
+                            computed: { referenceLaneId: 1, offsetXaxis: { small: 300 }, offsetYaxis: { large: 0 } },
+                        }),
                     ],
                 },
             ],
         },
     };
     const spat = (eventState: string): Value => ({
-        spat: { intersections: [{ id: { region: 1, id: 2 }, states: [{ signalGroup: 4, "state-time-speed": [{ eventState }] }] }] },
+        spat: {
+            intersections: [
+                { id: { region: 1, id: 2 }, states: [{ signalGroup: 4, "state-time-speed": [{ eventState }] }] },
+            ],
+        },
     });
     const features = featuresOf(map);
     const [{ lanes }] = features.intersections;
-    assert.deepEqual(metres(lanes[0].points), [[1, 2], [1, 12]]);
-    assert.deepEqual(metres(lanes[1].points), [[0, 11.13], [0, 12.13]]);
-    assert.deepEqual(metres(lanes[2].points), [[4, 2], [4, 12]]);
+    assert.deepEqual(metres(lanes[0].points), [
+        [1, 2],
+        [1, 12],
+    ]);
+    assert.deepEqual(metres(lanes[1].points), [
+        [0, 11.13],
+        [0, 12.13],
+    ]);
+    assert.deepEqual(metres(lanes[2].points), [
+        [4, 2],
+        [4, 12],
+    ]);
     assert.deepEqual([lanes[0].isIngress, lanes[0].isEgress, lanes[1].isEgress], [true, false, true]);
 
     const lights = ["stop-And-Remain", "protected-Movement-Allowed", "pre-Movement", "dark"].map((state, i) => {
-        const scene = sceneOf([{ message: 0, features }, { message: i + 1, features: featuresOf(spat(state)) }]);
+        const scene = sceneOf([
+            { message: 0, features },
+            { message: i + 1, features: featuresOf(spat(state)) },
+        ]);
         return signalOf(scene, scene.intersections[0].key, lanes[0].connections[0].signalGroup)?.light;
     });
     assert.deepEqual(lights, ["red", "green", "amber", "dark"]);
@@ -130,7 +174,11 @@ test("lanes of CN: offsets from the node, phases of the movement, and lanes besi
                             points: [point(2000, 0), point(1000, 0)],
                             movements: [{ remoteIntersection: { id: 3 }, phaseId: 6 }],
                             lanes: [
-                                { laneID: 1, points: [point(2000, 10), point(1000, 10)], connectsTo: [{ remoteIntersection: { id: 3 } }] },
+                                {
+                                    laneID: 1,
+                                    points: [point(2000, 10), point(1000, 10)],
+                                    connectsTo: [{ remoteIntersection: { id: 3 } }],
+                                },
                                 { laneID: 2 },
                             ],
                         },
@@ -140,22 +188,42 @@ test("lanes of CN: offsets from the node, phases of the movement, and lanes besi
         },
     };
     const [{ lanes }] = featuresOf(map).intersections;
-    assert.deepEqual(offsets(lanes[0].points), [[1000, 10], [2000, 10]], "the stop line comes first");
+    assert.deepEqual(
+        offsets(lanes[0].points),
+        [
+            [1000, 10],
+            [2000, 10],
+        ],
+        "the stop line comes first",
+    );
     assert.equal(lanes[0].connections[0].signalGroup, 6);
-    assert.deepEqual(metres(lanes[1].points).map(([x]) => x), [-2, -2], "to the right of traffic that goes south");
+    assert.deepEqual(
+        metres(lanes[1].points).map(([x]) => x),
+        [-2, -2],
+        "to the right of traffic that goes south",
+    );
 });
 
 test("the newest message of each station counts", () => {
     const at = (lat: number): Value => ({ coreData: { id: "aa", lat, long: 0 } });
     const items = [1, 2].map((degrees, message) => ({ message, features: featuresOf(at(degrees * 1e7)) }));
     const { stations } = sceneOf(items);
-    assert.deepEqual(stations.map(({ message, at: { lat } }) => [message, lat]), [[1, 2]]);
+    assert.deepEqual(
+        stations.map(({ message, at: { lat } }) => [message, lat]),
+        [[1, 2]],
+    );
 });
 
 test("a view shows all, and zooms about the pointer", () => {
     const empty = { centre: { x: 0, y: 0 }, scale: 1, width: 400, height: 200 };
-    const view = fit(empty, [{ x: -100, y: 0 }, { x: 300, y: 50 }]);
-    for (const corner of [{ x: -100, y: 0 }, { x: 300, y: 50 }]) {
+    const view = fit(empty, [
+        { x: -100, y: 0 },
+        { x: 300, y: 50 },
+    ]);
+    for (const corner of [
+        { x: -100, y: 0 },
+        { x: 300, y: 50 },
+    ]) {
         const { x, y } = toScreen(view, corner);
         assert.ok(x > 0 && x < 400 && y > 0 && y < 200);
     }

@@ -12,7 +12,10 @@ const plain = { isExtensible: false };
 
 test("paths and the values at them", () => {
     assert.deepEqual(parsePath("a.b-c[3][0].d"), ["a", "b-c", 3, 0, "d"]);
-    assert.deepEqual(["a", "a.b", "a[0]", "ab"].map((path) => isWithin(path, "a")), [true, true, true, false]);
+    assert.deepEqual(
+        ["a", "a.b", "a[0]", "ab"].map((path) => isWithin(path, "a")),
+        [true, true, true, false],
+    );
     const value: Value = { a: { b: [1, 2, 3] }, c: 4 };
     const rows: [path: string, part: Value | undefined, after: Value][] = [
         ["a.b[1]", 9, { a: { b: [1, 9, 3] }, c: 4 }],

@@ -112,7 +112,9 @@ const BY_NAME: Record<string, string> = {
 
 export function typeOfText(text: string): string | null {
     const start = text.slice(0, 4000);
-    for (const [, quoted, tag, plain] of start.matchAll(/"([\w-]+)"\s*:|<([\w-]+)>|[{,\s]([a-z][\w-]*)\s*(?=[\s:{])/g)) {
+    for (const [, quoted, tag, plain] of start.matchAll(
+        /"([\w-]+)"\s*:|<([\w-]+)>|[{,\s]([a-z][\w-]*)\s*(?=[\s:{])/g,
+    )) {
         const type = BY_NAME[quoted ?? tag ?? plain];
         if (type) return type;
     }

@@ -20,19 +20,32 @@ export function minimalValue(type: TypeInfo, nested: TypeInfo[] = []): Value {
     if (nested.includes(type)) return null;
     const inside = [...nested, type];
     switch (type.kind) {
-        case "BOOLEAN": return false;
-        case "INTEGER": return integer(type);
-        case "REAL": return 0;
-        case "ENUMERATED": return type.items?.[0]?.name ?? "";
-        case "BIT STRING": return bitString(type);
-        case "OCTET STRING": return "00".repeat(Number(type.lower ?? 0));
-        case "OBJECT IDENTIFIER": return "1.0";
-        case "RELATIVE-OID": return "0";
-        case "string": return (type.stringType === "NumericString" ? "0" : "A").repeat(Number(type.lower ?? 0));
+        case "BOOLEAN":
+            return false;
+        case "INTEGER":
+            return integer(type);
+        case "REAL":
+            return 0;
+        case "ENUMERATED":
+            return type.items?.[0]?.name ?? "";
+        case "BIT STRING":
+            return bitString(type);
+        case "OCTET STRING":
+            return "00".repeat(Number(type.lower ?? 0));
+        case "OBJECT IDENTIFIER":
+            return "1.0";
+        case "RELATIVE-OID":
+            return "0";
+        case "string":
+            return (type.stringType === "NumericString" ? "0" : "A").repeat(Number(type.lower ?? 0));
         case "SEQUENCE":
         case "SET": {
-            const needed = (type.components ?? []).filter(({ presence, isAddition }) => presence === "mandatory" && !isAddition);
-            return Object.fromEntries(needed.map((component) => [component.name, minimalValue(component.type, inside)]));
+            const needed = (type.components ?? []).filter(
+                ({ presence, isAddition }) => presence === "mandatory" && !isAddition,
+            );
+            return Object.fromEntries(
+                needed.map((component) => [component.name, minimalValue(component.type, inside)]),
+            );
         }
         case "SEQUENCE OF":
         case "SET OF": {
@@ -44,8 +57,10 @@ export function minimalValue(type: TypeInfo, nested: TypeInfo[] = []): Value {
             const first = type.alternatives?.[0];
             return first ? { [first.name]: minimalValue(first.type, inside) } : {};
         }
-        case "open type": return {}; // fits a SEQUENCE whose components are all optional, as extensions mostly have
-        default: return null;
+        case "open type":
+            return {}; // fits a SEQUENCE whose components are all optional, as extensions mostly have
+        default:
+            return null;
     }
 }
 

@@ -80,7 +80,8 @@ function rulesFor(codec: Codec, type: string, data: Uint8Array): BinaryRules {
  * is, decoding shows.
  */
 export function likeBefore(before: Message, text: string, choice: Choice): Message | null {
-    if (typeof before.data === "string" || textRules(text) || before.rules === "ber" || before.rules === "der") return null;
+    if (typeof before.data === "string" || textRules(text) || before.rules === "ber" || before.rules === "der")
+        return null;
     const data = readBytes(text);
     const isAlike = choice.type !== "auto" || likelyType(data) === likelyType(before.data);
     return isAlike && data.length > 0 ? { ...before, data } : null;

@@ -72,6 +72,9 @@ export function isLog(text: string): boolean {
     if (/^[<{[]/.test(lines[0])) return WHOLE_TEXT.test(lines[0]) && WHOLE_TEXT.test(lines[1]);
     const body = lines.slice(0, -1).map((line) => line.length);
     const last = lines[lines.length - 1].length;
-    const isWrapped = body.every((length) => length === body[0]) && last <= body[0] && [16, 32, 47, 48, 60, 64, 76, 80].includes(body[0]);
+    const isWrapped =
+        body.every((length) => length === body[0]) &&
+        last <= body[0] &&
+        [16, 32, 47, 48, 60, 64, 76, 80].includes(body[0]);
     return !isWrapped;
 }

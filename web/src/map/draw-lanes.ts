@@ -28,7 +28,9 @@ function laneElements({ lane, points }: Drawn, message: number): SVGElement[] {
 /** One bar across the lane, in as many parts as there are signal groups that its traffic obeys. */
 function stopLine(scene: Scene, { lane, points, intersection }: Drawn): SVGElement[] {
     if (!lane.isIngress || points.length < 2 || lane.connections.length === 0) return [];
-    const groups = [...new Set(lane.connections.map(({ signalGroup }) => signalGroup))].filter((group) => group !== undefined);
+    const groups = [...new Set(lane.connections.map(({ signalGroup }) => signalGroup))].filter(
+        (group) => group !== undefined,
+    );
     const [at, next] = points;
     const along = direction(at, next);
     const right = { x: -along.y, y: along.x }; // of traffic that comes to the line
@@ -39,7 +41,11 @@ function stopLine(scene: Scene, { lane, points, intersection }: Drawn): SVGEleme
         const from = (lane.width * 0.92) / 2 - part * i;
         const ends = [from, from - part].map((far) => ({ x: at.x - right.x * far, y: at.y - right.y * far }));
         const flashing = signal?.isFlashing ? " flashing" : "";
-        const element = svg("path", { d: pathData(ends), class: `stop ${light}${flashing}`, "stroke-width": STOP_LINE });
+        const element = svg("path", {
+            d: pathData(ends),
+            class: `stop ${light}${flashing}`,
+            "stroke-width": STOP_LINE,
+        });
         if (group !== undefined) element.append(svg("title", {}, `signal group ${group}: ${flashing} ${light}`));
         return element;
     });

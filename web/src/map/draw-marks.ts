@@ -92,7 +92,9 @@ export function drawTraces(scene: Scene, origin: LatLon): SVGElement[] {
     return [
         ...scene.trails.map((trail) => line(trail, "trail")),
         ...scene.happenings.flatMap(({ traces }) => traces.map((trace) => line(trace, "trace"))),
-        ...scene.stations.filter(({ history }) => history.length > 0).map(({ at, history }) => line([at, ...history], "history")),
+        ...scene.stations
+            .filter(({ history }) => history.length > 0)
+            .map(({ at, history }) => line([at, ...history], "history")),
         ...scene.stations.flatMap(({ history }) =>
             history.map((place) => {
                 const { x, y } = toMetres(place, origin);

@@ -71,6 +71,7 @@ export function featuresOf(value: Value | undefined): Features {
     if (value === undefined) return features;
     read(members(value), "", features);
     const { stations, happenings, intersections, signals } = features;
-    if (stations.length + happenings.length + intersections.length + signals.length === 0) readPlaces(value, "", features);
+    if (stations.length + happenings.length + intersections.length + signals.length === 0)
+        readPlaces(value, "", features);
     return features;
 }

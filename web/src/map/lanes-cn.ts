@@ -41,10 +41,12 @@ function laneId(node: string, upstream: string, lane: string): string {
 }
 
 function connectionsOf(lane: Members, link: Members, node: string): Connection[] {
-    const phases = new Map(list(link.movements).map((movement) => {
-        const { remoteIntersection, phaseId } = members(movement);
-        return [idOf(remoteIntersection), number(phaseId)];
-    }));
+    const phases = new Map(
+        list(link.movements).map((movement) => {
+            const { remoteIntersection, phaseId } = members(movement);
+            return [idOf(remoteIntersection), number(phaseId)];
+        }),
+    );
     return list(lane.connectsTo).map((entry) => {
         const { remoteIntersection, connectingLane, phaseId } = members(entry);
         const remote = idOf(remoteIntersection);

@@ -84,7 +84,10 @@ export function createMap(host: HTMLElement, events: MapEvents): MapView {
 
     function fitAll(): void {
         isFitted = true;
-        view = fit(view, everything.map((one) => toMetres(one, origin)));
+        view = fit(
+            view,
+            everything.map((one) => toMetres(one, origin)),
+        );
         place();
     }
 
@@ -130,7 +133,10 @@ export function createMap(host: HTMLElement, events: MapEvents): MapView {
         point(message, path) {
             for (const element of root.querySelectorAll<SVGElement>("[data-message]")) {
                 const isSame = path !== null && Number(element.dataset.message) === message;
-                element.classList.toggle("lit", isSame && path !== "" && isNear(element.dataset.path ?? "", path ?? ""));
+                element.classList.toggle(
+                    "lit",
+                    isSame && path !== "" && isNear(element.dataset.path ?? "", path ?? ""),
+                );
             }
         },
     };
@@ -146,14 +152,23 @@ function localPoint(root: SVGElement, event: MouseEvent): Point {
 }
 
 /** Dragging, two fingers, the wheel and keys. */
-function listen(root: SVGSVGElement, current: () => Viewport, move: (next: Viewport) => void, fitAll: () => void): void {
+function listen(
+    root: SVGSVGElement,
+    current: () => Viewport,
+    move: (next: Viewport) => void,
+    fitAll: () => void,
+): void {
     const fingers = new Map<number, Point>();
     let dragged = 0;
 
-    root.addEventListener("wheel", (event) => {
-        event.preventDefault();
-        move(zoom(current(), Math.exp(-event.deltaY * 0.0015), localPoint(root, event)));
-    }, { passive: false });
+    root.addEventListener(
+        "wheel",
+        (event) => {
+            event.preventDefault();
+            move(zoom(current(), Math.exp(-event.deltaY * 0.0015), localPoint(root, event)));
+        },
+        { passive: false },
+    );
     root.addEventListener("pointerdown", (event) => {
         fingers.set(event.pointerId, localPoint(root, event));
         dragged = 0;
@@ -179,7 +194,9 @@ function listen(root: SVGSVGElement, current: () => Viewport, move: (next: Viewp
     });
     for (const end of ["pointerup", "pointercancel"] as const)
         root.addEventListener(end, (event) => fingers.delete(event.pointerId));
-    root.addEventListener("click", (event) => dragged > DRAG_PIXELS && event.stopImmediatePropagation(), { capture: true });
+    root.addEventListener("click", (event) => dragged > DRAG_PIXELS && event.stopImmediatePropagation(), {
+        capture: true,
+    });
     root.addEventListener("dblclick", (event) => move(zoom(current(), 2, localPoint(root, event))));
     root.addEventListener("keydown", (event) => {
         const view = current();

@@ -153,7 +153,13 @@ export function psm(value: Members, path: string, into: Features): void {
 }
 
 /** BSM of CN, a participant of an RSM too; `from` is what offsets are relative to. */
-export function vehicleCn(value: Members, path: string, into: Features, from?: LatLon, kind: StationKind = "vehicle"): void {
+export function vehicleCn(
+    value: Members,
+    path: string,
+    into: Features,
+    from?: LatLon,
+    kind: StationKind = "vehicle",
+): void {
     const at = from ? offsetFrom(from, value.pos) : place(members(value.pos).lat, members(value.pos).lon);
     if (!at) return;
     const history = list(members(members(value.safetyExt).pathHistory).crumbData)

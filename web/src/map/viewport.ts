@@ -23,11 +23,17 @@ export function clampScale(scale: number): number {
 }
 
 export function toScreen(view: Viewport, { x, y }: Point): Point {
-    return { x: view.width / 2 + (x - view.centre.x) * view.scale, y: view.height / 2 - (y - view.centre.y) * view.scale };
+    return {
+        x: view.width / 2 + (x - view.centre.x) * view.scale,
+        y: view.height / 2 - (y - view.centre.y) * view.scale,
+    };
 }
 
 export function toPlane(view: Viewport, { x, y }: Point): Point {
-    return { x: view.centre.x + (x - view.width / 2) / view.scale, y: view.centre.y - (y - view.height / 2) / view.scale };
+    return {
+        x: view.centre.x + (x - view.width / 2) / view.scale,
+        y: view.centre.y - (y - view.height / 2) / view.scale,
+    };
 }
 
 export function fit(view: Viewport, points: Point[]): Viewport {

@@ -3,7 +3,15 @@
 import type { Rules, Schema, Value } from "orlenta";
 import { type Engine, startEngine } from "../codec/engine";
 import { jsonText } from "../codec/json";
-import { type Choice, identify, InputError, type Reading, readMessage, type Source, withoutPath } from "../codec/reading";
+import {
+    type Choice,
+    identify,
+    InputError,
+    type Reading,
+    readMessage,
+    type Source,
+    withoutPath,
+} from "../codec/reading";
 import { isText, REGIONS, RULE_NAMES, RULES } from "../codec/types";
 import { formOf, toBase64, toHex } from "../input/bytes";
 import { isLog, readEntry } from "../input/lines";
@@ -238,10 +246,14 @@ async function select(index: number): Promise<void> {
 async function openFile(next: File): Promise<void> {
     if (next.size > LARGEST_LOG) {
         const size = Math.round(next.size / 1e6);
-        return tell(`${next.name} has ${size} MB: this page takes ${LARGEST_LOG / 1e6} MB. The command orlenta works through any log.`, true);
+        return tell(
+            `${next.name} has ${size} MB: this page takes ${LARGEST_LOG / 1e6} MB. The command orlenta works through any log.`,
+            true,
+        );
     }
     const isTextual = await looksLikeText(next);
-    if (!isTextual && next.size > LONGEST_TEXT) return tell(`${next.name} is no text, and too long for one message`, true);
+    if (!isTextual && next.size > LONGEST_TEXT)
+        return tell(`${next.name} is no text, and too long for one message`, true);
     forgetLink();
     file = null;
     if (!isTextual) {
@@ -258,7 +270,10 @@ async function openFile(next: File): Promise<void> {
 
 // ---- edits -------------------------------------------------------------------------------------------------------
 
-function encodeEdited({ codec, type, rules: under, data }: Reading, value: Value): { data: Uint8Array | string; text: string } {
+function encodeEdited(
+    { codec, type, rules: under, data }: Reading,
+    value: Value,
+): { data: Uint8Array | string; text: string } {
     if (isText(under)) {
         const violation = codec.check(type, value);
         if (violation) throw violation;
@@ -267,7 +282,10 @@ function encodeEdited({ codec, type, rules: under, data }: Reading, value: Value
     }
     const bytes = codec.encode(type, value, under);
     const before = log ? (edits.get(selected) ?? "") : input.value;
-    return { data: bytes, text: typeof data !== "string" && formOf(before) === "base64" ? toBase64(bytes) : toHex(bytes) };
+    return {
+        data: bytes,
+        text: typeof data !== "string" && formOf(before) === "base64" ? toBase64(bytes) : toHex(bytes),
+    };
 }
 
 function onEdit(from: Reading, value: Value): void {
@@ -318,7 +336,12 @@ async function copy(text: string, done: string): Promise<void> {
 async function copyLink(): Promise<void> {
     if (!reading) return tell("there is no message to link to", true);
     const { data, type, rules: under } = reading;
-    const fragment = await toFragment({ data, type, rules: under, schema: useSchema.checked ? schemaTab.text() : undefined });
+    const fragment = await toFragment({
+        data,
+        type,
+        rules: under,
+        schema: useSchema.checked ? schemaTab.text() : undefined,
+    });
     history.replaceState(null, "", fragment);
     await copy(location.href, "the link is in the address line and in the clipboard");
 }

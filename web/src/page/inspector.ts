@@ -93,7 +93,12 @@ export function createInspector(events: InspectorEvents): Inspector {
         byId("bits-title").textContent = isTextual ? "Text" : "Octets";
     }
 
-    function showTree(reading: Reading, value: Value | undefined, error?: { path: string; message: string }, isEditable = true): void {
+    function showTree(
+        reading: Reading,
+        value: Value | undefined,
+        error?: { path: string; message: string },
+        isEditable = true,
+    ): void {
         byId("tree").classList.toggle("fixed", !isEditable);
         const shown = value ?? (error && reading.info.components ? {} : undefined);
         if (shown === undefined) return tree.show(null);
@@ -120,7 +125,11 @@ export function createInspector(events: InspectorEvents): Inspector {
             note.hidden = !error;
             if (error) {
                 const where = error.line > 0 ? `line ${error.line}` : error.bit >= 0 ? `bit ${error.bit}` : "";
-                note.replaceChildren(h("b", {}, `Stopped${where && ` at ${where}`}: `), error.message, h("small", {}, error.path));
+                note.replaceChildren(
+                    h("b", {}, `Stopped${where && ` at ${where}`}: `),
+                    error.message,
+                    h("small", {}, error.path),
+                );
             }
             showTree(reading, reading.value, error, !error);
             if (error) byId("encodings").replaceChildren();

@@ -14,15 +14,20 @@ export interface Linked {
 const toUrl = (bytes: Uint8Array) => toBase64(bytes).replaceAll("+", "-").replaceAll("/", "_").replace(/=+$/, "");
 
 function fromUrl(text: string): Uint8Array {
-    return Uint8Array.from(atob(text.replaceAll("-", "+").replaceAll("_", "/")), (character) => character.charCodeAt(0));
+    return Uint8Array.from(atob(text.replaceAll("-", "+").replaceAll("_", "/")), (character) =>
+        character.charCodeAt(0),
+    );
 }
 
 async function through(bytes: Uint8Array, stream: GenericTransformStream): Promise<Uint8Array> {
-    const out = new Blob([bytes as BlobPart]).stream().pipeThrough(stream as ReadableWritablePair<Uint8Array, Uint8Array>);
+    const out = new Blob([bytes as BlobPart])
+        .stream()
+        .pipeThrough(stream as ReadableWritablePair<Uint8Array, Uint8Array>);
     return new Uint8Array(await new Response(out).arrayBuffer());
 }
 
-const packed = async (text: string) => toUrl(await through(new TextEncoder().encode(text), new CompressionStream("deflate-raw")));
+const packed = async (text: string) =>
+    toUrl(await through(new TextEncoder().encode(text), new CompressionStream("deflate-raw")));
 const unpacked = async (text: string) =>
     new TextDecoder().decode(await through(fromUrl(text), new DecompressionStream("deflate-raw")));
 

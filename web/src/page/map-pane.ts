@@ -52,7 +52,9 @@ export function createMapPane(events: MapPaneEvents): MapPane {
     function show(scene: Scene, extent?: LatLon[]): void {
         const count = placesOf(scene).length;
         empty.hidden = count > 0;
-        if (count === 0) empty.textContent = scene.signals.size > 0 ? "lights without a map of the crossing" : "nothing of this message has a place";
+        if (count === 0)
+            empty.textContent =
+                scene.signals.size > 0 ? "lights without a map of the crossing" : "nothing of this message has a place";
         map.show(scene, extent);
     }
 
@@ -81,7 +83,9 @@ export function createMapPane(events: MapPaneEvents): MapPane {
         const from = log;
         if (!from) return;
         const holding = from.holdingAt(moment);
-        const items = await Promise.all(holding.map(async (message) => ({ message, features: await featuresAt(message) })));
+        const items = await Promise.all(
+            holding.map(async (message) => ({ message, features: await featuresAt(message) })),
+        );
         if (mine !== run) return;
         const extent = isFitDue ? extentOf(from) : undefined;
         isFitDue = false;

@@ -3,11 +3,13 @@
 import { type StreamParser, StreamLanguage } from "@codemirror/language";
 
 const RESERVED = new Set(
-    ("ABSENT ALL APPLICATION AUTOMATIC BEGIN BIT BOOLEAN BY CHARACTER CHOICE CLASS COMPONENT COMPONENTS CONSTRAINED " +
+    (
+        "ABSENT ALL APPLICATION AUTOMATIC BEGIN BIT BOOLEAN BY CHARACTER CHOICE CLASS COMPONENT COMPONENTS CONSTRAINED " +
         "CONTAINING DEFAULT DEFINITIONS EMBEDDED ENCODED END ENUMERATED EXCEPT EXPLICIT EXPORTS EXTENSIBILITY EXTERNAL " +
         "FALSE FROM IDENTIFIER IMPLICIT IMPLIED IMPORTS INCLUDES INSTANCE INTEGER INTERSECTION MAX MIN MINUS-INFINITY " +
         "NULL OBJECT OCTET OF OPTIONAL PATTERN PDV PLUS-INFINITY PRESENT PRIVATE REAL SEQUENCE SET SIZE STRING SYNTAX " +
-        "TAGS TRUE UNION UNIQUE UNIVERSAL WITH").split(" "),
+        "TAGS TRUE UNION UNIQUE UNIVERSAL WITH"
+    ).split(" "),
 );
 
 const parser: StreamParser<{ inComment: boolean }> = {
@@ -28,7 +30,12 @@ const parser: StreamParser<{ inComment: boolean }> = {
         if (stream.match(/^"(?:[^"]|"")*"?/) || stream.match(/^'[^']*'[BH]?/)) return "string";
         if (stream.match(/^-?\d+(\.\d+)?/)) return "number";
         const word = stream.match(/^[A-Za-z][A-Za-z0-9]*(?:-[A-Za-z0-9]+)*/) as RegExpMatchArray | null;
-        if (word) return RESERVED.has(word[0]) || /String$/.test(word[0]) ? "keyword" : /^[A-Z]/.test(word[0]) ? "typeName" : "propertyName";
+        if (word)
+            return RESERVED.has(word[0]) || /String$/.test(word[0])
+                ? "keyword"
+                : /^[A-Z]/.test(word[0])
+                  ? "typeName"
+                  : "propertyName";
         stream.next();
         return null;
     },

@@ -63,7 +63,11 @@ export function createSchemaTab(
             h(
                 "li",
                 { class: isNote ? "note" : "wrong" },
-                h("button", { class: "link", click: () => editor?.goTo(line) }, line > 0 ? `${line}:${column}` : "schema"),
+                h(
+                    "button",
+                    { class: "link", click: () => editor?.goTo(line) },
+                    line > 0 ? `${line}:${column}` : "schema",
+                ),
                 ` ${what}`,
             ),
         );

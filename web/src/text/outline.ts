@@ -92,17 +92,21 @@ function xerElement(tokens: Tokens): Outline {
 
 export function outlineOf(text: string, rules: Rules): Outline {
     switch (rules) {
-        case "jer": return jerValue(new Tokens(tokensOf(text, /"(?:[^"\\]|\\.)*"?|[{}[\]:,]|[^\s"{}[\]:,]+/g), text.length));
-        case "gser": return gserValue(new Tokens(tokensOf(text, /"(?:[^"]|"")*"?|'[^']*'[BH]?|[{}:,]|[^\s"'{}:,]+/g), text.length));
-        default: return xerElement(new Tokens(tokensOf(text, /<[^!?][^>]*>/g), text.length));
+        case "jer":
+            return jerValue(new Tokens(tokensOf(text, /"(?:[^"\\]|\\.)*"?|[{}[\]:,]|[^\s"{}[\]:,]+/g), text.length));
+        case "gser":
+            return gserValue(
+                new Tokens(tokensOf(text, /"(?:[^"]|"")*"?|'[^']*'[BH]?|[{}:,]|[^\s"'{}:,]+/g), text.length),
+            );
+        default:
+            return xerElement(new Tokens(tokensOf(text, /<[^!?][^>]*>/g), text.length));
     }
 }
 
 /** The innermost part that could be found on the way. */
 export function find(outline: Outline, steps: Step[]): Outline {
     for (const step of steps) {
-        const next =
-            typeof step === "number" ? outline.inside[step] : outline.inside.find(({ name }) => name === step);
+        const next = typeof step === "number" ? outline.inside[step] : outline.inside.find(({ name }) => name === step);
         if (!next) break;
         outline = next;
     }

@@ -36,7 +36,9 @@ export interface EncodingEvents {
 
 export function showEncodings(host: HTMLElement, all: Encoded[], current: Rules | null, events: EncodingEvents): void {
     const most = Math.max(1, ...all.map(({ octets }) => octets));
-    const openBefore = new Set([...host.querySelectorAll<HTMLDetailsElement>("details[open]")].map(({ dataset }) => dataset.rules));
+    const openBefore = new Set(
+        [...host.querySelectorAll<HTMLDetailsElement>("details[open]")].map(({ dataset }) => dataset.rules),
+    );
     host.replaceChildren(
         ...all.map((encoded) => {
             const { rules, text, octets, error } = encoded;
@@ -56,10 +58,20 @@ export function showEncodings(host: HTMLElement, all: Encoded[], current: Rules 
                 "div",
                 { class: "buttons" },
                 h("button", { click: () => events.onCopy(text), disabled: error !== undefined }, "Copy"),
-                h("button", { click: () => events.onUse(encoded), disabled: error !== undefined || rules === current }, "Show as message"),
+                h(
+                    "button",
+                    { click: () => events.onUse(encoded), disabled: error !== undefined || rules === current },
+                    "Show as message",
+                ),
             );
             const isOpen = openBefore.has(rules);
-            return h("details", { "data-rules": rules, class: rules === current ? "current" : "", open: isOpen }, head, body, buttons);
+            return h(
+                "details",
+                { "data-rules": rules, class: rules === current ? "current" : "", open: isOpen },
+                head,
+                body,
+                buttons,
+            );
         }),
     );
 }

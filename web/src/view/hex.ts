@@ -56,7 +56,8 @@ export function createHex(host: HTMLElement, events: HexEvents): HexView {
     function look(octet: number): string {
         const first = runAt(runs, octet * 8);
         const last = runAt(runs, octet * 8 + 7);
-        if (errorBit !== null && octet * 8 + 7 >= errorBit) return octet * 8 <= errorBit ? "octet at-error" : "octet unread";
+        if (errorBit !== null && octet * 8 + 7 >= errorBit)
+            return octet * 8 <= errorBit ? "octet at-error" : "octet unread";
         if (first?.kind === "trailing") return "octet trailing";
         return first && last && STRUCTURE.has(first.kind) && STRUCTURE.has(last.kind) ? "octet structure" : "octet";
     }
@@ -79,7 +80,11 @@ export function createHex(host: HTMLElement, events: HexEvents): HexView {
         painted = [];
         const rows: HTMLElement[] = [];
         for (let start = 0; start < count; start += aRow) {
-            const row = h("div", { class: "octet-row" }, h("span", { class: "offset" }, start.toString(16).padStart(4, "0")));
+            const row = h(
+                "div",
+                { class: "octet-row" },
+                h("span", { class: "offset" }, start.toString(16).padStart(4, "0")),
+            );
             for (let octet = start; octet < Math.min(start + aRow, count); octet++) {
                 const cell = h("span", { class: look(octet), "data-octet": octet }, text(octet));
                 cells.push(cell);
@@ -204,7 +209,10 @@ export function runText({ offset, width, kind, text, type, value }: Bits): strin
     const last = offset + width - 1;
     const where = width === 1 ? `bit ${offset}` : `bits ${offset}–${last}`;
     const octets = width % 8 === 0 && offset % 8 === 0 && width >= 8 ? `, ${width / 8} octets` : "";
-    const what = kind === "value" && value !== undefined ? String(typeof value === "object" ? JSON.stringify(value) : value) : text;
+    const what =
+        kind === "value" && value !== undefined
+            ? String(typeof value === "object" ? JSON.stringify(value) : value)
+            : text;
     return [`${where} (${width}${octets})`, what, type.slice(type.lastIndexOf(".") + 1)]
         .filter((part) => part !== "")
         .join("  ·  ");

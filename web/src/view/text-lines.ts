@@ -31,7 +31,9 @@ export function createText(host: HTMLElement): TextView {
             starts = [0];
             for (let at = text.indexOf("\n"); at >= 0 && starts.length < MOST_LINES; at = text.indexOf("\n", at + 1))
                 starts.push(at + 1);
-            rows = starts.map((start, i) => h("div", { class: "line" }, text.slice(start, starts[i + 1] ?? text.length).replace(/\n$/, "")));
+            rows = starts.map((start, i) =>
+                h("div", { class: "line" }, text.slice(start, starts[i + 1] ?? text.length).replace(/\n$/, "")),
+            );
             host.replaceChildren(...rows);
             if (!wrong) return;
             const line = "line" in wrong ? wrong.line - 1 : lineOf(wrong.position);

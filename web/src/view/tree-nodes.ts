@@ -19,7 +19,14 @@ export interface Node {
 /** Gives the type in an open type, or undefined. */
 export type OpenTypes = (path: string) => TypeInfo | undefined;
 
-function node(parent: Node, step: Step, value: Value, type: TypeInfo | undefined, isRemovable: boolean, open: OpenTypes): Node {
+function node(
+    parent: Node,
+    step: Step,
+    value: Value,
+    type: TypeInfo | undefined,
+    isRemovable: boolean,
+    open: OpenTypes,
+): Node {
     const path = joinPath(parent.path, step);
     const known = type?.kind === "open type" ? (open(path) ?? type) : type;
     return {

@@ -88,7 +88,12 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         const absent = node.type?.components ? absentOf(node) : [];
         if (absent.length === 0) return null;
         const options = absent.map(({ name }) => h("option", { value: name }, name));
-        const select = h("select", { class: "act", title: "add a component", tabindex: -1 }, h("option", { value: "" }, "+"), ...options);
+        const select = h(
+            "select",
+            { class: "act", title: "add a component", tabindex: -1 },
+            h("option", { value: "" }, "+"),
+            ...options,
+        );
         select.addEventListener("change", () => {
             const component = absent.find(({ name }) => name === select.value);
             if (!component) return;
@@ -137,7 +142,11 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
                 "data-path": node.path,
             },
             h("span", { class: "twisty" }, node.isContainer ? (isOpen(node) ? "▾" : "▸") : ""),
-            h("span", { class: "name", title: node.type && `${typeText(node.type)} ${boundsText(node.type)}`.trim() }, node.name),
+            h(
+                "span",
+                { class: "name", title: node.type && `${typeText(node.type)} ${boundsText(node.type)}`.trim() },
+                node.name,
+            ),
             valueCell(node),
         );
         row.style.setProperty("--depth", String(node.depth));
@@ -196,7 +205,8 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
     }
 
     function paint(): void {
-        for (const [path, { row }] of rows) row.classList.toggle("lit", lit !== null && lit !== "" && path !== "" && path === lit);
+        for (const [path, { row }] of rows)
+            row.classList.toggle("lit", lit !== null && lit !== "" && path !== "" && path === lit);
     }
 
     function focusRow(path: string): void {
@@ -214,7 +224,11 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         const at = order.indexOf(hit.node.path);
         const { node } = hit;
         const to = (i: number) => focusRow(order[Math.min(Math.max(i, 0), order.length - 1)]);
-        const parent = () => order.slice(0, at).reverse().find((path) => isWithin(node.path, path)) ?? "";
+        const parent = () =>
+            order
+                .slice(0, at)
+                .reverse()
+                .find((path) => isWithin(node.path, path)) ?? "";
         const keys: Record<string, () => void> = {
             ArrowDown: () => to(at + 1),
             ArrowUp: () => to(at - 1),
@@ -222,7 +236,10 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             End: () => to(order.length - 1),
             ArrowRight: () => (node.isContainer && !isOpen(node) ? toggle(node, true) : to(at + 1)),
             ArrowLeft: () => (node.isContainer && isOpen(node) ? toggle(node, false) : focusRow(parent())),
-            Enter: () => (node.isContainer ? (hit.row.querySelector<HTMLSelectElement>("select.choice") ?? hit.row).focus() : startEdit(node)),
+            Enter: () =>
+                node.isContainer
+                    ? (hit.row.querySelector<HTMLSelectElement>("select.choice") ?? hit.row).focus()
+                    : startEdit(node),
             F2: () => startEdit(node),
             "+": () => {
                 const add = hit.row.querySelector<HTMLElement>(".act");
@@ -237,7 +254,8 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
     }
 
     host.addEventListener("keydown", onKey);
-    const pathUnder = (event: Event) => (event.target as HTMLElement).closest<HTMLElement>("[data-path]")?.dataset.path ?? null;
+    const pathUnder = (event: Event) =>
+        (event.target as HTMLElement).closest<HTMLElement>("[data-path]")?.dataset.path ?? null;
     host.addEventListener("pointerover", (event) => events.onPoint(pathUnder(event)));
     host.addEventListener("pointerleave", () => events.onPoint(null));
     host.addEventListener("focusin", (event) => events.onPoint(pathUnder(event)));

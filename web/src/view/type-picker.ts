@@ -67,13 +67,21 @@ export function createPicker(input: HTMLInputElement, list: HTMLElement, events:
         const hits = all
             .filter(({ name }) => name.toLowerCase().includes(pattern))
             .map((entry) => ({ entry, at: rank(entry, pattern) }))
-            .sort((a, b) => a.at - b.at || a.entry.name.length - b.entry.name.length || (a.entry.name < b.entry.name ? -1 : 1));
+            .sort(
+                (a, b) =>
+                    a.at - b.at || a.entry.name.length - b.entry.name.length || (a.entry.name < b.entry.name ? -1 : 1),
+            );
         names = [AUTO, ...hits.slice(0, MOST_SHOWN).map(({ entry }) => entry.name)];
         active = pattern !== "" && names.length > 1 ? 1 : 0;
         list.replaceChildren(
             ...names.map((name, i) => {
                 const [region, rest] = name === AUTO ? ["", AUTO_TEXT] : splitName(name);
-                const option = h("li", { role: "option", id: `type-${i}` }, h("span", { class: "region" }, region), rest);
+                const option = h(
+                    "li",
+                    { role: "option", id: `type-${i}` },
+                    h("span", { class: "region" }, region),
+                    rest,
+                );
                 option.addEventListener("pointerdown", (event) => {
                     event.preventDefault();
                     pick(name);
@@ -81,7 +89,8 @@ export function createPicker(input: HTMLInputElement, list: HTMLElement, events:
                 return option;
             }),
         );
-        if (hits.length > MOST_SHOWN) list.append(h("li", { class: "more" }, `… ${hits.length - MOST_SHOWN} more: type to narrow`));
+        if (hits.length > MOST_SHOWN)
+            list.append(h("li", { class: "more" }, `… ${hits.length - MOST_SHOWN} more: type to narrow`));
         paint();
     }
 

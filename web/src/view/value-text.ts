@@ -21,11 +21,16 @@ export function isContainer(value: Value | undefined, type: TypeInfo | undefined
 
 export function leafText(value: Value, type: TypeInfo | undefined): string {
     switch (type?.kind) {
-        case "NULL": return "NULL";
-        case "BIT STRING": return bitsText(value, type);
-        case "OCTET STRING": return value === "" ? "empty" : String(value);
-        case "string": return JSON.stringify(value);
-        default: return value === null ? "NULL" : String(value);
+        case "NULL":
+            return "NULL";
+        case "BIT STRING":
+            return bitsText(value, type);
+        case "OCTET STRING":
+            return value === "" ? "empty" : String(value);
+        case "string":
+            return JSON.stringify(value);
+        default:
+            return value === null ? "NULL" : String(value);
     }
 }
 
@@ -34,7 +39,10 @@ export function shortened(text: string): string {
 }
 
 function scaled(number: number, scale: number): string {
-    const digits = Math.min(9, Math.max(0, Math.ceil(-Math.log10(Math.abs(scale)) - 1e-9) + (`${scale}`.match(/[1-9]/g)?.length ?? 1) - 1));
+    const digits = Math.min(
+        9,
+        Math.max(0, Math.ceil(-Math.log10(Math.abs(scale)) - 1e-9) + (`${scale}`.match(/[1-9]/g)?.length ?? 1) - 1),
+    );
     return number.toFixed(digits);
 }
 
