@@ -7,6 +7,7 @@ import { partialValue } from "../src/codec/partial";
 import { isWithin, parsePath, withValueAt } from "../src/codec/path";
 import { find, outlineOf } from "../src/text/outline";
 import { valueFrom } from "../src/view/edit";
+import { meaning } from "../src/view/value-text";
 
 const plain = { isExtensible: false };
 
@@ -83,4 +84,26 @@ test("the lines of a component in the text rules", () => {
         const { start, end } = find(outlineOf(text, rules), parsePath(path));
         assert.equal(text.slice(start, end), part, `${rules} ${path}`);
     }
+});
+
+test("what numbers stand for", () => {
+    const special = [{ value: 8191, last: 8191, meaning: "unavailable" }];
+    const of = (scale: number, unit: string, offset = 0): TypeInfo => ({
+        kind: "INTEGER",
+        ...plain,
+        unit: { unit, scale, offset, special },
+    });
+    const rows: [value: Value, type: TypeInfo, text: string][] = [
+        [399087153, of(1e-7, "deg"), "39.9087153°"],
+        [-3, of(1.5, "deg"), "-4.5°"],
+        [7184, of(0.0125, "deg"), "89.8000°"],
+        [694, of(0.02, "m/s"), "13.88 m/s"],
+        [42, of(0.01, "m/s^2"), "0.42 m/s²"],
+        [60, of(1, "%", -40), "20 %"],
+        [5, of(1, "m"), "m"],
+        [5n, of(100, "m"), "500 m"],
+        [8191, of(0.02, "m/s"), "unavailable"],
+        [1, { kind: "INTEGER", ...plain }, ""],
+    ];
+    for (const [value, type, text] of rows) assert.equal(meaning(value, type), text);
 });

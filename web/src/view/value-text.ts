@@ -38,12 +38,22 @@ export function shortened(text: string): string {
     return text.length > LONGEST ? `${text.slice(0, LONGEST)}…` : text;
 }
 
+/** With as many decimals as the scale has. */
 function scaled(number: number, scale: number): string {
-    const digits = Math.min(
-        9,
-        Math.max(0, Math.ceil(-Math.log10(Math.abs(scale)) - 1e-9) + (`${scale}`.match(/[1-9]/g)?.length ?? 1) - 1),
-    );
-    return number.toFixed(digits);
+    const [mantissa, exponent] = scale.toExponential().split("e");
+    const decimals = (mantissa.split(".")[1]?.length ?? 0) - Number(exponent);
+    return number.toFixed(Math.min(Math.max(decimals, 0), 12));
+}
+
+const SIGNS: [sign: RegExp, typeset: string][] = [
+    [/\bdeg\b/, "°"],
+    [/\^2/, "²"],
+    [/\^3/, "³"],
+];
+
+function typeset(quantity: string, unit: string): string {
+    const text = SIGNS.reduce((part, [sign, by]) => part.replace(sign, by), unit);
+    return text.startsWith("°") ? quantity + text : `${quantity} ${text}`.trim();
 }
 
 /** The quantity that an INTEGER stands for, or what a number of it means. */
@@ -53,8 +63,8 @@ export function meaning(value: Value, type: TypeInfo | undefined): string {
     const number = Number(value);
     const named = special.find((one) => one.value <= number && number <= one.last);
     if (named) return named.meaning;
-    if (scale === 1 && offset === 0) return unit;
-    return `${scaled(number * scale + offset, scale)} ${unit}`.trim();
+    if (scale === 1 && offset === 0) return typeset("", unit);
+    return typeset(scaled(number * scale + offset, scale), unit);
 }
 
 export function boundsText({ kind, lower, upper }: TypeInfo): string {
