@@ -239,12 +239,18 @@ test("a schema of one's own", async () => {
     await page.click("#use-schema");
     await page.click("#tab-message");
     await type(page, "b0");
-    await settled(page, "A · UPER · 1 octets");
+    await settled(page, "A · UPER · 1 octet");
     assert.deepEqual(
         await page.$$eval("#tree .row:not([aria-expanded]) .value", (all) => all.map(({ textContent }) => textContent)),
         ["5", "green"],
     );
     await shoot(page, "5-schema-used");
+
+    await page.select("#examples", "random");
+    await page.waitForFunction(() => document.querySelector("#input").value !== "b0", PATIENCE);
+    await type(page, "b0\n30\nb0");
+    await page.waitForFunction(() => document.querySelectorAll(".message:not(.bad)").length === 3, PATIENCE);
+    await settled(page, "A · UPER");
 
     await page.click("#copy-link");
     await page.waitForFunction(() => location.hash.includes("s="), PATIENCE);

@@ -5,6 +5,7 @@ import { likelyRegions, likelyType } from "../src/codec/detect";
 import { fromFragment, toFragment } from "../src/page/link";
 import { InputError, readBytes, toHex } from "../src/input/bytes";
 import { textRules } from "../src/input/rules";
+import { undump } from "../src/input/dump";
 import { isLog, readEntry, splitLines } from "../src/input/lines";
 
 test("bytes in all forms that people paste", () => {
@@ -54,6 +55,24 @@ test("what a text is, and the lines of a log", () => {
         const entry = readEntry(line);
         assert.deepEqual([entry?.message, entry?.time], [message, time], line);
     }
+});
+
+test("dumps", () => {
+    const rows: [text: string, hex: string | null][] = [
+        [
+            "00000000: 0202 0000 03e9 6b6c 405a 997d e22e 3211  ......kl@Z.}..2.\n00000010: 6162                                     ab",
+            "02020000 03e96b6c 405a997d e22e3211 6162",
+        ],
+        [
+            "00000000  02 02 00 00 03 e9 6b 6c  40 5a 99 7d e2 2e 32 11  |......kl@Z.}..2.|\n00000010  61 |a|\n00000011\n",
+            "02020000 03e96b6c 405a997d e22e3211 61",
+        ],
+        ["0000   61 62 63   abc", "616263"],
+        ["0000 0102\n0001 03", null],
+        ["02020000\n03e9", null],
+        ["0202", null],
+    ];
+    for (const [text, hex] of rows) assert.equal(undump(text), hex && hex.replaceAll(" ", ""), text);
 });
 
 test("a log in pieces", () => {

@@ -74,7 +74,7 @@ export function isLog(text: string): boolean {
     const last = lines[lines.length - 1].length;
     const isWrapped =
         body.every((length) => length === body[0]) &&
-        last <= body[0] &&
+        last < body[0] &&
         [16, 32, 47, 48, 60, 64, 76, 80].includes(body[0]);
     return !isWrapped;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The page: what was typed or dropped becomes a message or a log, and goes to the views.
 import type { Rules, Schema, Value } from "orlenta";
-import { type Engine, startEngine } from "../codec/engine";
+import { type Engine, needType, startEngine } from "../codec/engine";
 import { jsonText } from "../codec/json";
 import {
     type Choice,
@@ -14,6 +14,7 @@ import {
 } from "../codec/reading";
 import { isText, REGIONS, RULE_NAMES, RULES } from "../codec/types";
 import { formOf, toBase64, toHex } from "../input/bytes";
+import { undump } from "../input/dump";
 import { isLog, readEntry } from "../input/lines";
 import { LARGEST_LOG, Log } from "../log/log";
 import { createSchemaTab, FILE, FIRST_SCHEMA } from "../schema/tab";
@@ -161,7 +162,7 @@ function showReading(next: Reading, isEdited = false): void {
     const octets = typeof next.data === "string" ? new TextEncoder().encode(next.data).length : next.data.length;
     const found = choice.type === AUTO ? " · type found by itself" : "";
     const changed = isEdited && log ? " · changed here, not in the log" : "";
-    tell(`${next.type} · ${RULE_NAMES[next.rules]} · ${octets} octets${found}${changed}`);
+    tell(`${next.type} · ${RULE_NAMES[next.rules]} · ${octets} ${octets === 1 ? "octet" : "octets"}${found}${changed}`);
     if (log) mapPane.showLog(log, selected, false);
     else mapPane.showOne(next.value, isEdited);
 }
@@ -199,10 +200,11 @@ async function refresh(): Promise<void> {
     edits.clear();
     selected = 0;
     byId("progress").hidden = true;
-    const isMany = file !== null || isLog(input.value);
+    const dumped = undump(input.value);
+    const isMany = file !== null || (dumped === null && isLog(input.value));
     byId("list").hidden = !isMany;
     if (isMany) startLog(file ?? new Blob([input.value]));
-    else await showText(readEntry(input.value)?.message ?? input.value);
+    else await showText(dumped ?? readEntry(input.value)?.message ?? input.value);
 }
 
 // ---- logs --------------------------------------------------------------------------------------------------------
@@ -374,16 +376,41 @@ function fillRules(): void {
     });
 }
 
+const RANDOM = "random";
+let seed = 1;
+
+/** Another value of the type in sight. */
+async function showRandom(): Promise<void> {
+    try {
+        const { codec, type, rules: under } = reading ?? (await anyType());
+        const binary = isText(under) ? "uper" : under;
+        const bytes = codec.encode(type, codec.random(type, seed++), binary);
+        setText(toHex(bytes), { type, rules: binary });
+    } catch (error) {
+        tell((error as Error).message, true);
+    }
+}
+
+async function anyType(): Promise<Pick<Reading, "codec" | "type" | "rules">> {
+    const { engine: started, schema: own } = await source();
+    const type = choice.type !== AUTO ? choice.type : (own?.types().find(({ isRoot }) => isRoot)?.name ?? "EU.CAM");
+    if (!own) await needType(started, type);
+    return { codec: own ?? started.codec, type, rules: "uper" };
+}
+
 function fillExamples(): void {
     const examples = byId<HTMLSelectElement>("examples");
-    examples.append(...EXAMPLES.map(({ name }, i) => h("option", { value: String(i) }, name)));
+    examples.append(
+        ...EXAMPLES.map(({ name }, i) => h("option", { value: String(i) }, name)),
+        h("option", { value: RANDOM }, "A random value of this type"),
+    );
     examples.addEventListener("change", () => {
-        const example = EXAMPLES[Number(examples.value)];
+        const { value } = examples;
         examples.value = "";
-        if (!example) return;
-        useSchema.checked = false;
         showInput("message");
-        setText(example.text, { type: AUTO, rules: "auto" });
+        if (value === RANDOM) return void showRandom();
+        useSchema.checked = false;
+        setText(EXAMPLES[Number(value)].text, { type: AUTO, rules: "auto" });
     });
 }
 
