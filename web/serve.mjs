@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Serves build/web on the loopback, compressed as servers do it, and counts what was sent: node serve.mjs [PORT]
+// Serves build/web on the loopback, compressed as servers do it: node serve.mjs [PORT]
 import { createServer } from "node:http";
 import { readFile } from "node:fs/promises";
 import { dirname, extname, join, normalize } from "node:path";
@@ -16,7 +16,6 @@ const TYPES = {
 };
 
 export async function serve(folder, port = 0) {
-    const sent = new Map();
     const packed = new Map();
     const server = createServer(async (request, response) => {
         const path = normalize(decodeURIComponent(new URL(request.url, "http://loopback").pathname));
@@ -24,7 +23,6 @@ export async function serve(folder, port = 0) {
         try {
             if (!packed.has(name)) packed.set(name, gzipSync(await readFile(join(folder, name)), { level: 9 }));
             const body = packed.get(name);
-            sent.set(name, body.length);
             response.writeHead(200, {
                 "content-type": TYPES[extname(name)] ?? "application/octet-stream",
                 "content-encoding": "gzip",
@@ -35,7 +33,7 @@ export async function serve(folder, port = 0) {
         }
     });
     await new Promise((resolve) => server.listen(port, "127.0.0.1", resolve));
-    return { url: `http://127.0.0.1:${server.address().port}/`, sent, close: () => server.close() };
+    return { url: `http://127.0.0.1:${server.address().port}/`, close: () => server.close() };
 }
 
 if (process.argv[1] === fileURLToPath(import.meta.url)) {
