@@ -39,7 +39,7 @@ ORLENTA_API int asn1_check_constraints(const asn1_type_desc* type, const void* v
  * decodes memory is allocated, and released; nothing is allocated otherwise. */
 ORLENTA_API int orlenta_check(const asn1_type_desc* type, const void* value, asn1_error* error);
 
-/* The same but for the octets of strings with a CONTAINING constraint, which pass: nothing is allocated, and a program that
+/** The same but for the octets of strings with a CONTAINING constraint, which pass: nothing is allocated, and a program that
  * is linked with the static library gets no decoders by it. */
 ORLENTA_API int orlenta_check_values(const asn1_type_desc* type, const void* value, asn1_error* error);
 
