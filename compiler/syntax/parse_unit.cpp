@@ -4,6 +4,7 @@
 //     --@ unit 0.02 m/s; 8191 unavailable
 //     --@ unit 200 Pa + 57800; 0 unavailable; 255 orMore
 #include <charconv>
+#include <cstdlib>
 
 #include "compiler/syntax/parser.hpp"
 
@@ -71,9 +72,7 @@ std::string read_decimal(UnitText& text, std::string_view what) {
 }
 
 double decimal_value(const std::string& decimal) {
-    double value = 0;
-    std::from_chars(decimal.data(), decimal.data() + decimal.size(), value);
-    return value;
+    return std::strtod(decimal.c_str(), nullptr);  // emscripten's std::from_chars() has no double
 }
 
 uint32_t digits_of(const std::string& decimal) {
