@@ -2,10 +2,9 @@
 #include "cli/pipeline.hpp"
 
 #include <condition_variable>
-#include <deque>
-#include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace cli {
 
@@ -29,13 +28,17 @@ struct Slot {
     bool is_done = false;
 };
 
-// What reader, workers and writer share.
+// What reader, workers and writer share. Batch n is in slot n of the ring, so that nothing is allocated by one thread and
+// freed by another: a block that a worker got so would tie it to the other's heap, and have the two wait for each other.
 struct Queue {
+    explicit Queue(size_t slots) : ring(slots) {}
+
+    Slot& slot(size_t number) { return ring[number % ring.size()]; }
+
     std::mutex mutex;
-    std::condition_variable changed;
-    std::deque<std::shared_ptr<Slot>> to_convert, to_write;
-    std::vector<std::shared_ptr<Slot>> used;  // whose memory serves the next ones
-    size_t capacity = 0;                      // slots in `to_write`
+    std::condition_variable has_room, has_work, has_result;
+    std::vector<Slot> ring;
+    size_t read = 0, taken = 0, written = 0;  // batches so far
     bool at_end = false;                      // no more batches come
     bool is_stopped = false;                  // no more results are wanted
 };
@@ -46,62 +49,56 @@ static void work(Queue* queue, const Plan& plan) {
     Converter converter(plan);
     std::unique_lock lock(queue->mutex);
     for (;;) {
-        queue->changed.wait(lock,
-                            [&] { return !queue->to_convert.empty() || queue->at_end || queue->is_stopped; });
-        if (queue->is_stopped || queue->to_convert.empty()) return;
-        std::shared_ptr<Slot> slot = queue->to_convert.front();
-        queue->to_convert.pop_front();
+        queue->has_work.wait(
+            lock, [&] { return queue->taken < queue->read || queue->at_end || queue->is_stopped; });
+        if (queue->is_stopped || queue->taken == queue->read) return;
+        size_t number = queue->taken++;
+        Slot& slot = queue->slot(number);
         lock.unlock();
-        converter.convert(slot->batch, &slot->result);
+        converter.convert(slot.batch, &slot.result);
         lock.lock();
-        slot->is_done = true;
-        queue->changed.notify_all();
+        slot.is_done = true;
+        if (number == queue->written) queue->has_result.notify_one();
     }
 }
 
 static void write_results(Queue* queue, const Take& take) {
     std::unique_lock lock(queue->mutex);
     for (;;) {
-        queue->changed.wait(
-            lock, [&] { return queue->to_write.empty() ? queue->at_end : queue->to_write.front()->is_done; });
-        if (queue->to_write.empty()) return;
-        std::shared_ptr<Slot> slot = queue->to_write.front();
+        Slot& slot = queue->slot(queue->written);
+        queue->has_result.wait(lock,
+                               [&] { return queue->written < queue->read ? slot.is_done : queue->at_end; });
+        if (queue->written == queue->read) return;
         lock.unlock();
-        bool goes_on = take(slot->batch, slot->result);
+        bool goes_on = take(slot.batch, slot.result);
         lock.lock();
-        queue->used.push_back(std::move(slot));
-        queue->to_write.pop_front();
+        slot.is_done = false;
+        ++queue->written;
         if (!goes_on) queue->is_stopped = true;
-        queue->changed.notify_all();
-        if (!goes_on) return;
+        queue->has_room.notify_one();
+        if (goes_on) continue;
+        queue->has_work.notify_all();
+        return;
     }
-}
-
-static std::shared_ptr<Slot> fresh_slot(Queue* queue) {
-    std::lock_guard lock(queue->mutex);
-    if (queue->used.empty()) return std::make_shared<Slot>();
-    std::shared_ptr<Slot> slot = std::move(queue->used.back());
-    queue->used.pop_back();
-    slot->is_done = false;
-    return slot;
 }
 
 // False if no more is wanted.
 static bool read_one(Queue* queue, Source* source) {
-    std::shared_ptr<Slot> slot = fresh_slot(queue);
-    bool found = source->next(&slot->batch);
     std::unique_lock lock(queue->mutex);
-    queue->changed.wait(lock, [&] { return queue->is_stopped || queue->to_write.size() < queue->capacity; });
-    if (!found || queue->is_stopped) return false;
-    queue->to_convert.push_back(slot);
-    queue->to_write.push_back(std::move(slot));
-    queue->changed.notify_all();
+    queue->has_room.wait(
+        lock, [&] { return queue->is_stopped || queue->read - queue->written < queue->ring.size(); });
+    if (queue->is_stopped) return false;
+    Slot& slot = queue->slot(queue->read);
+    lock.unlock();
+    if (!source->next(&slot.batch)) return false;
+    lock.lock();
+    ++queue->read;
+    queue->has_work.notify_one();
     return true;
 }
 
 static void run_together(Source* source, const Plan& plan, unsigned jobs, const Take& take) {
-    Queue queue;
-    queue.capacity = 2 * size_t{jobs} + 2;
+    Queue queue(2 * size_t{jobs} + 2);
     std::vector<std::thread> threads;
     threads.emplace_back(write_results, &queue, std::cref(take));
     for (unsigned i = 0; i < jobs; ++i) threads.emplace_back(work, &queue, std::cref(plan));
@@ -111,7 +108,8 @@ static void run_together(Source* source, const Plan& plan, unsigned jobs, const 
         std::lock_guard lock(queue.mutex);
         queue.at_end = true;
     }
-    queue.changed.notify_all();
+    queue.has_work.notify_all();
+    queue.has_result.notify_one();
     for (std::thread& thread : threads) thread.join();
 }
 
