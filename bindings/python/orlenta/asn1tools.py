@@ -128,7 +128,7 @@ def _refuse(**options):
 
 def compile_files(filenames, codec="ber", any_defined_by_choices=None, encoding="utf-8", cache_dir=None,
                   numeric_enums=False):
-    """The Specification of modules in one file or several."""
+    """Compiles modules in one file or several."""
     _refuse(any_defined_by_choices=any_defined_by_choices, cache_dir=cache_dir, numeric_enums=numeric_enums)
     if isinstance(filenames, (str, os.PathLike)):
         filenames = [filenames]
@@ -140,6 +140,6 @@ def compile_files(filenames, codec="ber", any_defined_by_choices=None, encoding=
 
 
 def compile_string(string, codec="ber", any_defined_by_choices=None, numeric_enums=False):
-    """The Specification of modules in a text."""
+    """Compiles modules in a text."""
     _refuse(any_defined_by_choices=any_defined_by_choices, numeric_enums=numeric_enums)
     return Specification(_schema.compile_text(string), codec)
