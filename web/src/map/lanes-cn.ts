@@ -1,19 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Lanes of CN's MAP: nodes, the links that lead to them, and the lanes of these. Points follow the traffic to the node.
-import type { Connection, Features, Lane, LaneKind } from "./features";
+import type { Connection, Features, Lane } from "./features";
 import { type LatLon, fromMetres, place, toMetres } from "./geo";
-import { idOf } from "./lanes";
+import { KINDS, idOf } from "./lanes";
 import { chosen, list, members, number, text, type Members } from "./members";
 import { offsetFrom } from "./offsets";
-
-const KINDS: Record<string, LaneKind> = {
-    vehicle: "vehicle",
-    crosswalk: "crosswalk",
-    bikeLane: "bike",
-    sidewalk: "sidewalk",
-    trackedVehicle: "rail",
-    parking: "parking",
-};
 
 const DEFAULT_WIDTH = 350;
 

@@ -8,7 +8,7 @@ import { nodeOffset } from "./offsets";
 
 const DEFAULT_WIDTH = 3;
 
-const KINDS: Record<string, LaneKind> = {
+export const KINDS: Record<string, LaneKind> = {
     vehicle: "vehicle",
     crosswalk: "crosswalk",
     bikeLane: "bike",
