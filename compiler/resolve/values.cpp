@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "compiler/model/decimal.hpp"
 #include "compiler/resolve/resolve.hpp"
 
 namespace orlentac {
@@ -409,7 +410,7 @@ std::optional<Value> resolve_real_parts(Resolver& resolver, const Governed& gove
         int exponent = static_cast<int>(std::clamp<Number>(parts[2], -10000, 10000));
         value.real = std::ldexp(parts[0].convert_to<double>(), exponent);
     } else {
-        value.real = std::strtod((parts[0].str() + "e" + parts[2].str()).c_str(), nullptr);
+        value.real = decimal_value(parts[0].str() + "e" + parts[2].str());
     }
     return value;
 }

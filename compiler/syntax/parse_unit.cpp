@@ -4,8 +4,8 @@
 //     --@ unit 0.02 m/s; 8191 unavailable
 //     --@ unit 200 Pa + 57800; 0 unavailable; 255 orMore
 #include <charconv>
-#include <cstdlib>
 
+#include "compiler/model/decimal.hpp"
 #include "compiler/syntax/parser.hpp"
 
 namespace orlentac {
@@ -69,10 +69,6 @@ std::string read_decimal(UnitText& text, std::string_view what) {
     if (peek(text) != '.') return digits;
     text.at++;
     return digits + "." + read_digits(text, "a digit behind the point");
-}
-
-double decimal_value(const std::string& decimal) {
-    return std::strtod(decimal.c_str(), nullptr);  // emscripten's std::from_chars() has no double
 }
 
 uint32_t digits_of(const std::string& decimal) {

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "compiler/syntax/parser.hpp"
 
-#include <cstdlib>
 #include <limits>
+
+#include "compiler/model/decimal.hpp"
 
 namespace orlentac {
 
@@ -178,7 +179,7 @@ static void parse_number_value(Parser& parser, AstValue& value) {
         if (negative) value.number = -value.number;
     } else if (is_sort(parser, Token::Sort::real_number)) {
         value.sort = AstValue::Sort::real;
-        value.real = std::strtod(parser.at->text.c_str(), nullptr);
+        value.real = decimal_value(parser.at->text);
         if (negative) value.real = -value.real;
     } else {
         fail_expected(parser, "a number");

@@ -7,6 +7,7 @@
 #include <orlenta/jer.h>
 #include <orlenta/memory.h>
 #include <orlenta/scalar.h>
+#include <orlenta/schema.h>
 #include <orlenta/value.h>
 #include <orlenta/xer.h>
 
@@ -92,6 +93,25 @@ TEST_F(Locale, WhatDoesNotDependOnIt) {
     const uint8_t decimal[] = {0x03, '1', '.', '5'};
     ASSERT_EQ(asn1_decode_real_ber(decimal, sizeof decimal, &number), 0);
     EXPECT_EQ(number, 1.0);
+}
+
+// A schema has full stops.
+TEST_F(Locale, SchemasAreReadAlike) {
+    const char text[] =
+        "M DEFINITIONS ::= BEGIN\n"
+        "A ::= INTEGER (0..9) --@ unit 0.25 m/s - 1.5\n"
+        "END\n";
+    const orlenta_schema_source source = {"m.asn1", text, sizeof text - 1};
+    orlenta_schema* schema = orlenta_schema_compile(&source, 1, nullptr);
+    const orlenta_catalogue* catalogue = orlenta_schema_catalogue(schema);
+    ASSERT_NE(catalogue, nullptr) << orlenta_schema_message_at(schema, 0)->text;
+    orlenta_type_entry entry;
+    ASSERT_EQ(orlenta_catalogue_find(catalogue, "A", &entry, nullptr), 0);
+    const orlenta_unit* unit = orlenta_unit_of(catalogue, entry.type);
+    ASSERT_NE(unit, nullptr);
+    EXPECT_EQ(unit->scale, 0.25);
+    EXPECT_EQ(unit->offset, -1.5);
+    orlenta_schema_free(schema);
 }
 
 }  // namespace
