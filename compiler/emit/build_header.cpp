@@ -11,6 +11,7 @@
 #include "compiler/emit/c_types.hpp"
 #include "compiler/emit/header.hpp"
 #include "compiler/emit/open_types.hpp"
+#include "compiler/emit/put.hpp"
 #include "compiler/layout/names.hpp"
 #include "compiler/model/references.hpp"
 
@@ -24,11 +25,6 @@ struct Writer {
     std::unordered_set<std::string> names;      // of functions
     std::unordered_set<const Table*> declared;  // tables in place
 };
-
-template <typename... Args>
-void put(Writer& writer, fmt::format_string<Args...> format, Args&&... args) {
-    fmt::format_to(std::back_inserter(writer.out), format, std::forward<Args>(args)...);
-}
 
 // orlenta_CN_Some_Type_verb_component, which no other function has.
 std::string function_name(Writer& writer, const Table& table, const char* verb,

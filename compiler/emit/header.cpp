@@ -13,6 +13,7 @@
 #include "compiler/emit/build_header.hpp"
 #include "compiler/emit/c_types.hpp"
 #include "compiler/emit/open_types.hpp"
+#include "compiler/emit/put.hpp"
 #include "compiler/emit/typed_header.hpp"
 #include "compiler/layout/names.hpp"
 #include "compiler/layout/records.hpp"
@@ -27,11 +28,6 @@ struct Writer {
     std::unordered_set<std::string> names;     // of records and constants
     std::unordered_set<const Table*> defined;  // structs
 };
-
-template <typename... Args>
-void put(Writer& writer, fmt::format_string<Args...> format, Args&&... args) {
-    fmt::format_to(std::back_inserter(writer.out), format, std::forward<Args>(args)...);
-}
 
 void put_section(Writer& writer, const std::string& title) {
     std::string line = "/* ---- " + title + " ";

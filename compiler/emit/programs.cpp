@@ -5,6 +5,7 @@
 
 #include "compiler/emit/header.hpp"
 #include "compiler/emit/initializer.hpp"
+#include "compiler/emit/put.hpp"
 #include "compiler/emit/tables.hpp"
 #include "compiler/programs/coded_types.hpp"
 #include "entry/index.hpp"
@@ -21,11 +22,6 @@ namespace {
 
 using Text = std::string;
 using orlenta::program::growing;
-
-template <typename... Args>
-void put(Text& out, fmt::format_string<Args...> format, Args&&... args) {
-    fmt::format_to(std::back_inserter(out), format, std::forward<Args>(args)...);
-}
 
 Text codec_name(const Table& table) { return "orlenta_codec_" + table.symbol; }
 

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "compiler/emit/c_types.hpp"
+#include "compiler/emit/put.hpp"
 #include "compiler/layout/constant_form.hpp"
 
 namespace orlentac {
@@ -15,11 +16,6 @@ namespace orlentac {
 namespace {
 
 using Text = std::string;
-
-template <typename... Args>
-void put(Text& out, fmt::format_string<Args...> format, Args&&... args) {
-    fmt::format_to(std::back_inserter(out), format, std::forward<Args>(args)...);
-}
 
 // ---- words ------------------------------------------------------------------------------------------------
 

@@ -16,6 +16,7 @@
 #include "compiler/emit/c_types.hpp"
 #include "compiler/emit/header.hpp"
 #include "compiler/emit/open_types.hpp"
+#include "compiler/emit/put.hpp"
 #include "compiler/layout/names.hpp"
 #include "compiler/layout/records.hpp"
 #include "compiler/model/references.hpp"
@@ -32,11 +33,6 @@ struct Writer {
     std::unordered_set<const Table*> declared;          // tables in place
     std::unordered_map<const void*, std::string> bits;  // enumerations of named bits, by BIT STRING
 };
-
-template <typename... Args>
-void put(Writer& writer, fmt::format_string<Args...> format, Args&&... args) {
-    fmt::format_to(std::back_inserter(writer.out), format, std::forward<Args>(args)...);
-}
 
 std::string namespace_name(const Layout& layout) {
     std::string name = layout.region;
