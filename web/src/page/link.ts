@@ -27,9 +27,9 @@ async function through(bytes: Uint8Array, stream: GenericTransformStream): Promi
 }
 
 const packed = async (text: string) =>
-    toUrl(await through(new TextEncoder().encode(text), new CompressionStream("deflate-raw")));
+    toUrl(await through(new TextEncoder().encode(text), new CompressionStream("deflate")));
 const unpacked = async (text: string) =>
-    new TextDecoder().decode(await through(fromUrl(text), new DecompressionStream("deflate-raw")));
+    new TextDecoder().decode(await through(fromUrl(text), new DecompressionStream("deflate")));
 
 export async function toFragment({ type, rules, data, schema }: Linked): Promise<string> {
     const parts = new URLSearchParams({ t: type, r: rules });
