@@ -5,6 +5,7 @@
 #include <fmt/ranges.h>
 
 #include "cli/rules.hpp"
+#include "cli/spelling.hpp"
 
 namespace cli {
 
@@ -19,8 +20,25 @@ static std::string rules_help() {
            "file, one a line (--lines), or each behind its length (--framing). Texts are UTF-8.\n";
 }
 
+std::string unknown_rules(std::string_view name) {
+    const std::string wanted = folded(name);
+    std::vector<std::string_view> all, described, close;
+    for (const Rules& rules : all_rules()) {
+        all.push_back(rules.name);
+        if (wanted.size() >= 3 && folded(rules.about).find(wanted) != std::string::npos)
+            described.push_back(rules.name);
+        if (edit_distance(wanted, rules.name) <= 1) close.push_back(rules.name);
+    }
+    const std::vector<std::string_view>& nearest = described.empty() ? close : described;
+    if (nearest.empty() || nearest.size() > 3)
+        return fmt::format("no rules are named {}; there are {}", name, fmt::join(all, ", "));
+    return fmt::format("no rules are named {}; the nearest: {}", name, fmt::join(nearest, ", "));
+}
+
 std::string help_text(const CLI::App& app, const std::string& topic) {
-    if (topic.empty()) return app.help();
+    // app.help() would be that of the command which was given, so of help itself.
+    if (topic.empty())
+        return app.get_formatter()->make_help(&app, app.get_name(), CLI::AppFormatMode::Normal);
     if (topic == "rules") return rules_help();
     for (const CLI::App* command : app.get_subcommands({}))
         if (command->get_name() == topic) return command->help("orlenta");

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <string_view>
 
 namespace cli {
 
@@ -12,5 +13,8 @@ std::string help_text(const CLI::App& app, const std::string& topic);
 
 // A script that completes the command line of `app` in bash, zsh or fish. Empty for another shell.
 std::string completion_script(const CLI::App& app, const std::string& shell);
+
+// One line for an unknown name of encoding rules: the names that were likely meant ("jer" for "json"), or else all of them.
+std::string unknown_rules(std::string_view name);
 
 }  // namespace cli

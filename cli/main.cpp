@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // orlenta: converts messages between encoding rules, checks and makes them, and tells about their types.
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <CLI/CLI.hpp>
 #include <climits>
@@ -56,7 +57,8 @@ struct Arguments {
 static CLI::Validator rule_name() {
     std::vector<std::string> names;
     for (const Rules& rules : all_rules()) names.push_back(rules.name);
-    return CLI::IsMember(names).name("RULES");
+    auto problem = [](const std::string& name) { return find_rules(name) ? "" : unknown_rules(name); };
+    return CLI::Validator(problem, fmt::format("{{{}}}", fmt::join(names, ",")));
 }
 
 static void add_text_forms(CLI::App* command, ByteLayout* layout) {
@@ -179,7 +181,9 @@ static void add_catalogue_commands(CLI::App* app, Arguments* arguments) {
     types->add_option("PATTERN", arguments->pattern, "Part of the name, or a pattern with * and ?");
 
     CLI::App* show = app->add_subcommand("show", "Print a type in ASN.1 notation, as its table has it");
-    show->add_option("TYPE", arguments->show.type, "The type, as CN.BasicSafetyMessage")->required();
+    show->add_option("TYPE", arguments->show.type,
+                     "The type, as CN.BasicSafetyMessage, or a pattern with * and ?")
+        ->required();
     show->add_option("--depth", arguments->show.depth,
                      "Print the types that it names too, so many steps deep");
     show->add_flag("--recursive,-r", arguments->recursive, "Print all types below it")->excludes("--depth");

@@ -4,12 +4,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
-#include <numeric>
 #include <set>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
+
+#include "cli/spelling.hpp"
 
 namespace cli {
 
@@ -64,29 +64,6 @@ std::string full_name(const orlenta_type_entry& entry) {
 }
 
 // ---- nearest names ----------------------------------------------------------------------------------------
-
-static std::string folded(std::string_view text) {
-    std::string result(text);
-    for (char& c : result)
-        c = c == '_' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return result;
-}
-
-// How many characters must be put in, taken out or changed to get from `a` to `b`.
-static size_t edit_distance(std::string_view a, std::string_view b) {
-    std::vector<size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), size_t{0});
-    for (size_t i = 1; i <= a.size(); ++i) {
-        size_t diagonal = row[0];
-        row[0] = i;
-        for (size_t j = 1; j <= b.size(); ++j) {
-            size_t change = diagonal + (a[i - 1] != b[j - 1]);
-            diagonal = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, change});
-        }
-    }
-    return row.back();
-}
 
 static std::string nearest_names(const std::vector<std::string>& parts) {
     const std::string wanted = folded(parts.back());

@@ -14,9 +14,13 @@
 
 namespace cli {
 
+static bool has_wildcards(const std::string& pattern) {
+    return pattern.find_first_of("*?[") != std::string::npos;
+}
+
 // A pattern with wildcards must match the whole name, one without may match a part. Case makes no difference.
 static bool matches(const std::string& pattern, const std::string& name) {
-    bool glob = pattern.find_first_of("*?[") != std::string::npos;
+    bool glob = has_wildcards(pattern);
     return fnmatch((glob ? pattern : "*" + pattern + "*").c_str(), name.c_str(), FNM_CASEFOLD) == 0;
 }
 
@@ -60,19 +64,31 @@ static void collect_mentioned(const asn1_type_desc* type, std::vector<const orle
     }
 }
 
-int run_show(const ShowOptions& options) {
+// The type of a name, or the named types that match a pattern; none if a line on standard error tells why.
+static std::vector<const orlenta_type_entry*> shown_types(const std::string& name) {
+    std::vector<const orlenta_type_entry*> types;
     std::string problem;
-    const orlenta_type_entry* root = find_type(options.type, &problem);
-    if (!root) {
-        report(problem);
-        return kBadUsage;
+    if (has_wildcards(name)) {
+        for (const orlenta_type_entry& entry : all_types())
+            if (is_named(entry) && matches(name, full_name(entry))) types.push_back(&entry);
+        problem = fmt::format("no type matches {}", name);
+    } else if (const orlenta_type_entry* type = find_type(name, &problem)) {
+        types.push_back(type);
     }
-    std::vector<const orlenta_type_entry*> level = {root};
-    std::unordered_set<const orlenta_type_entry*> seen = {root};
+    if (types.empty()) report(problem);
+    return types;
+}
+
+int run_show(const ShowOptions& options) {
+    std::vector<const orlenta_type_entry*> level = shown_types(options.type);
+    if (level.empty()) return kBadUsage;
+    std::unordered_set<const orlenta_type_entry*> seen(level.begin(), level.end());
+    const char* gap = "";
     for (unsigned depth = 0; !level.empty(); ++depth) {
         std::vector<const orlenta_type_entry*> next;
         for (const orlenta_type_entry* entry : level) {
-            fmt::print("{}{}", entry == root ? "" : "\n", definition_text(*entry));
+            fmt::print("{}{}", gap, definition_text(*entry));
+            gap = "\n";
             if (depth >= options.depth) continue;
             std::vector<const orlenta_type_entry*> mentioned;
             collect_mentioned(entry->type, &mentioned);
