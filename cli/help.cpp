@@ -9,15 +9,32 @@
 
 namespace cli {
 
+namespace {
+
+// What an option takes and whether it must be given; that some exclude each other is told where it happens.
+struct HelpLayout : CLI::Formatter {
+    std::string make_option_opts(const CLI::Option* option) const override {
+        std::string type = option->get_type_size() == 0 ? "" : option->get_type_name();
+        if (type.starts_with(':')) type.erase(0, 1);  // "" and what a check says of its values
+        return fmt::format("{}{}{}{}", type.empty() ? "" : " ", type,
+                           option->get_expected_max() > 1 ? "..." : "",
+                           option->get_required() ? " (required)" : "");
+    }
+};
+
+}  // namespace
+
+std::shared_ptr<CLI::FormatterBase> help_layout() { return std::make_shared<HelpLayout>(); }
+
 // ---- help -------------------------------------------------------------------------------------------------
 
 static std::string rules_help() {
-    std::string text = "Encoding rules, by the names that --from and --to take:\n";
+    std::string text = "Encoding rules, as --from and --to name them:\n";
     for (const Rules& rules : all_rules()) text += fmt::format("  {:<6}{}\n", rules.name, rules.about);
     return text +
-           "\nBytes may stand in files as they are, as hexadecimal digits or base64 (--hex, --base64), one "
-           "message a\n"
-           "file, one a line (--lines), or each behind its length (--framing). Texts are UTF-8.\n";
+           "\nBinary messages are read and written as they are, or as hexadecimal digits or base64 (--hex, "
+           "--base64):\n"
+           "one per file, one per line (--lines), or each after its length (--framing). Text is UTF-8.\n";
 }
 
 std::string unknown_rules(std::string_view name) {

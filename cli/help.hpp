@@ -3,10 +3,14 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace cli {
+
+// How help is laid out.
+std::shared_ptr<CLI::FormatterBase> help_layout();
 
 // The text of a topic: a command of `app`, "rules", or nothing for the whole. Empty if there is none of that name.
 std::string help_text(const CLI::App& app, const std::string& topic);

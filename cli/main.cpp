@@ -58,27 +58,27 @@ static CLI::Validator rule_name() {
     std::vector<std::string> names;
     for (const Rules& rules : all_rules()) names.push_back(rules.name);
     auto problem = [](const std::string& name) { return find_rules(name) ? "" : unknown_rules(name); };
-    return CLI::Validator(problem, fmt::format("{{{}}}", fmt::join(names, ",")));
+    return CLI::Validator(problem, fmt::format("{}", fmt::join(names, "|")));
 }
 
 static void add_text_forms(CLI::App* command, ByteLayout* layout) {
-    CLI::Option* hex = command->add_flag("--hex", layout->hex,
-                                         "Bytes are hexadecimal text; read is base64 too, where it is whole");
-    command->add_flag("--base64", layout->base64, "Bytes are base64")->excludes(hex);
+    CLI::Option* hex =
+        command->add_flag("--hex", layout->hex, "Bytes are hexadecimal text; padded base64 is read as well");
+    command->add_flag("--base64", layout->base64, "Bytes are base64 text")->excludes(hex);
 }
 
 static CLI::Option* add_layout(CLI::App* command, ByteLayout* layout) {
     add_text_forms(command, layout);
-    return command->add_flag("--lines", layout->lines, "One message a line, in the input and in the output");
+    return command->add_flag("--lines", layout->lines,
+                             "One message per line, in the input and in the output");
 }
 
 static void add_schema(CLI::App* command, Arguments* arguments) {
     command
         ->add_option("--schema", arguments->schema,
-                     "ASN.1 modules to take the types from, in place of the message sets")
-        ->type_name("FILE...");
-    command
-        ->add_option("--region", arguments->schema_region, "What names of their types begin with (nothing)")
+                     "Take the types from these ASN.1 modules instead of the built-in message sets")
+        ->type_name("FILE");
+    command->add_option("--region", arguments->schema_region, "First part of their types' names (none)")
         ->type_name("NAME")
         ->needs("--schema");
 }
@@ -87,118 +87,148 @@ static void add_framing(CLI::App* command, ByteLayout* layout, CLI::Option* line
     command
         ->add_option(
             "--framing", layout->framing,
-            "Bytes lie in files as records behind their lengths of 16 or 32 bits, the most significant "
-            "octet first; texts one a line")
-        ->check(CLI::IsMember({"length16", "length32"}).name("length16|length32"))
+            "Each binary message follows its length, a big-endian number of 16 or 32 bits; text has one "
+            "message per line")
+        ->type_name("")
+        ->check(CLI::IsMember({"length16", "length32"}).description("length16|length32"))
         ->excludes(lines)
         ->excludes("--hex")
         ->excludes("--base64");
 }
 
 static void add_style(CLI::App* command, TextStyle* style) {
-    style->indent_option = command->add_option("--indent", style->indent, "Spaces for each level of text (2)")
-                               ->check(CLI::Range(0, 16));
-    command->add_flag("--compact", style->compact, "Text on one line")->excludes("--indent");
-    command->add_flag("--no-empty-tags", style->no_empty_tags, "xer: <x></x> for <x/>");
-    command->add_flag("--boolean-text", style->boolean_text, "xer: BOOLEAN as text, not as <true/>");
-    command->add_flag("--enumerated-text", style->enumerated_text, "xer: ENUMERATED as text, not as <item/>");
-    command->add_flag("--indefinite", style->indefinite, "ber: indefinite lengths");
-    command->add_option("--segment", style->segment, "ber: strings in segments of so many octets")
-        ->check(CLI::Range(2, INT_MAX));
+    style->indent_option =
+        command->add_option("--indent", style->indent, "Spaces per level of indented text (2)")
+            ->type_name("N")
+            ->check(CLI::Range(0, 16).description(""));
+    command->add_flag("--compact", style->compact, "Write text on one line")->excludes("--indent");
+    command->add_flag("--no-empty-tags", style->no_empty_tags, "xer: write <x></x> for <x/>");
+    command->add_flag("--boolean-text", style->boolean_text, "xer: write BOOLEAN as text, not as <true/>");
+    command->add_flag("--enumerated-text", style->enumerated_text,
+                      "xer: write ENUMERATED as text, not as <item/>");
+    command->add_flag("--indefinite", style->indefinite, "ber: use indefinite lengths");
+    command->add_option("--segment", style->segment, "ber: split strings into segments of N octets")
+        ->type_name("N")
+        ->check(CLI::Range(2, INT_MAX).description(""));
 }
 
 static void add_input(CLI::App* command, ConvertOptions* options, std::string* from, ByteLayout* layout) {
     command
         ->add_option("--type,-t", options->type,
-                     "Type of the messages, as CN.MessageFrame; auto or EU.auto finds it")
+                     "Type of the messages, such as CN.MessageFrame; auto or EU.auto detects it")
         ->required()
         ->type_name("NAME");
-    command->add_option("--from,-f", *from, "Rules of the input")->required()->check(rule_name());
-    command->add_option("FILE", options->files, "Input files (standard input)")->type_name("");
+    command->add_option("--from,-f", *from, "Encoding rules of the input")
+        ->required()
+        ->type_name("")
+        ->check(rule_name());
+    command->add_option("FILE", options->files, "Input files (default: standard input)")->type_name("");
     add_framing(command, layout, add_layout(command, layout));
-    command->add_option("--errors", options->errors, "File of errors, one JSON object each")
+    command->add_option("--errors", options->errors, "Write each error to FILE as a JSON object on a line")
         ->type_name("FILE");
-    command->add_option("--jobs,-j", options->jobs, "Threads (1); 0 for one a processor");
-    command->add_flag("--allow-trailing", options->allow_trailing, "Ignore bytes behind the message");
+    command->add_option("--jobs,-j", options->jobs, "Number of threads (1); 0 means one per processor")
+        ->type_name("N");
+    command->add_flag("--allow-trailing", options->allow_trailing, "Ignore bytes after the message");
 }
 
 static void add_convert(CLI::App* app, Arguments* arguments) {
     ConvertOptions* options = &arguments->convert;
     CLI::App* command = app->add_subcommand("convert", "Convert messages from one encoding to another");
     add_input(command, options, &arguments->convert_from, &arguments->convert_layout);
-    command->add_option("--to", arguments->convert_to, "Rules of the output")->required()->check(rule_name());
-    command->add_option("--output,-o", options->output, "Output file (standard output)")->type_name("FILE");
+    command->add_option("--to", arguments->convert_to, "Encoding rules of the output")
+        ->required()
+        ->type_name("")
+        ->check(rule_name());
+    command->add_option("--output,-o", options->output, "Output file (default: standard output)")
+        ->type_name("FILE");
     add_style(command, &arguments->convert_style);
     CLI::Option* check =
         command->add_flag("--check", arguments->must_pass,
-                          "Refuse values that break a constraint as text too, not only as bytes");
-    command->add_flag("--no-check", arguments->no_check, "Check no constraints")->excludes(check);
+                          "Refuse values that violate a constraint even if the output is text");
+    command->add_flag("--no-check", arguments->no_check, "Do not check constraints")->excludes(check);
     command->add_flag(
         "--keep-going,-k", options->keep_going,
-        "Report a bad message, put null, an empty line or an empty record in its place, and go on");
-    command->add_flag("--physical", options->physical,
-                      "jer: {\"raw\":...,\"physical\":...,\"unit\":...} for numbers that have a unit; for "
-                      "reading, and not taken as input");
-    command->add_flag("--envelope", options->envelope, "jer: {\"type\": ..., \"value\": ...}");
+        "Report a bad message, write null, an empty line or an empty record in its place, and continue");
+    command->add_flag(
+        "--physical", options->physical,
+        "jer: write {\"raw\":...,\"physical\":...,\"unit\":...} for numbers that have a unit; not "
+        "accepted as input");
+    command->add_flag("--envelope", options->envelope, "jer: write {\"type\":...,\"value\":...}");
 }
 
 static void add_check(CLI::App* app, Arguments* arguments) {
     CLI::App* command =
-        app->add_subcommand("check", "Tell which messages do not decode or do not meet constraints");
+        app->add_subcommand("check", "Report messages that do not decode or violate constraints");
     add_input(command, &arguments->check, &arguments->check_from, &arguments->check_layout);
 }
 
 static void add_explain(CLI::App* app, Arguments* arguments) {
     ExplainOptions* options = &arguments->explain;
-    CLI::App* command = app->add_subcommand("explain", "Take a message apart: a line for each run of bits");
+    CLI::App* command = app->add_subcommand("explain", "Show what each bit of a message means");
     command->add_option("--type,-t", options->type, "Type of the message")->required()->type_name("NAME");
-    command->add_option("--from,-f", arguments->explain_from, "Rules of the message, none of text")
+    command
+        ->add_option("--from,-f", arguments->explain_from, "Encoding rules of the message; binary rules only")
         ->required()
+        ->type_name("")
         ->check(rule_name());
-    command->add_option("FILE", options->file, "Input file (standard input)")->type_name("");
+    command->add_option("FILE", options->file, "Input file (default: standard input)")->type_name("");
     add_text_forms(command, &arguments->explain_layout);
-    command->add_flag("--json", options->json, "One JSON object a line");
+    command->add_flag("--json", options->json, "Write one JSON object per line");
 }
 
 static void add_random(CLI::App* app, Arguments* arguments) {
     RandomOptions* options = &arguments->random;
-    CLI::App* command = app->add_subcommand("random", "Make values from seeds and encode them");
+    CLI::App* command = app->add_subcommand("random", "Generate random values and encode them");
     command->add_option("--type,-t", options->type, "Type of the values")->required()->type_name("NAME");
-    command->add_option("--to", arguments->random_to, "Rules of the output")->required()->check(rule_name());
-    command->add_option("--seed", options->seed, "First seed (1); each further value has the next one");
-    command->add_option("--count,-n", options->count, "How many values (1)");
-    command->add_flag("--valid", options->valid,
-                      "Values of moderate size that meet all constraints, open types with their keys");
-    command->add_option("--output,-o", options->output, "Output file (standard output)")->type_name("FILE");
+    command->add_option("--to", arguments->random_to, "Encoding rules of the output")
+        ->required()
+        ->type_name("")
+        ->check(rule_name());
+    command
+        ->add_option("--seed", options->seed,
+                     "Seed of the first value (1); each further value uses the next number")
+        ->type_name("N");
+    command->add_option("--count,-n", options->count, "Number of values (1)")->type_name("N");
+    command->add_flag(
+        "--valid", options->valid,
+        "Values of moderate size that meet all constraints, with open types that match their keys");
+    command->add_option("--output,-o", options->output, "Output file (default: standard output)")
+        ->type_name("FILE");
     add_layout(command, &arguments->random_layout);
     add_style(command, &arguments->random_style);
     command->add_flag("--keep-going,-k", options->keep_going,
-                      "Report a value that has no encoding and go on");
+                      "Report a value that has no encoding and continue");
 }
 
 static void add_catalogue_commands(CLI::App* app, Arguments* arguments) {
     CLI::App* types = app->add_subcommand("types", "List types: kind, bounds, size of the value record");
-    types->add_option("PATTERN", arguments->pattern, "Part of the name, or a pattern with * and ?");
+    types->add_option("PATTERN", arguments->pattern, "Part of a name, or a pattern with * and ?")
+        ->type_name("");
 
-    CLI::App* show = app->add_subcommand("show", "Print a type in ASN.1 notation, as its table has it");
+    CLI::App* show = app->add_subcommand("show", "Print types in ASN.1 notation, with bounds and units");
     show->add_option("TYPE", arguments->show.type,
-                     "The type, as CN.BasicSafetyMessage, or a pattern with * and ?")
+                     "A type, such as CN.BasicSafetyMessage, or a pattern with * and ?")
+        ->type_name("")
         ->required();
     show->add_option("--depth", arguments->show.depth,
-                     "Print the types that it names too, so many steps deep");
-    show->add_flag("--recursive,-r", arguments->recursive, "Print all types below it")->excludes("--depth");
+                     "Also print the types that it refers to, N levels deep")
+        ->type_name("N");
+    show->add_flag("--recursive,-r", arguments->recursive,
+                   "Also print all types that it refers to, at any level")
+        ->excludes("--depth");
 
     CLI::App* roots = app->add_subcommand("roots", "List the types that no other type refers to");
-    roots->add_option("REGION", arguments->region, "CN, EU or US; needless with --schema");
+    roots->add_option("REGION", arguments->region, "CN, EU or US; not needed with --schema")->type_name("");
 }
 
 static void add_help(CLI::App* app, Arguments* arguments) {
-    CLI::App* help = app->add_subcommand("help", "Tell about a command, or about the encoding rules");
-    help->add_option("TOPIC", arguments->topic, "The command, or rules");
-    CLI::App* completion = app->add_subcommand("completion", "Print a script that completes command lines");
+    CLI::App* help = app->add_subcommand("help", "Explain a command, or list the encoding rules");
+    help->add_option("TOPIC", arguments->topic, "A command, or \"rules\"")->type_name("");
+    CLI::App* completion = app->add_subcommand("completion", "Print a completion script for a shell");
     completion->add_option("SHELL", arguments->shell, "bash, zsh or fish")
+        ->type_name("")
         ->required()
-        ->check(CLI::IsMember({"bash", "zsh", "fish"}));
+        ->check(CLI::IsMember({"bash", "zsh", "fish"}).description(""));
 }
 
 // ---- what the parser cannot tell by itself ----------------------------------------------------------------
@@ -346,12 +376,14 @@ static int refuse_usage(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 int main(int argc, char** argv) {
-    CLI::App app("Converts, checks and makes messages of the vehicle message sets.", "orlenta");
+    CLI::App app("Converts, checks, explains and generates vehicle (V2X) messages.", "orlenta");
+    app.formatter(help_layout());
     Arguments arguments;
     app.set_version_flag("--version", "orlenta " ORLENTA_VERSION);
     app.require_subcommand(0, 1);
     app.footer(
-        "Exit status: 0 done, 1 bad input, 2 bad usage. More: orlenta help COMMAND, orlenta help rules");
+        "Exit status: 0 success, 1 bad input, 2 bad usage. See also: orlenta help COMMAND, orlenta help "
+        "rules");
     add_convert(&app, &arguments);
     add_check(&app, &arguments);
     add_explain(&app, &arguments);
