@@ -52,20 +52,19 @@ struct Options {
 
 constexpr const char* kManual =
     "Compiles ASN.1 modules (X.680 to X.683) to constant tables for liborlenta.\n"
-    "All modules of one run form a region, told apart from others by its name. A type Some-Type of the "
-    "region CN\n"
-    "becomes the descriptor asn1_type_CN_Some_Type and the record asn1_CN_Some_Type; of types that have one "
-    "name\n"
-    "in several modules each gets its module's name too, asn1_CN_Its_Module_Some_Type. Without --tables-dir "
-    "and\n"
-    "--header the modules are only checked.\n";
+    "All modules of one run form a region, whose name is the prefix of all C names: the type Some-Type of "
+    "the\n"
+    "region CN becomes the descriptor asn1_type_CN_Some_Type and the record asn1_CN_Some_Type. Types that "
+    "have\n"
+    "the same name in several modules also get their module's name: asn1_CN_Its_Module_Some_Type. Without\n"
+    "--tables-dir and --header the modules are only checked.\n";
 
 constexpr const char* kExamples =
     "\nExamples:\n"
     "  orlentac --region MY --tables-dir gen --header gen/my.h Sensors.asn1 Common.asn1\n"
     "  orlentac --region MY --summary Sensors.asn1 Common.asn1\n"
     "\nWith CMake, use orlenta_add_schema(target REGION MY FILES Sensors.asn1 Common.asn1).\n"
-    "\nExit status: 0 done; 1 the modules have errors, or a file cannot be written; 2 bad usage.\n";
+    "\nExit status: 0 success; 1 the modules have errors, or a file cannot be written; 2 bad usage.\n";
 
 std::string check_region(const std::string& name) {
     bool good = !name.empty() && std::isalpha(static_cast<unsigned char>(name[0]));
@@ -74,53 +73,54 @@ std::string check_region(const std::string& name) {
 }
 
 void declare_options(CLI::App& app, Options& options) {
-    app.add_option("-r,--region", options.layout.region, "Name of the region, the prefix of all its types")
+    app.add_option("-r,--region", options.layout.region, "Name of the region, the prefix of all C names")
         ->required()
-        ->check(CLI::Validator(check_region, "NAME"));
-    app.add_option(
-        "-t,--tables-dir", options.tables_dir,
-        "Folder for <region>_tables_<i>.cpp and, with --header, <region>_records.cpp, which checks the "
-        "header's records against the tables when compiled");
-    app.add_option(
-        "-H,--header", options.header,
-        "C and C++ header to write: records, constants, descriptors; what is in place gets one beside it, "
-        "<header>_local.h");
+        ->type_name("NAME")
+        ->check(CLI::Validator(check_region, ""));
+    app.add_option("-t,--tables-dir", options.tables_dir,
+                   "Folder for <region>_tables_<i>.cpp and, with --header, for <region>_records.cpp, which "
+                   "checks the records of the header against the tables when it is compiled")
+        ->type_name("FOLDER");
+    app.add_option("-H,--header", options.header,
+                   "C and C++ header to write: records, constants, descriptors. Descriptors of types without "
+                   "a name go to a second header, <header>_local.h")
+        ->type_name("FILE");
     app.add_option("-i,--include-name", options.include_name,
-                   "How the header is included, as orlenta/cn.h; its file name if not given");
-    app.add_option(
-        "-l,--list", options.list,
-        "C++ source to write: the types by name, orlenta_catalogue_<REGION>(), which the header declares");
-    app.add_option("-p,--parts", options.parts, "Number of source files to spread the tables over")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 1000));
-    app.add_option(
-           "--first-local", options.layout.first_local,
-           "First number for tables and constants without a name; to be set apart if several regions shall "
-           "have different numbers")
-        ->capture_default_str();
-    app.add_option(
-           "-n,--names", options.names,
-           "'short' gives a type its module's name only if other modules have a type of that name; 'module' "
-           "always, so that a module added later renames nothing")
-        ->check(CLI::IsMember({"short", "module"}))
-        ->capture_default_str();
+                   "How sources include the header, such as orlenta/cn.h (default: its file name)")
+        ->type_name("NAME");
+    app.add_option("-l,--list", options.list,
+                   "C++ source to write with the types by name: orlenta_catalogue_<REGION>(), which the "
+                   "header declares")
+        ->type_name("FILE");
+    app.add_option("-p,--parts", options.parts, "Number of source files that the tables are spread over (1)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000).description(""));
+    app.add_option("--first-local", options.layout.first_local,
+                   "First number of tables and constants without a name (1), to keep the numbers of several "
+                   "regions apart")
+        ->type_name("N");
+    app.add_option("-n,--names", options.names,
+                   "short (default): a type gets its module's name only if another module has a type of the "
+                   "same name. module: every type gets it, so that adding a module never renames a type")
+        ->type_name("short|module")
+        ->check(CLI::IsMember({"short", "module"}).description(""));
     app.add_option("-P,--programs", options.programs,
-                   "Compile types to programs, which the library runs in place of walking the tables: "
-                   "'common' makes one "
-                   "for all, for programs that use many of them, 'single' one a type, for those that name a "
-                   "few. With "
-                   "--header, <header>_codecs.h declares them")
+                   "Compile types to programs, which run faster than the walk over the tables. common: one "
+                   "program for all types, for applications that use many of them. single: one per type, for "
+                   "applications that use a few. With --header, <header>_codecs.h declares them")
+        ->type_name("common|single")
         ->allow_extra_args(false)
-        ->check(CLI::IsMember({"common", "single"}));
+        ->check(CLI::IsMember({"common", "single"}).description(""));
     app.add_option("-L,--program-list", options.program_list,
-                   "File of the types that get programs: a type a line, Type.* for its alternatives, 'roots' "
-                   "for types "
-                   "that no other refers to, 'rows' for those in object sets; without it, roots and rows")
+                   "File that lists the types to compile to programs, one per line: a name, Type.* for all "
+                   "its alternatives, roots for types that no other refers to, rows for those in object sets "
+                   "(default: roots and rows)")
+        ->type_name("FILE")
         ->needs("--programs");
     // As the message sets of the library stand; of no use to others.
     app.add_flag("--shipped-forms", options.schema.shipped_forms)->group("");
-    app.add_flag("-s,--summary", options.summary, "Print how many tables there are of each sort and kind");
-    app.add_option("modules", options.modules, "ASN.1 files")->required();
+    app.add_flag("-s,--summary", options.summary, "Print the number of tables of each sort and kind");
+    app.add_option("modules", options.modules, "ASN.1 modules")->required()->type_name("FILE");
     app.set_version_flag("--version", "orlentac " ORLENTA_VERSION);
     app.footer(kExamples);
 }
