@@ -25,15 +25,15 @@ extern "C" {
 
 /** Decodes the value of `type` at the start of `data`, which holds `length` bytes. Returns the bytes consumed, with
  * the new value in `*out`, to be released by asn1_free_value(); or -1 with `*out` null and, if `error` is not null,
- * the message and the bit position where reading stopped. Bytes behind the value are no error. The most frequent
+ * the message and the bit position where reading stopped. Bytes after the value are not an error. The most frequent
  * failure, a length beyond what is left, has no message of its own, nor has the length octet 0xFF: the text is empty
  * then, or tells of the end of an earlier part that had passed.
  *
- * Looser than X.690: an INTEGER of no octets is 0, lengths and long-form tags need not be minimal, stray bits behind
+ * Looser than X.690: an INTEGER of no octets is 0, lengths and long-form tags need not be minimal, stray bits after
  * a BIT STRING are cleared, the optional components between two mandatory ones may come in any order, unknown
  * components at the end of a SEQUENCE and anywhere in a SET are skipped. Stricter: lengths stay below 2^31, unknown
  * items of an extensible ENUMERATED and alternatives of an extensible CHOICE are errors. A value that nests more
- * deeply than the calling thread's stack bears is an error as well. */
+ * deeply than the calling thread's stack allows is an error as well. */
 ORLENTA_API int64_t asn1_ber_decode(void** out, const asn1_type_desc* type, const uint8_t* data,
                                     uint64_t length, asn1_error* error);
 
@@ -42,7 +42,8 @@ ORLENTA_API int64_t asn1_ber_decode(void** out, const asn1_type_desc* type, cons
 /** @name Encoding
  * @{ */
 
-/** The choices that BER leaves to a sender. A record of zeros asks for definite lengths, primitive strings, no order. */
+/** The choices that BER leaves to the sender. A record of zeros asks for definite lengths, primitive strings, and no
+ * sorting. */
 typedef struct asn1_ber_encode_params {
     /** Non-zero: constructed encodings have the indefinite form (8.1.3.6). */
     int32_t indefinite_length;
@@ -54,8 +55,8 @@ typedef struct asn1_ber_encode_params {
 } asn1_ber_encode_params;
 
 /** Encodes `value`. Returns the length in bytes with the block in `*out`, to be released by asn1_free(); or -1 with
- * `*out` null: a selector or item out of range, a BIT STRING with a segment size of 1, nesting that the stack does
- * not bear, or no memory. There is no message. A component equal to its DEFAULT is left out. */
+ * `*out` null: a selector or item out of range, a BIT STRING with a segment size of 1, nesting that exceeds the
+ * stack, or no memory. There is no message. A component equal to its DEFAULT is left out. */
 ORLENTA_API int64_t asn1_ber_encode(uint8_t** out, const asn1_type_desc* type, const void* value,
                                     const asn1_ber_encode_params* params);
 

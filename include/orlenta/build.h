@@ -3,7 +3,7 @@
  * Building values: what the functions of the generated headers <orlenta/cn_build.h> and the like are made of. All is
  * inline, allocates by asn1_malloc and asn1_realloc, and works on any record of its shape, decoded or made by hand.
  *
- * Functions that return int give 0, or -1 where memory was not to be had; pointers are null then. The record is as it was
+ * Functions that return int give 0, or -1 where memory ran out; pointers are null then. The record is as it was
  * before, and the caller still owns it.
  */
 #ifndef ORLENTA_BUILD_H
@@ -84,7 +84,7 @@ static inline int orlenta_bit_string_set_bit(asn1_bit_string* string, uint64_t i
         void* block = orlenta_block_grow(string->data, (string->length + 7) / 8, (length + 7) / 8, 1);
         if (block == NULL) return -1;
         string->data = (uint8_t*)block;
-        if (string->length % 8 != 0) /* bits behind the end may have been anything */
+        if (string->length % 8 != 0) /* bits after the end may have been anything */
             string->data[string->length / 8] &= (uint8_t)(0xFF00U >> string->length % 8);
         string->length = length;
     }
@@ -95,7 +95,7 @@ static inline int orlenta_bit_string_set_bit(asn1_bit_string* string, uint64_t i
     return 0;
 }
 
-/** The bit at `index`; 0 behind the end. */
+/** The bit at `index`; 0 after the end. */
 static inline int orlenta_bit_string_get_bit(const asn1_bit_string* string, uint64_t index) {
     return index < string->length && (string->data[index / 8] >> (7 - index % 8) & 1) != 0;
 }

@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /** @file
- * Types by name and what they are made of, for programs that learn only when they run which type they are to work with.
+ * Types by name and what they are made of, for programs that learn at run time which types they work with.
  *
  * Names are those of the message sets in the library, or of schemas that were compiled at run time (schema.h). A catalogue
  * never changes, and may be used by any number of threads at once. Nothing here allocates.
@@ -37,7 +37,7 @@ typedef struct orlenta_type_entry {
     const char* region;         /**< "" if the schema was given none */
     const char* module;         /**< "" of what the standards of the language define */
     const char* name;           /**< as the schema has it; "" of a type in place */
-    const char* table;          /**< behind asn1_type_<region>_ in C: "Position_LL_24B", "Lpn_1" */
+    const char* table;          /**< after asn1_type_<region>_ in C: "Position_LL_24B", "Lpn_1" */
     const asn1_type_desc* type; /**< good for all functions that take a descriptor */
     uint32_t is_root;           /**< no other type of the region refers to it */
 } orlenta_type_entry;
@@ -114,7 +114,7 @@ typedef struct orlenta_type_facts {
     int64_t upper;                 /**< likewise */
     const asn1_integer* big_lower; /**< of an INTEGER with is_big; null: none */
     const asn1_integer* big_upper; /**< likewise */
-    uint32_t root_count;           /**< parts without those behind the extension marker */
+    uint32_t root_count;           /**< parts without those after the extension marker */
     uint32_t count;                /**< components, alternatives, items, ranges, class fields, rows */
     uint64_t record_size;   /**< bytes of a value in memory; 0 of an OBJECT_CLASS, which has no values */
     uint32_t pointer_count; /**< to follow from the place of a value to its record; tags may ask so */
@@ -144,9 +144,9 @@ typedef struct orlenta_component {
     uint32_t has_presence_word; /**< which also a mandatory extension addition has */
     uint32_t presence_offset;   /**< of that word */
     uint32_t presence;          /**< ORLENTA_MANDATORY, ... */
-    uint32_t is_addition;       /**< it stands behind the extension marker */
+    uint32_t is_addition;       /**< it stands after the extension marker */
     uint32_t opens_group;       /**< [[ stands before it */
-    uint32_t closes_group;      /**< ]] stands behind it */
+    uint32_t closes_group;      /**< ]] stands after it */
     uint32_t default_word; /**< ORLENTA_DEFAULT: what a BOOLEAN, ENUMERATED or INTEGER of 32 bits holds */
     const asn1_integer* big_default; /**< the same of an INTEGER with is_big */
 } orlenta_component;
@@ -155,7 +155,7 @@ typedef struct orlenta_component {
 typedef struct orlenta_alternative {
     const char* name;           /**< the identifier of the schema */
     const asn1_type_desc* type; /**< tags and all */
-    uint32_t is_addition;       /**< it stands behind the extension marker */
+    uint32_t is_addition;       /**< it stands after the extension marker */
     uint64_t selector_offset;   /**< in the record, of the 32-bit word that holds the index */
     uint64_t value_offset;      /**< of its value in the record */
 } orlenta_alternative;
@@ -164,7 +164,7 @@ typedef struct orlenta_alternative {
 typedef struct orlenta_item {
     const char* name;     /**< the identifier of the schema */
     int32_t number;       /**< in the schema */
-    uint32_t is_addition; /**< it stands behind the extension marker */
+    uint32_t is_addition; /**< it stands after the extension marker */
 } orlenta_item;
 
 /** Characters that a string may have. */

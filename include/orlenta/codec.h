@@ -1,14 +1,14 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /** @file
- * Codecs prepared for one type: what asn1_uper_decode() and its like find out from the descriptor with every message is
- * worked out once, into a compact program, and runs several times as fast. Values, bytes, results and error records are
- * the very same.
+ * Codecs prepared for one type: what asn1_uper_decode() and its like derive from the descriptor with every message is
+ * derived once, into a compact program that runs several times as fast. Values, bytes, results and error records are the
+ * same.
  *
- * A codec is made from any descriptor and may be used by any number of threads at once. Descriptors that it was made
- * from must stay. Each set of encoding rules has a program of its own, that takes up to a millisecond to make and some
+ * A codec is made from any descriptor and may be used by any number of threads at once. The descriptors that it was made
+ * from must stay valid. Each set of encoding rules has its own program, which takes up to a millisecond to make and some
  * kilobytes (for the largest types of LTE RRC some hundred): the one for UNALIGNED PER is made with the codec, another
- * one by the first call that needs it. A service that must not pay for that with a message decodes something first,
- * nothing at all if need be. Where there is no memory for a program, messages go the descriptor's way.
+ * one by the first call that needs it. To avoid that cost with the first message, decode anything beforehand, even an
+ * empty message. If there is no memory for a program, the descriptor is walked.
  */
 #ifndef ORLENTA_CODEC_H
 #define ORLENTA_CODEC_H
@@ -23,13 +23,13 @@ extern "C" {
 /** A type's programs. */
 typedef struct orlenta_codec orlenta_codec;
 
-/** A codec for values of `type`, which the caller releases by orlenta_codec_free; null if memory was not to be had, or if
+/** A codec for values of `type`, which the caller releases by orlenta_codec_free; null if memory ran out, or if
  * the type has no values. */
 ORLENTA_API orlenta_codec* orlenta_codec_new(const asn1_type_desc* type);
 
 /** The codec of `type` that is compiled in, if there is one, else null: those of the message sets and of other schemas for
- * which orlentac has written programs. asn1_uper_decode() and its like look for it by themselves; who decodes into an
- * arena asks once. It stays for ever, and orlenta_codec_free() is not for it. */
+ * which orlentac has written programs. asn1_uper_decode() and its like look for it by themselves; to decode into an arena,
+ * ask for it once. It is constant: do not pass it to orlenta_codec_free(). */
 ORLENTA_API const orlenta_codec* orlenta_codec_find(const asn1_type_desc* type);
 
 /** Releases a codec of orlenta_codec_new; null is allowed. Values outlive it. */
@@ -79,8 +79,8 @@ ORLENTA_API int64_t orlenta_oer_encode2(const orlenta_codec* codec, uint8_t** ou
 
 /** @name Arenas
  *
- * For who decodes, looks and throws away: all blocks of a value come from one arena, at a fraction of an allocator's
- * cost, and go with its reset. An arena serves one thread at a time.
+ * For programs that decode, look and discard: all blocks of a value come from one arena, at a fraction of an allocator's
+ * cost, and are released by its reset. An arena serves one thread at a time.
  * @{ */
 
 /** Memory for values that go together. */

@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /** @file
- * What went wrong, and where: the error record that decoders, `2`-suffixed encoders and the checker fill. */
+ * What went wrong, and where: the error record that decoders, encoders with the suffix 2 and the checker fill. */
 #ifndef ORLENTA_ERROR_H
 #define ORLENTA_ERROR_H
 
@@ -41,7 +41,7 @@ typedef struct asn1_type_path {
 } asn1_type_path;
 
 /** Writes the path's text, cut to `size` - 1 characters and terminated. More than 32 components show as the last 32
- * behind "(...)". */
+ * after "(...)". */
 ORLENTA_API void asn1_type_path_to_str(const asn1_type_path* path, char* dst, size_t size);
 
 #ifdef __cplusplus

@@ -26,7 +26,7 @@ typedef enum orlenta_rules {
 /** What a run of bits is. */
 typedef enum orlenta_bits_kind {
     ORLENTA_BITS_VALUE,     /**< the contents of a value, or a part of them */
-    ORLENTA_BITS_EXTENSION, /**< whether what follows lies behind an extension marker */
+    ORLENTA_BITS_EXTENSION, /**< whether what follows lies after an extension marker */
     ORLENTA_BITS_PRESENCE,  /**< which components or extension additions are there */
     ORLENTA_BITS_INDEX,     /**< of the alternative of a CHOICE */
     ORLENTA_BITS_TAG,       /**< identifier octets */
@@ -35,8 +35,8 @@ typedef enum orlenta_bits_kind {
     ORLENTA_BITS_PADDING,   /**< up to an octet boundary */
     ORLENTA_BITS_END,       /**< end-of-contents octets (X.690 clause 8.1.5) */
     ORLENTA_BITS_UNKNOWN,   /**< what the type does not know: part of a later version of the schema */
-    ORLENTA_BITS_TRAILING,  /**< behind the message */
-    ORLENTA_BITS_REFUSED    /**< what the decoder failed at, and all behind it */
+    ORLENTA_BITS_TRAILING,  /**< after the message */
+    ORLENTA_BITS_REFUSED    /**< what the decoder failed at, and everything after it */
 } orlenta_bits_kind;
 
 /** A run of bits. All pointers but `type` are good until the callback returns. */

@@ -51,7 +51,7 @@ typedef struct asn1_gser_encode_options {
 /** Prints `value` as GSER text, ended by a line feed. `*out` receives the text, not NUL-terminated, to be released by
  * asn1_free. Returns its length in bytes, the line feed included; or a negative number, with a null `*out`, for a
  * selector or item index outside the type, contents octets of an object identifier that break off, a code unit above
- * 31 bits, or memory that was not to be had. An object identifier without contents octets prints nothing, and the
+ * 31 bits, or if memory ran out. An object identifier without contents octets prints nothing, and the
  * decoder does not take it back. */
 ORLENTA_API int64_t asn1_gser_encode(uint8_t** out, const asn1_type_desc* type, const void* value);
 

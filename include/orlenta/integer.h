@@ -34,7 +34,7 @@ ORLENTA_API void asn1_integer_init(asn1_integer* a);
 ORLENTA_API void asn1_integer_clear(asn1_integer* a);
 /** Makes `size` n limbs. New limbs hold no meaning; the allocation never shrinks. */
 ORLENTA_API int asn1_integer_resize(asn1_integer* a, uint32_t n);
-/** Strips high zero limbs. The result has no use. */
+/** Strips high zero limbs. The result carries no information. */
 ORLENTA_API int asn1_integer_renorm(asn1_integer* a);
 
 /** @} */
@@ -95,7 +95,7 @@ ORLENTA_API int asn1_integer_get_ui64_ov(const asn1_integer* a, uint64_t* v);
 
 /** A record whose limbs are the low limbs of a's two's complement form (limbs above its size are all ones for a
  * negative a): `a` itself if it is not negative, else `tmp`, which the caller then clears. `*bits` becomes the bits
- * that the form needs without its sign bit. Null if memory was not to be had. */
+ * that the form needs without its sign bit. Null if memory ran out. */
 ORLENTA_API const asn1_integer* asn1_integer_to_2comp(asn1_integer* tmp, const asn1_integer* a,
                                                       uint32_t* bits);
 /** Turns limbs that hold a two's complement number, its sign the top bit of the top limb, into sign and magnitude. */
@@ -110,11 +110,11 @@ ORLENTA_API int asn1_integer_get_bit_size_2comp(uint32_t* bits, const asn1_integ
  * @{ */
 
 /** The NUL-terminated text, inside a block that the caller releases by asn1_free(*block). `len`, if not null, receives
- * the characters. Null, with a null `*block`, if memory was not to be had. */
+ * the characters. Null, with a null `*block`, if memory ran out. */
 ORLENTA_API char* asn1_integer_to_str(const asn1_integer* a, char** block, size_t* len);
 /** Writes the text to a stream, without a newline. */
 ORLENTA_API int asn1_integer_out_str(FILE* stream, const asn1_integer* a);
-/** Reads an optional minus and digits at `*cursor` and leaves the cursor behind them. `a` must be initialised. No
+/** Reads an optional minus and digits at `*cursor` and leaves the cursor after them. `a` must be initialised. No
  * digit at all gives 0 and is no failure. */
 ORLENTA_API int asn1_integer_from_str(asn1_integer* a, const char** cursor);
 

@@ -48,10 +48,10 @@ typedef struct asn1_jer_encode_options {
     int32_t indent;       /**< spaces per level; 0: compact text without line breaks inside */
 } asn1_jer_encode_options;
 
-/** Prints `value` as JSON, indented by 2 spaces a level and ended by a line feed. `*out` receives the text, not
+/** Prints `value` as JSON, indented by 2 spaces per level and ended by a line feed. `*out` receives the text, not
  * NUL-terminated, to be released by asn1_free. Returns its length in bytes, the line feed included; or a negative
  * number, with a null `*out`, for a selector or item index outside the type, contents octets of an object identifier
- * that break off, or memory that was not to be had. */
+ * that break off, or if memory ran out. */
 ORLENTA_API int64_t asn1_jer_encode(uint8_t** out, const asn1_type_desc* type, const void* value);
 
 /** The same by `options`, which must not be null. */

@@ -49,7 +49,7 @@ typedef struct asn1_byte_buffer {
     uint8_t* data;     /**< null before the first write */
     uint64_t length;   /**< bytes in use */
     uint64_t capacity; /**< bytes allocated */
-    int32_t failed;    /**< non-zero once memory was not to be had */
+    int32_t failed;    /**< non-zero once memory has run out */
 } asn1_byte_buffer;
 
 /** Empties the record. Nothing is allocated until the first write. */
@@ -59,14 +59,14 @@ ORLENTA_API void asn1_byte_buffer_init(asn1_byte_buffer* buf);
  * set and the old block still in place. */
 ORLENTA_API int __asn1_byte_buffer_realloc(asn1_byte_buffer* buf, uint64_t needed);
 
-/** Appends `n` bytes. Negative if memory was not to be had, and then nothing is appended. */
+/** Appends `n` bytes. Negative if memory ran out, and then nothing is appended. */
 ORLENTA_API int asn1_put_bytes(asn1_byte_buffer* buf, const void* src, uint64_t n);
 
 /** Appends a text without its terminator. Result as asn1_put_bytes. */
 ORLENTA_API int asn1_puts(asn1_byte_buffer* buf, const char* str);
 
 /** Appends formatted text without its terminator. Returns the number of bytes appended, or a negative number if memory
- * was not to be had or the format failed; `failed` is then set. */
+ * ran out or the format failed; `failed` is then set. */
 ORLENTA_API int asn1_vprintf(asn1_byte_buffer* buf, const char* format, va_list args)
     __attribute__((format(printf, 2, 0)));
 

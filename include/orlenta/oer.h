@@ -5,7 +5,7 @@
  * Constraints decide widths and are not looked at otherwise: asn1_check_constraints() is a separate call. All
  * functions may run in any number of threads at once, on distinct values.
  *
- * Where these codecs differ from X.696: the tag of a CHOICE alternative has 5 bits of number and more octets from
+ * Differences from X.696: the tag of a CHOICE alternative has 5 bits of number and more octets from
  * number 31 on, as in BER; an untagged CHOICE inside a CHOICE is preceded by the tag of its first alternative; a REAL
  * always has the contents octets of BER behind a length; an INTEGER with a lower bound of -2^63 or one above has a
  * length in front, not 8 octets; a character string whose two size bounds are equal has no length even if it is
@@ -25,9 +25,9 @@ extern "C" {
 /** Decodes the value of `type` at the start of `data`, which holds `size` bytes. Returns the bytes consumed, with the
  * new value in `*out`, to be released by asn1_free_value(); or -1 with `*out` null and, if `error` is not null, the
  * message and the bit position where reading stopped. A few failures, such as a length octet of 0x80 or 0xFF, have
- * an empty message. Bytes behind the value are no error; extension additions that `type` does not know are dropped;
+ * an empty message. Bytes after the value are not an error; extension additions that `type` does not know are dropped;
  * unknown items of an ENUMERATED and alternatives of a CHOICE are errors. A value that nests more deeply than the
- * calling thread's stack bears is an error as well. */
+ * calling thread's stack allows is an error as well. */
 ORLENTA_API int64_t asn1_oer_decode(void** out, const asn1_type_desc* type, const uint8_t* data,
                                     uint64_t size, asn1_error* error);
 

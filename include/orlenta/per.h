@@ -19,7 +19,7 @@
  * US.GenericLocations and US.IncidentResponseEquipment, X.691 clause 14.1 sorts them first, and a peer that does so
  * reads other items.
  *
- * What stands behind an extension marker and is unknown to the descriptor is skipped in decoding and is not kept,
+ * What stands after an extension marker and is unknown to the descriptor is skipped in decoding and is not kept,
  * apart from the index of an unknown alternative or item. These rules can't encode such a value again.
  */
 #ifndef ORLENTA_PER_H
@@ -66,7 +66,7 @@ ORLENTA_API int64_t asn1_uper_encode2_ng(uint8_t** out, const asn1_type_desc* ty
 
 /** Decodes a value of `type` from the `size` bytes at `data`. Returns the number of bytes used, the last one perhaps in
  * part, with a new value in `*out` that the caller releases by asn1_free_value; or -1 with a null `*out`. Bytes
- * behind the value are not looked at. */
+ * after the value are not looked at. */
 ORLENTA_API int64_t asn1_uper_decode(void** out, const asn1_type_desc* type, const uint8_t* data,
                                      uint64_t size, asn1_error* error);
 
@@ -74,9 +74,9 @@ ORLENTA_API int64_t asn1_uper_decode(void** out, const asn1_type_desc* type, con
 ORLENTA_API int64_t asn1_aper_decode(void** out, const asn1_type_desc* type, const uint8_t* data,
                                      uint64_t size, asn1_error* error);
 
-/** asn1_uper_decode of a value that begins `start_bit` bits behind `data` and need not end on a byte boundary. The
+/** asn1_uper_decode of a value that begins `start_bit` bits into `data` and need not end on a byte boundary. The
  * offset works modulo 8192: it must be below that. `*bits`, which must not be null, receives the bits of the value;
- * the result counts the bytes from `data` to the value's end. A `start_bit` behind the input fails with an empty
+ * the result counts the bytes from `data` to the value's end. A `start_bit` beyond the input fails with an empty
  * report. `line` is 0 in reports of this function. */
 ORLENTA_API int64_t asn1_uper_decode_ng(void** out, const asn1_type_desc* type, uint32_t start_bit,
                                         const uint8_t* data, uint64_t size, asn1_error* error, int32_t* bits);

@@ -22,7 +22,7 @@ extern "C" {
  * missing of it takes its smallest legal content: optional parts absent, least counts, lower bounds, the
  * alternative that ends soonest. Such a value takes some 300 KiB of stack.
  *
- * Returns null if the value's record could not be allocated, if the calling thread's stack does not bear the
+ * Returns null if the value's record could not be allocated, if the calling thread's stack does not suffice for the
  * value, or if the type contains itself without a way to end. If memory ran out later, the value is filled as
  * far as it went, and is released in the same way: an indirect component may be a null pointer then. A
  * descriptor whose alphabet is empty ends the process by abort(). */
@@ -37,7 +37,7 @@ ORLENTA_API void* asn1_random(const asn1_type_desc* type, uint32_t seed);
  * A string with a CONTAINING constraint holds a valid value in unaligned PER.
  *
  * From 40 levels or 600 parts on, what is missing gets its smallest content. Null if memory ran out, if the thread's
- * stack does not bear the value, or if the type has no value that ends. */
+ * stack does not suffice, or if the type has no value that ends. */
 ORLENTA_API void* orlenta_random_valid(const asn1_type_desc* type, uint32_t seed);
 
 #ifdef __cplusplus

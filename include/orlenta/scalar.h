@@ -25,7 +25,7 @@ ORLENTA_API int asn1_decode_real_ber(const uint8_t* in, uint32_t length, double*
 ORLENTA_API int asn1_to_utf8(uint8_t* out, uint32_t code);
 
 /** Reads one code point from `in`, of which `available` bytes (at least 1) may be touched. Returns it, with the
- * address behind the sequence in `*next`, or -1 for a malformed or overlong one. */
+ * address after the sequence in `*next`, or -1 for a malformed or overlong one. */
 ORLENTA_API int32_t asn1_from_utf8(const uint8_t* in, uint64_t available, const uint8_t** next);
 
 /** A bit string of up to 8 bits as an integer, its first bit at the integer's most significant one. Returns 0, or

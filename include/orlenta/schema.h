@@ -1,8 +1,8 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /** @file
- * Schemas at run time: ASN.1 modules (X.680 to X.683) become descriptors while a program runs, with no C compiler at hand.
- * They are those that orlentac makes of the same modules, word for word, and serve wherever a descriptor does. docs/schemas.md
- * tells what of the language is taken. Link with liborlenta-schema.
+ * Schemas at run time: ASN.1 modules (X.680 to X.683) become descriptors in memory, without a C compiler.
+ * They are those that orlentac makes of the same modules, word for word, and can be used wherever a descriptor can.
+ * docs/schemas.md tells what of the language is supported. Link with liborlenta-schema.
  *
  * A schema never changes, and may be used by any number of threads at once. Its descriptors and texts live as long as the
  * schema does: values, and codecs made by orlenta_codec_new, must be gone before it.
@@ -46,8 +46,8 @@ typedef struct orlenta_schema_message {
 } orlenta_schema_message;
 
 /** Compiles all modules of the `count` sources together, as one name space. `options` may be null. The sources may go when
- * this returns. Null only if memory was not to be had; else the caller releases the schema by orlenta_schema_free, and has
- * to see whether it has a catalogue. */
+ * this returns. Null only if memory ran out; else the caller releases the schema by orlenta_schema_free, and has
+ * to test whether it has a catalogue. */
 ORLENTA_SCHEMA_API orlenta_schema* orlenta_schema_compile(const orlenta_schema_source* sources, size_t count,
                                                           const orlenta_schema_options* options);
 

@@ -11,7 +11,7 @@ extern "C" {
 #endif
 
 /** Prints a value in the encoder's place. It is called for every value of a walk before the encoder prints it: the
- * outermost value, each component, each list element, each alternative, and once more behind each tag.
+ * outermost value, each component, each list element, each alternative, and once more after each tag.
  *
  * `hook_data` is the pointer given in the options, `type` and `value` are those of the value in hand, `depth` is the
  * nesting level at which it stands.

@@ -6,7 +6,7 @@
  * memory whose shape follows from the descriptor. Every function of the library takes a pointer to a
  * descriptor's first word and a pointer to a value record.
  *
- * Descriptors are constant for ever and may be shared by any number of threads. A value owns all that it points
+ * Descriptors are constant and may be shared by any number of threads. A value owns all that it points
  * at; asn1_free_value() (value.h) releases it.
  */
 #ifndef ORLENTA_TYPE_H
@@ -25,7 +25,7 @@
 /** @name Layout
  *
  * Descriptors and value records have one layout on every machine: a pointer takes 8 octets, and begins, like a 64-bit
- * number and a double, at a multiple of 8. Where pointers are shorter, what is behind one has no name and no meaning;
+ * number and a double, at a multiple of 8. Where pointers are shorter, the padding after one has no name and no meaning;
  * where 64-bit numbers may begin at a multiple of 4, an attribute moves them.
  * @{ */
 
@@ -253,7 +253,7 @@ ORLENTA_API extern const char* const asn1_char_string_str[11];
 
 /** Fills every DEFAULT component of `record` whose byte in `seen` is 0. `fields` is a descriptor's first component,
  * `n` its component count, `seen` has one byte per component.
- * Returns 0, or -1 if memory for a big-integer default was not to be had. */
+ * Returns 0, or -1 if memory ran out for a big-integer default. */
 ORLENTA_API int asn1_sequence_set_default_fields(const asn1_field* fields, int32_t n, void* record,
                                                  const uint8_t* seen);
 

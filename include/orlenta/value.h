@@ -29,9 +29,9 @@ ORLENTA_API void asn1_free_value_struct(const asn1_type_desc* desc, void* value)
 ORLENTA_API void asn1_free_value(const asn1_type_desc* desc, void* value);
 
 /** Deep copy of `src` into the zero-filled record `dst`. Returns 0, or -1 without memory or if the value nests deeper
- * than the thread's stack bears; `dst` is then partial, and fit for asn1_free_value_struct.
+ * than the thread's stack allows; `dst` is then partial, and fit for asn1_free_value_struct.
  *
- * Memory that is not to be had for an indirect component (a TAGGED with ASN1_WORD0_INDIRECT) or for the value of an
+ * Memory that cannot be had for an indirect component (a TAGGED with ASN1_WORD0_INDIRECT) or for the value of an
  * open type whose type is known shows as a null pointer there, in a copy that succeeded. Such a copy compares as less
  * than `src`, can be copied and released, and is refused by the encoders and, unless the null is within an open type,
  * by the checker. */
@@ -39,8 +39,8 @@ ORLENTA_API int asn1_copy_value(const asn1_type_desc* desc, void* dst, const voi
 
 /** A new record with a deep copy of `src`, to be released by asn1_free_value. Null if `src` is null, if the record
  * itself or anything outside indirect components and open types could not be allocated, or if the value nests deeper
- * than the thread's stack bears; nothing is left behind then. Nulls may stand in a copy that succeeded, as above: who
- * must not have them compares it with `src`. */
+ * than the thread's stack allows; nothing is left behind then. Nulls may stand in a copy that succeeded, as above: to
+ * rule them out, compare the copy with `src`. */
 ORLENTA_API void* asn1_clone_value(const asn1_type_desc* desc, const void* src);
 
 /** Appends a deep copy of `elem` to a list given by the addresses of its count and element block. Returns 0 or -1; after

@@ -60,7 +60,7 @@ typedef struct asn1_xer_encode_options {
 /** Prints `value` as XML, with `indent` and `empty_tags` set, the text ended by a line feed. `*out` receives the text,
  * not NUL-terminated, to be released by asn1_free. Returns its length in bytes; or a negative number, with a null
  * `*out`, for a selector or item index outside the type, contents octets of an object identifier that break off, a
- * code unit above 31 bits, or memory that was not to be had. */
+ * code unit above 31 bits, or if memory ran out. */
 ORLENTA_API int64_t asn1_xer_encode(uint8_t** out, const asn1_type_desc* type, const void* value);
 
 /** The same by `options`, which must not be null. With `indent` 0 the text is one line without a line feed at its end.

@@ -41,7 +41,7 @@ struct null {};
 
 namespace detail {
 
-/// What std containers do, too.
+/// Standard containers do the same.
 [[noreturn]] inline void out_of_memory() {
 #ifdef __cpp_exceptions
     throw std::bad_alloc();
@@ -51,7 +51,7 @@ namespace detail {
 #endif
 }
 
-/// A fault of the program: to go on would lose or make up a component.
+/// A programming error: to continue would lose or invent a component.
 [[noreturn, gnu::cold, gnu::noinline]] inline void misuse(const char* what) {
     std::fputs(what, stderr);
     std::abort();

@@ -40,7 +40,7 @@ class ORLENTA_OVERLAY basic_choice {
         else
             return &record_;
     }
-    /// The same of a constant.
+    /// The same for a constant object.
     const void* payload() const noexcept { return const_cast<basic_choice*>(this)->payload(); }
 
     /// Ends the program unless the alternative is chosen.
@@ -81,7 +81,7 @@ class ORLENTA_OVERLAY basic_choice {
     type<A>* get_if() noexcept {
         return holds<A>() ? static_cast<type<A>*>(payload()) : nullptr;
     }
-    /// The same of a constant.
+    /// The same for a constant object.
     template <Alternative A>
     const type<A>* get_if() const noexcept {
         return holds<A>() ? static_cast<const type<A>*>(payload()) : nullptr;
@@ -91,7 +91,7 @@ class ORLENTA_OVERLAY basic_choice {
     type<A>& get() {
         return require(A), *static_cast<type<A>*>(payload());
     }
-    /// The same of a constant.
+    /// The same for a constant object.
     template <Alternative A>
     const type<A>& get() const {
         return require(A), *static_cast<const type<A>*>(payload());
@@ -102,7 +102,7 @@ class ORLENTA_OVERLAY basic_choice {
     decltype(auto) visit(Visitor&& visitor) {
         return visit_from(*this, std::forward<Visitor>(visitor));
     }
-    /// The same of a constant.
+    /// The same for a constant object.
     template <class Visitor>
     decltype(auto) visit(Visitor&& visitor) const {
         return visit_from(*this, std::forward<Visitor>(visitor));
@@ -130,7 +130,7 @@ class ORLENTA_OVERLAY choice : public basic_choice<Record, Alternative, Types...
     using base = basic_choice<Record, Alternative, Types...>;
 
   public:
-    /// Moves; does not copy.
+    /// Movable, not copyable.
     /// @{
     choice() = default;
     choice(choice&& other) noexcept { std::swap(this->record_, other.record_); }

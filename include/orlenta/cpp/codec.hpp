@@ -22,7 +22,7 @@ class bytes {
     std::size_t size_ = 0;
 
   public:
-    /// Moves; does not copy.
+    /// Movable, not copyable.
     /// @{
     bytes() = default;
     bytes(std::uint8_t* block, std::size_t size) noexcept : data_(block), size_(size) {}
@@ -36,7 +36,7 @@ class bytes {
     ~bytes() { asn1_free(data_); }
     /// @}
 
-    /// As of a constant container.
+    /// As in a constant container.
     /// @{
     const std::uint8_t* data() const noexcept { return data_; }
     std::size_t size() const noexcept { return size_; }
@@ -116,8 +116,8 @@ namespace detail {
 
 }  // namespace detail
 
-/// Encodes by the rules, as encode(uper, frame). What is outside its type fails: PER has no form for it; by other rules,
-/// which would write it as it is, the value is checked before.
+/// Encodes by the rules, as encode(uper, frame). A value outside its type fails: PER has no form for it; for other rules,
+/// which would write it as it is, the value is checked first.
 template <encoding_rules Rules, described T>
 result<bytes> encode(Rules, const T& value) {
     std::uint8_t* block = nullptr;
@@ -132,7 +132,7 @@ result<bytes> encode(Rules, const T& value) {
     }
     return bytes(block, static_cast<std::size_t>(size));
 }
-/// The same of a value that is owned.
+/// The same for an owned value.
 template <encoding_rules Rules, described T>
 result<bytes> encode(Rules rules, const value<T>& value) {
     return encode(rules, *value);
@@ -159,13 +159,13 @@ result<void> check(const T& value) {
     if (orlenta_check(descriptor_of<T>(), &value, reason.record()) == 0) return detail::failed(reason);
     return {};
 }
-/// The same of a value that is owned.
+/// The same for an owned value.
 template <described T>
 result<void> check(const value<T>& value) {
     return check(*value);
 }
 
-/// As JSON, with `indent` spaces a level; on one line if that is 0.
+/// As JSON, with `indent` spaces per level; on one line if that is 0.
 template <described T>
 result<std::string> to_json(const T& value, int indent = 0) {
     asn1_jer_encode_options options = {};
@@ -182,7 +182,7 @@ result<std::string> to_json(const T& value, int indent = 0) {
     while (text.ends_with('\n')) text.pop_back();
     return text;
 }
-/// The same of a value that is owned.
+/// The same for an owned value.
 template <described T>
 result<std::string> to_json(const value<T>& value, int indent = 0) {
     return to_json(*value, indent);

@@ -10,7 +10,7 @@
 
 namespace orlenta {
 
-/// As std::vector, over the record of a list; a contiguous range, and so a std::span. The record tells no capacity:
+/// Like std::vector, over the record of a list; a contiguous range, and so convertible to std::span. The record tells no capacity:
 /// push_back asks the allocator for room each time, which is cheap where the block has it.
 template <class T>
 class ORLENTA_OVERLAY list {
@@ -20,7 +20,7 @@ class ORLENTA_OVERLAY list {
     void take(void* block) { data_ = static_cast<T*>(detail::allocated(block)); }
 
   public:
-    /// As of std::vector.
+    /// As in std::vector.
     /// @{
     using value_type = T;
     using iterator = T*;
@@ -56,7 +56,7 @@ class ORLENTA_OVERLAY list {
     const T& back() const { return data_[count_ - 1]; }
     /// @}
 
-    /// A new element at the end, made of `arguments`. Pointers to elements do not survive it.
+    /// A new element at the end, made of `arguments`. Pointers to elements become invalid.
     template <class... Arguments>
     T& emplace_back(Arguments&&... arguments) {
         take(orlenta_block_add(data_, count_, sizeof(T)));
@@ -64,7 +64,7 @@ class ORLENTA_OVERLAY list {
         count_++;
         return *element;
     }
-    /// As of std::vector.
+    /// As in std::vector.
     /// @{
     void push_back(const T& element) { emplace_back(element); }
     void push_back(T&& element) { emplace_back(std::move(element)); }
@@ -75,7 +75,7 @@ class ORLENTA_OVERLAY list {
     void reserve(std::size_t count) {
         if (count > count_) take(orlenta_block_grow(data_, count_, count, sizeof(T)));
     }
-    /// As of std::vector.
+    /// As in std::vector.
     /// @{
     void resize(std::size_t count) {
         while (count_ > count) pop_back();

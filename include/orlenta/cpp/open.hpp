@@ -23,7 +23,7 @@ class ORLENTA_OVERLAY open {
     }
 
   public:
-    /// Moves; does not copy.
+    /// Movable, not copyable.
     /// @{
     open() = default;
     open(open&& other) noexcept : record_(std::exchange(other.record_, asn1_open_value{})) {}
@@ -44,7 +44,7 @@ class ORLENTA_OVERLAY open {
     T* get() noexcept {
         return static_cast<T*>(orlenta_open_get(&record_, descriptor_of<T>()));
     }
-    /// The same of a constant.
+    /// The same for a constant object.
     template <described T>
     const T* get() const noexcept {
         return static_cast<const T*>(orlenta_open_get(&record_, descriptor_of<T>()));
@@ -62,7 +62,7 @@ class ORLENTA_OVERLAY open {
         hold(nullptr, data, bytes.size());
         return *this;
     }
-    /// A fresh value of the type.
+    /// A new value of the type.
     template <described T>
     T& emplace() {
         return *(*this = value<T>()).template get<T>();

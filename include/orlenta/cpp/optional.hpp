@@ -83,14 +83,14 @@ decltype(auto) converted(U&& value) {
 
 }  // namespace detail
 
-/// As std::optional, in the record: to set the value is to set its presence. To use a value that is absent ends the program.
+/// Like std::optional, in the record: setting the value sets its presence. Using an absent value ends the program.
 template <class T, class Content>
 class ORLENTA_OVERLAY basic_optional {
     std::uint32_t has_ = 0;
     Content content_{};
 
   public:
-    /// As of std::optional.
+    /// As in std::optional.
     /// @{
     using value_type = T;
 
@@ -137,7 +137,7 @@ class ORLENTA_OVERLAY basic_optional {
     }
     /// @}
 
-    /// A fresh value, present.
+    /// A new value, present.
     T& emplace() {
         detail::content(content_) = T{};
         has_ = 1;
@@ -150,7 +150,7 @@ class ORLENTA_OVERLAY basic_optional {
     }
 };
 
-/// As of std::optional.
+/// As in std::optional.
 /// @{
 template <class T, class Content>
 bool operator==(const basic_optional<T, Content>& a, std::nullopt_t) {
@@ -173,7 +173,7 @@ class ORLENTA_OVERLAY optional_null {
     std::uint32_t has_ = 0;
 
   public:
-    /// As of std::optional.
+    /// As in std::optional.
     /// @{
     optional_null() = default;
     optional_null(null) noexcept : has_(1) {}
@@ -215,7 +215,7 @@ class ORLENTA_OVERLAY indirect {
     }
 
   public:
-    /// As a std::unique_ptr.
+    /// As in std::unique_ptr.
     /// @{
     indirect() = default;
     indirect(indirect&& other) noexcept : record_(std::exchange(other.record_, nullptr)) {}

@@ -99,7 +99,7 @@ class result {
     }
 
   public:
-    /// As of std::expected.
+    /// As in std::expected.
     /// @{
     using value_type = T;
     using error_type = orlenta::error;
@@ -142,7 +142,7 @@ class result<void> {
     bool has_value_ = true;
 
   public:
-    /// As of std::expected.
+    /// As in std::expected.
     /// @{
     using value_type = void;
     using error_type = orlenta::error;

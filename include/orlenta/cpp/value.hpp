@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// A value that is owned.
+/// Owned values.
 #pragma once
 
 #include <orlenta/value.h>
@@ -10,8 +10,8 @@
 
 namespace orlenta {
 
-/// Owns a value of a generated type, with all that it holds. Moves; does not copy but by clone(). Moved from, it is empty,
-/// and good for nothing but to be assigned to.
+/// Owns a value of a generated type, with all that it holds. Movable; clone() makes a copy. An object that was moved from
+/// is empty, and can only be assigned to.
 template <described T>
 class value {
     T* record_;
@@ -42,7 +42,7 @@ class value {
     /// A deep copy.
     value clone() const { return adopt(detail::allocated(asn1_clone_value(descriptor_of<T>(), record_))); }
 
-    /// As of std::unique_ptr.
+    /// As in std::unique_ptr.
     /// @{
     T& operator*() noexcept { return *record_; }
     const T& operator*() const noexcept { return *record_; }
@@ -51,7 +51,7 @@ class value {
     /// @}
     /// For functions of the C library, too.
     T* get() noexcept { return record_; }
-    /// The same of a constant.
+    /// The same for a constant object.
     const T* get() const noexcept { return record_; }
 
     /// Whether they are the same.
