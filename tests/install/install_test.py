@@ -349,7 +349,7 @@ def check_own_schema(args):
 
 
 def check_readme(args):
-    """The programs that the README and the manual of typed values show stand in examples/ as shown."""
+    """The programs that the README and the manual of typed values show stand in examples/ as shown; links lead somewhere."""
     examples = {}
     for kind in ("c", "cpp"):
         sources = (args.source / "examples").glob(f"*.{kind}")
@@ -359,6 +359,19 @@ def check_readme(args):
         expect({kind for kind, _ in blocks} == {"c", "cpp"}, f"{page} shows no example")
         for kind, code in blocks:
             expect(textwrap.indent(code, "    ") in examples[kind], f"{page}: in no example:\n{code}")
+    check_links(args)
+
+
+def check_links(args):
+    """Files that pages refer to are there, and the manual's first page names all its pages."""
+    manual = sorted((args.source / "docs").glob("*.md"))
+    pages = [*manual, *args.source.glob("*.md"), args.source / "web/README.md", args.source / "bindings/js/README.md"]
+    links = [(page, target) for page in pages for target in re.findall(r"\]\(([^)#:]+)[)#]", page.read_text())]
+    expect(len(links) > 50, f"only {len(links)} links")
+    for page, target in links:
+        expect((page.parent / target).exists(), f"{page}: no {target}")
+    listed = {target for page, target in links if page == args.source / "docs/README.md"}
+    expect({page.name for page in manual} - {"README.md"} <= listed, f"docs/README.md names only {sorted(listed)}")
 
 
 def sessions(page):
