@@ -22,8 +22,8 @@ def definitions(text):
     return {name: name + body.rstrip() for name, body in zip(parts[1::2], parts[2::2])}
 
 
-def link(name):
-    return f'<a href="#{name}">{name}</a>'
+def link(name, text=None):
+    return f'<a href="#{name}">{text or name}</a>'
 
 
 def linked(text, own, names):
@@ -51,13 +51,17 @@ def page(region, types, roots):
     unresolved = [name for name in types if not users[name] and name not in roots]
     if unresolved:
         sys.exit(f"types.py: {region}: used by nothing, though no root: {', '.join(unresolved)}")
+    initials = {name[0]: name for name in reversed(bodies)}  # the first type of each letter
+    initials = dict(reversed(initials.items()))
     title = f"Types of {region}, {TITLES.get(region, region)}"
     out = [f"<p>The {len(types)} types of the message set, as the library's tables have them, in the notation of ASN.1. "
            f"A comment <code>--@ unit</code> gives a number's unit and the numbers with a meaning of their own. In C the "
            f"type <code>Some-Type</code> is the record <code>asn1_{region}_Some_Type</code> and the descriptor "
            f"<code>asn1_type_{region}_Some_Type</code>, in C++ "
-           f"<code>orlenta::{region.lower()}::Some_Type</code>.</p>",
-           f"<p>Used by no other type: {', '.join(map(link, roots))}.</p>"]
+           f"<code>orlenta::{region.lower()}::Some_Type</code>. Named bits and numbers are constants in "
+           f"<code>orlenta/{region.lower()}.h</code>.</p>",
+           f"<p>Used by no other type: {', '.join(map(link, roots))}.</p>",
+           f"<p>{' '.join(link(name, letter) for letter, name in initials.items())}</p>"]
     for name, body in bodies.items():
         using = f'<p>in {", ".join(map(link, users[name]))}</p>' if users[name] else ""
         out.append(f'<div class="asn1" id="{name}"><pre>{body}</pre>{using}</div>')
