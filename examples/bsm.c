@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/* A basic safety message of China, to bytes and back. */
+/* A basic safety message of China, to bytes and to JSON. */
 #include <orlenta/cn_build.h>
 #include <orlenta/jer.h>
 #include <orlenta/per.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-/* The map of an intersection of the United States, in its message frame, to bytes and back. */
+/* The map of an intersection of the United States, in its message frame, to bytes. */
 #include <orlenta/per.h>
 #include <orlenta/us_build.h>
 #include <stdio.h>

@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* What a small device does with the minimal library: takes a message of the standard input apart, and sends it on. */
+/* What a small device does with the minimal library: decodes a message from standard input, and sends it on. */
 #include <orlenta/cn.h>
 #include <orlenta/memory.h>
 #include <orlenta/per.h>
