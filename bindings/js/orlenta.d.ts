@@ -120,8 +120,6 @@ export class DecodeError extends OrlentaError {
     bitPosition: number;
     /** Text rules: from 1; else 0. */
     line: number;
-    /** 0: not known. */
-    column: number;
 }
 export class EncodeError extends OrlentaError {}
 export class ConstraintError extends OrlentaError {}

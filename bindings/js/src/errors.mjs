@@ -4,7 +4,6 @@
 export class OrlentaError extends Error {
     constructor(message, path = "") {
         super(path ? `${message} (at ${path})` : message);
-        this.name = new.target.name;
         this.path = path;
     }
 }
@@ -14,7 +13,6 @@ export class DecodeError extends OrlentaError {
         super(message, path);
         this.bitPosition = bitPosition;
         this.line = line;
-        this.column = 0;
     }
 }
 
@@ -32,7 +30,12 @@ export class SchemaError extends Error {
     constructor(problems) {
         const first = problems.find((problem) => !problem.isNote);
         super(first ? `${first.file}:${first.line}:${first.column}: ${first.text}` : "not enough memory");
-        this.name = "SchemaError";
         this.problems = problems;
     }
 }
+
+// Names that outlive a minifier.
+for (const [name, type] of Object.entries({
+    OrlentaError, DecodeError, EncodeError, ConstraintError, UnknownType, SchemaError,
+}))
+    Object.defineProperty(type.prototype, "name", { value: name, configurable: true, writable: true });

@@ -27,7 +27,7 @@ export interface Reading extends Message {
     /** With an error: what had been read before it. */
     value?: Value;
     runs: Bits[];
-    error?: { message: string; path: string; bit: number; line: number; column: number };
+    error?: { message: string; path: string; bit: number; line: number };
 }
 
 export class UnknownMessage extends Error {}
@@ -108,8 +108,8 @@ export function withoutPath(message: string): string {
     return message.replace(/ \(at [^()]*\)$/, "");
 }
 
-function plainError({ message, path = "", bitPosition = -1, line = 0, column = 0 }: DecodeError) {
-    return { message: withoutPath(message), path, bit: bitPosition, line, column };
+function plainError({ message, path = "", bitPosition = -1, line = 0 }: DecodeError) {
+    return { message: withoutPath(message), path, bit: bitPosition, line };
 }
 
 export { InputError };
