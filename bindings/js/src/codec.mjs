@@ -27,16 +27,17 @@ export class Codec {
     // Lets go of everything.
     release() {
         this.#modules = [];
-        this.#known.clear();
         this.addModules([]);
     }
 
     addModules(modules) {
-        this.#modules.push(...modules);
-        const entries = this.#modules.flatMap((module) => module.types());
+        const all = [...this.#modules, ...modules];
+        const entries = all.flatMap((module) => module.types());
+        this.#modules = all;
         this.#names = new Names(entries);
         this.#entries = entries.map(({ name, ...entry }) => ({ name: this.#names.of({ name, ...entry }), ...entry }));
         this.#types.clear();
+        this.#known.clear(); // names may have grown a module's
     }
 
     #find(name) {
