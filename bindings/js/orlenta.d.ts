@@ -9,7 +9,8 @@
  * ```
  *
  * All calls but load(), need() and compile() are synchronous. Nothing is asked of the network but the package's own
- * wasm files, and those only by `read` where it is given.
+ * wasm files, and those only by `read` where it is given. Every call that works on values throws an OrlentaError where
+ * memory or the stack ends; the next call works again. Arguments of another kind than told here are a TypeError.
  */
 
 export type Rules = "uper" | "aper" | "oer" | "ber" | "der" | "jer" | "xer" | "gser";
@@ -25,7 +26,12 @@ export type Region = "CN" | "EU" | "US" | "RRC";
  * A value as JSON has it (X.697): SEQUENCE an object without its absent components, SEQUENCE OF an array, CHOICE an
  * object of one member, ENUMERATED and OBJECT IDENTIFIER a string, OCTET STRING hex, BIT STRING hex where the
  * size is fixed and `{value, length}` elsewhere, REAL a number or "-0", "INF", "-INF", "NaN". An INTEGER whose bounds go
- * beyond 2^53, or that has none, is a bigint; numbers are taken for it too.
+ * beyond 2^53, or that has none, is a bigint, and so is a number beyond 2^53 that a message has against its type's bounds.
+ *
+ * What a later edition of a schema has added comes as null for an item of an ENUMERATED, and as `{}` for an alternative of a
+ * CHOICE; neither can be encoded. Octets of a string that are no characters come as U+FFFD.
+ *
+ * Taken besides: numbers for a bigint, below 2^63; NaN and infinities as numbers; -0 as 0; undefined for what is absent.
  */
 export type Value = null | boolean | number | bigint | string | Value[] | { [name: string]: Value };
 
@@ -112,7 +118,8 @@ export interface Explanation {
 }
 
 export class OrlentaError extends Error {
-    /** a.b[3].c; empty where the message itself is at fault or the rules report none. */
+    /** a.b[3].c, which the message ends with too; empty where the value as a whole is at fault, or where the rules tell no
+     * path, which the text rules do not. */
     path: string;
 }
 export class DecodeError extends OrlentaError {
@@ -121,7 +128,9 @@ export class DecodeError extends OrlentaError {
     /** Text rules: from 1; else 0. */
     line: number;
 }
+/** The value is none of its type, or none that the rules can encode. */
 export class EncodeError extends OrlentaError {}
+/** The value is outside of its type's constraints. */
 export class ConstraintError extends OrlentaError {}
 export class UnknownType extends OrlentaError {
     /** The names that come nearest, at most three. */
@@ -147,17 +156,19 @@ export interface Codec {
     types(pattern?: string): TypeEntry[];
     /** @throws UnknownType */
     type(name: string): TypeInfo;
-    /** @throws DecodeError */
+    /** What follows the message is not looked at. @throws DecodeError */
     decode(type: string, data: Uint8Array | string, rules?: Rules): Value;
     /** @throws EncodeError, ConstraintError */
     encode(type: string, value: Value, rules?: Exclude<Rules, TextRules>): Uint8Array;
-    /** From any rules to any others. Text is indented by `indent` blanks, or in one line for 0. */
+    /** From any rules to any others, without a look at constraints. Text is indented by `indent` blanks (XER: by its own
+     * measure), or in one line for 0. @throws DecodeError, EncodeError */
     convert(type: string, data: Uint8Array | string, from: Rules, to: Rules, indent?: number): Uint8Array | string;
-    /** The first constraint that the value violates, open types looked into; null if there is none. */
+    /** The first constraint that the value violates, open types looked into; null if there is none.
+     * @throws EncodeError for what is no value of the type */
     check(type: string, value: Value): ConstraintError | null;
     /** A message taken apart, by the decoder itself: uper, aper, oer, ber, der. */
     explain(type: string, data: Uint8Array, rules?: Exclude<Rules, TextRules>): Explanation;
-    /** A value that satisfies all constraints; the same for the same seed. */
+    /** A value that satisfies all constraints; the same for the same seed, an integer. */
     random(type: string, seed?: number): Value;
 }
 

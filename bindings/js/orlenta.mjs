@@ -86,12 +86,14 @@ class Orlenta extends Codec {
 
     // Each schema has an instance of the compiler of its own, which ends with it.
     async compile(texts, { region } = {}) {
-        let outcome;
+        const sources = texts.map(({ name, text }) => ({ name, text })); // for fresh starts, whatever becomes of these
+        let problems;
         const module = new Module(await this.#file(COMPILER), (fresh) => {
-            outcome = fresh.compile(texts, region);
+            const outcome = fresh.compile(sources, region);
+            problems = outcome.problems;
+            if (!outcome.succeeded) throw new SchemaError(problems);
         });
-        if (!outcome.succeeded) throw new SchemaError(outcome.problems);
-        return new Schema(module, outcome.problems);
+        return new Schema(module, problems);
     }
 }
 

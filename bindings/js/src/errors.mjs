@@ -34,6 +34,14 @@ export class SchemaError extends Error {
     }
 }
 
+// What a breakdown means to who called. JavaScript's stack ends by a RangeError, and Firefox's by an InternalError.
+export function ofBreakdown(error) {
+    if (error instanceof WebAssembly.RuntimeError) return new OrlentaError(`the module failed: ${error.message}`);
+    if (/call stack|recursion/.test(error?.message)) return new OrlentaError("value nested too deeply");
+    const isTooLarge = error instanceof RangeError || error?.code === "ERR_STRING_TOO_LONG";
+    return isTooLarge ? new OrlentaError("the value is too large for JavaScript") : error;
+}
+
 // Names that outlive a minifier.
 for (const [name, type] of Object.entries({
     OrlentaError, DecodeError, EncodeError, ConstraintError, UnknownType, SchemaError,

@@ -15,9 +15,7 @@ static void put_bound(asn1_byte_buffer* buffer, const char* name, const asn1_int
     char* block;
     size_t length;
     const char* digits = asn1_integer_to_str(big, &block, &length);
-    constexpr uint32_t kSafeBits = 53;
-    bool wide = asn1_integer_get_bit_size(big) > kSafeBits;
-    if (digits) asn1_printf(buffer, wide ? ",\"%s\":{\"\":\"%s\"}" : ",\"%s\":%s", name, digits);
+    if (digits) asn1_printf(buffer, is_wide(big) ? ",\"%s\":{\"\":\"%s\"}" : ",\"%s\":%s", name, digits);
     asn1_free(block);
 }
 
