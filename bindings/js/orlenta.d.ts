@@ -162,6 +162,8 @@ export interface Codec {
     encode(type: string, value: Value, rules?: Exclude<Rules, TextRules>): Uint8Array;
     /** From any rules to any others, without a look at constraints. Text is indented by `indent` blanks (XER: by its own
      * measure), or in one line for 0. @throws DecodeError, EncodeError */
+    convert(type: string, data: Uint8Array | string, from: Rules, to: TextRules, indent?: number): string;
+    convert(type: string, data: Uint8Array | string, from: Rules, to: Exclude<Rules, TextRules>): Uint8Array;
     convert(type: string, data: Uint8Array | string, from: Rules, to: Rules, indent?: number): Uint8Array | string;
     /** The first constraint that the value violates, open types looked into; null if there is none.
      * @throws EncodeError for what is no value of the type */

@@ -71,7 +71,7 @@ ORLENTA_JS void js_begin() {
 static void set_message(const char* text) { asn1_pstrcpy(error.message, sizeof error.message, text); }
 
 bool orlenta::js::hand_over(const asn1_byte_buffer& buffer) {
-    if (buffer.failed != 0) {
+    if (buffer.failed != 0 || lacks_memory) {  // which may have cost a part
         asn1_free(buffer.data);
         replace_result(nullptr, 0);
         set_message("not enough memory");
@@ -306,6 +306,5 @@ ORLENTA_JS int js_explain(const asn1_type_desc* type, int rules, const uint8_t* 
     asn1_puts(&buffer, "[");
     orlenta_explain(type, rules == kDer ? kBer : rules, data, size, put_bits, &buffer, &error);
     asn1_puts(&buffer, "]");
-    buffer.failed = buffer.failed != 0 || lacks_memory;  // which may have cost a value
     return hand_over(buffer) ? 0 : -1;
 }

@@ -11,7 +11,7 @@ const orlenta_catalogue* orlenta::js::catalogue() {
 }
 
 // Compiles the sources, once in a module's life. The result is an array of what the compiler says. 0, or -1 if there
-// are errors.
+// are errors; an empty array then is a lack of memory.
 ORLENTA_JS int js_compile(const orlenta_schema_source* sources, uint32_t count, const char* region) {
     orlenta_schema_options options = {};
     options.region = region;
@@ -19,7 +19,8 @@ ORLENTA_JS int js_compile(const orlenta_schema_source* sources, uint32_t count, 
     asn1_byte_buffer buffer;
     asn1_byte_buffer_init(&buffer);
     asn1_puts(&buffer, "[");
-    for (size_t i = 0; i < orlenta_schema_message_count(schema); ++i) {
+    size_t told = schema ? orlenta_schema_message_count(schema) : 0;
+    for (size_t i = 0; i < told; ++i) {
         const orlenta_schema_message* message = orlenta_schema_message_at(schema, i);
         asn1_printf(&buffer, "%s{\"line\":%d,\"column\":%d,\"isNote\":%s,\"file\":", i > 0 ? "," : "",
                     message->line, message->column, message->is_note != 0 ? "true" : "false");
