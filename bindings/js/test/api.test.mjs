@@ -71,6 +71,8 @@ test("types and what they are made of", async () => {
         ["mandatory", "INTEGER", 0, 127],
     );
     assert.equal(codec.type("EU.CAM").kind, "SEQUENCE");
+    for (const { name } of codec.types()) assert.equal(typeof codec.type(name).kind, "string", name);
+    assert.throws(() => codec.type("EU.REG-EXT-ID-AND-TYPE"), orlenta.UnknownType); // a class
     const { unit, scale, special } = codec.type("CN.Speed").unit;
     assert.deepEqual([unit, scale, special.at(-1)], ["m/s", 0.02, { value: 8191, last: 8191, meaning: "unavailable" }]);
 });

@@ -95,13 +95,20 @@ void orlenta::js::put_json_string(asn1_byte_buffer* buffer, const char* text) {
 
 // ---- types --------------------------------------------------------------------------------------------------
 
+// An information object class, which schemas name as types, has no values.
+static bool has_values(const asn1_type_desc* type) {
+    orlenta_type_facts facts;
+    orlenta_type_describe(type, &facts);
+    return facts.kind != ASN1_KIND_OBJECT_CLASS;
+}
+
 // Lines of "region module name is_root", parted by tabs.
 ORLENTA_JS int js_types() {
     asn1_byte_buffer buffer;
     asn1_byte_buffer_init(&buffer);
     orlenta_type_entry entry;
     for (size_t i = 0; orlenta_catalogue_get(catalogue(), i, &entry) == 0; ++i) {
-        if (entry.name[0] == '\0') continue;
+        if (entry.name[0] == '\0' || !has_values(entry.type)) continue;
         asn1_printf(&buffer, "%s\t%s\t%s\t%u\n", entry.region, entry.module, entry.name, entry.is_root);
     }
     return hand_over(buffer) ? 0 : -1;
@@ -111,9 +118,10 @@ ORLENTA_JS int js_types() {
 ORLENTA_JS const asn1_type_desc* js_find(const char* name) {
     orlenta_type_entry entry;
     size_t found = 0;
-    int status = orlenta_catalogue_find(catalogue(), name, &entry, &found);
+    bool is_type = orlenta_catalogue_find(catalogue(), name, &entry, &found) == 0 && has_values(entry.type);
+    if (found == 1 && !is_type) found = 0;
     replace_result(nullptr, static_cast<int64_t>(found));
-    return status == 0 ? entry.type : nullptr;
+    return is_type ? entry.type : nullptr;
 }
 
 // ---- values -------------------------------------------------------------------------------------------------
