@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // convert, check, random: the commands that run messages through the library.
 #include <fmt/format.h>
+#include <orlenta/catalogue.h>
 #include <orlenta/random.h>
 
 #include <algorithm>
@@ -148,10 +149,16 @@ int run_convert(const ConvertOptions& options) {
 
 // ---- random -----------------------------------------------------------------------------------------------
 
+static void* make_random(const RandomOptions& options, const asn1_type_desc* type, uint32_t seed) {
+    orlenta_type_facts facts;
+    orlenta_type_describe(type, &facts);
+    if (facts.kind == ASN1_KIND_OBJECT_CLASS) return nullptr;  // which has no values
+    return options.valid ? orlenta_random_valid(type, seed) : asn1_random(type, seed);
+}
+
 static bool write_random(const RandomOptions& options, const CodedType& type, uint32_t seed,
                          std::string* output, Problem* problem) {
-    void* made = options.valid ? orlenta_random_valid(type.type, seed) : asn1_random(type.type, seed);
-    Value value(type.type, made);
+    Value value(type.type, make_random(options, type.type, seed));
     problem->text = "no value can be made";
     if (!value) return false;
     problem->text.clear();

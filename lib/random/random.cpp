@@ -6,6 +6,7 @@
 #include <orlenta/random.h>
 #include <orlenta/value.h>
 
+#include "core/failed_value.hpp"
 #include "core/stackless.hpp"
 
 namespace orlenta::random {
@@ -201,6 +202,6 @@ void* orlenta_random_valid(const asn1_type_desc* type, uint32_t seed) {
                                  .frames = nullptr};
     void* value = asn1_mallocz_value(type);
     if (!value || asn1_random_type(&params, type, value) == 0) return value;
-    asn1_free_value(type, value);
+    orlenta::free_failed_value(type, value);
     return nullptr;
 }

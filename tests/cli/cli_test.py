@@ -148,6 +148,7 @@ CASES = [
     (f"convert {SET4} --from uper --to der --indefinite", "", 2, "", "...are for ber\n"),
     (f"convert {SET4} --from uper --to ber --segment 1", "", 2, "", "...--segment"),
     (f"random {SET4} --to uper --count 2", "", 2, "", "...--count needs --hex or --base64 for uper\n"),
+    ("random --type EU.REG-EXT-ID-AND-TYPE --to jer", "", 1, "", "...no value can be made\n"),
     ("convert --type CN.BasicSafteyMessage --from uper --to jer", "", 2, "",
      "...orlenta: no type is named CN.BasicSafteyMessage; the nearest: CN.BasicSafetyMessage"),
     ("roots XX", "", 2, "", "...orlenta: no region is named XX; there are: CN"),
