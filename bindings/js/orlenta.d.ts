@@ -118,8 +118,8 @@ export interface Explanation {
 }
 
 export class OrlentaError extends Error {
-    /** a.b[3].c, which the message ends with too; empty where the value as a whole is at fault, or where the rules tell no
-     * path, which the text rules do not. */
+    /** a.b[3].c, which the message ends with too; empty where the value as a whole is at fault. Of what is decoded PER alone
+     * tells it. */
     path: string;
 }
 export class DecodeError extends OrlentaError {

@@ -79,6 +79,16 @@ test("types and what they are made of", async () => {
 
 test("each bit of a message, and of one that breaks off", async () => {
     const codec = await loadBuilt(["CN"]);
+    for (const [rules, message] of [
+        ["uper", "reading after end of stream (at bsmFrame.pos.lon)"],
+        ["aper", "reading after end of stream (at bsmFrame.pos.lon)"],
+        ["oer", "unexpected end of stream"], ["ber", "the message cannot be decoded"],
+    ]) {
+        const cut = codec.convert(FRAME, bsm, "uper", rules).subarray(0, 20);
+        const { bits, error } = codec.explain(FRAME, cut, rules);
+        assert.deepEqual([error.message, bits.at(-1).kind], [message, "refused"]);
+        assert.throws(() => codec.decode(FRAME, cut, rules), error);
+    }
     for (const data of [bsm, bsm.subarray(0, 20)]) {
         const { bits, error } = codec.explain(FRAME, data);
         let end = 0;

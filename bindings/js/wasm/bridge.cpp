@@ -194,6 +194,13 @@ static int64_t print_for_js(void*, char** text, const asn1_type_desc* type, cons
     return -1;
 }
 
+// BER does not say what is wrong with a length, nor where it stands.
+static void complete_error() {
+    if (error.message[0] != '\0') return;
+    set_message(lacks_memory ? "not enough memory" : "the message cannot be decoded");
+    error.bit_position = -1;
+}
+
 ORLENTA_JS void* js_decode(const asn1_type_desc* type, int rules, const uint8_t* data, uint32_t size) {
     void* value = nullptr;
     switch (rules) {
@@ -206,6 +213,7 @@ ORLENTA_JS void* js_decode(const asn1_type_desc* type, int rules, const uint8_t*
         case kXer: asn1_xer_decode(&value, type, data, size, &error); break;
         case kGser: asn1_gser_decode(&value, type, data, size, &error); break;
     }
+    if (!value) complete_error();
     return value;
 }
 
@@ -312,7 +320,8 @@ ORLENTA_JS int js_explain(const asn1_type_desc* type, int rules, const uint8_t* 
     asn1_byte_buffer buffer;
     asn1_byte_buffer_init(&buffer);
     asn1_puts(&buffer, "[");
-    orlenta_explain(type, rules == kDer ? kBer : rules, data, size, put_bits, &buffer, &error);
+    if (orlenta_explain(type, rules == kDer ? kBer : rules, data, size, put_bits, &buffer, &error) < 0)
+        complete_error();
     asn1_puts(&buffer, "]");
     return hand_over(buffer) ? 0 : -1;
 }
