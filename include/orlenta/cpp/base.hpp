@@ -63,6 +63,19 @@ T* allocated(T* block) {
     return block;
 }
 
+// A number is given as any literal is, without regard to its sign: 1 for an unsigned component. What is wider than the
+// component might come out as another number that its type allows.
+template <class T, class U>
+decltype(auto) converted(U&& value) {
+    if constexpr (std::is_integral_v<T> && std::is_arithmetic_v<std::remove_cvref_t<U>>) {
+        static_assert(std::is_integral_v<std::remove_cvref_t<U>> && sizeof(U) <= sizeof(T),
+                      "a number is given that is wider than the component, or has a fraction: cast it");
+        return static_cast<T>(value);
+    } else {
+        return std::forward<U>(value);
+    }
+}
+
 }  // namespace detail
 
 /// Bytes to read: from any contiguous range of std::byte, char or uint8_t, and from text.
@@ -85,7 +98,8 @@ class byte_view {
     template <class Range>
     requires(!std::convertible_to<const Range&, std::string_view> &&
              (std::convertible_to<const Range&, std::span<const std::byte>> ||
-              std::convertible_to<const Range&, std::span<const std::uint8_t>>)) byte_view(const Range& range)
+              std::convertible_to<const Range&, std::span<const std::uint8_t>> ||
+              std::convertible_to<const Range&, std::span<const char>>)) byte_view(const Range& range)
     noexcept : data_(reinterpret_cast<const std::uint8_t*>(std::data(range))), size_(std::size(range)) {}
     /// @}
 

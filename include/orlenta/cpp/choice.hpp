@@ -44,8 +44,8 @@ class ORLENTA_OVERLAY basic_choice {
     const void* payload() const noexcept { return const_cast<basic_choice*>(this)->payload(); }
 
     /// Ends the program unless the alternative is chosen.
-    void require(Alternative alternative) const {
-        if (which() != alternative) [[unlikely]]
+    void require(Alternative wanted) const {
+        if (which() != wanted) [[unlikely]]
             detail::misuse("orlenta: an alternative is used that is not chosen\n");
     }
 
@@ -133,9 +133,10 @@ class ORLENTA_OVERLAY choice : public basic_choice<Record, Alternative, Types...
     /// Movable, not copyable.
     /// @{
     choice() = default;
-    choice(choice&& other) noexcept { std::swap(this->record_, other.record_); }
+    choice(choice&& other) noexcept : base(other) { other.clear(); }
     choice& operator=(choice&& other) noexcept {
-        std::swap(this->record_, other.record_);
+        choice given(std::move(other));  // which may lie in what is released
+        std::swap(this->record_, given.record_);
         return *this;
     }
     ~choice() { asn1_free_value_struct(Descriptor, &this->record_); }
@@ -144,15 +145,15 @@ class ORLENTA_OVERLAY choice : public basic_choice<Record, Alternative, Types...
     /// Chooses `A`, with a fresh value.
     template <Alternative A>
     auto& emplace() {
-        using type = typename base::template type<A>;
         orlenta_choice_clear(&this->record_, Descriptor, sizeof(Record));
         this->record_.choice = static_cast<std::uint32_t>(A);
-        return *::new (this->payload()) type{};
+        return *::new (this->payload()) typename base::template type<A>{};
     }
     /// Chooses `A`, with the value given.
     template <Alternative A>
     auto& emplace(typename base::template type<A>&& value) {
-        return emplace<A>() = std::move(value);
+        typename base::template type<A> given(std::move(value));
+        return emplace<A>() = std::move(given);
     }
 };
 

@@ -29,8 +29,9 @@ class bytes {
     bytes(bytes&& other) noexcept
         : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)) {}
     bytes& operator=(bytes&& other) noexcept {
-        std::swap(data_, other.data_);
-        std::swap(size_, other.size_);
+        bytes given(std::move(other));
+        std::swap(data_, given.data_);
+        std::swap(size_, given.size_);
         return *this;
     }
     ~bytes() { asn1_free(data_); }
@@ -123,12 +124,11 @@ result<bytes> encode(Rules, const T& value) {
     std::uint8_t* block = nullptr;
     error reason;
     if constexpr (!Rules::bounded)
-        if (orlenta_check_values(descriptor_of<T>(), &value, reason.record()) == 0)
-            return detail::failed(reason);
+        if (orlenta_check_values(descriptor_of<T>(), &value, reason.record()) == 0) return unexpected(reason);
     std::int64_t size = Rules::encode(&block, descriptor_of<T>(), &value, reason.record());
     if (size < 0) [[unlikely]] {
         detail::explain_failure(reason, descriptor_of<T>(), &value);
-        return detail::failed(reason);
+        return unexpected(reason);
     }
     return bytes(block, static_cast<std::size_t>(size));
 }
@@ -147,7 +147,7 @@ result<value<T>> decode(Rules, byte_view input, std::size_t* used = nullptr) {
     std::int64_t size =
         Rules::decode(&record, descriptor_of<T>(), input.data(), input.size(), reason.record());
     if (size < 0) [[unlikely]]
-        return detail::failed(reason);
+        return unexpected(reason);
     if (used != nullptr) *used = static_cast<std::size_t>(size);
     return value<T>::adopt(record);
 }
@@ -156,7 +156,7 @@ result<value<T>> decode(Rules, byte_view input, std::size_t* used = nullptr) {
 template <described T>
 result<void> check(const T& value) {
     error reason;
-    if (orlenta_check(descriptor_of<T>(), &value, reason.record()) == 0) return detail::failed(reason);
+    if (orlenta_check(descriptor_of<T>(), &value, reason.record()) == 0) return unexpected(reason);
     return {};
 }
 /// The same for an owned value.
@@ -175,10 +175,9 @@ result<std::string> to_json(const T& value, int indent = 0) {
     if (size < 0) [[unlikely]] {
         error reason;
         detail::explain_failure(reason, descriptor_of<T>(), &value);
-        return detail::failed(reason);
+        return unexpected(reason);
     }
-    std::string text(reinterpret_cast<const char*>(block), static_cast<std::size_t>(size));
-    asn1_free(block);
+    std::string text(bytes(block, static_cast<std::size_t>(size)).view());
     while (text.ends_with('\n')) text.pop_back();
     return text;
 }

@@ -21,7 +21,8 @@ class ORLENTA_OVERLAY big_integer {
     big_integer() = default;
     big_integer(big_integer&& other) noexcept : record_(std::exchange(other.record_, asn1_integer{})) {}
     big_integer& operator=(big_integer&& other) noexcept {
-        std::swap(record_, other.record_);
+        big_integer given(std::move(other));
+        std::swap(record_, given.record_);
         return *this;
     }
     ~big_integer() { asn1_integer_clear(&record_); }
@@ -63,8 +64,8 @@ class ORLENTA_OVERLAY big_integer {
 
 }  // namespace detail
 
-/// A number whose bounds fit `Int`, of 64 bits. One that does not fit, as an extensible type may have it, reads as the
-/// nearest that does.
+/// A number whose bounds fit `Int`, of 64 bits. One that does not fit, as an extensible type may have it, is held as it is,
+/// and reads as the nearest that does.
 template <class Int>
 class ORLENTA_OVERLAY integer : public detail::big_integer {
   public:
@@ -73,11 +74,11 @@ class ORLENTA_OVERLAY integer : public detail::big_integer {
     integer() = default;
     template <std::integral From>
     integer(From value) {
-        set(static_cast<Int>(value));
+        set(value);
     }
     template <std::integral From>
     integer& operator=(From value) {
-        set(static_cast<Int>(value));
+        set(value);
         return *this;
     }
     /// @}
@@ -109,6 +110,10 @@ class ORLENTA_OVERLAY integer<void> : public detail::big_integer {
         return *this;
     }
     /// @}
+    /// Of decimal digits, as assign() takes them; the program ends if `text` is something else.
+    explicit integer(std::string_view text) {
+        if (!assign(text)) detail::misuse("orlenta: a number is made of what is none\n");
+    }
 
     /// From decimal digits, with a minus before them if need be; false, and nothing changed, if `text` is something else.
     bool assign(std::string_view text) {

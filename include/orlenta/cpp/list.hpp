@@ -10,6 +10,21 @@
 
 namespace orlenta {
 
+namespace detail {
+
+// Without braces as long as that will do: in them, a list's own type may be taken for an element.
+template <class T, class... Arguments>
+T made(Arguments&&... arguments) {
+    if constexpr (!__is_class(T))
+        return converted<T>(std::forward<Arguments>(arguments)...);
+    else if constexpr (__is_constructible(T, Arguments && ...))
+        return T(std::forward<Arguments>(arguments)...);
+    else
+        return T{std::forward<Arguments>(arguments)...};
+}
+
+}  // namespace detail
+
 /// Like std::vector, over the record of a list; a contiguous range, and so convertible to std::span. The record tells no capacity:
 /// push_back asks the allocator for room each time, which is cheap where the block has it.
 template <class T>
@@ -18,6 +33,12 @@ class ORLENTA_OVERLAY list {
     std::uint64_t count_ = 0;
 
     void take(void* block) { data_ = static_cast<T*>(detail::allocated(block)); }
+
+    // Where one element more will stand.
+    void* place() {
+        take(orlenta_block_add(data_, count_, sizeof(T)));
+        return data_ + count_;
+    }
 
   public:
     /// As in std::vector.
@@ -30,11 +51,12 @@ class ORLENTA_OVERLAY list {
     list(list&& other) noexcept
         : data_(std::exchange(other.data_, nullptr)), count_(std::exchange(other.count_, 0)) {}
     list& operator=(list&& other) noexcept {
-        std::swap(data_, other.data_);
-        std::swap(count_, other.count_);
+        list given(std::move(other));
+        std::swap(data_, given.data_);
+        std::swap(count_, given.count_);
         return *this;
     }
-    list(std::initializer_list<T> elements) {
+    list(std::initializer_list<T> elements) : list() {
         reserve(elements.size());
         for (const T& element : elements) push_back(element);
     }
@@ -59,10 +81,14 @@ class ORLENTA_OVERLAY list {
     /// A new element at the end, made of `arguments`. Pointers to elements become invalid.
     template <class... Arguments>
     T& emplace_back(Arguments&&... arguments) {
-        take(orlenta_block_add(data_, count_, sizeof(T)));
-        T* element = ::new (static_cast<void*>(data_ + count_)) T{std::forward<Arguments>(arguments)...};
-        count_++;
-        return *element;
+        if constexpr (sizeof...(Arguments) == 0) {
+            T* element = ::new (place()) T{};
+            return count_++, *element;
+        } else {  // the arguments may be elements of the list
+            T given = detail::made<T>(std::forward<Arguments>(arguments)...);
+            T* element = ::new (place()) T(std::move(given));
+            return count_++, *element;
+        }
     }
     /// As in std::vector.
     /// @{
@@ -71,7 +97,8 @@ class ORLENTA_OVERLAY list {
     void pop_back() { data_[--count_].~T(); }
     /// @}
 
-    /// Room for `count` elements in all, taken at once.
+    /// Room for `count` elements in all, taken at once. As no capacity is kept, the next element that is added gives back
+    /// what is more than it needs: resize() where the number is known.
     void reserve(std::size_t count) {
         if (count > count_) take(orlenta_block_grow(data_, count_, count, sizeof(T)));
     }

@@ -28,7 +28,8 @@ class ORLENTA_OVERLAY open {
     open() = default;
     open(open&& other) noexcept : record_(std::exchange(other.record_, asn1_open_value{})) {}
     open& operator=(open&& other) noexcept {
-        std::swap(record_, other.record_);
+        open given(std::move(other));
+        std::swap(record_, given.record_);
         return *this;
     }
     ~open() { release(); }

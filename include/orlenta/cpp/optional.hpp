@@ -3,6 +3,7 @@
 /// Components that may be absent, and words with a type of their own.
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 #include <orlenta/cpp/base.hpp>
 
@@ -33,8 +34,15 @@ class ORLENTA_OVERLAY close_content {
 
   public:
     close_content() { ::new (static_cast<void*>(bytes_)) T{}; }
+    close_content(const close_content& other) requires(__is_constructible(T, const T&)) {
+        ::new (static_cast<void*>(bytes_)) T(other.get());
+    }
     close_content(close_content&& other) noexcept {
         ::new (static_cast<void*>(bytes_)) T(std::move(other.get()));
+    }
+    close_content& operator=(const close_content& other) requires(__is_assignable(T&, const T&)) {
+        get() = other.get();
+        return *this;
     }
     close_content& operator=(close_content&& other) noexcept {
         get() = std::move(other.get());
@@ -64,21 +72,42 @@ inline void require_present(std::uint32_t has) {
         misuse("orlenta: a component is used that is absent\n");
 }
 
+/// Whether a U is an optional of what makes a T: of the standard library, or as it stands in another place of a record.
+template <class U, class T>
+concept optional_of = requires(U& other) {
+    { other.has_value() } -> std::same_as<bool>;
+    requires __is_assignable(T&, decltype(*std::forward<U>(other)));
+};
+
 /// Whether a U makes an optional T. That it is none itself comes first, for that is asked of every record that is moved; and
 /// the compiler's own words for these traits are those that cost least time.
 template <class U, class T, class Optional>
-concept taken_for =
-    !__is_same(std::remove_cvref_t<U>, Optional) && __is_constructible(T, U&&) && __is_assignable(T&, U&&);
+concept taken_for = !__is_same(std::remove_cvref_t<U>, Optional) &&
+                    ((__is_constructible(T, U&&) && __is_assignable(T&, U&&)) || optional_of<U, T>);
 
-// A number is given as any literal is, without regard to its sign: 1 for an unsigned component. What is wider than the
-// component is the compiler's to warn of.
+// What empty braces are, and nothing else.
+class nothing {
+    nothing() = delete;
+};
+
+// A text that may be absent is read as a view.
+template <class T>
+struct shown_as {
+    using type = T;
+};
+template <class T>
+requires requires { typename T::view_type; }
+struct shown_as<T> {
+    using type = typename T::view_type;
+};
+
+// Numbers by their value: -1 is not 4294967295.
 template <class T, class U>
-decltype(auto) converted(U&& value) {
-    if constexpr (std::is_integral_v<T> && std::is_integral_v<std::remove_cvref_t<U>> &&
-                  sizeof(U) <= sizeof(T))
-        return static_cast<T>(value);
+bool same(const T& a, const U& b) {
+    if constexpr (std::is_integral_v<T> && std::is_integral_v<U>)
+        return std::cmp_equal(a, +b);  // a bool or a character as a number
     else
-        return std::forward<U>(value);
+        return a == b;
 }
 
 }  // namespace detail
@@ -102,9 +131,14 @@ class ORLENTA_OVERLAY basic_optional {
     }
     template <class U>
     requires detail::taken_for<U, T, basic_optional> basic_optional& operator=(U&& value) {
-        detail::content(content_) = detail::converted<T>(std::forward<U>(value));
-        has_ = 1;
-        return *this;
+        if constexpr (detail::optional_of<U, T>) {
+            if (!value.has_value()) return reset(), *this;
+            return *this = *std::forward<U>(value);
+        } else {
+            detail::content(content_) = detail::converted<T>(std::forward<U>(value));
+            has_ = 1;
+            return *this;
+        }
     }
     // For components in braces: opt = {.lat = 1}. A word has none, so that opt = {} is as with std::optional.
     basic_optional(T&& value) requires(__is_class(T)) { *this = std::move(value); }
@@ -114,6 +148,11 @@ class ORLENTA_OVERLAY basic_optional {
         return *this;
     }
     basic_optional& operator=(std::nullopt_t) {
+        reset();
+        return *this;
+    }
+    // For empty braces, which would else be an empty value as well as an empty optional.
+    basic_optional& operator=(std::initializer_list<detail::nothing>) {
         reset();
         return *this;
     }
@@ -132,8 +171,10 @@ class ORLENTA_OVERLAY basic_optional {
     }
 #endif
     template <class U>
-    T value_or(U&& other) const {
-        return has_value() ? detail::content(content_) : static_cast<T>(std::forward<U>(other));
+    auto value_or(U&& other) const {
+        using result = typename detail::shown_as<T>::type;
+        return has_value() ? static_cast<result>(detail::content(content_))
+                           : static_cast<result>(detail::converted<result>(std::forward<U>(other)));
     }
     /// @}
 
@@ -156,9 +197,15 @@ template <class T, class Content>
 bool operator==(const basic_optional<T, Content>& a, std::nullopt_t) {
     return !a.has_value();
 }
+template <class T, class Content, class OtherContent>
+bool operator==(const basic_optional<T, Content>& a, const basic_optional<T, OtherContent>& b) {
+    return a.has_value() == b.has_value() && (!a.has_value() || *a == *b);
+}
 template <class T, class Content, class U>
 requires requires(const T& t, const U& u) { t == u; }
-bool operator==(const basic_optional<T, Content>& a, const U& b) { return a.has_value() && *a == b; }
+bool operator==(const basic_optional<T, Content>& a, const U& b) {
+    return a.has_value() && detail::same(*a, b);
+}
 /// @}
 
 /// A component that may be absent.
@@ -177,6 +224,7 @@ class ORLENTA_OVERLAY optional_null {
     /// @{
     optional_null() = default;
     optional_null(null) noexcept : has_(1) {}
+    optional_null(std::nullopt_t) noexcept {}
     bool has_value() const noexcept { return has_ != 0; }
     explicit operator bool() const noexcept { return has_value(); }
     void emplace() noexcept { has_ = 1; }
@@ -220,7 +268,8 @@ class ORLENTA_OVERLAY indirect {
     indirect() = default;
     indirect(indirect&& other) noexcept : record_(std::exchange(other.record_, nullptr)) {}
     indirect& operator=(indirect&& other) noexcept {
-        std::swap(record_, other.record_);
+        indirect given(std::move(other));
+        std::swap(record_, given.record_);
         return *this;
     }
     ~indirect() {

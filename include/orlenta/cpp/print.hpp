@@ -5,6 +5,7 @@
 
 #include <iosfwd>
 #include <orlenta/cpp/codec.hpp>
+#include <orlenta/cpp/string.hpp>
 #include <version>
 #ifdef __cpp_lib_format
 #include <format>
@@ -39,6 +40,11 @@ std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& s
     return stream << reason.to_string();
 }
 /// @}
+/// A character string, as it is.
+template <class Traits>
+std::basic_ostream<char, Traits>& operator<<(std::basic_ostream<char, Traits>& stream, const text& string) {
+    return stream << string.view();
+}
 
 /// Whether two values are the same, by asn1_cmp_value.
 template <described T>
@@ -59,6 +65,18 @@ template <orlenta::described T>
 struct std::formatter<orlenta::value<T>, char> : std::formatter<T, char> {
     auto format(const orlenta::value<T>& value, auto& context) const {
         return std::formatter<T, char>::format(*value, context);
+    }
+};
+template <>
+struct std::formatter<orlenta::error, char> : std::formatter<std::string_view, char> {
+    auto format(const orlenta::error& reason, auto& context) const {
+        return std::formatter<std::string_view, char>::format(reason.to_string(), context);
+    }
+};
+template <>
+struct std::formatter<orlenta::text, char> : std::formatter<std::string_view, char> {
+    auto format(const orlenta::text& string, auto& context) const {
+        return std::formatter<std::string_view, char>::format(string.view(), context);
     }
 };
 #endif

@@ -51,9 +51,8 @@ class error {
 template <class T>
 using result = std::expected<T, error>;
 
-namespace detail {
-inline std::unexpected<error> failed(const error& reason) { return std::unexpected<error>(reason); }
-}  // namespace detail
+/// What makes a result of an error: return orlenta::unexpected(other.error()).
+using unexpected = std::unexpected<error>;
 
 #else
 
@@ -72,14 +71,16 @@ class bad_result_access : public std::exception {
     const orlenta::error& error() const noexcept { return reason_; }
 };
 
-namespace detail {
+/// What makes a result of an error: return orlenta::unexpected(other.error()).
+class unexpected {
+    orlenta::error reason_;
 
-struct failure {
-    const error& reason;
+  public:
+    /// Of the error given.
+    explicit unexpected(const orlenta::error& reason) noexcept : reason_(reason) {}
+    /// The error.
+    const orlenta::error& error() const noexcept { return reason_; }
 };
-inline failure failed(const error& reason) { return {reason}; }
-
-}  // namespace detail
 
 /// A T, or what was wrong: std::expected<T, error>, as far as the library needs it.
 template <class T>
@@ -105,7 +106,7 @@ class result {
     using error_type = orlenta::error;
 
     result(T&& value) noexcept : value_(std::move(value)), has_value_(true) {}
-    result(detail::failure failed) noexcept : error_(failed.reason), has_value_(false) {}
+    result(const unexpected& failed) noexcept : error_(failed.error()), has_value_(false) {}
     result(result&& other) noexcept : has_value_(other.has_value_) {
         if (has_value_)
             ::new (static_cast<void*>(&value_)) T(std::move(other.value_));
@@ -131,6 +132,11 @@ class result {
     T& value() & { return require(), value_; }
     const T& value() const& { return require(), value_; }
     T&& value() && { return require(), std::move(value_); }
+    template <class U>
+    T value_or(U&& other) && {
+        return has_value_ ? std::move(value_) : static_cast<T>(std::forward<U>(other));
+    }
+    orlenta::error& error() noexcept { return error_; }
     const orlenta::error& error() const noexcept { return error_; }
     /// @}
 };
@@ -148,7 +154,7 @@ class result<void> {
     using error_type = orlenta::error;
 
     result() = default;
-    result(detail::failure failed) noexcept : error_(failed.reason), has_value_(false) {}
+    result(const unexpected& failed) noexcept : error_(failed.error()), has_value_(false) {}
     bool has_value() const noexcept { return has_value_; }
     explicit operator bool() const noexcept { return has_value_; }
     void operator*() const noexcept {}
@@ -159,6 +165,7 @@ class result<void> {
         if (!has_value_) detail::misuse("orlenta: the value of a result is used that is an error\n");
 #endif
     }
+    orlenta::error& error() noexcept { return error_; }
     const orlenta::error& error() const noexcept { return error_; }
     /// @}
 };

@@ -22,7 +22,8 @@ class ORLENTA_OVERLAY block {
     block() = default;
     block(block&& other) noexcept : record_(std::exchange(other.record_, Record{})) {}
     block& operator=(block&& other) noexcept {
-        std::swap(record_, other.record_);
+        block given(std::move(other));
+        std::swap(record_, given.record_);
         return *this;
     }
     ~block() { asn1_free(record_.data); }
@@ -69,6 +70,12 @@ class ORLENTA_OVERLAY octets : public detail::block<asn1_string> {
     std::span<const std::byte> bytes() const noexcept { return units<std::byte>(); }
     operator std::span<const std::byte>() const noexcept { return bytes(); }
     std::string_view view() const noexcept { return {reinterpret_cast<const char*>(data()), size()}; }
+    template <class Bytes>
+    requires(std::convertible_to<const Bytes&, byte_view>) friend bool operator==(const octets& a,
+                                                                                  const Bytes& b) noexcept {
+        byte_view view(b);
+        return a.view() == std::string_view(reinterpret_cast<const char*>(view.data()), view.size());
+    }
     /// @}
 };
 
@@ -99,7 +106,11 @@ class ORLENTA_OVERLAY basic_text : public detail::block<asn1_string> {
         return {chars.data(), chars.size()};
     }
     operator view_type() const noexcept { return view(); }
-    friend bool operator==(const basic_text& a, view_type b) noexcept { return a.view() == b; }
+    template <class Text>
+    requires(std::convertible_to<const Text&, view_type>) friend bool operator==(const basic_text& a,
+                                                                                 const Text& b) noexcept {
+        return a.view() == view_type(b);
+    }
     /// @}
 };
 
@@ -163,6 +174,12 @@ class ORLENTA_OVERLAY bits : public detail::block<asn1_bit_string> {
     /// The bytes.
     std::span<const std::byte> bytes() const noexcept {
         return {reinterpret_cast<const std::byte*>(record_.data), (size() + 7) / 8};
+    }
+    /// Whether they are as long and have the same bits.
+    friend bool operator==(const bits& a, const bits& b) noexcept {
+        for (std::size_t i = 0; i < a.size(); i++)
+            if (a.test(static_cast<Bit>(i)) != b.test(static_cast<Bit>(i))) return false;
+        return a.size() == b.size();
     }
 };
 

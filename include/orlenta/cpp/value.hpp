@@ -28,7 +28,8 @@ class value {
     /// @{
     value(value&& other) noexcept : record_(std::exchange(other.record_, nullptr)) {}
     value& operator=(value&& other) noexcept {
-        std::swap(record_, other.record_);
+        value given(std::move(other));
+        std::swap(record_, given.record_);
         return *this;
     }
     ~value() { asn1_free_value(descriptor_of<T>(), record_); }
