@@ -28,6 +28,8 @@ const std::unordered_set<std::string_view> kReserved = {
     "static_assert", "static_cast", "struct", "switch", "template", "this", "thread_local", "throw", "true",
     "try", "typedef", "typeid", "typename", "typeof", "typeof_unqual", "union", "unsigned", "using",
     "virtual", "void", "volatile", "wchar_t", "while", "xor", "xor_eq",
+    // types that the members behind are made of
+    "int32_t", "int64_t", "size_t", "uint8_t", "uint32_t", "uint64_t",
     // predefined by compilers, or macros of <complex.h>, <errno.h>, <stdio.h>, <stdnoreturn.h>, <windows.h>, Qt
     "unix", "linux", "i386", "arm", "sun", "vax", "hpux", "complex", "imaginary", "errno", "stdin", "stdout",
     "stderr", "noreturn", "near", "far", "small", "hyper", "interface", "cdecl", "pascal", "signals", "slots",

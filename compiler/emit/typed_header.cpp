@@ -98,6 +98,14 @@ std::string typed_value(Writer& writer, const Table& table) {
     return has_record(described) ? typed_name(writer.layout, described) : typed_simple(writer, described);
 }
 
+// A number as C++ has it; what is beyond 64 bits as its digits.
+std::string literal(const Number& number) {
+    if (number == INT32_MIN) return "INT32_MIN";
+    if (number == INT64_MIN) return "INT64_MIN";
+    if (number < INT64_MIN || number > UINT64_MAX) return '"' + number.str() + '"';
+    return number.str() + (number > INT64_MAX ? "U" : "");
+}
+
 // ---- simple types -----------------------------------------------------------------------------------------
 
 template <typename Named>
@@ -122,18 +130,25 @@ void put_bits(Writer& writer, const std::string& owner, const Type& type) {
     writer.bits[&type] = name;
 }
 
+// The narrowest of the types that hold a number, from that of its component on; none if it is beyond 64 bits.
+std::string number_type(const Table& table, const Number& number) {
+    std::string own = simple_type(table);
+    if (own == "uint32_t" ? number >= 0 && number <= UINT32_MAX
+                          : own == "int32_t" && number >= INT32_MIN && number <= INT32_MAX)
+        return own;
+    if (number >= INT64_MIN && number <= INT64_MAX) return "int64_t";
+    return number >= 0 && number <= UINT64_MAX ? "uint64_t" : "";
+}
+
 // Named numbers: values to be told by name, and all others as well.
-void put_named_values(Writer& writer, const std::string& owner, const Type& type) {
+void put_named_values(Writer& writer, const std::string& owner, const Table& table, const Type& type) {
     if (type.kind != Kind::integer || type.from || type.named_numbers.empty()) return;
-    auto fits = [](const NamedNumber& number) {
-        return number.value > INT64_MIN && number.value <= INT64_MAX;
-    };
     put(writer, "namespace {} {{\n", fresh_name(writer, owner, "_values"));
     for (const NamedNumber& number : type.named_numbers) {
-        if (!fits(number)) continue;
-        bool is_small = number.value > INT32_MIN && number.value <= INT32_MAX;
-        put(writer, "enum : {} {{ {} = {} }};\n", is_small ? "int32_t" : "int64_t", safe_name(number.name),
-            number.value.str());
+        std::string number_is = number_type(table, number.value);
+        if (!number_is.empty())
+            put(writer, "inline constexpr {} {} = {};\n", number_is, safe_name(number.name),
+                literal(number.value));
     }
     put(writer, "}}\n");
 }
@@ -143,11 +158,17 @@ void put_simple(Writer& writer, const Table& table) {
     if (table.kind == ASN1_KIND_ENUMERATED) return put_enumeration(writer, name, table.type->items);
     put_bits(writer, name, *table.type);
     put(writer, "using {} = {};  // {}\n", name, typed_simple(writer, table), description(table));
-    put_named_values(writer, name, *table.type);
+    put_named_values(writer, name, table, *table.type);
+}
+
+// A record with a tag of its own before it: another type than the record without, for its descriptor is another.
+bool is_tagged_struct(const Table& table) {
+    return table.kind == ASN1_KIND_TAGGED && has_record(table) && is_struct(behind_tags(table)) &&
+           !is_pointer(table) && !is_pointer(*table.parts[0].table);
 }
 
 void put_tagged_name(Writer& writer, const Table& table) {
-    if (!writer.defined.insert(&table).second) return;
+    if (is_tagged_struct(table) || !writer.defined.insert(&table).second) return;
     const Table& inner = unwrapped(*table.parts[0].table);
     if (inner.kind == ASN1_KIND_TAGGED) put_tagged_name(writer, inner);
     put(writer, "using {} = {};\n", typed_name(writer.layout, table),
@@ -165,6 +186,14 @@ std::string absent(const Table& table, const Part& part) {
     return is_word || owns_nothing(table) ? " = {}" : "";
 }
 
+bool is_zero(const Value& value) {
+    switch (value.sort) {
+        case Value::Sort::number: return value.number == 0;
+        case Value::Sort::item: return value.item == 0;
+        default: return !value.boolean;
+    }
+}
+
 // What a member begins with: a word with its DEFAULT, if it has one, else zero.
 std::string initial_value(Writer& writer, const Part& part, const Component& component) {
     const Table& described = behind_tags(*part.table);
@@ -174,8 +203,10 @@ std::string initial_value(Writer& writer, const Part& part, const Component& com
             bool big = (word0(described) & ASN1_WORD0_BIG) != 0;
             if (!has_default) return big ? " = {}" : " = 0";
             const Number& number = component.default_value->number;
-            if (!big) return fmt::format(" = {}", number == INT32_MIN ? "INT32_MIN" : number.str());
-            return fmt::format(" = {}", number < INT64_MIN + 1 || number > INT64_MAX ? "0" : number.str());
+            if (big) return fmt::format("{{{}}}", literal(number));
+            bool wraps = simple_type(described) == "int32_t" && number > INT32_MAX;
+            return wraps ? fmt::format(" = static_cast<int32_t>({})", literal(number))
+                         : " = " + literal(number);
         }
         case ASN1_KIND_BOOLEAN: return has_default && component.default_value->boolean ? " = true" : " = {}";
         case ASN1_KIND_ENUMERATED:
@@ -187,6 +218,23 @@ std::string initial_value(Writer& writer, const Part& part, const Component& com
         case ASN1_KIND_CHAR_STRING: return " = {}";
         default: return "";
     }
+}
+
+// Whether a new value is more than zeros: it begins with some DEFAULT that is not zero.
+bool begins_with_default(const Table& table) {
+    if (is_pointer(table)) return false;
+    const Table& described = behind_tags(table);
+    if (described.kind == ASN1_KIND_CHOICE) return begins_with_default(*described.parts[0].table);
+    if (described.kind != ASN1_KIND_SEQUENCE && described.kind != ASN1_KIND_SET) return false;
+    const std::vector<Component>& components = resolved(described.type)->components;
+    for (size_t i = 0; i < described.parts.size(); i++) {
+        const Part& part = described.parts[i];
+        if (part.has_presence) continue;
+        if (!default_fits(components[i]) ? begins_with_default(*part.table)
+                                         : !is_zero(*components[i].default_value))
+            return true;
+    }
+    return false;
 }
 
 // A value of 32-bit words alone has no multiple of 8 to begin at.
@@ -245,10 +293,11 @@ std::string member_function(std::set<std::string>& taken, const std::string& nam
 std::string distinct_type(Writer& writer, const Table& table) {
     const Table& described = behind_tags(table);
     bool is_simple = !is_struct(described) && described.kind != ASN1_KIND_ENUMERATED;
-    return is_simple ? typed_simple(writer, described) : typed_name(writer.layout, described);
+    if (is_simple) return typed_simple(writer, described);
+    return typed_name(writer.layout, is_tagged_struct(unwrapped(table)) ? unwrapped(table) : described);
 }
 
-// A type that several keys select has no function that finds its key.
+// A type that several keys select has no function that finds its key. Parameters have names that no component has.
 void put_keyed_functions(Writer& writer, const Table& table, const KeyedComponent& open,
                          const std::vector<MemberNames>& names, std::set<std::string>& taken) {
     const std::string& member = names[open.component].value;
@@ -272,12 +321,12 @@ void put_keyed_functions(Writer& writer, const Table& table, const KeyedComponen
         "    template <class T>\n    T& {3}() {{\n"
         "        return ::orlenta::detail::key_access::set<T>({1}, {2}, {0}(static_cast<const "
         "T*>(nullptr)));\n    }}\n"
-        "    template <class T>\n    T& {3}(::orlenta::value<T>&& given) {{\n"
+        "    template <class T>\n    T& {3}(::orlenta::value<T>&& given_) {{\n"
         "        return ::orlenta::detail::key_access::set<T>({1}, {2}, {0}(static_cast<const "
         "T*>(nullptr)),\n"
-        "                                                     ::std::move(given));\n    }}\n"
-        "    void {4}({5} selector, ::orlenta::byte_view bytes) {{\n"
-        "        ::orlenta::detail::key_access::set_raw({1}, {2}, selector, bytes);\n    }}\n",
+        "                                                     ::std::move(given_));\n    }}\n"
+        "    void {4}({5} selector_, ::orlenta::byte_view bytes_) {{\n"
+        "        ::orlenta::detail::key_access::set_raw({1}, {2}, selector_, bytes_);\n    }}\n",
         row, member, key, set, member_function(taken, "set_" + part + "_raw"),
         typed_value(writer, *table.parts[open.key_component].table));
     put(writer,
@@ -314,11 +363,12 @@ void put_struct(Writer& writer, const Table& table);
 
 // As in C, a struct is defined before one that has it as a member. A CHOICE lies over the C record as it is.
 void put_structs_inside(Writer& writer, const Table& table) {
-    if (table.kind != ASN1_KIND_SEQUENCE && table.kind != ASN1_KIND_SET) return;
+    if (table.kind != ASN1_KIND_SEQUENCE && table.kind != ASN1_KIND_SET && table.kind != ASN1_KIND_TAGGED)
+        return;
     for (const Part& part : table.parts) {
         if (is_pointer(*part.table)) continue;
-        const Table& inside = behind_tags(*part.table);
-        if (is_struct(inside)) put_struct(writer, inside);
+        const Table& inside = unwrapped(*part.table);
+        if (is_struct(inside) || is_tagged_struct(inside)) put_struct(writer, inside);
     }
 }
 
@@ -341,8 +391,11 @@ void put_struct(Writer& writer, const Table& table) {
     put_structs_inside(writer, table);
     std::string name = typed_name(writer.layout, table);
     for (const Part& part : table.parts)
-        if (part.type->kind != Kind::reference)
-            put_bits(writer, part.name.empty() ? name : name + "_" + c_name(part.name), *part.type);
+        if (part.type->kind != Kind::reference) {
+            std::string owner = part.name.empty() ? name : name + "_" + c_name(part.name);
+            put_bits(writer, owner, *part.type);
+            put_named_values(writer, owner, unwrapped(*part.table), *part.type);
+        }
     std::string alternatives;
     if (table.kind == ASN1_KIND_CHOICE) {
         alternatives = fresh_name(writer, name, "_alternative");
@@ -359,7 +412,10 @@ void put_struct(Writer& writer, const Table& table) {
             put(writer, " : ");
             put_choice_base(writer, table, alternatives);
             put(writer, " {{\n    using enum {};\n", alternatives);
+            if (begins_with_default(table))
+                put(writer, "    {0}() {{ this->emplace<static_cast<{1}>(0)>(); }}\n", name, alternatives);
             break;
+        case ASN1_KIND_TAGGED: put(writer, " : {} {{\n", typed_value(writer, *table.parts[0].table)); break;
         default: {
             std::string base = fmt::format("::orlenta::list<{}>", typed_value(writer, *table.parts[0].table));
             put(writer, " : {0} {{  // {1}\n    using {0}::list;\n", base, description(table));
@@ -384,11 +440,14 @@ void declare_row_types(Writer& writer) {
                         type.table->symbol);
 }
 
+bool is_any_struct(const Table& table) {
+    return is_tagged_struct(table) || (has_record(table) && is_struct(table));
+}
+
 void put_types(Writer& writer) {
     const std::vector<const Table*>& tables = writer.layout.tables;
     for (const Table* table : tables)
-        if (has_record(*table) && is_struct(*table))
-            put(writer, "struct {};\n", typed_name(writer.layout, *table));
+        if (is_any_struct(*table)) put(writer, "struct {};\n", typed_name(writer.layout, *table));
     put(writer, "\n");
     for (const Table* table : tables)
         if (has_record(*table) && !is_struct(*table) && table->kind != ASN1_KIND_TAGGED)
@@ -399,7 +458,7 @@ void put_types(Writer& writer) {
         put(writer, "using {} = {};\n", alias.name, typed_name(writer.layout, *alias.table));
     put(writer, "\n");
     for (const Table* table : tables)
-        if (has_record(*table) && is_struct(*table)) put_struct(writer, *table);
+        if (is_any_struct(*table)) put_struct(writer, *table);
 }
 
 }  // namespace
@@ -443,7 +502,7 @@ std::string emit_typed_checks(const Layout& layout, const std::string& header) {
         "    static_assert(offsetof(type, member) == offsetof(record, first))\n\n",
         typed_header_name(header));
     for (const Table* table : layout.tables) {
-        if (!has_record(*table) || !is_struct(*table)) continue;
+        if (!is_any_struct(*table)) continue;
         std::string type = "orlenta::" + namespace_name(layout) + "::" + typed_name(layout, *table);
         std::string record = record_name(*table);
         fmt::format_to(std::back_inserter(out), "TYPE_IS({}, {});\n", type, record);

@@ -6,7 +6,8 @@ import subprocess
 import sys
 from pathlib import Path
 
-STRICT = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Werror", "-fsyntax-only"]
+STRICT = ["-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wsign-conversion", "-Wshadow",
+          "-Werror", "-fsyntax-only"]
 
 
 def compilers(*names):
@@ -60,6 +61,9 @@ CPP_ROWS = [
     ("lanes.emplace_back().laneID = 1; cn_frame.emplace<cn::MessageFrame::spatFrame>();", ""),
     ("us_frame.set_value<us::MapData>().timeStamp = 1; us_frame.set_value(value<us::SPAT>());", ""),
     ("bsm.pos.has_elevation = 1;", "has_elevation"),
+    ("if (bsm.vehicleClass.fuelType == 9) bsm.vehicleClass.fuelType = 9;", ""),
+    ("bsm.pos.elevation = std::int64_t{4294967296};", "wider"),
+    ("bsm.pos.elevation = 1.5;", "fraction"),
     ("bsm.transmission = cn::LightState::red;", "LightState"),
     ("bsm.transmission = asn1_CN_LightState_red;", "orlenta_CN_LightState"),
     ("bsm.brakes.abs = cn::TractionControlStatus::on;", "TractionControlStatus"),

@@ -71,6 +71,28 @@ TEST(Layer, OptionalComponents) {
     here.elevation = {};
     EXPECT_FALSE(here.elevation);
     EXPECT_DEATH(*here.elevation = 1, "absent");
+    const cn::Position3D there = {.lat = 1, .lon = 2};
+    EXPECT_EQ(here.elevation, there.elevation);
+    here.elevation = std::optional<int>(4);
+    EXPECT_NE(here.elevation, there.elevation);
+    here.elevation = std::optional<int>();
+    EXPECT_FALSE(here.elevation);
+    tricky::Grown unsigned_;
+    unsigned_.plain = UINT32_MAX;
+    EXPECT_FALSE(unsigned_.plain == -1);
+
+    us::IntersectionGeometry crossing;
+    EXPECT_EQ(crossing.name.value_or("none"), "none"sv);
+    crossing.name = "some";
+    EXPECT_EQ(crossing.name.value_or("none"), "some"sv);
+    crossing.name = {};
+    EXPECT_FALSE(crossing.name);
+
+    tricky::Reals reals = {.first = 1.5, .flag = true, .last = 2.5};  // numbers alone are copied
+    reals.first = reals.last;
+    const tricky::Reals copy = reals;
+    EXPECT_EQ(copy.first, copy.last);
+    EXPECT_EQ(copy, reals);
     EXPECT_DEATH((void)safety_frame()->get<cn::MessageFrame::bsmFrame>().safetyExt->events, "absent");
 
     orlenta::value<cn::BasicSafetyMessage> bsm;
@@ -142,6 +164,48 @@ TEST(Layer, Lists) {
     EXPECT_TRUE(moved.empty());
 }
 
+// What replaces something may lie in it, and nothing of the old is kept. The sanitizers watch.
+TEST(Layer, ReplacedByItsOwnPart) {
+    cn::ReferencePathList paths;
+    for (uint32_t i = 0; i < 4; i++) paths.emplace_back().pathRadius = i;
+    for (int i = 0; i < 4; i++) paths.push_back(std::move(paths[1]));
+    EXPECT_EQ(paths[4].pathRadius, 1u);
+    cn::PointList points;
+    points.emplace_back().posOffset.offsetLL.emplace<cn::PositionOffsetLL::position_LL1>(
+        {.lon = 1, .lat = 2});
+    for (int i = 0; i < 9; i++) points.push_back(points.front());
+    EXPECT_EQ(points.back(), points.front());
+
+    orlenta::value<tricky::Expression> sum;
+    sum->emplace<tricky::Expression::sum>().left->emplace<tricky::Expression::constant>(7);
+    sum->get<tricky::Expression::sum>().right->emplace<tricky::Expression::list>().emplace_back();
+    *sum = std::move(*sum->get<tricky::Expression::sum>().right);
+    sum->emplace<tricky::Expression::list>(std::move(sum->get<tricky::Expression::list>()));
+    EXPECT_EQ(sum->get<tricky::Expression::list>().size(), 1u);
+    *sum = std::move(sum->get<tricky::Expression::list>()[0]);
+    EXPECT_TRUE(sum->holds<tricky::Expression::constant>());
+
+    orlenta::value<tricky::Chain> chain;
+    (*chain->next.emplace()).value = 1;
+    (*chain->next)->next.emplace()->value = 2;
+    chain->next = std::move((*chain->next)->next);
+    EXPECT_EQ((*chain->next)->value, 2u);
+    chain->next = std::move((*chain->next)->next);
+    EXPECT_FALSE(chain->next);
+
+    tricky::Shelf shelf;  // whose elements are what it is itself
+    shelf.emplace_back().emplace_back();
+    shelf.push_back(std::move(shelf[0]));
+    EXPECT_EQ(shelf.back().size(), 1u);
+    EXPECT_TRUE(shelf[0].empty());
+    shelf = std::move(shelf.back());
+    EXPECT_EQ(shelf.size(), 1u);
+
+    orlenta::value<cn::MessageFrame> other, frame = safety_frame();
+    other = std::move(frame);
+    EXPECT_EQ(frame.get(), nullptr);
+}
+
 TEST(Layer, StringsAndBits) {
     orlenta::value<cn::BasicSafetyMessage> bsm;
     const std::vector<uint8_t> raw = {1, 2, 3};
@@ -152,6 +216,12 @@ TEST(Layer, StringsAndBits) {
     EXPECT_EQ(bsm->id.view(), "\x09\x08"sv);
     bsm->id = std::string("12");
     EXPECT_EQ(bsm->id.view(), "12");
+    const std::vector<char> chars = {'1', '2'};
+    orlenta::octets other = chars;
+    EXPECT_EQ(bsm->id, other);
+    EXPECT_EQ(bsm->id, "12"sv);
+    bsm->id = {9, 8};
+    EXPECT_NE(bsm->id, other);
 
     us::IntersectionGeometry crossing;
     crossing.name = "Plymouth Rd"sv;
@@ -162,6 +232,7 @@ TEST(Layer, StringsAndBits) {
     EXPECT_EQ(sharing.size(), 10u);
     EXPECT_TRUE(sharing[us::LaneSharing_bit::busVehicleTraffic]);
     EXPECT_FALSE(sharing.test(us::LaneSharing_bit::pedestriansTraffic));
+    EXPECT_NE(sharing, us::LaneSharing{});
     sharing.set(us::LaneSharing_bit::busVehicleTraffic, false);
     EXPECT_EQ(sharing.bytes()[0], std::byte{0});
     cn::AllowedManeuvers numbered;  // whose bits have no names
@@ -190,6 +261,12 @@ TEST(Layer, OpenTypesGoWithTheirKeys) {
     EXPECT_EQ(frame->get_value<us::MapData>(), nullptr);
     EXPECT_EQ(frame->messageId, 77u);
     EXPECT_EQ(frame->value.raw().size(), 2u);
+
+    orlenta::value<tricky::Words> words;
+    words->set_bytes<tricky::Stamped>().last = true;
+    EXPECT_EQ(words->selector, 2u);
+    EXPECT_EQ(words->get_bytes<tricky::Bytes>(), nullptr);
+    EXPECT_EQ(again(orlenta::der, words), words);
 }
 
 TEST(Layer, Values) {
@@ -252,6 +329,12 @@ TEST(Layer, Errors) {
     EXPECT_EQ(cut.error().path().substr(0, 8), "bsmFrame");
     EXPECT_ANY_THROW(cut.value());
     EXPECT_EQ(orlenta::from_json<cn::MessageFrame>("{\n\n?}").error().line(), 3);
+    auto forwarded = [&]() -> orlenta::result<int> { return orlenta::unexpected(cut.error()); };
+    EXPECT_EQ(forwarded().error().message(), cut.error().message());
+
+    orlenta::value<tricky::Edges> edges;  // -1 is not the greatest number there is
+    edges->wide = -1;
+    EXPECT_EQ(orlenta::encode(orlenta::uper, edges).error().path(), "wide");
 }
 
 TEST(Layer, UnusualTypes) {
@@ -277,6 +360,18 @@ TEST(Layer, UnusualTypes) {
     orlenta::value<tricky::Tree> tree;  // through lists
     tree->branches.emplace_back().branches.emplace_back().label = 4;
     EXPECT_EQ(again(orlenta::oer, tree), tree);
+
+    orlenta::value<tricky::First> first;  // begins as its first alternative does
+    const tricky::Defaults& defaults = first->get<tricky::First::defaults>();
+    EXPECT_EQ(defaults.top.to_uint64(), UINT64_MAX);
+    EXPECT_EQ(defaults.bottom.to_int64(), INT64_MIN);
+    EXPECT_EQ(defaults.beyond.to_string(), "123456789012345678901234567890");
+    EXPECT_EQ(static_cast<uint32_t>(defaults.wrapped), 3000000000);
+    EXPECT_EQ(defaults.level, tricky::Defaults_level_values::high);
+    EXPECT_EQ(orlenta::encode(orlenta::uper, first)->size(), 1u);
+    orlenta::value<tricky::Stamped> stamped;
+    EXPECT_EQ(orlenta::encode(orlenta::der, stamped)->view()[0], '\x63');
+    EXPECT_EQ(again(orlenta::der, stamped), stamped);
 
     orlenta::value<tricky::Grown> grown;
     grown->single = 2.5;
