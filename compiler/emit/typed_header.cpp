@@ -34,10 +34,36 @@ struct Writer {
     std::unordered_map<const void*, std::string> bits;  // enumerations of named bits, by BIT STRING
 };
 
+// What the namespace around has already.
+const std::unordered_set<std::string> kLibraryNames = {"aper",          "bad_result_access",
+                                                       "basic_choice",  "basic_optional",
+                                                       "basic_text",    "ber",
+                                                       "bits",          "boolean",
+                                                       "byte_view",     "bytes",
+                                                       "check",         "choice",
+                                                       "clone",         "close_optional",
+                                                       "decode",        "der",
+                                                       "described",     "descriptor_of",
+                                                       "detail",        "encode",
+                                                       "error",         "encoding_rules",
+                                                       "flat_choice",   "from_json",
+                                                       "gser",          "indirect",
+                                                       "integer",       "jer",
+                                                       "key",           "keyed_open",
+                                                       "list",          "keyed_type",
+                                                       "null",          "object_identifier",
+                                                       "octets",        "oer",
+                                                       "open",          "optional",
+                                                       "optional_null", "result",
+                                                       "text",          "text16",
+                                                       "text32",        "to_json",
+                                                       "unexpected",    "uper",
+                                                       "value",         "xer"};
+
 std::string namespace_name(const Layout& layout) {
     std::string name = layout.region;
     for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return safe_name(name);
+    return kLibraryNames.contains(name) ? name + "_" : safe_name(name);
 }
 
 std::string typed_name(const Layout& layout, const Table& table) {

@@ -62,6 +62,14 @@ TEST_F(Command, WritesTablesHeaderAndChecks) {
     EXPECT_NE(read("out").find("named"), std::string::npos);
 }
 
+TEST_F(Command, TheNamespaceOfARegionIsNoOtherNameOfTheLibrary) {
+    std::string header = " --header " + (folder / "t.h").string() + " " + write("m.asn1", kGood);
+    for (const auto& [region, name] : {std::pair("Text", "text_"), {"Class", "class_"}, {"Texts", "texts"}}) {
+        ASSERT_EQ(run(std::string("--region ") + region + header), 0) << read("err");
+        EXPECT_NE(read("t.hpp").find("namespace orlenta::" + std::string(name) + " {"), std::string::npos);
+    }
+}
+
 TEST_F(Command, WritesUnitsIntoTheHeader) {
     std::string module =
         write("m.asn1",
