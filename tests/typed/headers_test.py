@@ -133,12 +133,44 @@ def check_standards(args):
                 sys.exit(f"{compiler} -std={standard}, {name}{suffix}:\n{said[:5000]}")
 
 
+# ---- std::format ----------------------------------------------------------------------------------------------
+
+FORMATTED = ('{"lat":1,"lon":2,"elevation":3}    {"lat":0,"lon":0} [] **north** '
+             'reading after end of stream at lat (bit 1) reading\n')
+NEWER = ["g++-13", "g++-14", "g++-15", "clang++-17", "clang++-18", "clang++-19", "clang++-20"]
+
+
+def check_format(args):
+    ran = False
+    source = Path(__file__).with_name("format_program.cpp")
+    program = Path.cwd() / "format_program"
+    for compiler in compilers(args.cxx, "g++", "clang++", *NEWER):
+        for library in ([], ["-stdlib=libc++"]):
+            for standard in ("c++20", "c++23", "c++26"):
+                command = [compiler, f"-std={standard}", *library]
+                probe = subprocess.run([*command, "-x", "c++", "-fsyntax-only", "-"], input="#include <format>\n"
+                                       "int main() { return int(std::format(\"\").size()); }\n",
+                                       capture_output=True, text=True)
+                if probe.returncode:
+                    continue
+                flags = [flag for flag in STRICT if flag != "-fsyntax-only"]
+                subprocess.run([*command, *flags, *(f"-I{folder}" for folder in args.include), source, "-o", program,
+                                args.library, "-lm"], check=True)
+                said = subprocess.run([program], capture_output=True, text=True).stdout
+                if said != FORMATTED:
+                    sys.exit(f"{' '.join(command)}:\n{said}")
+                ran = True
+    if not ran:
+        sys.exit(77)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("check")
     parser.add_argument("--include", action="append")
     parser.add_argument("--cc", required=True)
     parser.add_argument("--cxx", required=True)
+    parser.add_argument("--library", required=True)
     args = parser.parse_args()
     globals()[f"check_{args.check}"](args)
 
