@@ -35,6 +35,12 @@ std::string function_name(Writer& writer, const Table& table, const char* verb,
     return name;
 }
 
+// The header for the records tells nothing of tables in place.
+void declare_in_place(Writer& writer, const Table& table) {
+    if (table.table_class == Table::Class::anonymous && writer.declared.insert(&table).second)
+        put(writer, "ORLENTA_API extern const asn1_type_desc asn1_type_{}[];\n", table.symbol);
+}
+
 // ---- components -------------------------------------------------------------------------------------------
 
 // What a setter does before it ends: the presence word, if there is one.
@@ -83,6 +89,20 @@ void put_part_opener(Writer& writer, const Table& table, const Part& part, const
         names.presence, names.value);
 }
 
+// A record behind a pointer: made if it is not there yet, and handed out to be filled.
+void put_pointer_opener(Writer& writer, const Table& table, const Part& part, const MemberNames& names) {
+    const Table& inner = *part.table->parts[0].table;
+    declare_in_place(writer, inner);
+    put(writer,
+        "static inline {0}* {1}({2}* record) {{\n"
+        "    if (record->{3} == NULL) record->{3} = ({0}*)asn1_mallocz_value(asn1_type_{4});\n",
+        value_type(inner), function_name(writer, table, "set", part.name), record_name(table), names.value,
+        inner.symbol);
+    if (!names.presence.empty())
+        put(writer, "    if (record->{} != NULL) record->{} = 1;\n", names.value, names.presence);
+    put(writer, "    return record->{};\n}}\n", names.value);
+}
+
 // Nothing for what has no use for it: a word or a record that is always there is set as any member.
 void put_component(Writer& writer, const Table& table, const Part& part, const MemberNames& names) {
     bool optional = !names.presence.empty();
@@ -92,10 +112,7 @@ void put_component(Writer& writer, const Table& table, const Part& part, const M
                 function_name(writer, table, "set", part.name), record_name(table), names.presence);
         return;
     }
-    if (value_type(*part.table).ends_with('*')) {
-        if (optional) put_part_opener(writer, table, part, names);
-        return;
-    }
+    if (is_indirect(*part.table)) return put_pointer_opener(writer, table, part, names);
     const Table& described = behind_tags(*part.table);
     switch (described.kind) {
         case ASN1_KIND_ENUMERATED:
@@ -120,11 +137,6 @@ void put_component(Writer& writer, const Table& table, const Part& part, const M
 
 // ---- open types -------------------------------------------------------------------------------------------
 
-void declare_row_type(Writer& writer, const Table& table) {
-    if (table.table_class == Table::Class::anonymous && writer.declared.insert(&table).second)
-        put(writer, "ORLENTA_API extern const asn1_type_desc asn1_type_{}[];\n", table.symbol);
-}
-
 void put_keyed_type(Writer& writer, const Table& table, const KeyedComponent& open, const KeyedType& type) {
     std::vector<MemberNames> names = member_names(table);
     const std::string& value = names[open.component].value;
@@ -132,8 +144,8 @@ void put_keyed_type(Writer& writer, const Table& table, const KeyedComponent& op
     const Part& part = table.parts[open.component];
     std::string record = record_name(table), type_name = value_type(*type.table);
     std::string key_type = value_type(*table.parts[open.key_component].table);
-    if (type_name.ends_with('*')) return;
-    declare_row_type(writer, *type.table);
+    if (is_indirect(*type.table)) return;
+    declare_in_place(writer, *type.table);
     put(writer,
         "static inline {0}* {1}({2}* record) {{\n"
         "    {0}* value = ({0}*)orlenta_open_set(&record->{3}, asn1_type_{4});\n"
@@ -173,6 +185,17 @@ void put_choice(Writer& writer, const Table& table) {
     for (size_t i = 0; i < names.size(); i++) {
         std::string name = function_name(writer, table, "set", table.parts[i].name);
         bool has_value = !names[i].value.empty();
+        if (is_indirect(*table.parts[i].table)) {
+            const Table& inner = *table.parts[i].table->parts[0].table;
+            declare_in_place(writer, inner);
+            put(writer,
+                "static inline {0}* {1}({2}* record) {{\n"
+                "    {0}* value = ({0}*)asn1_mallocz_value(asn1_type_{3});\n"
+                "    if (value == NULL) return NULL;\n"
+                "    {4};\n    record->choice = {5};\n    return record->u.{6} = value;\n}}\n",
+                value_type(inner), name, record, inner.symbol, clear, i, names[i].value);
+            continue;
+        }
         put(writer, "static inline {}{} {}({}* record) {{\n    {};\n    record->choice = {};\n",
             has_value ? value_type(*table.parts[i].table) : "void", has_value ? "*" : "", name, record, clear,
             i);
@@ -215,6 +238,8 @@ void put_manual(Writer& writer, const std::string& header) {
         " *   orlenta_{0}_Some_Type_set_bit_component(record, bit, value)  one bit\n"
         " *   orlenta_{0}_Some_Type_set_component(record)  a record within: made present, and returned to be "
         "filled\n"
+        " *                                             (of a type that contains itself: allocated, if need "
+        "be)\n"
         " *   orlenta_{0}_Some_Choice_set_alternative(record)  clears what is there, chooses, returns the "
         "alternative\n"
         " *   orlenta_{0}_Some_Type_set_component_Message(record)  an open type and its key: returns a new "

@@ -37,10 +37,6 @@ const std::unordered_set<std::string_view> kReserved = {
 
 bool is_null(const Part& part) { return resolved(part.type)->kind == Kind::null; }
 
-bool is_indirect(const Table& table) {
-    return table.kind == ASN1_KIND_TAGGED && (word0(table) & ASN1_WORD0_INDIRECT) != 0;
-}
-
 // As every reader of an INTEGER decides.
 bool is_unsigned(const Table& table) {
     return (word0(table) & ASN1_WORD0_EXTENSIBLE) == 0 && static_cast<int32_t>(table.words[1].number) >= 0;
@@ -90,6 +86,10 @@ std::string simple_type(const Table& table) {
         case ASN1_KIND_ANY: return "asn1_open_value";
         default: return "asn1_string";
     }
+}
+
+bool is_indirect(const Table& table) {
+    return table.kind == ASN1_KIND_TAGGED && (word0(table) & ASN1_WORD0_INDIRECT) != 0;
 }
 
 const Table& unwrapped(const Table& table) {

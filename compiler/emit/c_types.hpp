@@ -20,6 +20,9 @@ std::string record_name(const Table& table);
 std::string simple_type(const Table& table);
 // The table behind a TAGGED that has no name.
 const Table& unwrapped(const Table& table);
+// Whether the value is held through a pointer.
+bool is_indirect(const Table& table);
+
 // The C type of a value that the table describes, as a member, an element or a typedef has it.
 std::string value_type(const Table& table);
 // Whether the record is a struct: SEQUENCE, SET, CHOICE, SEQUENCE OF and SET OF.

@@ -4,6 +4,7 @@
 #include <orlenta/cn_build.h>
 #include <orlenta/per.h>
 #include <orlenta/us_build.h>
+#include <tricky_build.h>
 
 #include <string>
 
@@ -145,6 +146,19 @@ TEST(Build, AnotherAlternativeReleasesTheFormer) {
     EXPECT_EQ(spat->intersections.count, 0u);
 }
 
+TEST(Build, RecordsBehindPointersAreMade) {
+    Owned<asn1_Tricky_Expression> sum = {asn1_type_Tricky_Expression};
+    asn1_Tricky_Pair* pair = orlenta_Tricky_Expression_set_sum(&sum.record);
+    *orlenta_Tricky_Expression_set_constant(orlenta_Tricky_Pair_set_left(pair)) = 3;
+    orlenta_Tricky_Expression_set_list(orlenta_Tricky_Pair_set_right(pair));
+    EXPECT_EQ(orlenta_Tricky_Pair_set_left(pair)->u.constant, 3u) << "is there, and stays";
+    EXPECT_NE(encoding(sum.type, &sum.record), "");
+
+    Owned<asn1_Tricky_Chain> chain = {asn1_type_Tricky_Chain};
+    EXPECT_EQ(orlenta_Tricky_Chain_set_next(orlenta_Tricky_Chain_set_next(&chain.record))->has_next, 0u);
+    EXPECT_TRUE(chain.record.has_next && chain.record.next->has_next);
+}
+
 TEST(Build, AnIndexOutsideItsTypeFailsToEncode) {
     Owned<asn1_CN_PositionConfidenceSet> set = {asn1_type_CN_PositionConfidenceSet};
     orlenta_CN_PositionConfidenceSet_set_elevation(&set.record,
@@ -175,6 +189,9 @@ TEST(Build, WithoutMemoryNothingChanges) {
         before = orlenta_CN_PointList_add(&list.record) != nullptr;
         set = orlenta_CN_PointList_reserve(&list.record, 5) != nullptr;
         EXPECT_EQ(list.record.count, before ? 1u : 0u);
+        Owned<asn1_Tricky_Chain> chain = {asn1_type_Tricky_Chain};
+        set = orlenta_Tricky_Chain_set_next(&chain.record) != nullptr;
+        EXPECT_EQ(chain.record.has_next, set ? 1u : 0u);
     };
-    EXPECT_GE(for_each_failed_allocation(build), 6u);
+    EXPECT_GE(for_each_failed_allocation(build), 7u);
 }
