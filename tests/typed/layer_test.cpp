@@ -80,10 +80,12 @@ TEST(Layer, OptionalComponents) {
     tricky::Grown unsigned_;
     unsigned_.plain = UINT32_MAX;
     EXPECT_FALSE(unsigned_.plain == -1);
+    orlenta::optional<orlenta::integer<uint64_t>> wide = 5;
+    EXPECT_EQ(wide, 5);
 
     us::IntersectionGeometry crossing;
     EXPECT_EQ(crossing.name.value_or("none"), "none"sv);
-    crossing.name = "some";
+    EXPECT_EQ(crossing.name.emplace("some").size(), 4u);
     EXPECT_EQ(crossing.name.value_or("none"), "some"sv);
     crossing.name = {};
     EXPECT_FALSE(crossing.name);

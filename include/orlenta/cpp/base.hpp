@@ -76,6 +76,19 @@ decltype(auto) converted(U&& value) {
     }
 }
 
+// Without braces as long as that will do: in them, a list's own type may be taken for an element.
+template <class T, class... Arguments>
+T made(Arguments&&... arguments) {
+    if constexpr (sizeof...(Arguments) == 0)
+        return T{};
+    else if constexpr (!__is_class(T))
+        return converted<T>(std::forward<Arguments>(arguments)...);
+    else if constexpr (__is_constructible(T, Arguments...))
+        return T(std::forward<Arguments>(arguments)...);
+    else
+        return T{std::forward<Arguments>(arguments)...};
+}
+
 }  // namespace detail
 
 /// Bytes to read: from any contiguous range of std::byte, char or uint8_t, and from text.

@@ -69,6 +69,9 @@ class ORLENTA_OVERLAY big_integer {
 template <class Int>
 class ORLENTA_OVERLAY integer : public detail::big_integer {
   public:
+    /// What it is read as.
+    using number_type = Int;
+
     /// Zero, or a number.
     /// @{
     integer() = default;

@@ -10,21 +10,6 @@
 
 namespace orlenta {
 
-namespace detail {
-
-// Without braces as long as that will do: in them, a list's own type may be taken for an element.
-template <class T, class... Arguments>
-T made(Arguments&&... arguments) {
-    if constexpr (!__is_class(T))
-        return converted<T>(std::forward<Arguments>(arguments)...);
-    else if constexpr (__is_constructible(T, Arguments && ...))
-        return T(std::forward<Arguments>(arguments)...);
-    else
-        return T{std::forward<Arguments>(arguments)...};
-}
-
-}  // namespace detail
-
 /// Like std::vector, over the record of a list; a contiguous range, and so convertible to std::span. The record tells no capacity:
 /// push_back asks the allocator for room each time, which is cheap where the block has it.
 template <class T>

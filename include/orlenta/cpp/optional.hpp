@@ -106,6 +106,8 @@ template <class T, class U>
 bool same(const T& a, const U& b) {
     if constexpr (std::is_integral_v<T> && std::is_integral_v<U>)
         return std::cmp_equal(a, +b);  // a bool or a character as a number
+    else if constexpr (std::is_integral_v<U> && requires { typename T::number_type; })
+        return std::cmp_equal(static_cast<typename T::number_type>(a), +b);
     else
         return a == b;
 }
@@ -178,9 +180,10 @@ class ORLENTA_OVERLAY basic_optional {
     }
     /// @}
 
-    /// A new value, present.
-    T& emplace() {
-        detail::content(content_) = T{};
+    /// A new value, present, made of `arguments`.
+    template <class... Arguments>
+    T& emplace(Arguments&&... arguments) {
+        detail::content(content_) = detail::made<T>(std::forward<Arguments>(arguments)...);
         has_ = 1;
         return detail::content(content_);
     }
