@@ -157,6 +157,9 @@ TEST(Build, RecordsBehindPointersAreMade) {
     Owned<asn1_Tricky_Chain> chain = {asn1_type_Tricky_Chain};
     EXPECT_EQ(orlenta_Tricky_Chain_set_next(orlenta_Tricky_Chain_set_next(&chain.record))->has_next, 0u);
     EXPECT_TRUE(chain.record.has_next && chain.record.next->has_next);
+    Owned<asn1_Tricky_Doubly> doubly = {asn1_type_Tricky_Doubly};  // two tags around
+    EXPECT_EQ(orlenta_Tricky_Doubly_set_again(&doubly.record)->has_again, 0u);
+    EXPECT_NE(encoding(doubly.type, &doubly.record), "");
 }
 
 TEST(Build, AnIndexOutsideItsTypeFailsToEncode) {
