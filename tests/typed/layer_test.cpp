@@ -167,7 +167,7 @@ TEST(Layer, Lists) {
 }
 
 // What replaces something may lie in it, and nothing of the old is kept. The sanitizers watch.
-TEST(Layer, ReplacedByItsOwnPart) {
+TEST(Layer, ReplacedFromWithin) {
     cn::ReferencePathList paths;
     for (uint32_t i = 0; i < 4; i++) paths.emplace_back().pathRadius = i;
     for (int i = 0; i < 4; i++) paths.push_back(std::move(paths[1]));
