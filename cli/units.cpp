@@ -44,6 +44,37 @@ std::string unit_text(const orlenta_unit& unit) {
 
 // ---- one number -------------------------------------------------------------------------------------------
 
+// A physical value counted in units of the last decimal, so that no digit of it is rounded. False if there are too many.
+static bool count_last_decimals(const orlenta_unit& unit, int64_t number, int64_t* count) {
+    double in_one = std::pow(10, unit.digits);
+    double scale = std::round(unit.scale * in_one), offset = std::round(unit.offset * in_one);
+    constexpr double kMostExact = 0x1p53;
+    if (scale > kMostExact || std::abs(offset) > kMostExact) return false;
+    return !__builtin_mul_overflow(number, static_cast<int64_t>(scale), count) &&
+           !__builtin_add_overflow(*count, static_cast<int64_t>(offset), count);
+}
+
+static std::string shifted_text(int64_t count, uint32_t digits) {
+    std::string text = fmt::format(
+        "{:0{}}", count < 0 ? 0 - static_cast<uint64_t>(count) : static_cast<uint64_t>(count), digits + 1);
+    text.insert(text.size() - digits, ".");
+    text.resize(text.find_last_not_of('0') + 1);
+    if (text.back() == '.') text.pop_back();
+    return count < 0 ? "-" + text : text;
+}
+
+static std::string physical_text(const orlenta_unit& unit, int64_t number) {
+    int64_t count;
+    if (count_last_decimals(unit, number, &count)) return shifted_text(count, unit.digits);
+    return decimal_text(static_cast<double>(number) * unit.scale + unit.offset, unit.digits);
+}
+
+// Of a REAL, or of an INTEGER beyond 64 bits: as many digits as a double is sure to have.
+static std::string physical_text(const orlenta_unit& unit, std::string_view number) {
+    return fmt::format("{:.15g}",
+                       std::strtod(std::string(number).c_str(), nullptr) * unit.scale + unit.offset);
+}
+
 Reading read_number(const orlenta_unit& unit, std::string_view number) {
     int64_t whole = 0;
     const char* end = number.data() + number.size();
@@ -51,9 +82,7 @@ Reading read_number(const orlenta_unit& unit, std::string_view number) {
     bool is_whole = failure == std::errc() && behind == end;
     const orlenta_special* special = is_whole ? orlenta_unit_special(&unit, whole) : nullptr;
     if (special && special->is_limit == 0) return {"", "", special->meaning};
-    double value = is_whole ? static_cast<double>(whole) : std::strtod(std::string(number).c_str(), nullptr);
-    double physical = value * unit.scale + unit.offset;
-    std::string text = is_whole ? decimal_text(physical, unit.digits) : fmt::format("{}", physical);
+    std::string text = is_whole ? physical_text(unit, whole) : physical_text(unit, number);
     return {text, unit.symbol, special ? special->meaning : ""};
 }
 

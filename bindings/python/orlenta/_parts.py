@@ -1,10 +1,13 @@
 # SPDX-License-Identifier: Apache-2.0
 """What types and messages are made of."""
 
+from decimal import Context, Decimal
 from typing import TYPE_CHECKING, Any, List, NamedTuple, Optional
 
 if TYPE_CHECKING:
     from . import Type
+
+EXACT = Context(prec=100)  # digits
 
 
 class Component(NamedTuple):
@@ -52,10 +55,26 @@ class Unit(NamedTuple):
 
     def physical(self, number):
         """The physical value of a number, or the meaning of one that has none."""
-        for special in self.specials:
-            if special.first <= number <= special.last and not special.is_limit:
-                return special.meaning
-        return number * self.scale + self.offset
+        special = self._special(number)
+        return special.meaning if special and not special.is_limit else float(self._exact(number))
+
+    def text(self, number):
+        """The same in words: '18.34 m/s', 'unavailable', '127 m orMore'."""
+        special = self._special(number)
+        if special and not special.is_limit:
+            return special.meaning
+        value = f"{self._exact(number):f}"
+        parts = [value.rstrip("0").rstrip(".") if "." in value else value]
+        parts += [self.symbol] if self.symbol != "1" else []
+        return " ".join(parts + ([special.meaning] if special else []))
+
+    def _special(self, number):
+        return next((special for special in self.specials if special.first <= number <= special.last), None)
+
+    def _exact(self, number):
+        # The schema's decimals, of which scale and offset are the nearest float.
+        number = repr(number) if isinstance(number, float) else int(number)
+        return EXACT.fma(Decimal(number), Decimal(repr(self.scale)), Decimal(repr(self.offset)))
 
 
 class Bits(NamedTuple):
