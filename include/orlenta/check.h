@@ -30,7 +30,9 @@ extern "C" {
  * OBJECT_CLASS, which has no values, ends the process by abort(). */
 ORLENTA_API int asn1_check_constraints(const asn1_type_desc* type, const void* value, asn1_error* error);
 
-/** The same for the value and all that it holds; besides, an ENUMERATED index must be that of an item.
+/** The same for the value and all that it holds; besides, an ENUMERATED index must be that of an item, and where there is a
+ * length, a count or a type there must be something behind the pointer ("no data for a length of 5", "value is missing";
+ * of a null `value` too): the encoders take that for granted.
  *
  * A typed value of an open type must be of the type that its key selects ("open type does not fit its key"; X.682
  * clause 10) and is checked itself; raw bytes pass. The octets of a string with a CONTAINING constraint (X.682

@@ -33,13 +33,13 @@ static int check_list(check_state* state, const asn1_type_desc* type, const void
     if (!is_extensible(type) && (array->count < list.lower || array->count > list.upper)) {
         return asn1_check_error(state, "sequence of length not in range %u .. %u", list.lower, list.upper);
     }
-    for (uint64_t i = 0; i < array->count; ++i) {
+    int result = check_data(state, true, array->data, array->count);
+    for (uint64_t i = 0; i < array->count && result >= 0; ++i) {
         push_index(&state->path, static_cast<int32_t>(i));
-        int result = asn1_check_value(state, list.element, at_offset(array->data, i * list.stride));
+        result = asn1_check_value(state, list.element, at_offset(array->data, i * list.stride));
         pop(&state->path);
-        if (result < 0) return result;
     }
-    return 0;
+    return result;
 }
 
 static int check_choice(check_state* state, const asn1_type_desc* type, const void* record) {
@@ -58,18 +58,23 @@ static int check_choice(check_state* state, const asn1_type_desc* type, const vo
 
 // BIT STRING and OCTET STRING, whose records have one layout.
 static int check_octets(check_state* state, const asn1_type_desc* type, const void* value) {
+    const asn1_string* string = static_cast<const asn1_string*>(value);
     int result = check_binary_string(state, type, value);
+    if (result >= 0) result = check_data(state, false, string->data, string->length);
     if (result < 0 || !state->contents) return result;
     const asn1_type_desc* contained = asn1_get_containing_type(type);
     if (!contained) return 0;
-    const asn1_string* string = static_cast<const asn1_string*>(value);
     uint64_t size = kind_of(type) == ASN1_KIND_BIT_STRING ? (string->length + 7) / 8 : string->length;
     return state->contents(state, contained, string->data, size);
 }
 
+static int check_arcs(check_state* state, const asn1_string* arcs) {
+    return check_data(state, false, arcs->data, arcs->length);
+}
+
 // Raw bytes pass: no rules are known by which to read them.
 int check_open_value(check_state* state, const asn1_type_desc* type, const asn1_open_value* value) {
-    if (!value->type) return 0;
+    if (!value->type) return check_data(state, false, value->data, value->length);
     if (!value->data) return asn1_check_error(state, "value is missing");
     if (!state->is_whole) return 0;
     if (table_constraint_of(type) && asn1_get_constrained_type(state->frames, type) != value->type)
@@ -96,9 +101,9 @@ int asn1_check_value(check_state* state, const asn1_type_desc* type, const void*
         case ASN1_KIND_ANY: return check_open_value(state, type, static_cast<const asn1_open_value*>(value));
         case ASN1_KIND_BOOLEAN:
         case ASN1_KIND_NULL:
-        case ASN1_KIND_OBJECT_IDENTIFIER:
-        case ASN1_KIND_RELATIVE_OID:
         case ASN1_KIND_REAL: return 0;
+        case ASN1_KIND_OBJECT_IDENTIFIER:
+        case ASN1_KIND_RELATIVE_OID: return check_arcs(state, static_cast<const asn1_string*>(value));
         default: abort();
     }
 }
@@ -112,7 +117,9 @@ int check_from_root(const asn1_type_desc* type, const void* value, bool is_whole
     state.is_whole = is_whole;
     state.contents = contents;
     state.frames = nullptr;
-    if (asn1_check_value(&state, type, value) >= 0) return 1;
+    bool is_lost = is_whole && !value;
+    if ((is_lost ? asn1_check_error(&state, "value is missing") : asn1_check_value(&state, type, value)) >= 0)
+        return 1;
     hand_out_error(error, &state.error);
     return 0;
 }

@@ -29,6 +29,9 @@ struct check_state {
 // Fills the record with the current path and the message; returns -1.
 int asn1_check_error(check_state* state, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
+// Whether there is something behind a pointer with a length or count. asn1_check_constraints asks where it reads on alone.
+int check_data(check_state* state, bool is_read, const void* data, uint64_t length);
+
 // check.cpp
 int check_from_root(const asn1_type_desc* type, const void* value, bool is_whole, contents_check* contents,
                     asn1_error* error);

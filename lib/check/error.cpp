@@ -15,4 +15,9 @@ int asn1_check_error(check_state* state, const char* format, ...) {
     return result;
 }
 
+int check_data(check_state* state, bool is_read, const void* data, uint64_t length) {
+    if (data || length == 0 || !(is_read || state->is_whole)) return 0;
+    return asn1_check_error(state, "no data for a length of %llu", static_cast<unsigned long long>(length));
+}
+
 }  // namespace orlenta::check

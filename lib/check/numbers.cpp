@@ -5,6 +5,9 @@ namespace orlenta::check {
 
 static int check_big_integer(check_state* state, const asn1_type_desc* type, const asn1_integer* value) {
     big_bounds bounds = big_bounds_of(type);
+    bool is_bounded = !is_extensible(type) && (bounds.lower || bounds.upper);
+    int result = check_data(state, is_bounded, value->limbs, value->size);
+    if (result < 0 || !is_bounded) return result;
     if ((bounds.lower && asn1_integer_cmp(value, bounds.lower) < 0) ||
         (bounds.upper && asn1_integer_cmp(value, bounds.upper) > 0)) {
         return asn1_check_error(state, "large integer not in range");
@@ -24,8 +27,8 @@ static int check_signed_range(check_state* state, int32_t value, int32_t lower, 
 
 // The marker switches the whole range off, not only for values in the extension.
 int check_integer(check_state* state, const asn1_type_desc* type, const void* value) {
-    if (is_extensible(type)) return 0;
     if (is_big_integer(type)) return check_big_integer(state, type, static_cast<const asn1_integer*>(value));
+    if (is_extensible(type)) return 0;
     integer_bounds bounds = integer_bounds_of(type);
     if (is_unsigned_integer(type)) {
         return check_unsigned_range(state, load32(value), bounds.lower,

@@ -18,7 +18,8 @@ int check_binary_string(check_state* state, const asn1_type_desc* type, const vo
 
 static int check_alphabet(check_state* state, const char_string_layout& layout, uint32_t shift,
                           const asn1_string* string) {
-    if (layout.range_count <= 0) return 0;
+    int result = check_data(state, layout.range_count > 0, string->data, string->length);
+    if (result < 0 || layout.range_count <= 0) return result;
     for (uint64_t i = 0; i < string->length; ++i) {
         if (!in_alphabet(layout, load_code_unit(string->data, i, shift))) {
             return asn1_check_error(state, "character at position %u is not allowed",
@@ -56,8 +57,9 @@ int check_char_string(check_state* state, const asn1_type_desc* type, const void
     const asn1_string* string = static_cast<const asn1_string*>(value);
     uint32_t sort = string_type(type);
     if (sort < ASN1_STRING_UTF8) return check_restricted_string(state, type, string);
-    if (sort == ASN1_STRING_UTF8) return check_utf8(state, string);
-    return 0;
+    bool is_utf8 = sort == ASN1_STRING_UTF8;
+    int result = check_data(state, is_utf8, string->data, string->length);
+    return result < 0 || !is_utf8 ? result : check_utf8(state, string);
 }
 
 }  // namespace orlenta::check

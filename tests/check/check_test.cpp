@@ -395,6 +395,70 @@ TEST(WholeCheck, SeesWhatIsInside) {
     }
 }
 
+// A record as a program leaves it by mistake: a length, count or type, and nothing behind the pointer. What is `read`
+// already stops asn1_check_constraints; it knows the others by their lengths alone.
+TEST(WholeCheck, TellsWhereNothingIsBehindAPointer) {
+    static const asn1_integer limb = {nullptr, 1, 0, 0}, zero = {nullptr, 0, 0, 0};
+    static const asn1_word from_0[] = {head(ASN1_KIND_INTEGER, ASN1_WORD0_BIG | kLower), big(&zero)};
+    static const asn1_word from_0_ext[] = {head(ASN1_KIND_INTEGER, ASN1_WORD0_BIG | kLower | kExt),
+                                           big(&zero)};
+    static const asn1_word digits[] = {
+        head(ASN1_KIND_CHAR_STRING, kLower), num(ASN1_STRING_IA5), num(0), num(1), num('0'), num('9')};
+    static const asn1_word opaque[] = {head(ASN1_KIND_CHAR_STRING), num(ASN1_STRING_UTF8 + 1)};
+    static const asn1_string five = {nullptr, 5};
+    static const asn1_array two = {nullptr, 2};
+    static const asn1_open_value bytes = {nullptr, nullptr, 7}, typed = {kBoolean, nullptr, 0};
+    static const void* nowhere = nullptr;
+    const char *no_5 = "no data for a length of 5", *missing = "value is missing";
+    const struct {
+        const char* name;
+        const asn1_type_desc* type;
+        const void* value;
+        const char* message;
+        bool is_read = false;
+    } rows[] = {
+        {"OCTET STRING", kOctets, &five, no_5},
+        {"BIT STRING", kBits, &five, no_5},
+        {"with CONTAINING", kHoldsSmall, &five, no_5},
+        {"OBJECT IDENTIFIER", kOid, &five, no_5},
+        {"RELATIVE-OID", kRelativeOid, &five, no_5},
+        {"IA5String", kIa5, &five, no_5},
+        {"BMPString", kBmp, &five, no_5},
+        {"string of an alphabet", digits, &five, no_5, true},
+        {"UTF8String", kUtf8, &five, no_5, true},
+        {"other string", opaque, &five, no_5},
+        {"list", kBooleans, &two, "no data for a length of 2", true},
+        {"large INTEGER", kBig, &limb, "no data for a length of 1"},
+        {"with a bound", from_0, &limb, "no data for a length of 1", true},
+        {"with a bound that may grow", from_0_ext, &limb, "no data for a length of 1"},
+        {"bytes of an open type", kAny, &bytes, "no data for a length of 7"},
+        {"value of an open type", kAny, &typed, missing, true},
+        {"behind a tag", kIndirect3To5, &nowhere, missing, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        // clang-format off
+        const asn1_word choice[] = {head(ASN1_KIND_CHOICE), num(1), num(40), num(0), num(8), ref(row.type), txt("way")};
+        const asn1_word record[] = {head(ASN1_KIND_SEQUENCE), num(1), num(40), field(0), ref(choice), num(0), txt("part")};
+        // clang-format on
+        struct {
+            uint64_t selector;
+            uint8_t payload[32];
+        } value = {};
+        std::memcpy(value.payload, row.value, static_cast<size_t>(asn1_get_size(row.type)));
+        for (auto* check : {orlenta_check, orlenta_check_values, asn1_check_constraints}) {
+            bool fails = check != asn1_check_constraints || row.is_read;
+            asn1_error error = {};
+            EXPECT_EQ(check(record, &value, &error), fails ? 0 : 1);
+            EXPECT_STREQ(error.message, fails ? row.message : "");
+            EXPECT_STREQ(error.path, fails ? "part.way" : "");
+        }
+    }
+    asn1_error error = {};
+    EXPECT_EQ(orlenta_check(kBoolean, nullptr, &error), 0);
+    EXPECT_STREQ(error.message, missing);
+}
+
 // Of types that the message sets have not: contents in bits, a string without an alphabet, a CHOICE of nothing but open
 // types, which no valid value ends.
 TEST(WholeCheck, PassesValidValues) {
