@@ -5,12 +5,15 @@
 #include <system_error>
 #include <thread>
 
+#include "arguments.hpp"
+
 namespace orlenta::python {
 
 // Small enough for records to stay in the cache, large enough for threads to be worth their start.
 static constexpr size_t kSlotsAlone = 256, kSlotsOfThread = 1024;
 
-bool take_on_error(PyObject* text, OnError* on_error) {
+// "raise", "none" or "return"; null stands for the first. False with an exception.
+static bool take_on_error(PyObject* text, OnError* on_error) {
     static constexpr const char* names[] = {"raise", "none", "return"};
     for (int i = 0; i < 3; ++i) {
         if (text ? PyUnicode_Check(text) && PyUnicode_CompareWithASCIIString(text, names[i]) == 0 : i == 0) {
@@ -20,6 +23,15 @@ bool take_on_error(PyObject* text, OnError* on_error) {
     }
     PyErr_SetString(PyExc_ValueError, "errors is 'raise', 'none' or 'return'");
     return false;
+}
+
+bool take_many_options(PyObject* messages, PyObject* const* rest, ManyOptions* options) {
+    options->messages = messages;
+    options->offsets = rest[3] == Py_None ? nullptr : rest[3];
+    options->decode.rules = find_rules(rest[0]);
+    return options->decode.rules && take_on_error(rest[1], &options->on_error) &&
+           take_number(rest[2], 1, 256, "threads", &options->threads) &&
+           take_flag(rest[4], &options->decode.allow_trailing);
 }
 
 bool raise_at(const Problem& problem, Py_ssize_t number) {

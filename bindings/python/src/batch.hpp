@@ -27,8 +27,9 @@ struct Slot {
     std::unique_ptr<Problem> problem;
 };
 
-// "raise", "none" or "return"; null stands for the first. False with an exception.
-bool take_on_error(PyObject* text, OnError* on_error);
+// `rest` are the arguments rules, errors, threads, offsets and allow_trailing, null where there is none. False with an
+// exception.
+bool take_many_options(PyObject* messages, PyObject* const* rest, ManyOptions* options);
 
 // Calls `use` for each message in order, with its number, under the interpreter's lock; records end with the batch.
 // False with an exception, or if `use` says so.

@@ -214,13 +214,8 @@ PyObject* columns_call(Handle& handle, const Call& call) {
                                         "threads",  "offsets", "allow_trailing", "missing"};
     PyObject* taken[8];
     ManyOptions options;
-    if (!take_arguments(call, {"columns", names, 8, 2, 4}, taken)) return nullptr;
-    options.messages = taken[0];
-    options.offsets = taken[5] == Py_None ? nullptr : taken[5];
-    options.decode.rules = find_rules(taken[2]);
-    if (!options.decode.rules || !take_on_error(taken[3], &options.on_error) ||
-        !take_number(taken[4], 1, 256, "threads", &options.threads) ||
-        !take_flag(taken[6], &options.decode.allow_trailing)) {
+    if (!take_arguments(call, {"columns", names, 8, 2, 4}, taken) ||
+        !take_many_options(taken[0], taken + 2, &options)) {
         return nullptr;
     }
     Ref paths(PySequence_List(taken[1]));

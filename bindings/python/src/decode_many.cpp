@@ -24,13 +24,8 @@ PyObject* decode_many_call(Handle& handle, const Call& call) {
                                         "threads",  "offsets", "allow_trailing"};
     PyObject* taken[6];
     ManyOptions options;
-    if (!take_arguments(call, {"decode_many", names, 6, 1, 3}, taken)) return nullptr;
-    options.messages = taken[0];
-    options.offsets = taken[4] == Py_None ? nullptr : taken[4];
-    options.decode.rules = find_rules(taken[1]);
-    if (!options.decode.rules || !take_on_error(taken[2], &options.on_error) ||
-        !take_number(taken[3], 1, 256, "threads", &options.threads) ||
-        !take_flag(taken[5], &options.decode.allow_trailing)) {
+    if (!take_arguments(call, {"decode_many", names, 6, 1, 3}, taken) ||
+        !take_many_options(taken[0], taken + 1, &options)) {
         return nullptr;
     }
     Ref list(PyList_New(0));
