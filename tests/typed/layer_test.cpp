@@ -269,6 +269,9 @@ TEST(Layer, OpenTypesGoWithTheirKeys) {
     EXPECT_EQ(words->selector, 2u);
     EXPECT_EQ(words->get_bytes<tricky::Bytes>(), nullptr);
     EXPECT_EQ(again(orlenta::der, words), words);
+    orlenta::open nothing;
+    nothing.hold(nullptr, nullptr, 5);
+    EXPECT_EQ(nothing.raw().size(), 0u);
 }
 
 TEST(Layer, Values) {

@@ -75,10 +75,10 @@ class ORLENTA_OVERLAY open {
         return *this;
     }
 
-    /// Takes over a value, or bytes if `type` is null.
+    /// Takes over a value, or bytes if `type` is null; of no data the length does not count.
     void hold(const asn1_type_desc* type, void* data, std::size_t length) noexcept {
         release();
-        record_ = {type, data, length};
+        record_ = {type, data, data != nullptr ? length : 0};
     }
     /// The value, if it is of the type; else null.
     void* content_if(const asn1_type_desc* type) const noexcept { return orlenta_open_get(&record_, type); }
