@@ -16,7 +16,7 @@ const common = {
     format: "esm",
     target: "es2022",
     logLevel: "warning",
-    alias: { orlenta: join(library, "orlenta.mjs") },
+    alias: { orlenta: join(library, "orlenta.mjs"), "orlenta/units": join(root, "bindings/js/units.mjs") },
     external: ["node:*"],
 };
 

@@ -74,7 +74,8 @@ export interface TypeInfo {
     items?: { name: string; number: number; isAddition: boolean }[];
     /** SEQUENCE OF and SET OF. */
     element?: TypeInfo;
-    /** Of an INTEGER that stands for a quantity: physical = value * scale + offset; the unit may be "". */
+    /** Of an INTEGER that stands for a quantity: physical = value * scale + offset, which orlenta/units has to the last
+     * decimal; the unit may be "". */
     unit?: { unit: string; scale: number; offset: number; special: Special[] };
 }
 
@@ -83,6 +84,8 @@ export interface Special {
     value: number;
     last: number;
     meaning: string;
+    /** 1 and -1: of the physical value or more, or less. Not there: they have no physical value. */
+    limit?: 1 | -1;
 }
 
 /** `type` is made when it is first looked at, so that types which hold themselves do no harm. */

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import type { Bits, TypeInfo, Value } from "orlenta";
+import type { Bits, Special, TypeInfo, Value } from "orlenta";
 import { minimalValue } from "../src/codec/minimal";
 import { partialValue } from "../src/codec/partial";
 import { isWithin, parsePath, withValueAt } from "../src/codec/path";
@@ -87,7 +87,10 @@ test("the lines of a component in the text rules", () => {
 });
 
 test("what numbers stand for", () => {
-    const special = [{ value: 8191, last: 8191, meaning: "unavailable" }];
+    const special: Special[] = [
+        { value: 8190, last: 8190, meaning: "orMore", limit: 1 },
+        { value: 8191, last: 8191, meaning: "unavailable" },
+    ];
     const of = (scale: number, unit: string, offset = 0): TypeInfo => ({
         kind: "INTEGER",
         ...plain,
@@ -96,11 +99,13 @@ test("what numbers stand for", () => {
     const rows: [value: Value, type: TypeInfo, text: string][] = [
         [399087153, of(1e-7, "deg"), "39.9087153°"],
         [-3, of(1.5, "deg"), "-4.5°"],
-        [7184, of(0.0125, "deg"), "89.8000°"],
+        [7184, of(0.0125, "deg"), "89.8°"],
         [694, of(0.02, "m/s"), "13.88 m/s"],
         [42, of(0.01, "m/s^2"), "0.42 m/s²"],
         [60, of(1, "%", -40), "20 %"],
         [5, of(1, "m"), "m"],
+        [8190, of(1, "m"), "m orMore"],
+        [8190, of(0.02, "m/s"), "163.8 m/s orMore"],
         [5n, of(100, "m"), "500 m"],
         [8191, of(0.02, "m/s"), "unavailable"],
         [1, { kind: "INTEGER", ...plain }, ""],

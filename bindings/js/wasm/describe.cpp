@@ -76,6 +76,7 @@ static void put_unit(asn1_byte_buffer* buffer, const orlenta_unit* unit) {
         asn1_printf(buffer, "%s{\"value\":%lld,\"last\":%lld,\"meaning\":", i > 0 ? "," : "",
                     static_cast<long long>(special->first), static_cast<long long>(special->last));
         put_json_string(buffer, special->meaning);
+        if (special->is_limit != 0) asn1_printf(buffer, ",\"limit\":%d", special->is_limit);
         asn1_puts(buffer, "}");
     }
     asn1_puts(buffer, "]}");

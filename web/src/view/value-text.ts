@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Values without components as text, and what their numbers stand for.
 import type { TypeInfo, Value } from "orlenta";
+import { reading } from "orlenta/units";
 
 const MOST_BITS = 64;
 const LONGEST = 120;
@@ -38,13 +39,6 @@ export function shortened(text: string): string {
     return text.length > LONGEST ? `${text.slice(0, LONGEST)}…` : text;
 }
 
-/** With as many decimals as the scale has. */
-function scaled(number: number, scale: number): string {
-    const [mantissa, exponent] = scale.toExponential().split("e");
-    const decimals = (mantissa.split(".")[1]?.length ?? 0) - Number(exponent);
-    return number.toFixed(Math.min(Math.max(decimals, 0), 12));
-}
-
 const SIGNS: [sign: RegExp, typeset: string][] = [
     [/\bdeg\b/, "°"],
     [/\^2/, "²"],
@@ -59,12 +53,10 @@ function typeset(quantity: string, unit: string): string {
 /** The quantity that an INTEGER stands for, or what a number of it means. */
 export function meaning(value: Value, type: TypeInfo | undefined): string {
     if (!type?.unit || (typeof value !== "number" && typeof value !== "bigint")) return "";
-    const { unit, scale, offset, special } = type.unit;
-    const number = Number(value);
-    const named = special.find((one) => one.value <= number && number <= one.last);
-    if (named) return named.meaning;
-    if (scale === 1 && offset === 0) return typeset("", unit);
-    return typeset(scaled(number * scale + offset, scale), unit);
+    const { physical, meaning: named = "" } = reading(type.unit, value);
+    if (physical === undefined) return named;
+    const { unit, scale, offset } = type.unit;
+    return `${typeset(scale === 1 && offset === 0 ? "" : physical, unit)} ${named}`.trim();
 }
 
 export function boundsText({ kind, lower, upper }: TypeInfo): string {
