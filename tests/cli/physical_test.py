@@ -91,5 +91,24 @@ for file, name, record, rows in MESSAGES:
     if convert(name, "jer", "uper", shown)[0] != 1:
         failures.append(f"{name}: what is for reading was taken as input")
 
+
+
+def raw_of(value):
+    """What is for reading, as it was."""
+    if isinstance(value, dict):
+        return value["raw"] if "raw" in value else {name: raw_of(part) for name, part in value.items()}
+    return [raw_of(part) for part in value] if isinstance(value, list) else value
+
+
+# Lists, open types and numbers without a unit around them.
+for name in ("CN.MessageFrame", "EU.IVIM", "EU.CPM", "EU.DENM", "US.MessageFrame"):
+    if name.split(".")[0] in REGIONS:
+        values = subprocess.run([ORLENTA, "random", "--type", name, "--to", "jer", "--valid", "--lines", "--count", "40"],
+                                capture_output=True, check=True).stdout
+        shown = convert(name, "jer", "jer", values, "--lines", "--physical")[1]
+        if shown.count(b'"raw":') < 40 or [raw_of(json.loads(line)) for line in shown.splitlines()] != [
+                json.loads(line) for line in values.splitlines()]:
+            failures.append(f"{name}: more than numbers with a unit differs")
+
 print("\n".join(failures))
 sys.exit(1 if failures else 0)
