@@ -82,6 +82,65 @@ test("histories: EU relative to the point before, US and CN to the vehicle", () 
     }
 });
 
+test("road users and perceived objects: place, heading and way, where they are known", () => {
+    const basic = (stationType: number) => ({
+        stationType,
+        referencePosition: { latitude: AT.lat, longitude: AT.lon },
+    });
+    const vam = (rest: object): Value => ({
+        header: { stationID: 8 },
+        vam: { vamParameters: { basicContainer: basic(1), ...rest } },
+    });
+    const way = { deltaLatitude: 10, deltaLongitude: 20, deltaAltitude: 0 };
+    const walking = vam({
+        vruHighFrequencyContainer: { heading: { headingValue: 905 }, speed: { speedValue: 150 } },
+        vruMotionPredictionContainer: { pathHistory: [{ pathPosition: way }] },
+    });
+    const crumb = (latOffset: number) => ({ latOffset, lonOffset: 20 });
+    const psm = (heading: number): Value => ({
+        basicType: "aPEDESTRIAN",
+        id: "cc",
+        position: { lat: AT.lat, long: AT.lon },
+        speed: 8191,
+        heading,
+        pathHistory: { crumbData: [crumb(10), crumb(-131072)] },
+    });
+    const cpm = (stationType: number, heading: number, yaw: number): Value => {
+        const seen = { objectID: 4, xDistance: { value: 1000 }, yDistance: { value: 200 }, yawAngle: { value: yaw } };
+        const cpmParameters = {
+            managementContainer: basic(stationType),
+            stationDataContainer: { containerData: { heading: { headingValue: heading } } },
+            perceptionData: [{ containerData: { perceivedObjects: [seen] } }],
+        };
+        return { header: { stationID: 9 }, cpm: { cpmParameters } };
+    };
+    const atVam = "vam.vamParameters.basicContainer.referencePosition";
+    const atCpm = "cpm.cpmParameters.managementContainer.referencePosition";
+    const object = "cpm.cpmParameters.perceptionData[0].containerData.perceivedObjects[0]";
+    const rows: [
+        value: Value,
+        path: string,
+        kind: string,
+        heading: number | undefined,
+        at: number[],
+        way: number[][],
+    ][] = [
+        [walking, atVam, "person", 90.5, [0, 0], [[10, 20]]],
+        [vam({}), atVam, "person", undefined, [0, 0], []],
+        [psm(7200), "position", "person", 90, [0, 0], [[10, 20]]],
+        [{ messageId: 32, value: psm(28800) }, "value.position", "person", undefined, [0, 0], [[10, 20]]],
+        [cpm(5, 900, 0), atCpm, "vehicle", 90, [0, 0], []],
+        [cpm(5, 0, 300), object, "object", 330, [-2, 10], []], // ahead of one that goes north, and to its left
+        [cpm(15, 3601, 3601), object, "object", undefined, [10, 2], []],
+    ];
+    for (const [value, path, kind, heading, at, way] of rows) {
+        const station = featuresOf(value).stations.find((one) => one.path === path);
+        assert.ok(station, path);
+        assert.deepEqual([station.kind, station.heading, metres([station.at])[0]], [kind, heading, at], path);
+        assert.deepEqual(offsets(station.history), way, path);
+    }
+});
+
 test("places of types that nobody knows", () => {
     const value: Value = { a: [{ where: { latitude: AT.lat, longitude: AT.lon } }], b: { lat: 900000001, lon: 0 } };
     assert.deepEqual(

@@ -46,7 +46,7 @@ function stopLine(scene: Scene, { lane, points, intersection }: Drawn): SVGEleme
             class: `stop ${light}${flashing}`,
             "stroke-width": STOP_LINE,
         });
-        if (group !== undefined) element.append(svg("title", {}, `signal group ${group}: ${flashing} ${light}`));
+        if (group !== undefined) element.append(svg("title", {}, `signal group ${group}:${flashing} ${light}`));
         return element;
     });
 }

@@ -14,11 +14,14 @@ export interface Mark {
 const MOST_LABELS = 40;
 const KILOMETRES_AN_HOUR = 3.6;
 
-const SHAPES: Record<Station["kind"], () => SVGElement[]> = {
-    vehicle: () => [svg("path", { d: "M0-9L6.5 8 0 4.5-6.5 8Z" })],
-    person: () => [svg("circle", { r: 5.5 }), svg("path", { d: "M0-11L3.5-6.5H-3.5Z" })],
+const tip = (top: number) => svg("path", { d: `M0${top}l3.5 4.5h-7Z` });
+
+/** A shape points north where the heading is known, and nowhere else. */
+const SHAPES: Record<Station["kind"], (isHeaded: boolean) => SVGElement[]> = {
+    vehicle: (isHeaded) => [isHeaded ? svg("path", { d: "M0-9L6.5 8 0 4.5-6.5 8Z" }) : svg("circle", { r: 6 })],
+    person: (isHeaded) => [svg("circle", { r: 5.5 }), ...(isHeaded ? [tip(-11)] : [])],
     roadside: () => [svg("rect", { x: -5.5, y: -5.5, width: 11, height: 11, rx: 2 })],
-    object: () => [svg("circle", { r: 4.5 })],
+    object: (isHeaded) => [svg("circle", { r: 4.5 }), ...(isHeaded ? [tip(-10)] : [])],
 };
 
 function describe({ label, heading, speed }: Station): string {
@@ -29,16 +32,13 @@ function describe({ label, heading, speed }: Station): string {
 }
 
 function stationMark(station: Station & Origin, origin: LatLon, isNamed: boolean): Mark {
-    const shape = SHAPES[station.kind];
     const turn = station.heading === undefined ? undefined : `rotate(${station.heading.toFixed(1)})`;
-    const parts = station.heading === undefined && station.kind === "vehicle" ? [svg("circle", { r: 6 })] : shape();
-    if (station.kind === "person" && station.heading === undefined) parts.pop();
     const element = svg(
         "g",
         { class: `mark ${station.kind}`, "data-message": station.message, "data-path": station.path },
         svg("title", {}, describe(station)),
         svg("circle", { r: 14, class: "halo" }),
-        svg("g", { transform: turn }, ...parts),
+        svg("g", { transform: turn }, ...SHAPES[station.kind](turn !== undefined)),
     );
     if (isNamed) element.append(svg("text", { x: 12, y: 4 }, station.label));
     return { at: toMetres(station.at, origin), element };

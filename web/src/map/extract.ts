@@ -15,10 +15,10 @@ type Reader = (value: Members, path: string, into: Features) => void;
 
 /** By a component that only this message has, in this order. */
 const MESSAGES: [component: string, read: Reader][] = [
-    ["cam", (value, _, into) => cam(value, into)],
-    ["denm", (value, _, into) => denm(value, into)],
-    ["vam", (value, _, into) => vam(value, into)],
-    ["cpm", (value, _, into) => cpm(value, into)],
+    ["cam", cam],
+    ["denm", denm],
+    ["vam", vam],
+    ["cpm", cpm],
     ["map", (value, path, into) => mapData(members(value.map), `${path}map.`, into)],
     ["spat", (value, _, into) => spat(members(value.spat), into)],
     ["bsmFrame", (value, path, into) => vehicleCn(members(value.bsmFrame), `${path}bsmFrame`, into)],

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What is the matter where: DENM of EU, RSI of CN, alerts and traveller information of US.
+// What is the matter where: DENM of EU, RSI of CN, roadside alerts of US.
 import type { Value } from "orlenta";
 import type { Features } from "./features";
 import { type LatLon, place, shifted } from "./geo";
@@ -46,7 +46,7 @@ const RELEVANCE: Record<string, number> = {
     lessThan1000m: 1000,
 };
 
-export function denm(value: Members, into: Features): void {
+export function denm(value: Members, path: string, into: Features): void {
     const { management, situation, location } = members(value.denm);
     const { eventPosition, actionID, relevanceDistance, termination } = members(management);
     const at = place(members(eventPosition).latitude, members(eventPosition).longitude);
@@ -70,7 +70,7 @@ export function denm(value: Members, into: Features): void {
             ...(places.length > 0 ? [[at, ...places]] : []),
         ],
         radius: RELEVANCE[text(relevanceDistance)],
-        path: "denm.management.eventPosition",
+        path: `${path}denm.management.eventPosition`,
     });
 }
 

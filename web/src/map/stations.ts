@@ -37,72 +37,110 @@ function speedEu(speed: Value | undefined): number | undefined {
     return quantity(members(speed).speedValue, 0.01, 16383);
 }
 
-function basicEu(header: Members, basic: Members, path: string): Station | null {
-    const { latitude, longitude } = members(basic.referencePosition);
-    const at = place(latitude, longitude);
+/** The beginning that the messages of a station have in common: who it is, and where. */
+function stationEu(
+    value: Members,
+    path: string,
+    message: "cam" | "vam" | "cpm",
+    container: string,
+): { station: Station; parameters: Members } | null {
+    const parameters = members(members(value[message])[`${message}Parameters`]);
+    const { referencePosition, stationType } = members(parameters[container]);
+    const at = place(members(referencePosition).latitude, members(referencePosition).longitude);
     if (!at) return null;
-    const id = text(header.stationID);
-    return { key: `EU ${id}`, label: id, kind: kindEu(number(basic.stationType)), at, history: [], path };
+    const id = text(members(value.header).stationID);
+    const station: Station = {
+        key: `EU ${id}`,
+        label: id,
+        kind: kindEu(number(stationType)),
+        at,
+        history: [],
+        path: `${path}${message}.${message}Parameters.${container}.referencePosition`,
+    };
+    return { station, parameters };
 }
 
-export function cam(value: Members, into: Features): void {
-    const parameters = members(members(value.cam).camParameters);
-    const path = "cam.camParameters.basicContainer.referencePosition";
-    const station = basicEu(members(value.header), members(parameters.basicContainer), path);
-    if (!station) return;
+export function cam(value: Members, path: string, into: Features): void {
+    const begun = stationEu(value, path, "cam", "basicContainer");
+    if (!begun) return;
+    const { station, parameters } = begun;
     const fast = members(members(parameters.highFrequencyContainer).basicVehicleContainerHighFrequency);
     const slow = members(members(parameters.lowFrequencyContainer).basicVehicleContainerLowFrequency);
-    station.heading = headingEu(fast.heading);
-    station.speed = speedEu(fast.speed);
-    station.length = quantity(members(fast.vehicleLength).vehicleLengthValue, 0.1, 1023);
-    station.width = quantity(fast.vehicleWidth, 0.1, 62);
-    station.history = pathHistoryEu(station.at, slow.pathHistory);
-    into.stations.push(station);
+    into.stations.push({
+        ...station,
+        heading: headingEu(fast.heading),
+        speed: speedEu(fast.speed),
+        length: quantity(members(fast.vehicleLength).vehicleLengthValue, 0.1, 1023),
+        width: quantity(fast.vehicleWidth, 0.1, 62),
+        history: pathHistoryEu(station.at, slow.pathHistory),
+    });
 }
 
-export function vam(value: Members, into: Features): void {
-    const parameters = members(members(value.vam).vamParameters);
-    const path = "vam.vamParameters.basicContainer.referencePosition";
-    const station = basicEu(members(value.header), members(parameters.basicContainer), path);
-    if (!station) return;
+export function vam(value: Members, path: string, into: Features): void {
+    const begun = stationEu(value, path, "vam", "basicContainer");
+    if (!begun) return;
+    const { station, parameters } = begun;
     const fast = members(parameters.vruHighFrequencyContainer);
-    into.stations.push({ ...station, kind: "person", heading: headingEu(fast.heading), speed: speedEu(fast.speed) });
+    const motion = members(parameters.vruMotionPredictionContainer);
+    into.stations.push({
+        ...station,
+        kind: "person",
+        heading: headingEu(fast.heading),
+        speed: speedEu(fast.speed),
+        history: pathHistoryEu(station.at, motion.pathHistory),
+    });
 }
 
-/** Perceived objects stand relative to the one who tells of them: a vehicle in its own axes, ahead and to the left. */
-export function cpm(value: Members, into: Features): void {
-    const parameters = members(members(value.cpm).cpmParameters);
-    const path = "cpm.cpmParameters.managementContainer.referencePosition";
-    const teller = basicEu(members(value.header), members(parameters.managementContainer), path);
-    if (!teller) return;
+const EAST = 90;
+
+/**
+ * Perceived objects stand relative to the one who tells of them: a vehicle in its own axes, ahead and to the left; a
+ * roadside unit to the east and to the north. Their angles are counted from the first axis to the second.
+ */
+export function cpm(value: Members, path: string, into: Features): void {
+    const begun = stationEu(value, path, "cpm", "managementContainer");
+    if (!begun) return;
+    const { station: teller, parameters } = begun;
     const own = members(members(parameters.stationDataContainer).containerData);
     teller.heading = headingEu(own.heading);
     teller.speed = speedEu(own.speed);
     into.stations.push(teller);
 
-    const ahead = ((teller.kind === "roadside" ? 90 : (teller.heading ?? 90)) * Math.PI) / 180;
+    const axis = teller.kind === "roadside" ? EAST : (teller.heading ?? EAST);
+    const ahead = (axis * Math.PI) / 180;
     list(parameters.perceptionData).forEach((container, c) => {
         const data = members(members(container).containerData);
         list(data.perceivedObjects).forEach((object, i) => {
-            const { objectID, xDistance, yDistance } = members(object);
+            const { objectID, xDistance, yDistance, yawAngle } = members(object);
             const x = number(members(xDistance).value);
             const y = number(members(yDistance).value);
             if (x === undefined || y === undefined) return;
             const east = (x * Math.sin(ahead) - y * Math.cos(ahead)) / 100;
             const north = (x * Math.cos(ahead) + y * Math.sin(ahead)) / 100;
+            const yaw = quantity(members(yawAngle).value, 0.1, 3601);
             into.stations.push({
                 key: `${teller.key} sees ${text(objectID)}`,
                 label: text(objectID),
                 kind: "object",
                 at: fromMetres({ x: east, y: north }, teller.at),
+                heading: yaw === undefined ? undefined : (axis - yaw + 360) % 360,
                 history: [],
-                path: `cpm.cpmParameters.perceptionData[${c}].containerData.perceivedObjects[${i}]`,
+                path: `${path}cpm.cpmParameters.perceptionData[${c}].containerData.perceivedObjects[${i}]`,
             });
         });
     });
 }
 
-/** BSM of US; all points of its history are relative to the vehicle. */
+/** Of US all points are relative to where the station is now. */
+function pathHistoryUs(at: LatLon, history: Value | undefined): LatLon[] {
+    return list(members(history).crumbData).flatMap((crumb) => {
+        const latitude = quantity(members(crumb).latOffset, 1, -131072);
+        const longitude = quantity(members(crumb).lonOffset, 1, -131072);
+        return latitude === undefined || longitude === undefined ? [] : [shifted(at, latitude, longitude)];
+    });
+}
+
+/** BSM of US. */
 export function coreData(value: Members, path: string, into: Features): void {
     const core = members(value.coreData);
     const at = place(core.lat, core.long);
@@ -110,13 +148,6 @@ export function coreData(value: Members, path: string, into: Features): void {
     const safety = list(value.partII)
         .map((part) => members(members(part)["partII-Value"]))
         .find((part) => part.pathHistory);
-    const history: LatLon[] = [];
-    for (const crumb of list(members(safety?.pathHistory).crumbData)) {
-        const { latOffset, lonOffset } = members(crumb);
-        const latitude = quantity(latOffset, 1, -131072);
-        const longitude = quantity(lonOffset, 1, -131072);
-        if (latitude !== undefined && longitude !== undefined) history.push(shifted(at, latitude, longitude));
-    }
     into.stations.push({
         key: `US ${text(core.id)}`,
         label: text(core.id),
@@ -126,7 +157,7 @@ export function coreData(value: Members, path: string, into: Features): void {
         speed: quantity(core.speed, 0.02, 8191),
         length: quantity(members(core.size).length, 0.01, 0),
         width: quantity(members(core.size).width, 0.01, 0),
-        history,
+        history: pathHistoryUs(at, safety?.pathHistory),
         path: `${path}coreData`,
     });
 }
@@ -135,11 +166,6 @@ export function psm(value: Members, path: string, into: Features): void {
     const { lat, long } = members(value.position);
     const at = place(lat, long);
     if (!at) return;
-    const history: LatLon[] = [];
-    for (const crumb of list(members(value.pathHistory).crumbData)) {
-        const { latOffset, lonOffset } = members(crumb);
-        history.push(shifted(at, number(latOffset) ?? 0, number(lonOffset) ?? 0));
-    }
     into.stations.push({
         key: `US ${text(value.id)}`,
         label: text(value.id),
@@ -147,7 +173,7 @@ export function psm(value: Members, path: string, into: Features): void {
         at,
         heading: quantity(value.heading, 0.0125, 28800),
         speed: quantity(value.speed, 0.02, 8191),
-        history,
+        history: pathHistoryUs(at, value.pathHistory),
         path: `${path}position`,
     });
 }
