@@ -393,6 +393,16 @@ test("dark, narrow, and without a network", async () => {
     );
     assert.equal(overflow, 0, "nothing to scroll to the side");
     await shoot(page, "11-phone-dark");
+
+    const scrolled = () => page.evaluate(() => scrollY);
+    await page.tap("#hex .octet[data-octet='4']");
+    assert.match(await textOf(page, "#run"), /header\.stationID.*bits 16–47/, "what is tapped lights up and stays so");
+    assert.deepEqual(await litOctets(page), [2, 3, 4, 5]);
+    await page.tap("#hex .octet[data-octet='80']");
+    assert.equal(await scrolled(), 0, "pointing leaves the page where it is");
+    await type(page, (await hexOf(page)).slice(0, 80));
+    await page.waitForSelector("#tree .row.wrong", PATIENCE);
+    assert.equal(await scrolled(), 0, "and so does what is wrong while one types");
     await page.evaluate(() => navigator.serviceWorker.ready);
     await page.waitForFunction(async () => (await caches.keys()).length === 1, PATIENCE);
     await page.reload();

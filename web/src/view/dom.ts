@@ -25,6 +25,15 @@ export function byId<Kind extends HTMLElement = HTMLElement>(id: string): Kind {
     return element as Kind;
 }
 
+/** Scrolls within `host` alone: what someone else points at must not carry the page away from under the finger. */
+export function scrollWithin(host: HTMLElement, element: Element | null | undefined): void {
+    if (!element) return;
+    const outside = host.getBoundingClientRect();
+    const { top, bottom } = element.getBoundingClientRect();
+    if (top < outside.top) host.scrollTop -= outside.top - top;
+    else if (bottom > outside.bottom) host.scrollTop += bottom - outside.bottom;
+}
+
 /** Calls `work` once, when there was no call for `milliseconds`. */
 export function debounced(milliseconds: number, work: () => void): () => void {
     let timer = 0;

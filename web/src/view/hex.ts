@@ -2,7 +2,7 @@
 // The octets of a message. Bits light up by component: each octet's cell is an eighth of its width a bit.
 import type { Bits } from "orlenta";
 import { isWithin } from "../codec/path";
-import { h } from "./dom";
+import { h, scrollWithin } from "./dom";
 
 export interface HexEvents {
     /** A run of bits that is pointed at; null for none. */
@@ -150,7 +150,7 @@ export function createHex(host: HTMLElement, events: HexEvents): HexView {
         if (!run) return;
         paint([run]);
         events.onPoint(run);
-        cells[run.offset >> 3]?.scrollIntoView({ block: "nearest" });
+        scrollWithin(host, cells[run.offset >> 3]);
     }
 
     let columns = 0;
@@ -167,9 +167,12 @@ export function createHex(host: HTMLElement, events: HexEvents): HexView {
         events.onPoint(run);
     });
     host.addEventListener("pointerleave", () => events.onPoint(null));
+    // A finger does not hover, and has left again before the click.
     host.addEventListener("click", (event) => {
         const run = under(event);
-        if (run) events.onPick(run);
+        if (!run) return;
+        go(runs.indexOf(run));
+        events.onPick(run);
     });
     host.addEventListener("keydown", (event) => {
         const keys: Record<string, () => void> = {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // A text with numbered lines, of which those of a component light up and one may be wrong.
-import { h } from "./dom";
+import { h, scrollWithin } from "./dom";
 
 export interface TextView {
     /** `wrong` is a place in characters, or a line from 1. */
@@ -46,12 +46,12 @@ export function createText(host: HTMLElement): TextView {
                 const bad = h("mark", {}, content.slice(column, column + 1) || " ");
                 row.replaceChildren(content.slice(0, column), bad, content.slice(column + 1));
             }
-            row.scrollIntoView({ block: "nearest" });
+            scrollWithin(host, row);
         },
         light(part) {
             const [first, last] = part ? [lineOf(part.start), lineOf(Math.max(part.end - 1, part.start))] : [1, 0];
             rows.forEach((row, i) => row.classList.toggle("lit", i >= first && i <= last));
-            if (part) rows[first]?.scrollIntoView({ block: "nearest" });
+            if (part) scrollWithin(host, rows[first]);
         },
     };
 }

@@ -2,7 +2,7 @@
 // A value as a tree that can be walked by keys, pointed at and edited.
 import type { TypeInfo, Value } from "orlenta";
 import { isWithin, joinPath, parsePath, withValueAt } from "../codec/path";
-import { h } from "./dom";
+import { h, scrollWithin } from "./dom";
 import { editor } from "./edit";
 import { absentOf, canGrow, childrenOf, type Node, type OpenTypes, rootNode } from "./tree-nodes";
 import { boundsText, leafText, meaning, shortened, typeText } from "./value-text";
@@ -281,7 +281,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             const hadFocus = host.contains(document.activeElement);
             render();
             if (hadFocus) focusRow(rows.has(focus) ? focus : "");
-            else host.querySelector(".row.wrong")?.scrollIntoView({ block: "nearest" });
+            else scrollWithin(host, host.querySelector(".row.wrong"));
         },
         light(path, isRevealed = false) {
             lit = path;
@@ -292,7 +292,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
                 render();
             }
             paint();
-            if (isRevealed && path) rows.get(path)?.row.scrollIntoView({ block: "nearest" });
+            if (isRevealed && path) scrollWithin(host, rows.get(path)?.row);
         },
     };
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Search for a type: a line of text with the types whose names contain it.
 import type { TypeEntry } from "orlenta";
-import { h } from "./dom";
+import { h, scrollWithin } from "./dom";
 
 export const AUTO = "auto";
 
@@ -52,7 +52,7 @@ export function createPicker(input: HTMLInputElement, list: HTMLElement, events:
         [...list.children].forEach((option, i) => {
             option.setAttribute("aria-selected", String(i === active));
             if (i === active) {
-                option.scrollIntoView({ block: "nearest" });
+                scrollWithin(list, option);
                 input.setAttribute("aria-activedescendant", option.id);
             }
         });
