@@ -200,11 +200,19 @@ test("edits: numbers, choices, optional parts and lists, and all encodings follo
         before + 1,
     );
 
-    // Beyond its bounds a number is not taken.
+    // Beyond its bounds a number is not taken; a click in the field is no end of the edit, one elsewhere goes there.
     await page.click(`${row(SPEED)} .value`);
     await page.keyboard.type("99999");
-    assert.ok(await page.$("#tree .edit:invalid"));
+    await page.click("#tree .edit");
+    assert.equal(await page.$eval("#tree .edit:invalid", ({ value }) => value), "99999");
+    await page.click("#input");
+    assert.equal(await page.evaluate(() => document.activeElement.id), "input");
+    assert.equal(await textOf(page, `${row(SPEED)} .value`), "1234");
+    await page.click(`${row(`${fast}.driveDirection`)} .value`);
+    await page.click("#tree select.edit");
     await page.keyboard.press("Escape");
+    await page.keyboard.press("Escape");
+    assert.equal(await page.evaluate(() => document.activeElement.dataset.path), `${fast}.driveDirection`);
 
     await page.click("#tab-encodings");
     const shown = await page.$$eval("#encodings details", (all) =>

@@ -55,6 +55,7 @@ test("smallest values, and values from what is typed", () => {
     const typed: [text: string, type: TypeInfo, value: Value | undefined][] = [
         ["7", integer, 7],
         ["8", integer, undefined],
+        ["8", { ...integer, isExtensible: true }, 8],
         ["1e1", integer, undefined],
         ["9007199254740993", { kind: "INTEGER", ...plain }, 9007199254740993n],
         ["101", bits(3, 3), "a0"],

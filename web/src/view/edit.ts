@@ -6,11 +6,11 @@ import { boundsText } from "./value-text";
 
 const NOT_A_VALUE = Symbol("not a value");
 
-function integerFrom(text: string, { lower, upper }: TypeInfo): Value | typeof NOT_A_VALUE {
+function integerFrom(text: string, { lower, upper, isExtensible }: TypeInfo): Value | typeof NOT_A_VALUE {
     if (!/^[+-]?\d+$/.test(text)) return NOT_A_VALUE;
     const wide = BigInt(text);
-    if ((lower !== undefined && wide < BigInt(lower)) || (upper !== undefined && wide > BigInt(upper)))
-        return NOT_A_VALUE;
+    const isBeyond = (lower !== undefined && wide < BigInt(lower)) || (upper !== undefined && wide > BigInt(upper));
+    if (isBeyond && !isExtensible) return NOT_A_VALUE;
     const number = Number(wide);
     return Number.isSafeInteger(number) ? number : wide;
 }
@@ -29,7 +29,7 @@ export function valueFrom(text: string, type: TypeInfo): Value | typeof NOT_A_VA
         case "INTEGER":
             return integerFrom(text.trim(), type);
         case "REAL": {
-            if (/^-?(INF|NaN)$/.test(text)) return text;
+            if (/^(-?INF|NaN)$/.test(text)) return text;
             return text.trim() === "" || Number.isNaN(Number(text)) ? NOT_A_VALUE : Number(text);
         }
         case "BIT STRING":
@@ -57,71 +57,88 @@ function bitsOf(value: Value, type: TypeInfo): string {
         .slice(0, length);
 }
 
-function choice(names: string[], current: string, commit: (name: string) => void, cancel: () => void): HTMLElement {
+export interface Outcome {
+    /** Gets values that are of the type. */
+    commit(value: Value): void;
+    /** By a key the focus goes back to where it was; it has gone elsewhere already otherwise. */
+    cancel(isByKey: boolean): void;
+}
+
+/** A field that is taken away loses the focus, which must not end the edit a second time. */
+function onlyOnce({ commit, cancel }: Outcome): Outcome {
+    let isOver = false;
+    const once = (work: () => void) => {
+        if (isOver) return;
+        isOver = true;
+        work();
+    };
+    return { commit: (value) => once(() => commit(value)), cancel: (isByKey) => once(() => cancel(isByKey)) };
+}
+
+function choice(names: string[], current: string, { commit, cancel }: Outcome): HTMLElement {
     const select = h(
         "select",
         { class: "edit" },
         ...names.map((name) => h("option", { selected: name === current }, name)),
     );
     select.addEventListener("change", () => commit(select.value));
-    select.addEventListener("blur", cancel);
+    select.addEventListener("blur", () => cancel(false));
     select.addEventListener("keydown", (event) => {
         event.stopPropagation();
-        if (event.key === "Escape") cancel();
+        if (event.key === "Escape") cancel(true);
     });
     return select;
 }
 
-/** Null where there is nothing to edit. `commit` gets values that are of the type. */
-export function editor(
-    type: TypeInfo,
-    value: Value,
-    commit: (value: Value) => void,
-    cancel: () => void,
-): HTMLElement | null {
-    if (type.kind === "NULL" || type.kind === "open type") return null;
-    if (type.kind === "ENUMERATED")
-        return choice(
-            (type.items ?? []).map(({ name }) => name),
-            String(value),
-            commit,
-            cancel,
-        );
-    if (type.kind === "BOOLEAN")
-        return choice(["false", "true"], String(value), (name) => commit(name === "true"), cancel);
-
-    const before = type.kind === "BIT STRING" ? bitsOf(value, type) : String(value);
-    const input = h("input", { class: "edit", spellcheck: "false", title: boundsText(type), value: before });
+function line(type: TypeInfo, value: Value, { commit, cancel }: Outcome): HTMLElement {
+    const text = type.kind === "BIT STRING" ? bitsOf(value, type) : String(value);
+    const input = h("input", { class: "edit", spellcheck: "false", title: boundsText(type), value: text });
+    const before = input.value; // a line has no line breaks, the text may have
     if (type.kind === "INTEGER") input.inputMode = type.lower !== undefined && type.lower >= 0 ? "numeric" : "text";
-    let isOver = false;
-    const finish = () => {
-        if (isOver) return;
-        const after = valueFrom(input.value, type);
-        isOver = true;
-        if (input.value === before || typeof after === "symbol") cancel();
-        else commit(after as Value);
-    };
-    input.addEventListener("input", () => {
+    const validate = () => {
         const isBad = typeof valueFrom(input.value, type) === "symbol";
         input.setCustomValidity(isBad ? `not of this type ${boundsText(type)}` : "");
-        input.reportValidity();
-    });
+        return input.reportValidity();
+    };
+    const finish = (isByKey: boolean) => {
+        const after = valueFrom(input.value, type);
+        if (input.value === before || typeof after === "symbol") cancel(isByKey);
+        else commit(after);
+    };
+    const step = (by: bigint) => {
+        const number = /^[+-]?\d+$/.test(input.value) ? BigInt(input.value) : 0n;
+        const next = valueFrom(String(number + by), type);
+        if (typeof next !== "symbol") input.value = String(next);
+        validate();
+    };
+    input.addEventListener("input", validate);
+    input.addEventListener("blur", () => finish(false));
     input.addEventListener("keydown", (event) => {
         event.stopPropagation();
-        if (event.key === "Escape") {
-            isOver = true;
-            cancel();
-        }
-        if (event.key === "Enter") input.validity.valid ? finish() : input.reportValidity();
+        if (event.key === "Escape") cancel(true);
+        if (event.key === "Enter" && validate()) finish(true);
         if (type.kind === "INTEGER" && (event.key === "ArrowUp" || event.key === "ArrowDown")) {
             event.preventDefault();
-            const next = valueFrom(
-                String(BigInt(/^[+-]?\d+$/.test(input.value) ? input.value : 0) + (event.key === "ArrowUp" ? 1n : -1n)),
-                type,
-            );
-            if (typeof next !== "symbol") input.value = String(next);
+            step(event.key === "ArrowUp" ? 1n : -1n);
         }
     });
-    input.addEventListener("blur", finish);
     return input;
+}
+
+/** Null where there is nothing to edit. */
+export function editor(type: TypeInfo, value: Value, outcome: Outcome): HTMLElement | null {
+    const { commit, cancel } = onlyOnce(outcome);
+    switch (type.kind) {
+        case "NULL":
+        case "open type":
+            return null;
+        case "ENUMERATED": {
+            const names = (type.items ?? []).map(({ name }) => name);
+            return choice(names, String(value), { commit, cancel });
+        }
+        case "BOOLEAN":
+            return choice(["false", "true"], String(value), { commit: (name) => commit(name === "true"), cancel });
+        default:
+            return line(type, value, { commit, cancel });
+    }
 }

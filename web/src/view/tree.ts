@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // A value as a tree that can be walked by keys, pointed at and edited.
 import type { TypeInfo, Value } from "orlenta";
-import { isWithin, joinPath, parsePath, withValueAt } from "../codec/path";
+import { isWithin, joinPath, parsePath, type Step, withValueAt } from "../codec/path";
 import { h, scrollWithin } from "./dom";
 import { editor } from "./edit";
 import { absentOf, canGrow, childrenOf, type Node, type OpenTypes, rootNode } from "./tree-nodes";
@@ -39,6 +39,8 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
     let shown: Shown | null = null;
     let closed = new Set<string>();
     let opened = new Set<string>();
+    /** Lists that are shown beyond MOST_CHILDREN. */
+    let whole = new Set<string>();
     let openDepth = Infinity;
     let focus = "";
     let lit: string | null = null;
@@ -63,12 +65,16 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         const hit = rows.get(node.path);
         if (!shown?.isEditable || !hit || !node.type) return;
         const cell = hit.row.querySelector(".value");
-        const cancel = () => {
-            render();
-            focusRow(node.path);
-        };
-        const field = editor(node.type, node.value, (value) => change(node.path, value), cancel);
-        if (!cell || !field) return;
+        if (!cell) return;
+        const before = [...cell.childNodes];
+        const field = editor(node.type, node.value, {
+            commit: (value) => change(node.path, value),
+            cancel(isByKey) {
+                cell.replaceChildren(...before);
+                if (isByKey) focusRow(node.path);
+            },
+        });
+        if (!field) return;
         cell.replaceChildren(field);
         field.focus();
         if (field instanceof HTMLInputElement) field.select();
@@ -124,7 +130,8 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         const kind = (node.type?.kind ?? "").replace(/ /g, "-").toLowerCase();
         const stands = meaning(node.value, node.type);
         const cell = h("span", { class: `value ${kind}`, title: text.length > 60 ? text : undefined }, shortened(text));
-        if (shown?.isEditable) cell.addEventListener("click", () => startEdit(node));
+        // Clicks in the field that stands in the cell bubble up to it.
+        if (shown?.isEditable) cell.addEventListener("click", ({ target }) => target === cell && startEdit(node));
         return stands ? h("span", { class: "value-with" }, cell, h("span", { class: "unit" }, stands)) : cell;
     }
 
@@ -169,9 +176,21 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         into.push(row);
         if (!node.isContainer || !isOpen(node) || !shown) return;
         const children = childrenOf(node, shown.open);
-        for (const child of children.slice(0, MOST_CHILDREN)) collect(child, into);
-        if (children.length > MOST_CHILDREN)
-            into.push(h("div", { class: "row more" }, `… and ${children.length - MOST_CHILDREN} more`));
+        const most = whole.has(node.path) ? Infinity : MOST_CHILDREN;
+        for (const child of children.slice(0, most)) collect(child, into);
+        if (children.length <= most) return;
+        const showAll = () => {
+            whole.add(node.path);
+            render();
+            focusRow(children[most].path);
+        };
+        into.push(
+            h(
+                "div",
+                { class: "row more" },
+                h("button", { class: "link", click: showAll }, `${children.length - most} more`),
+            ),
+        );
     }
 
     /** An error at a component that could not be read has a row of its own, behind what there is of its parent. */
@@ -217,8 +236,16 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         row?.focus();
     }
 
+    /** What was taken out is gone; what it was in is not. */
+    function nearestRow(path: string): string {
+        const steps = parsePath(path);
+        while (steps.length > 0 && !rows.has(pathOf(steps))) steps.pop();
+        return pathOf(steps);
+    }
+
     function onKey(event: KeyboardEvent): void {
         const hit = rows.get((event.target as HTMLElement).dataset.path ?? "\0");
+        if (!hit && event.key === "Escape") focusRow(nearestRow(pathUnder(event) ?? ""));
         if (!hit || event.ctrlKey || event.metaKey || event.altKey) return;
         const order = [...rows.keys()];
         const at = order.indexOf(hit.node.path);
@@ -236,10 +263,12 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             End: () => to(order.length - 1),
             ArrowRight: () => (node.isContainer && !isOpen(node) ? toggle(node, true) : to(at + 1)),
             ArrowLeft: () => (node.isContainer && isOpen(node) ? toggle(node, false) : focusRow(parent())),
-            Enter: () =>
-                node.isContainer
-                    ? (hit.row.querySelector<HTMLSelectElement>("select.choice") ?? hit.row).focus()
-                    : startEdit(node),
+            Enter() {
+                const alternatives = hit.row.querySelector<HTMLSelectElement>("select.choice");
+                if (alternatives) alternatives.focus();
+                else if (node.isContainer) toggle(node, !isOpen(node));
+                else startEdit(node);
+            },
             F2: () => startEdit(node),
             "+": () => {
                 const add = hit.row.querySelector<HTMLElement>(".act");
@@ -275,19 +304,24 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             if (isOther) {
                 closed = new Set();
                 opened = new Set();
+                whole = new Set();
                 focus = "";
             }
             if (next) openDepth = opened.size + closed.size > 0 && !isOther ? openDepth : depthThatFits(next);
             const hadFocus = host.contains(document.activeElement);
             render();
-            if (hadFocus) focusRow(rows.has(focus) ? focus : "");
+            if (hadFocus) focusRow(nearestRow(focus));
             else scrollWithin(host, host.querySelector(".row.wrong"));
         },
         light(path, isRevealed = false) {
             lit = path;
             if (path !== null && isRevealed && !rows.has(path)) {
-                for (let steps = parsePath(path); steps.length > 0; steps = steps.slice(0, -1))
-                    opened.add(steps.slice(0, -1).reduce<string>(joinPath, ""));
+                const steps = parsePath(path);
+                steps.forEach((step, i) => {
+                    const parent = pathOf(steps.slice(0, i));
+                    opened.add(parent);
+                    if (typeof step === "number" && step >= MOST_CHILDREN) whole.add(parent);
+                });
                 closed = new Set([...closed].filter((one) => !isWithin(path, one)));
                 render();
             }
@@ -296,6 +330,8 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         },
     };
 }
+
+const pathOf = (steps: Step[]) => steps.reduce<string>(joinPath, "");
 
 /** So deep that about OPEN_AT_FIRST rows are seen. */
 function depthThatFits({ typeName, value, type, open }: Shown): number {

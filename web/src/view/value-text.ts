@@ -59,9 +59,10 @@ export function meaning(value: Value, type: TypeInfo | undefined): string {
     return `${typeset(scale === 1 && offset === 0 ? "" : physical, unit)} ${named}`.trim();
 }
 
-export function boundsText({ kind, lower, upper }: TypeInfo): string {
+export function boundsText({ kind, lower, upper, isExtensible }: TypeInfo): string {
     if (lower === undefined && upper === undefined) return "";
-    const range = lower === upper ? `${lower}` : `${lower ?? "MIN"}..${upper ?? "MAX"}`;
+    const bounds = lower === upper ? `${lower}` : `${lower ?? "MIN"}..${upper ?? "MAX"}`;
+    const range = isExtensible ? `${bounds}, ...` : bounds;
     return kind === "INTEGER" ? `(${range})` : `(SIZE ${range})`;
 }
 
