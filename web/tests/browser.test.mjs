@@ -253,12 +253,12 @@ test("a schema of one's own", async () => {
     await shoot(page, "4-schema-error");
 
     await write(
-        "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nA ::= SEQUENCE { a INTEGER (0..7), b Colour }\nColour ::= ENUMERATED { red, green }\nEND\n",
+        "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nA ::= SEQUENCE { a INTEGER (0..7), b Colour, r REAL OPTIONAL }\nColour ::= ENUMERATED { red, green }\nEND\n",
     );
     await page.waitForFunction(() => document.querySelector("#problems").textContent.includes("2 types"), PATIENCE);
     await page.click("#use-schema");
     await page.click("#tab-message");
-    await type(page, "b0");
+    await type(page, "58");
     await settled(page, "A · UPER · 1 octet");
     assert.deepEqual(
         await page.$$eval("#tree .row:not([aria-expanded]) .value", (all) => all.map(({ textContent }) => textContent)),
@@ -267,8 +267,20 @@ test("a schema of one's own", async () => {
     await shoot(page, "5-schema-used");
 
     await page.select("#examples", "random");
-    await page.waitForFunction(() => document.querySelector("#input").value !== "b0", PATIENCE);
-    await type(page, "b0\n30\nb0");
+    await page.waitForFunction(() => document.querySelector("#input").value !== "58", PATIENCE);
+
+    await type(page, '{"a": 1, "b": "red", "r": 2}');
+    await settled(page, "A · JER");
+    await page.click(`${row("r")} .value`);
+    await page.keyboard.type("-3.25");
+    await page.keyboard.press("Enter");
+    await page.waitForFunction(() => document.querySelector("#input").value.includes("-3.25"), PATIENCE);
+    assert.deepEqual(
+        [await textOf(page, `${row("r")} .value`), await page.$eval("#value-note", ({ hidden }) => hidden)],
+        ["-3.25", true],
+    );
+
+    await type(page, "58\n18\n58");
     await page.waitForFunction(() => document.querySelectorAll(".message:not(.bad)").length === 3, PATIENCE);
     await settled(page, "A · UPER");
 

@@ -2,7 +2,6 @@
 // The page: what was typed or dropped becomes a message or a log, and goes to the views.
 import type { Rules, Schema, Value } from "orlenta";
 import { type Engine, needType, startEngine } from "../codec/engine";
-import { jsonText } from "../codec/json";
 import {
     type Choice,
     identify,
@@ -16,6 +15,7 @@ import { isText, REGIONS, RULE_NAMES, RULES } from "../codec/types";
 import { formOf, toBase64, toHex } from "../input/bytes";
 import { undump } from "../input/dump";
 import { isLog, readEntry } from "../input/lines";
+import { textRules } from "../input/rules";
 import { LARGEST_LOG, Log } from "../log/log";
 import { createSchemaTab, FILE, FIRST_SCHEMA } from "../schema/tab";
 import { byId, debounced, h } from "../view/dom";
@@ -96,7 +96,7 @@ const inspector = createInspector({
     onCopy: (text) => void copy(text, "copied"),
     onUse(encoded) {
         if (!reading) return;
-        setText(encoded.text, { type: reading.type, rules: encoded.rules });
+        setText(encoded.text, { type: reading.type, rules: ruleChoice(encoded.rules, encoded.text) });
     },
 });
 
@@ -130,6 +130,11 @@ async function source(): Promise<Source> {
     if (useSchema.checked && !schema) await schemaTab.compileNow();
     if (useSchema.checked && !schema) throw new Error("the schema does not compile: see its tab");
     return { engine: await engine(), schema: useSchema.checked ? (schema ?? undefined) : undefined };
+}
+
+/** What must be chosen so that a text is read under these rules: nothing if it shows them, or bytes could not follow. */
+function ruleChoice(under: Rules, text: string): Rules | "auto" {
+    return textRules(text) === under ? "auto" : under;
 }
 
 async function readText(text: string, as: Choice): Promise<Reading> {
@@ -277,9 +282,7 @@ function encodeEdited(
     value: Value,
 ): { data: Uint8Array | string; text: string } {
     if (isText(under)) {
-        const violation = codec.check(type, value);
-        if (violation) throw violation;
-        const text = codec.convert(type, jsonText(value), "jer", under, 2) as string;
+        const text = codec.convert(type, codec.encode(type, value, "uper"), "uper", under, 2) as string;
         return { data: text, text };
     }
     const bytes = codec.encode(type, value, under);
@@ -298,7 +301,7 @@ function onEdit(from: Reading, value: Value): void {
         else {
             // The type stays, though the message may no longer show it.
             choice.type = from.type;
-            choice.rules = from.rules;
+            choice.rules = ruleChoice(from.rules, text);
             rules.value = choice.rules;
             input.value = text;
         }
@@ -353,8 +356,8 @@ async function followLink(): Promise<boolean> {
     if (!linked) return false;
     file = null;
     choice.type = linked.type;
-    choice.rules = linked.rules;
     input.value = typeof linked.data === "string" ? linked.data : toHex(linked.data);
+    choice.rules = linked.rules === "auto" ? "auto" : ruleChoice(linked.rules, input.value);
     useSchema.checked = linked.schema !== undefined;
     if (linked.schema !== undefined) {
         schemaTab.setText(linked.schema);
