@@ -322,6 +322,22 @@ test("maps: EU, US and CN, and the time of a log", async () => {
     assert.ok(first.includes("stop green") && first.includes("stop red"));
     await at(56);
     assert.equal(await count(".mark.vehicle"), 4);
+    const places = () => page.$$eval("#map .mark.vehicle", (all) => all.map((one) => one.getAttribute("transform")));
+    const old = await places();
+    await page.click("#tab-value");
+    await page.click(`${row("cam.camParameters.basicContainer.referencePosition.latitude")} .value`);
+    await page.keyboard.press("ArrowUp");
+    for (const key of ["End", "Backspace", "Backspace", "Backspace", "9", "9", "9", "Enter"])
+        await page.keyboard.press(key);
+    await settled(page, "changed here, not in the log");
+    await page.click("#tab-map");
+    await at(56);
+    const moved = (await places()).filter((place, i) => place !== old[i]);
+    assert.equal(moved.length, 1, "the one that was edited");
+    await page.keyboard.press("k");
+    await page.keyboard.press("j");
+    await settled(page, "changed here, not in the log");
+
     assert.equal(await count(".mark.happening"), 1);
     assert.ok((await count(".trail")) === 4 && (await count(".connection.green")) > 0);
     assert.notDeepEqual(await page.$$eval("#map .stop", (all) => all.map((one) => one.getAttribute("class"))), first);
@@ -382,6 +398,9 @@ test("a log of 20 MB leaves the page alive; one of more than 200 MB is refused",
     await page.waitForFunction(() => /of \d{3}/.test(document.querySelector("#moment-text").textContent), PATIENCE);
     await page.hover(`${row(STATION)} .name`);
     assert.deepEqual(await litOctets(page), [2, 3, 4, 5], "it answers while it works");
+    await page.click(".message:nth-child(3)");
+    await page.waitForFunction(() => document.querySelector("#moment-text").textContent.startsWith("3 of"), PATIENCE);
+    assert.ok(await page.$("#progress:not([hidden])"), "and is not done yet");
     await shoot(page, "10-big-log");
     await page.waitForSelector("#progress", { timeout: 240_000, hidden: true });
     const count = Math.ceil(20e6 / line.length);
@@ -394,15 +413,31 @@ test("a log of 20 MB leaves the page alive; one of more than 200 MB is refused",
     console.log(
         `log of 20 MB: ${count} messages in ${((Date.now() - start) / 1000).toFixed(1)} s, longest frame ${Math.round(longest)} ms`,
     );
+    assert.ok(longest < 1000, "no frame waits for the log");
     await rm(file);
 
-    await page.evaluate(() => {
-        const part = new Uint8Array(1e6);
-        const carried = new DataTransfer();
-        carried.items.add(new File(Array(201).fill(part), "huge.log"));
-        window.dispatchEvent(new DragEvent("drop", { dataTransfer: carried }));
-    });
+    const drop = (name, ...parts) =>
+        page.evaluate(
+            (called, all) => {
+                const carried = new DataTransfer();
+                const texts = all.map(([text, times]) => Array(times).fill(text)).flat();
+                carried.items.add(new File(texts, called));
+                window.dispatchEvent(new DragEvent("drop", { dataTransfer: carried }));
+            },
+            name,
+            parts,
+        );
+    // A line that can be no message is told of, and not read.
+    await drop("long.log", [line, 1], ["00".repeat(5e5), 2], [`\n${line}`, 1]);
+    await page.waitForFunction(() => document.querySelector("#moment-text").textContent === "1 of 3", PATIENCE);
+    await page.click(".message.bad");
+    await settled(page, "a line of 2.0 MB is no message");
+    await page.click(".message:last-child");
+    await settled(page, `${CAM} · UPER`);
+
+    await drop("huge.log", ["0".repeat(1e6), 201]);
     await settled(page, "takes 200 MB");
+    assert.equal(await page.$$eval(".message", (all) => all.length), 3, "what was there stays");
 });
 
 test("dark, narrow, and without a network", async () => {

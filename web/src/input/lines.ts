@@ -35,7 +35,7 @@ export function readEntry(line: string): Entry | null {
     return { message: text };
 }
 
-const NEWLINE = 10;
+export const NEWLINE = 10;
 
 /**
  * The lines of a log that comes in pieces. `rest` is the number of octets at the end that belong to a line which has

@@ -2,7 +2,7 @@
 // A log in the page: its messages' summaries as the worker sends them, and which of them hold at a moment.
 import type { Choice } from "../codec/reading";
 import type { LatLon } from "../map/geo";
-import type { Answer, Order } from "./messages";
+import { type Answer, LONGEST_LINE, type Order } from "./messages";
 import type { Summary } from "./summary";
 
 export const LARGEST_LOG = 200e6;
@@ -55,8 +55,9 @@ export class Log {
         }
     }
 
-    textAt(index: number): Promise<string> {
-        const { start, end } = this.messages[index];
+    async textAt(index: number): Promise<string> {
+        const { start, end, error } = this.messages[index];
+        if (end - start > LONGEST_LINE) throw new Error(error);
         return this.blob.slice(start, end).text();
     }
 

@@ -3,6 +3,9 @@
 import type { Choice } from "../codec/reading";
 import type { Summary } from "./summary";
 
+/** Octets. What is longer is no message, though it would take long to find out. */
+export const LONGEST_LINE = 1 << 20;
+
 export interface Order {
     log: Blob;
     choice: Choice;

@@ -2,11 +2,11 @@
 // Works through a log beside the page, a piece at a time.
 import { startEngine } from "../codec/engine";
 import { identify, likeBefore, type Message, type Source, withoutPath } from "../codec/reading";
-import { readEntry, splitLines } from "../input/lines";
-import type { Answer, Order } from "./messages";
+import { NEWLINE, readEntry, splitLines } from "../input/lines";
+import { type Answer, LONGEST_LINE, type Order } from "./messages";
 import { aboutValue, type Summary } from "./summary";
 
-const PIECE = 1 << 20;
+const PIECE = LONGEST_LINE;
 const PAUSE_MS = 120;
 
 const answer = (message: Answer) => self.postMessage(message);
@@ -35,6 +35,18 @@ async function read(source: Source, text: string, order: Order, before?: Message
     }
 }
 
+async function octets(log: Blob, start: number): Promise<Uint8Array> {
+    return new Uint8Array(await log.slice(start, start + PIECE).arrayBuffer());
+}
+
+async function findLineEnd(log: Blob, from: number): Promise<number> {
+    for (let start = from; start < log.size; start += PIECE) {
+        const end = (await octets(log, start)).indexOf(NEWLINE);
+        if (end >= 0) return start + end;
+    }
+    return log.size;
+}
+
 async function work(order: Order): Promise<void> {
     const engine = await startEngine();
     const source: Source = { engine, schema: order.schema && (await engine.orlenta.compile(order.schema)) };
@@ -44,12 +56,14 @@ async function work(order: Order): Promise<void> {
     let before: Message | undefined;
     for (let start = 0; start < order.log.size; ) {
         const end = Math.min(start + PIECE, order.log.size);
-        let piece = new Uint8Array(await order.log.slice(start, end).arrayBuffer());
-        let { lines, rest } = splitLines(piece, end === order.log.size);
+        const piece = await octets(order.log, start);
+        const { lines, rest } = splitLines(piece, end === order.log.size);
         if (lines.length === 0 && rest > 0) {
-            // A line longer than a piece: to its end, wherever that is.
-            piece = new Uint8Array(await order.log.slice(start).arrayBuffer());
-            ({ lines, rest } = splitLines(piece, true));
+            const lineEnd = await findLineEnd(order.log, end);
+            const error = `a line of ${((lineEnd - start) / 1e6).toFixed(1)} MB is no message`;
+            summaries.push({ start, end: lineEnd, type: "", error, keys: [] });
+            start = lineEnd;
+            continue;
         }
         for (const line of lines) {
             const text = decoder.decode(piece.subarray(line.start, line.end));

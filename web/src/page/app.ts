@@ -37,6 +37,12 @@ const SAVING_MS = 400;
 /** A longer file stays a file, beside the text field. */
 const LONGEST_TEXT = 262_144;
 
+/** A text, and what it is to be read as. */
+interface Entry {
+    text: string;
+    as: Choice;
+}
+
 const saved = loadSaved();
 const choice: Choice = { type: saved.type ?? AUTO, rules: (saved.rules as Rules | "auto") ?? "auto" };
 let theme = saved.theme ?? "";
@@ -45,7 +51,10 @@ let file: File | null = null;
 let log: Log | null = null;
 let selected = 0;
 let reading: Reading | null = null;
-const edits = new Map<number, string>();
+/** The message of the log that `reading` is; `selected` is ahead of it while the next one is read. */
+let shown = 0;
+/** Messages of the log as they were changed here. */
+const edits = new Map<number, Entry>();
 let schema: Schema | null = null;
 let refreshed = 0;
 
@@ -96,7 +105,11 @@ const inspector = createInspector({
     onCopy: (text) => void copy(text, "copied"),
     onUse(encoded) {
         if (!reading) return;
-        setText(encoded.text, { type: reading.type, rules: ruleChoice(encoded.rules, encoded.text) });
+        const { type } = reading;
+        if (log) {
+            changeInLog({ text: encoded.text, as: { type, rules: encoded.rules } });
+            void select(selected);
+        } else setText(encoded.text, { type, rules: ruleChoice(encoded.rules, encoded.text) });
     },
 });
 
@@ -141,20 +154,19 @@ async function readText(text: string, as: Choice): Promise<Reading> {
     return readMessage(await identify(await source(), text, as));
 }
 
-/** What the worker has found out of a message of the log. */
-function knownOf(index: number): Choice {
-    const { type, rules: under } = (log as Log).messages[index];
-    return type === "" ? choice : { type, rules: under ?? choice.rules };
-}
-
-async function textAt(index: number): Promise<string> {
-    return edits.get(index) ?? readEntry(await (log as Log).textAt(index))?.message ?? "";
+async function entryAt(from: Log, index: number): Promise<Entry> {
+    const edited = edits.get(index);
+    if (edited) return edited;
+    const { type, rules: under } = from.messages[index]; // as the worker found it
+    const text = readEntry(await from.textAt(index))?.message ?? "";
+    return { text, as: type === "" ? choice : { type, rules: under ?? choice.rules } };
 }
 
 /** A message of the log, or undefined if it is none. */
 async function readAt(index: number): Promise<Reading | undefined> {
     try {
-        return await readText(await textAt(index), knownOf(index));
+        const { text, as } = await entryAt(log as Log, index);
+        return await readText(text, as);
     } catch {
         return undefined;
     }
@@ -162,11 +174,12 @@ async function readAt(index: number): Promise<Reading | undefined> {
 
 function showReading(next: Reading, isEdited = false): void {
     reading = next;
+    shown = selected;
     inspector.show(next);
     picker.show(choice.type, next.type);
     const octets = typeof next.data === "string" ? new TextEncoder().encode(next.data).length : next.data.length;
     const found = choice.type === AUTO ? " · type found by itself" : "";
-    const changed = isEdited && log ? " · changed here, not in the log" : "";
+    const changed = log && edits.has(selected) ? " · changed here, not in the log" : "";
     tell(`${next.type} · ${RULE_NAMES[next.rules]} · ${octets} ${octets === 1 ? "octet" : "octets"}${found}${changed}`);
     if (log) mapPane.showLog(log, selected, false);
     else mapPane.showOne(next.value, isEdited);
@@ -197,6 +210,7 @@ async function showText(text: string, as: Choice = choice): Promise<void> {
 
 /** Reads anew what stands in the text field, or the file. */
 async function refresh(): Promise<void> {
+    refreshed++;
     saveSoon();
     picker.show(choice.type, null);
     rules.value = choice.rules;
@@ -221,7 +235,6 @@ function startLog(blob: Blob): void {
     progress.hidden = false;
     let isShown = false;
     const show = () => {
-        if (mine !== log) return;
         list.show(mine.messages, selected);
         if (mine.messages.length === 0) return;
         if (isShown) return mapPane.showLog(mine, selected, true);
@@ -229,6 +242,8 @@ function startLog(blob: Blob): void {
         void select(selected);
     };
     reading = null;
+    inspector.clear();
+    show();
     mine.start(choice, useSchema.checked ? [{ name: FILE, text: schemaTab.text() }] : undefined, {
         onProgress(octets) {
             progress.style.setProperty("--done", `${(100 * octets) / Math.max(blob.size, 1)}%`);
@@ -237,6 +252,7 @@ function startLog(blob: Blob): void {
         onDone(error) {
             progress.hidden = true;
             show();
+            if (mine.messages.length === 0) mapPane.showOne(undefined, false);
             if (error) tell(error, true);
             else if (mine.messages.length === 0) tell("no message in it", true);
         },
@@ -247,7 +263,23 @@ async function select(index: number): Promise<void> {
     if (!log || index < 0 || index >= log.messages.length) return;
     selected = index;
     list.show(log.messages, selected);
-    await showText(await textAt(index), knownOf(index));
+    const mine = ++refreshed;
+    try {
+        const { text, as } = await entryAt(log, index);
+        if (mine === refreshed) await showText(text, as);
+    } catch (error) {
+        if (mine !== refreshed) return;
+        // The file is gone or has changed, or the line is none that could be a message.
+        reading = null;
+        inspector.clear();
+        tell((error as Error).message, true);
+    }
+}
+
+/** The message in sight, as it is to be from now on. */
+function changeInLog(entry: Entry): void {
+    edits.set(shown, entry);
+    mapPane.changed(shown);
 }
 
 async function openFile(next: File): Promise<void> {
@@ -286,19 +318,19 @@ function encodeEdited(
         return { data: text, text };
     }
     const bytes = codec.encode(type, value, under);
-    const before = log ? (edits.get(selected) ?? "") : input.value;
-    return {
-        data: bytes,
-        text: typeof data !== "string" && formOf(before) === "base64" ? toBase64(bytes) : toHex(bytes),
-    };
+    const isBase64 = !log && typeof data !== "string" && formOf(input.value) === "base64";
+    return { data: bytes, text: isBase64 ? toBase64(bytes) : toHex(bytes) };
 }
 
 function onEdit(from: Reading, value: Value): void {
     try {
         const { data, text } = encodeEdited(from, value);
+        if (log) {
+            changeInLog({ text, as: { type: from.type, rules: from.rules } });
+            if (shown !== selected) return; // the next one is on its way
+        }
         refreshed++;
-        if (log) edits.set(selected, text);
-        else {
+        if (!log) {
             // The type stays, though the message may no longer show it.
             choice.type = from.type;
             choice.rules = ruleChoice(from.rules, text);

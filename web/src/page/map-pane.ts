@@ -20,6 +20,8 @@ export interface MapPaneEvents {
 export interface MapPane {
     showOne(value: Value | undefined, isEdited: boolean): void;
     showLog(log: Log, moment: number, isGrowing: boolean): void;
+    /** A message of the log is no longer what it was. */
+    changed(message: number): void;
     point(path: string | null): void;
     togglePlay(): void;
 }
@@ -59,11 +61,12 @@ export function createMapPane(events: MapPaneEvents): MapPane {
     }
 
     async function featuresAt(message: number): Promise<Features> {
-        let features = known.get(message);
+        const here = known; // that of another log may take its place meanwhile
+        let features = here.get(message);
         if (!features) {
             features = featuresOf(await events.valueAt(message));
-            if (known.size > MOST_KEPT) known.clear();
-            known.set(message, features);
+            if (here.size > MOST_KEPT) here.clear();
+            here.set(message, features);
         }
         return features;
     }
@@ -156,6 +159,7 @@ export function createMapPane(events: MapPaneEvents): MapPane {
             isFitDue ||= isOther || (isGrowing && map.isUntouched());
             void showMoment();
         },
+        changed: (message) => known.delete(message),
         point: (path) => map.point(log ? moment : 0, path),
     };
 }

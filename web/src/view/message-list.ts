@@ -19,6 +19,7 @@ function timeText(time: number | undefined): string {
 export function createList(host: HTMLElement, onPick: (index: number) => void): ListView {
     let messages: Summary[] = [];
     let current = 0;
+    let drawn = "";
     const inner = h("div", { class: "list-inner" });
     host.replaceChildren(inner);
     host.tabIndex = 0;
@@ -49,6 +50,10 @@ export function createList(host: HTMLElement, onPick: (index: number) => void): 
         const first = Math.max(0, Math.floor(host.scrollTop / ROW) - SPARE);
         const last = Math.min(messages.length, Math.ceil((host.scrollTop + host.clientHeight) / ROW) + SPARE);
         inner.style.height = `${messages.length * ROW}px`;
+        // Rows stay as they are while a log grows: a click on one that is replaced under the pointer would be lost.
+        const next = `${first} ${last} ${current}`;
+        if (next === drawn) return;
+        drawn = next;
         inner.replaceChildren(...Array.from({ length: Math.max(last - first, 0) }, (_, i) => row(first + i)));
     }
 
@@ -72,6 +77,7 @@ export function createList(host: HTMLElement, onPick: (index: number) => void): 
     return {
         show(next, index) {
             const moved = index !== current || next !== messages;
+            if (next !== messages) drawn = "";
             messages = next;
             current = index;
             if (moved) {

@@ -29,12 +29,14 @@ export function createText(host: HTMLElement): TextView {
     return {
         show(text, wrong) {
             starts = [0];
-            for (let at = text.indexOf("\n"); at >= 0 && starts.length < MOST_LINES; at = text.indexOf("\n", at + 1))
-                starts.push(at + 1);
+            let end = text.indexOf("\n");
+            for (; end >= 0 && starts.length < MOST_LINES; end = text.indexOf("\n", end + 1)) starts.push(end + 1);
+            if (end < 0) end = text.length;
             rows = starts.map((start, i) =>
-                h("div", { class: "line" }, text.slice(start, starts[i + 1] ?? text.length).replace(/\n$/, "")),
+                h("div", { class: "line" }, text.slice(start, starts[i + 1] ?? end).replace(/\n$/, "")),
             );
             host.replaceChildren(...rows);
+            if (end < text.length) host.append(h("div", { class: "hint" }, `… ${text.length - end} more characters`));
             if (!wrong) return;
             const line = "line" in wrong ? wrong.line - 1 : lineOf(wrong.position);
             const row = rows[line];
