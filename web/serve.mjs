@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Serves build/web on the loopback, compressed as servers do it: node serve.mjs [PORT]
 import { createServer } from "node:http";
-import { readFile } from "node:fs/promises";
+import { readFile, stat } from "node:fs/promises";
 import { dirname, extname, join, normalize } from "node:path";
 import { fileURLToPath } from "node:url";
 import { gzipSync } from "node:zlib";
@@ -17,12 +17,17 @@ const TYPES = {
 
 export async function serve(folder, port = 0) {
     const packed = new Map();
+    async function pack(name) {
+        const { mtimeMs } = await stat(join(folder, name));
+        if (packed.get(name)?.mtimeMs !== mtimeMs)
+            packed.set(name, { mtimeMs, body: gzipSync(await readFile(join(folder, name)), { level: 9 }) });
+        return packed.get(name).body;
+    }
     const server = createServer(async (request, response) => {
-        const path = normalize(decodeURIComponent(new URL(request.url, "http://loopback").pathname));
-        const name = path.endsWith("/") ? `${path}index.html` : path;
         try {
-            if (!packed.has(name)) packed.set(name, gzipSync(await readFile(join(folder, name)), { level: 9 }));
-            const body = packed.get(name);
+            const path = normalize(decodeURIComponent(new URL(request.url, "http://loopback").pathname));
+            const name = path.endsWith("/") ? `${path}index.html` : path;
+            const body = await pack(name);
             response.writeHead(200, {
                 "content-type": TYPES[extname(name)] ?? "application/octet-stream",
                 "content-encoding": "gzip",

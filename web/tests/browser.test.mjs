@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The built page in a real browser. Screenshots lie in build/web-shots for people to look at.
 import assert from "node:assert/strict";
-import { mkdir, rm, writeFile } from "node:fs/promises";
+import { cp, mkdir, mkdtemp, readFile, rm, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import { dirname, join, resolve } from "node:path";
 import { after, before, test } from "node:test";
@@ -37,20 +37,20 @@ after(async () => {
 });
 
 /** A page of a new visitor. */
-async function open(fragment = "", size = { width: 1280, height: 820 }) {
+async function open(fragment = "", size = { width: 1280, height: 820 }, from = site) {
     const context = await browser.createBrowserContext();
     const page = await context.newPage();
     page.on("pageerror", (error) => surprises.push(error.message));
     page.on("request", (request) => {
         if (
-            !request.url().startsWith(site.url) &&
+            !request.url().startsWith(from.url) &&
             !request.url().startsWith("blob:") &&
             !request.url().startsWith("data:")
         )
             surprises.push(`asked for ${request.url()}`);
     });
     await page.setViewport(size);
-    await page.goto(site.url + fragment);
+    await page.goto(from.url + fragment);
     await page.waitForSelector("#tree .row", PATIENCE);
     return page;
 }
@@ -466,4 +466,33 @@ test("dark, narrow, and without a network", async () => {
     await page.reload();
     await page.waitForSelector("#tree .row", PATIENCE);
     await page.setOfflineMode(false);
+});
+
+test("a newer page waits until it is asked for", async () => {
+    const folder = await mkdtemp(join(tmpdir(), "orlenta-page-"));
+    await cp(join(root, "build/web"), folder, { recursive: true });
+    const elsewhere = await serve(folder);
+    const page = await open("", undefined, elsewhere);
+    await page.waitForFunction(() => navigator.serviceWorker.controller !== null, PATIENCE);
+    assert.ok(await page.$("#newer[hidden]"), "the first one is not newer");
+    const change = async (file, from, to) => {
+        const text = await readFile(join(folder, file), "utf8");
+        assert.match(text, from);
+        await writeFile(join(folder, file), text.replace(from, to));
+    };
+    await change("index.html", /<title>.*<\/title>/, "<title>newer</title>");
+    await change("offline.js", /[0-9a-f]{16}/, "0123456789abcdef");
+    await page.reload();
+    await page.waitForSelector("#newer:not([hidden])", PATIENCE);
+    assert.notEqual(await page.title(), "newer");
+    await Promise.all([page.waitForNavigation(PATIENCE), page.click("#reload")]);
+    await page.waitForSelector("#tree .row", PATIENCE);
+    assert.equal(await page.title(), "newer");
+    assert.deepEqual(
+        (await page.evaluate(() => caches.keys())).map((name) => name.slice(-16)),
+        ["0123456789abcdef"],
+    );
+    await page.close();
+    elsewhere.close();
+    await rm(folder, { recursive: true });
 });
