@@ -149,9 +149,10 @@ test("what is wrong is marked, and the page goes on", async () => {
     const wrongLine = () =>
         page.waitForFunction(() => /fast/.test(document.querySelector("#text .line.wrong")?.textContent), PATIENCE);
     await wrongLine();
-    await new Promise((done) => setTimeout(done, 600)); // until it is stored
-    await page.reload();
+    await type(page, cam.replace(/"speedValue": \d+/, '"speedValue": "faster"'));
+    await page.reload(); // at once
     await wrongLine(); // nothing typed is lost
+    assert.match(await page.$eval("#input", ({ value }) => value), /faster/);
     await type(page, good);
     await page.waitForSelector(row(SPEED), PATIENCE);
 });
@@ -374,6 +375,28 @@ test("a link shows the same to a colleague", async () => {
     await settled(other, "US.MessageFrame");
     assert.equal(await hexOf(other), await hexOf(page));
     assert.equal(await textOf(other, "#tree"), await textOf(page, "#tree"));
+
+    // A link, broken or not, leaves alone what was typed before.
+    await type(other, "typed");
+    for (const [fragment, note] of [
+        [new URL(page.url()).hash, "US.MessageFrame"],
+        ["#t=EU.CAM&r=jer&x=q1YqSyzKTM", "the link is broken"],
+        ["", "no hexadecimal digit"],
+    ]) {
+        await other.goto("about:blank");
+        await other.goto(site.url + fragment);
+        await settled(other, note);
+    }
+    assert.equal(await other.$eval("#input", ({ value }) => value), "typed");
+
+    await page.$eval("#input", (input) => {
+        const noise = crypto.getRandomValues(new Uint8Array(5e4));
+        input.value = `{"messageId": 20, "value": "${Array.from(noise, (octet) => octet.toString(16)).join("")}"}`;
+        input.dispatchEvent(new Event("input"));
+    });
+    await page.waitForFunction(() => document.querySelector("#text").textContent.length > 6e4, PATIENCE);
+    await page.click("#copy-link");
+    await settled(page, "characters: send it as a file");
 });
 
 test("a log of 20 MB leaves the page alive; one of more than 200 MB is refused", async () => {

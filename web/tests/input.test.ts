@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { likelyRegions, likelyType } from "../src/codec/detect";
-import { fromFragment, toFragment } from "../src/page/link";
+import { BrokenLink, fromFragment, toFragment } from "../src/page/link";
 import { InputError, readBytes, toHex } from "../src/input/bytes";
 import { textRules } from "../src/input/rules";
 import { undump } from "../src/input/dump";
@@ -87,14 +87,15 @@ test("a log in pieces", () => {
     assert.deepEqual(splitLines(bytes, true).lines[2], { start: 6, end: 8 });
 });
 
-test("links carry bytes, text and a schema, and survive what is none", async () => {
+test("links carry bytes, text and a schema, and tell what is none from what is broken", async () => {
     const rows = [
         { type: "EU.CAM", rules: "uper" as const, data: Uint8Array.from([0, 251, 255]) },
         { type: "A", rules: "jer" as const, data: '{"ä":1}', schema: "A DEFINITIONS ::= BEGIN END" },
     ];
     for (const row of rows) assert.deepEqual(await fromFragment(await toFragment(row)), row);
-    for (const fragment of ["", "#top", "#t=A&x=%%%", "#m=*"])
-        assert.equal(await fromFragment(fragment), null, fragment);
+    for (const fragment of ["", "#top"]) assert.equal(await fromFragment(fragment), null, fragment);
+    for (const fragment of ["#t=A&x=%%%", "#m=*", "#t=A&x=q1YqSyzKTM"])
+        await assert.rejects(fromFragment(fragment), BrokenLink, fragment);
 });
 
 test("what the first octets of a message show", () => {

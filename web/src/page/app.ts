@@ -34,6 +34,8 @@ import { applyTheme, nextTheme } from "./theme";
 
 const TYPING_MS = 180;
 const SAVING_MS = 400;
+/** Characters; programs that people send links by cut what is much longer. */
+const LONGEST_LINK = 30_000;
 /** A longer file stays a file, beside the text field. */
 const LONGEST_TEXT = 262_144;
 
@@ -48,6 +50,8 @@ const choice: Choice = { type: saved.type ?? AUTO, rules: (saved.rules as Rules 
 let theme = saved.theme ?? "";
 let base: Base = saved.base ?? "hex";
 let file: File | null = null;
+/** What is on the screen came by a link, and was not changed since. */
+let isLinked = false;
 let log: Log | null = null;
 let selected = 0;
 let reading: Reading | null = null;
@@ -73,17 +77,13 @@ function tell(text: string, isWrong = false): void {
     note.classList.toggle("wrong", isWrong);
 }
 
-const saveSoon = debounced(SAVING_MS, () =>
-    save({
-        text: file ? "" : input.value,
-        type: choice.type,
-        rules: choice.rules,
-        schema: schemaTab.text(),
-        useSchema: useSchema.checked,
-        theme,
-        base,
-    }),
-);
+/** A link takes the place of what was typed on the screen alone, until it is changed; so does a file. */
+const saveSoon = debounced(SAVING_MS, () => {
+    if (isLinked) return save({ theme, base });
+    const { type, rules: under } = choice;
+    const typed = { type, rules: under, schema: schemaTab.text(), useSchema: useSchema.checked };
+    save({ ...typed, ...(file ? {} : { text: input.value }), theme, base });
+});
 
 // ---- views -------------------------------------------------------------------------------------------------------
 
@@ -102,7 +102,7 @@ const mapPane = createMapPane({
 const inspector = createInspector({
     onEdit,
     onPoint: (path) => mapPane.point(path),
-    onCopy: (text) => void copy(text, "copied"),
+    onCopy: (text) => void copy(text, "copied", ""),
     onUse(encoded) {
         if (!reading) return;
         const { type } = reading;
@@ -358,15 +358,16 @@ function setText(text: string, next: Partial<Choice>): void {
 // ---- links -------------------------------------------------------------------------------------------------------
 
 function forgetLink(): void {
+    isLinked = false;
     if (location.hash !== "") history.replaceState(null, "", location.pathname + location.search);
 }
 
-async function copy(text: string, done: string): Promise<void> {
+async function copy(text: string, done: string, instead: string): Promise<void> {
     try {
         await navigator.clipboard.writeText(text);
         tell(done);
     } catch {
-        tell("the browser keeps the clipboard to itself; the address line has the link", true);
+        tell(`the browser keeps the clipboard to itself${instead}`, true);
     }
 }
 
@@ -379,13 +380,21 @@ async function copyLink(): Promise<void> {
         rules: under,
         schema: useSchema.checked ? schemaTab.text() : undefined,
     });
+    if (fragment.length > LONGEST_LINK)
+        return tell(`a link to this message would have ${fragment.length} characters: send it as a file`, true);
     history.replaceState(null, "", fragment);
-    await copy(location.href, "the link is in the address line and in the clipboard");
+    await copy(
+        location.href,
+        "the link is in the address line and in the clipboard",
+        "; the link is in the address line",
+    );
 }
 
+/** @throws BrokenLink */
 async function followLink(): Promise<boolean> {
     const linked = await fromFragment(location.hash);
     if (!linked) return false;
+    isLinked = true;
     file = null;
     choice.type = linked.type;
     input.value = typeof linked.data === "string" ? linked.data : toHex(linked.data);
@@ -465,6 +474,7 @@ function listen(): void {
     input.addEventListener("input", () => {
         file = null;
         forgetLink();
+        saveSoon();
         readSoon();
     });
     useSchema.addEventListener("change", () => {
@@ -485,7 +495,8 @@ function listen(): void {
     });
     byId("help").addEventListener("click", () => byId<HTMLDialogElement>("keys").showModal());
     byId("copy-link").addEventListener("click", () => void copyLink());
-    window.addEventListener("hashchange", () => void followLink());
+    window.addEventListener("hashchange", () => followLink().catch((error: Error) => tell(error.message, true)));
+    for (const leaving of ["pagehide", "visibilitychange"]) window.addEventListener(leaving, saveSoon.flush);
     acceptFiles((next) => void openFile(next));
     listenToKeys({
         "/": () => picker.focus(),
@@ -517,7 +528,13 @@ export async function start(): Promise<void> {
     useSchema.checked = saved.useSchema ?? false;
     showInput("message");
     showResult("value");
-    if (await followLink()) return;
+    let broken: Error | null = null;
+    const isFollowed = await followLink().catch((error: Error) => {
+        broken = error;
+        return false;
+    });
+    if (isFollowed) return;
     input.value = saved.text ?? EXAMPLES[0].text;
     await refresh();
+    if (broken) tell((broken as Error).message, true);
 }

@@ -39,7 +39,12 @@ export async function toFragment({ type, rules, data, schema }: Linked): Promise
     return `#${parts}`;
 }
 
-/** Null if the fragment is none of ours or is broken. */
+export class BrokenLink extends Error {}
+
+/**
+ * Null if the fragment is none of ours.
+ * @throws BrokenLink
+ */
 export async function fromFragment(fragment: string): Promise<Linked | null> {
     const parts = new URLSearchParams(fragment.replace(/^#/, ""));
     const bytes = parts.get("m");
@@ -55,6 +60,6 @@ export async function fromFragment(fragment: string): Promise<Linked | null> {
             ...(schema === null ? {} : { schema: await unpacked(schema) }),
         };
     } catch {
-        return null;
+        throw new BrokenLink("the link is broken: a part of it is missing, perhaps");
     }
 }

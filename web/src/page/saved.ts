@@ -16,16 +16,18 @@ const LONGEST = 1_500_000;
 
 export function loadSaved(): Partial<Saved> {
     try {
-        return JSON.parse(localStorage.getItem(KEY) ?? "{}") as Partial<Saved>;
+        return (JSON.parse(localStorage.getItem(KEY) ?? "{}") as Partial<Saved> | null) ?? {};
     } catch {
         return {};
     }
 }
 
-export function save(state: Saved): void {
+/** What is not given stays as it was. */
+export function save(changed: Partial<Saved>): void {
     try {
-        const text = state.text.length > LONGEST ? "" : state.text;
-        localStorage.setItem(KEY, JSON.stringify({ ...state, text }));
+        const state = { ...loadSaved(), ...changed };
+        if ((state.text ?? "").length > LONGEST) state.text = "";
+        localStorage.setItem(KEY, JSON.stringify(state));
     } catch {
         // Full, or forbidden: the page works without.
     }

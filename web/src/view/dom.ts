@@ -34,11 +34,27 @@ export function scrollWithin(host: HTMLElement, element: Element | null | undefi
     else if (bottom > outside.bottom) host.scrollTop += bottom - outside.bottom;
 }
 
+export interface Debounced {
+    (): void;
+    /** Does what waits at once. */
+    flush(): void;
+}
+
 /** Calls `work` once, when there was no call for `milliseconds`. */
-export function debounced(milliseconds: number, work: () => void): () => void {
+export function debounced(milliseconds: number, work: () => void): Debounced {
     let timer = 0;
-    return () => {
-        clearTimeout(timer);
-        timer = window.setTimeout(work, milliseconds);
+    const done = () => {
+        timer = 0;
+        work();
     };
+    const call = () => {
+        clearTimeout(timer);
+        timer = window.setTimeout(done, milliseconds);
+    };
+    const flush = () => {
+        if (timer === 0) return;
+        clearTimeout(timer);
+        done();
+    };
+    return Object.assign(call, { flush });
 }
