@@ -6,7 +6,7 @@ import { BrokenLink, fromFragment, toFragment } from "../src/page/link";
 import { InputError, readBytes, toHex } from "../src/input/bytes";
 import { textRules } from "../src/input/rules";
 import { undump } from "../src/input/dump";
-import { isLog, readEntry, splitLines } from "../src/input/lines";
+import { isLog, onlyMessage, readEntry, splitLines } from "../src/input/lines";
 
 test("bytes in all forms that people paste", () => {
     const rows: [text: string, hex: string | { at: number }][] = [
@@ -47,7 +47,8 @@ test("what a text is, and the lines of a log", () => {
         ["# a note"],
         [" "],
         ["12.5 0011", "0011", 12_500],
-        ["2026-03-01T10:00:00.250Z, 0011", "0011", Date.UTC(2026, 2, 1, 10, 0, 0, 250)],
+        ["[2026-03-01 10:00:00,250] 0011", "0011", Date.UTC(2026, 2, 1, 10, 0, 0, 250)],
+        ["2026-03-01T11:00:00.250+01:00, 0011", "0011", Date.UTC(2026, 2, 1, 10, 0, 0, 250)],
         ["1700000000123 0011", "0011", 1_700_000_000_123],
         ["1700000000123", "1700000000123"], // nothing but digits is the message
     ];
@@ -55,6 +56,7 @@ test("what a text is, and the lines of a log", () => {
         const entry = readEntry(line);
         assert.deepEqual([entry?.message, entry?.time], [message, time], line);
     }
+    assert.equal(onlyMessage("# a note\n\n12.5 <A>\n# text\n</A>"), "<A>\n# text\n</A>");
 });
 
 test("dumps", () => {
@@ -68,6 +70,8 @@ test("dumps", () => {
             "02020000 03e96b6c 405a997d e22e3211 61",
         ],
         ["0000   61 62 63   abc", "616263"],
+        ["0000 1425 0300", null], // the octets themselves
+        ["0000000 0202 0000 03e9\n0000006\n", null], // words, of whichever order
         ["0000 0102\n0001 03", null],
         ["02020000\n03e9", null],
         ["0202", null],

@@ -115,8 +115,8 @@ export function typeOfText(text: string): string | null {
     for (const [, quoted, tag, plain] of start.matchAll(
         /"([\w-]+)"\s*:|<([\w-]+)>|[{,\s]([a-z][\w-]*)\s*(?=[\s:{])/g,
     )) {
-        const type = BY_NAME[quoted ?? tag ?? plain];
-        if (type) return type;
+        const name = quoted ?? tag ?? plain;
+        if (Object.hasOwn(BY_NAME, name)) return BY_NAME[name];
     }
     return null;
 }

@@ -69,8 +69,13 @@ export function freshValue(codec: Codec, type: TypeInfo): Value {
     const value = minimalValue(type);
     if (!type.name) return value;
     try {
-        return codec.check(type.name, value) ? codec.random(type.name) : value;
+        if (codec.check(type.name, value) === null) return value;
     } catch {
+        // It cannot even be tried.
+    }
+    try {
         return codec.random(type.name);
+    } catch {
+        return value; // what it lacks, encoding tells
     }
 }

@@ -15,17 +15,20 @@ export interface Entry {
     time?: number;
 }
 
-const ISO = /^\[?(\d{4}-\d\d-\d\d[T ]\d\d:\d\d:\d\d(?:[.,]\d+)?(?:Z|[+-]\d\d:?\d\d)?)\]?[\s,;]+(?=\S)/;
+const ISO = /^\[?(\d{4}-\d\d-\d\d[T ]\d\d:\d\d:\d\d(?:[.,]\d+)?)(Z|[+-]\d\d:?\d\d)?\]?[\s,;]+(?=\S)/;
 // Seconds or milliseconds since 1970 or since the start; digits alone could be the message, so a fraction is asked for.
 const SECONDS = /^\[?(\d+\.\d+)\]?[\s,;]+(?=\S)/;
 const MILLISECONDS = /^\[?(\d{13})\]?[\s,;]+(?=\S)/;
 
+const isNote = (line: string) => line.trim() === "" || line.trimStart().startsWith("#");
+
 export function readEntry(line: string): Entry | null {
+    if (isNote(line)) return null;
     const text = line.trim();
-    if (text === "" || text.startsWith("#")) return null;
     const iso = ISO.exec(text);
     if (iso) {
-        const time = Date.parse(iso[1].replace(" ", "T").replace(",", "."));
+        // Without a zone the clock is the log's own, and is shown as it stands there.
+        const time = Date.parse(iso[1].replace(" ", "T").replace(",", ".") + (iso[2] ?? "Z"));
         return { message: text.slice(iso[0].length), ...(Number.isNaN(time) ? {} : { time }) };
     }
     const seconds = SECONDS.exec(text);
@@ -57,6 +60,15 @@ export function splitLines(piece: Uint8Array, isLast: boolean): { lines: Line[];
     return { lines, rest: piece.length - start };
 }
 
+/** The message of a text that is no log: without the notes and the time before it. */
+export function onlyMessage(text: string): string {
+    const lines = text.split("\n");
+    const start = lines.findIndex((line) => !isNote(line));
+    if (start < 0) return "";
+    const first = readEntry(lines[start])?.message ?? "";
+    return [first, ...lines.slice(start + 1)].join("\n");
+}
+
 const WHOLE_TEXT = /^(\{.*\}|\[.*\]|<([^\s/>]+).*(<\/\2>|\/>))$/;
 
 /**
@@ -66,8 +78,8 @@ const WHOLE_TEXT = /^(\{.*\}|\[.*\]|<([^\s/>]+).*(<\/\2>|\/>))$/;
 export function isLog(text: string): boolean {
     const lines = text
         .split("\n", 1000)
-        .map((line) => line.trim())
-        .filter((line) => line !== "" && !line.startsWith("#"));
+        .filter((line) => !isNote(line))
+        .map((line) => line.trim());
     if (lines.length < 2) return false;
     if (/^[<{[]/.test(lines[0])) return WHOLE_TEXT.test(lines[0]) && WHOLE_TEXT.test(lines[1]);
     const body = lines.slice(0, -1).map((line) => line.length);

@@ -174,6 +174,7 @@ function listen(
         dragged = 0;
     });
     root.addEventListener("pointermove", (event) => {
+        if (event.buttons === 0) fingers.delete(event.pointerId); // it was let go outside
         const before = fingers.get(event.pointerId);
         if (!before) return;
         const now = localPoint(root, event);

@@ -14,7 +14,7 @@ import {
 import { isText, REGIONS, RULE_NAMES, RULES } from "../codec/types";
 import { formOf, toBase64, toHex } from "../input/bytes";
 import { undump } from "../input/dump";
-import { isLog, readEntry } from "../input/lines";
+import { isLog, onlyMessage, readEntry } from "../input/lines";
 import { textRules } from "../input/rules";
 import { LARGEST_LOG, Log } from "../log/log";
 import { createSchemaTab, FILE, FIRST_SCHEMA } from "../schema/tab";
@@ -66,6 +66,7 @@ let engineStarted: Promise<Engine> | null = null;
 const engine = () => (engineStarted ??= startEngine());
 
 const input = byId<HTMLTextAreaElement>("input");
+const { placeholder } = input;
 const rules = byId<HTMLSelectElement>("rules");
 const useSchema = byId<HTMLInputElement>("use-schema");
 
@@ -219,11 +220,12 @@ async function refresh(): Promise<void> {
     edits.clear();
     selected = 0;
     byId("progress").hidden = true;
+    input.placeholder = file ? `${file.name}, ${(file.size / 1e6).toFixed(1)} MB` : placeholder;
     const dumped = undump(input.value);
     const isMany = file !== null || (dumped === null && isLog(input.value));
     byId("list").hidden = !isMany;
     if (isMany) startLog(file ?? new Blob([input.value]));
-    else await showText(dumped ?? readEntry(input.value)?.message ?? input.value);
+    else await showText(dumped ?? onlyMessage(input.value));
 }
 
 // ---- logs --------------------------------------------------------------------------------------------------------
@@ -302,7 +304,6 @@ async function openFile(next: File): Promise<void> {
     } else {
         file = next;
         input.value = "";
-        input.placeholder = `${next.name}, ${(next.size / 1e6).toFixed(1)} MB`;
     }
     await refresh();
 }
@@ -451,10 +452,10 @@ function fillExamples(): void {
     examples.addEventListener("change", () => {
         const { value } = examples;
         examples.value = "";
+        if (value !== RANDOM) useSchema.checked = false;
         showInput("message");
-        if (value === RANDOM) return void showRandom();
-        useSchema.checked = false;
-        setText(EXAMPLES[Number(value)].text, { type: AUTO, rules: "auto" });
+        if (value === RANDOM) void showRandom();
+        else setText(EXAMPLES[Number(value)].text, { type: AUTO, rules: "auto" });
     });
 }
 
@@ -497,7 +498,7 @@ function listen(): void {
     byId("copy-link").addEventListener("click", () => void copyLink());
     window.addEventListener("hashchange", () => followLink().catch((error: Error) => tell(error.message, true)));
     for (const leaving of ["pagehide", "visibilitychange"]) window.addEventListener(leaving, saveSoon.flush);
-    acceptFiles((next) => void openFile(next));
+    acceptFiles((next) => openFile(next).catch((error: Error) => tell(`${next.name}: ${error.message}`, true)));
     listenToKeys({
         "/": () => picker.focus(),
         "?": () => byId<HTMLDialogElement>("keys").showModal(),

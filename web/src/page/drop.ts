@@ -29,9 +29,15 @@ export function acceptFiles(onFile: (file: File) => void): void {
     });
 }
 
-const TEXT_BYTES = (byte: number) => byte === 9 || byte === 10 || byte === 13 || (byte >= 32 && byte !== 127);
+const isOfText = (byte: number) => byte === 9 || byte === 10 || byte === 13 || (byte >= 32 && byte !== 127);
 
 /** Whether a file is text, by its beginning. */
 export async function looksLikeText(file: Blob): Promise<boolean> {
-    return new Uint8Array(await file.slice(0, 4096).arrayBuffer()).every(TEXT_BYTES);
+    const start = new Uint8Array(await file.slice(0, 4096).arrayBuffer());
+    try {
+        new TextDecoder("utf-8", { fatal: true }).decode(start, { stream: true }); // the last character may be cut
+    } catch {
+        return false;
+    }
+    return start.every(isOfText);
 }

@@ -120,7 +120,7 @@ export function createInspector(events: InspectorEvents): Inspector {
             showSides(isTextual);
             outline = isTextual && isText(rules) ? outlineOf(data, rules) : null;
             if (typeof data === "string") text.show(data, error && error.line > 0 ? { line: error.line } : null);
-            else hex.show(data, reading.runs, error ? error.bit : null);
+            else hex.show(data, reading.runs, error && error.bit >= 0 ? error.bit : null);
             showRun(RUN_HINT, "");
             note.hidden = !error;
             if (error) {

@@ -44,7 +44,7 @@ export function createPicker(input: HTMLInputElement, list: HTMLElement, events:
     function pick(name: string): void {
         current = name;
         if (name === AUTO) found = null;
-        close();
+        input.blur();
         events.onPick(name);
     }
 
@@ -82,10 +82,7 @@ export function createPicker(input: HTMLInputElement, list: HTMLElement, events:
                     h("span", { class: "region" }, region),
                     rest,
                 );
-                option.addEventListener("pointerdown", (event) => {
-                    event.preventDefault();
-                    pick(name);
-                });
+                option.addEventListener("click", () => pick(name));
                 return option;
             }),
         );
@@ -100,6 +97,7 @@ export function createPicker(input: HTMLInputElement, list: HTMLElement, events:
     });
     input.addEventListener("input", () => void open());
     input.addEventListener("blur", close);
+    list.addEventListener("mousedown", (event) => event.preventDefault()); // the field keeps the focus, and the list
     input.addEventListener("keydown", (event) => {
         const step = { ArrowDown: 1, ArrowUp: -1 }[event.key];
         if (step !== undefined) {
@@ -109,7 +107,6 @@ export function createPicker(input: HTMLInputElement, list: HTMLElement, events:
             paint();
         } else if (event.key === "Enter" && !list.hidden && names[active]) {
             pick(names[active]);
-            input.blur();
         } else if (event.key === "Escape") input.blur();
     });
 
