@@ -106,6 +106,15 @@ test("the first message: found by itself, light in weight, lit both ways", async
     assert.deepEqual(sets, ["eu.wasm"], "the set of the message alone");
     await settled(page, `${CAM} · UPER`);
 
+    await page.focus("#type");
+    await page.keyboard.type("psm");
+    await page.waitForFunction(
+        () => document.querySelector("#type-list [aria-selected=true]")?.textContent === "USPersonalSafetyMessage",
+        PATIENCE,
+    );
+    await page.keyboard.press("Escape");
+    assert.equal(await page.$eval("#type", ({ value }) => value), CAM);
+
     await page.hover(`${row(STATION)} .name`);
     assert.deepEqual(await litOctets(page), [2, 3, 4, 5]);
     await page.hover("#hex .octet[data-octet='4']");
@@ -254,9 +263,9 @@ test("a schema of one's own", async () => {
     await shoot(page, "4-schema-error");
 
     await write(
-        "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nA ::= SEQUENCE { a INTEGER (0..7), b Colour, r REAL OPTIONAL }\nColour ::= ENUMERATED { red, green }\nEND\n",
+        "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nA ::= SEQUENCE { a INTEGER (0..7), b Colour, r REAL OPTIONAL }\nColour ::= ENUMERATED { red, green }\nMuch ::= SEQUENCE (SIZE (60000)) OF SEQUENCE (SIZE (60000)) OF SEQUENCE { x INTEGER (1) }\nEND\n",
     );
-    await page.waitForFunction(() => document.querySelector("#problems").textContent.includes("2 types"), PATIENCE);
+    await page.waitForFunction(() => document.querySelector("#problems").textContent.includes("3 types"), PATIENCE);
     await page.click("#use-schema");
     await page.click("#tab-message");
     await type(page, "58");
@@ -266,6 +275,27 @@ test("a schema of one's own", async () => {
         ["5", "green"],
     );
     await shoot(page, "5-schema-used");
+
+    // A type that one octet fills the memory by: the library says so, and the next message is read.
+    const choose = async (name) => {
+        await page.focus("#type");
+        await page.keyboard.type(name);
+        await page.waitForFunction(
+            (wanted) => document.querySelector("#type-list [aria-selected=true]")?.textContent === wanted,
+            PATIENCE,
+            name,
+        );
+        await page.keyboard.press("Enter");
+    };
+    await choose("Much");
+    await page.waitForFunction(
+        () => /not enough memory/.test(document.querySelector("#value-note").textContent),
+        PATIENCE,
+    );
+    await shoot(page, "13-memory");
+    await choose("A");
+    await settled(page, "A · UPER · 1 octet");
+    assert.equal(await textOf(page, `${row("a")} .value`), "5");
 
     await page.select("#examples", "random");
     await page.waitForFunction(() => document.querySelector("#input").value !== "58", PATIENCE);

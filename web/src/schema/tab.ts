@@ -7,8 +7,8 @@ import type { SchemaEditor } from "./editor";
 
 export const FILE = "schema.asn1";
 
-export const FIRST_SCHEMA = `-- A message of your own. What you type compiles at once; its types
--- take the place of the message sets' while "use" is ticked.
+export const FIRST_SCHEMA = `-- A message of your own. It compiles as you type; tick "use the
+-- schema" to read messages as its types.
 Sensors DEFINITIONS AUTOMATIC TAGS ::= BEGIN
 
 Reading ::= SEQUENCE {

@@ -184,13 +184,10 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             render();
             focusRow(children[most].path);
         };
-        into.push(
-            h(
-                "div",
-                { class: "row more" },
-                h("button", { class: "link", click: showAll }, `${children.length - most} more`),
-            ),
-        );
+        const button = h("button", { class: "link", click: showAll }, `${children.length - most} more`);
+        const more = h("div", { class: "row" }, h("span", { class: "twisty" }), button);
+        more.style.setProperty("--depth", String(node.depth + 1));
+        into.push(more);
     }
 
     /** An error at a component that could not be read has a row of its own, behind what there is of its parent. */

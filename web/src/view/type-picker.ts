@@ -19,9 +19,19 @@ export interface Picker {
 const MOST_SHOWN = 60;
 const AUTO_TEXT = "found by itself";
 
-function rank({ name, isRoot }: TypeEntry, pattern: string): number {
-    const last = name.slice(name.lastIndexOf(".") + 1).toLowerCase();
-    if (last === pattern || name.toLowerCase() === pattern) return 0;
+const lastName = (name: string) => name.slice(name.lastIndexOf(".") + 1);
+
+/** BSM of BasicSafetyMessage: what people call it. */
+const initials = (name: string) =>
+    lastName(name)
+        .replace(/[^A-Z]/g, "")
+        .toLowerCase();
+
+/** The place in the list by how well a type fits the pattern; null if it does not. */
+function rank({ name, isRoot }: TypeEntry, pattern: string): number | null {
+    const last = lastName(name).toLowerCase();
+    if (pattern !== "" && [last, name.toLowerCase(), initials(name)].includes(pattern)) return 0;
+    if (!name.toLowerCase().includes(pattern)) return null;
     if (/MessageFrame$/.test(name)) return 1;
     const starts = last.startsWith(pattern) ? 0 : 1;
     return (isRoot ? 2 : 4) + starts;
@@ -65,13 +75,10 @@ export function createPicker(input: HTMLInputElement, list: HTMLElement, events:
         if (list.hidden) return;
         const pattern = input.value === label() ? "" : input.value.trim().toLowerCase();
         const hits = all
-            .filter(({ name }) => name.toLowerCase().includes(pattern))
-            .map((entry) => ({ entry, at: rank(entry, pattern) }))
-            .sort(
-                (a, b) =>
-                    a.at - b.at || a.entry.name.length - b.entry.name.length || (a.entry.name < b.entry.name ? -1 : 1),
-            );
-        names = [AUTO, ...hits.slice(0, MOST_SHOWN).map(({ entry }) => entry.name)];
+            .map((entry) => ({ name: entry.name, at: rank(entry, pattern) }))
+            .filter((hit): hit is { name: string; at: number } => hit.at !== null)
+            .sort((a, b) => a.at - b.at || a.name.length - b.name.length || (a.name < b.name ? -1 : 1));
+        names = [AUTO, ...hits.slice(0, MOST_SHOWN).map(({ name }) => name)];
         active = pattern !== "" && names.length > 1 ? 1 : 0;
         list.replaceChildren(
             ...names.map((name, i) => {
@@ -88,6 +95,7 @@ export function createPicker(input: HTMLInputElement, list: HTMLElement, events:
         );
         if (hits.length > MOST_SHOWN)
             list.append(h("li", { class: "more" }, `… ${hits.length - MOST_SHOWN} more: type to narrow`));
+        if (hits.length === 0) list.append(h("li", { class: "more" }, "no type has this in its name"));
         paint();
     }
 
