@@ -274,6 +274,7 @@ async function select(index: number): Promise<void> {
         // The file is gone or has changed, or the line is none that could be a message.
         reading = null;
         inspector.clear();
+        mapPane.showLog(log, selected, false);
         tell((error as Error).message, true);
     }
 }

@@ -54,6 +54,7 @@ export function createSchemaTab(
 ): SchemaTab {
     let text = initial;
     let editor: SchemaEditor | null = null;
+    let opening: Promise<void> | null = null;
     let schema: Schema | null = null;
     let run = 0;
 
@@ -105,6 +106,13 @@ export function createSchemaTab(
         compileSoon();
     };
 
+    async function load(): Promise<void> {
+        const { createEditor } = await import("./editor");
+        host.replaceChildren();
+        editor = createEditor(host, text, typed);
+        await compileNow();
+    }
+
     return {
         text: () => text,
         setText(next) {
@@ -113,13 +121,13 @@ export function createSchemaTab(
         },
         compileNow,
         async open() {
-            if (!editor) {
-                const { createEditor } = await import("./editor");
-                host.replaceChildren();
-                editor = createEditor(host, text, typed);
-                await compileNow();
+            try {
+                await (opening ??= load());
+                editor?.focus();
+            } catch (error) {
+                opening = null; // to be tried again
+                host.replaceChildren(h("p", { class: "hint" }, (error as Error).message));
             }
-            editor.focus();
         },
     };
 }

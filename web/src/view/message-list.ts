@@ -32,6 +32,7 @@ export function createList(host: HTMLElement, onPick: (index: number) => void): 
             "div",
             {
                 class: `message${index === current ? " current" : ""}${error ? " bad" : ""}`,
+                id: `message-${index}`,
                 role: "option",
                 "aria-selected": String(index === current),
                 title: error,
@@ -54,6 +55,7 @@ export function createList(host: HTMLElement, onPick: (index: number) => void): 
         const next = `${first} ${last} ${current}`;
         if (next === drawn) return;
         drawn = next;
+        host.setAttribute("aria-activedescendant", `message-${current}`);
         inner.replaceChildren(...Array.from({ length: Math.max(last - first, 0) }, (_, i) => row(first + i)));
     }
 
