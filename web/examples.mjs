@@ -59,26 +59,13 @@ function xyNodes(points) {
     return { nodes };
 }
 
-const VEHICLES = { sharedWith: "0000", laneType: { vehicle: "00" } };
-
-function laneTypes() {
-    const bits = (type, name) => (type.alternatives ?? []).find((one) => one.name === name).type;
-    const attributes = orlenta.type("EU.GenericLane").components.find(({ name }) => name === "laneAttributes").type;
-    const laneType = attributes.components.find(({ name }) => name === "laneType").type;
-    const none = ({ lower, upper, isExtensible }) => {
-        const value = "00".repeat(Math.ceil(lower / 8));
-        return lower === upper && !isExtensible ? value : { value, length: lower };
-    };
-    return Object.fromEntries(
-        ["vehicle", "bikeLane", "crosswalk"].map((name) => [name, { [name]: none(bits(laneType, name)) }]),
-    );
-}
-const TYPES = laneTypes();
+// No attribute is set.
+const LANE_TYPES = { vehicle: { value: "00", length: 8 }, bikeLane: "0000", crosswalk: "0000" };
 
 function lane(arm, name, points, use, type, connectsTo) {
     return {
         laneID: laneId(arm, name),
-        laneAttributes: { ...VEHICLES, directionalUse: use, laneType: TYPES[type] },
+        laneAttributes: { sharedWith: "0000", directionalUse: use, laneType: { [type]: LANE_TYPES[type] } },
         nodeList: xyNodes(points),
         ...(connectsTo ? { connectsTo } : {}),
     };
@@ -159,6 +146,14 @@ const place = (crossing, { x, y }) => ({
     lon: crossing.lon + x / (METRES * Math.cos(radians(crossing.lat))),
 });
 
+/** From one place to another, in units of 10^-7 degrees. */
+const offset = (from, to) => ({ lat: units(to.lat - from.lat), lon: units(to.lon - from.lon) });
+
+function pathPoint(from, to) {
+    const { lat, lon } = offset(from, to);
+    return { pathPosition: { deltaLatitude: lat, deltaLongitude: lon, deltaAltitude: 0 } };
+}
+
 /** Comes along one arm and leaves by another; metres behind the stop line at each half second. */
 function journey(from, lane, toArm, distances) {
     const entry = onArm(from, 15, lane);
@@ -236,14 +231,7 @@ function camOf({ id, type, speed, length, width, way }, i, withHistory) {
     const history = [];
     for (let back = i - 2; back >= 0 && history.length < 8; back -= 2) {
         const there = place(CROSSING_EU, way[back]);
-        history.push({
-            pathPosition: {
-                deltaLatitude: units(there.lat - last.lat),
-                deltaLongitude: units(there.lon - last.lon),
-                deltaAltitude: 0,
-            },
-            pathDeltaTime: 100,
-        });
+        history.push({ ...pathPoint(last, there), pathDeltaTime: 100 });
         last = there;
     }
     return {
@@ -307,14 +295,7 @@ const denm = {
                         CROSSING_EU,
                         i === 0 ? onLane(WEST, 66, EGRESS - 4) : onLane(WEST, all[i - 1], EGRESS),
                     );
-                    const there = place(CROSSING_EU, onLane(WEST, along, EGRESS));
-                    return {
-                        pathPosition: {
-                            deltaLatitude: units(there.lat - from.lat),
-                            deltaLongitude: units(there.lon - from.lon),
-                            deltaAltitude: 0,
-                        },
-                    };
+                    return pathPoint(from, place(CROSSING_EU, onLane(WEST, along, EGRESS)));
                 }),
             ],
         },
@@ -346,13 +327,8 @@ const CROSSING_US = { lat: 42.28085, lon: -83.7432 };
 function bsmUs() {
     const at = place(CROSSING_US, onArm(NORTH, 30, RIGHT_LANE));
     const crumb = (metres, i) => {
-        const there = place(CROSSING_US, onArm(NORTH, metres, RIGHT_LANE + i * 0.7));
-        return {
-            latOffset: units(there.lat - at.lat),
-            lonOffset: units(there.lon - at.lon),
-            elevationOffset: 0,
-            timeOffset: 90 * (i + 1),
-        };
+        const { lat, lon } = offset(at, place(CROSSING_US, onArm(NORTH, metres, RIGHT_LANE + i * 0.7)));
+        return { latOffset: lat, lonOffset: lon, elevationOffset: 0, timeOffset: 90 * (i + 1) };
     };
     return {
         messageId: 20,
@@ -402,13 +378,13 @@ const CROSSING_CN = { lat: 39.90872, lon: 116.39751 };
 function mapCn() {
     const id = (arm) => ({ region: 11, id: 200 + arm });
     const middle = { region: 11, id: 100 };
-    const point = (where) => {
-        const there = place(CROSSING_CN, where);
-        const lon = units(there.lon - CROSSING_CN.lon);
-        const lat = units(there.lat - CROSSING_CN.lat);
-        return { posOffset: { offsetLL: { "position-LL4": { lon, lat } } } };
-    };
-    const inbound = (arm, left) => armPoints(arm, left).reverse().map(point);
+    const point = (from, where, form) => ({
+        posOffset: { offsetLL: { [form]: offset(from, place(CROSSING_CN, where)) } },
+    });
+    const inbound = (arm, left) =>
+        armPoints(arm, left)
+            .reverse()
+            .map((where) => point(CROSSING_CN, where, "position-LL4"));
     const link = (arm) => ({
         upstreamNodeId: id(arm),
         linkWidth: 700,
@@ -433,14 +409,7 @@ function mapCn() {
     });
     const outbound = (arm) => {
         const at = place(CROSSING_CN, onArm(arm, 120, 0));
-        const offset = (where) => {
-            const there = place(CROSSING_CN, where);
-            return {
-                posOffset: {
-                    offsetLL: { "position-LL6": { lon: units(there.lon - at.lon), lat: units(there.lat - at.lat) } },
-                },
-            };
-        };
+        const points = armPoints(arm, EGRESS).map((where) => point(at, where, "position-LL6"));
         return {
             name: `arm ${arm + 1}`,
             id: id(arm),
@@ -449,7 +418,7 @@ function mapCn() {
                 {
                     upstreamNodeId: middle,
                     linkWidth: 340,
-                    lanes: [{ laneID: 1, points: armPoints(arm, EGRESS).map(offset) }],
+                    lanes: [{ laneID: 1, points }],
                 },
             ],
         };
