@@ -78,6 +78,8 @@ test("the lines of a component in the text rules", () => {
         ["jer", '{"a": {"b": [1, 2]}}', "a.b[1]", "2"],
         ["xer", "<M><a><x>1</x><x>2</x></a><b/></M>", "a[1]", "<x>2</x>"],
         ["xer", '<?xml version="1.0"?><M><b/></M>', "b", "<b/>"],
+        ["xer", "<M><a><x><b>1</b></x><y><b>2</b></y></a></M>", "a[1].y.b", "<b>2</b>"],
+        ["xer", "<M><open><T><b>1</b></T></open></M>", "open.b", "<b>1</b>"],
         ["gser", '{ a { b 1, c x : "}" }, d { 1, 2 } }', "a.c.x", '"}"'],
         ["gser", "{ a { b 1 }, d { 1, 2 } }", "d[1]", "2"],
     ];

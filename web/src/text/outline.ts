@@ -103,12 +103,22 @@ export function outlineOf(text: string, rules: Rules): Outline {
     }
 }
 
+function partOf(outline: Outline, step: Step): Outline | undefined {
+    const { inside, name } = outline;
+    if (typeof step === "number") return inside[step];
+    const part = inside.find((one) => one.name === step);
+    if (part) return part;
+    // XER has no tags around a CHOICE in a list, and those of the type around the value of an open type.
+    if (name === step) return outline;
+    return inside.length === 1 && /^[A-Z]/.test(inside[0].name ?? "") ? partOf(inside[0], step) : undefined;
+}
+
 /** The innermost part that could be found on the way. */
 export function find(outline: Outline, steps: Step[]): Outline {
     for (const step of steps) {
-        const next = typeof step === "number" ? outline.inside[step] : outline.inside.find(({ name }) => name === step);
-        if (!next) break;
-        outline = next;
+        const part = partOf(outline, step);
+        if (!part) break;
+        outline = part;
     }
     return outline;
 }
