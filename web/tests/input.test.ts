@@ -98,7 +98,7 @@ test("links carry bytes, text and a schema, and tell what is none from what is b
     ];
     for (const row of rows) assert.deepEqual(await fromFragment(await toFragment(row)), row);
     for (const fragment of ["", "#top"]) assert.equal(await fromFragment(fragment), null, fragment);
-    for (const fragment of ["#t=A&x=%%%", "#m=*", "#t=A&x=q1YqSyzKTM"])
+    for (const fragment of ["#t=A&x=%%%", "#m=*", (await toFragment(rows[1])).slice(0, -8)])
         await assert.rejects(fromFragment(fragment), BrokenLink, fragment);
 });
 

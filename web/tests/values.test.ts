@@ -35,6 +35,7 @@ test("what had been read before an error", () => {
     assert.deepEqual(partialValue(runs), { a: { b: [{ c: 1 }, { c: 2 }], d: "x" } });
     assert.equal(partialValue([run("")]), undefined);
     assert.deepEqual(partialValue([run("[0]", 1), run("[1]", 2)]), [1, 2]);
+    assert.deepEqual(partialValue([run("a[2]", 1), run("a[4].b[1]", 2)]), { a: [{}, {}, 1, {}, { b: [{}, 2] }] });
 });
 
 test("smallest values, and values from what is typed", () => {

@@ -64,18 +64,33 @@ export function minimalValue(type: TypeInfo, nested: TypeInfo[] = []): Value {
     }
 }
 
-/** Where a type needs what does not show in it, as open types do, a value that the library makes. */
-export function freshValue(codec: Codec, type: TypeInfo): Value {
+/** What an open type holds hangs on components beside it, which a smallest value cannot know. */
+function holdsOpenType(type: TypeInfo, nested: TypeInfo[] = []): boolean {
+    if (type.kind === "open type") return true;
+    if (nested.includes(type)) return false;
+    const parts = [...(type.components ?? []), ...(type.alternatives ?? [])].map((part) => part.type);
+    return [...parts, ...(type.element ? [type.element] : [])].some((part) => holdsOpenType(part, [...nested, type]));
+}
+
+const MOST_TRIES = 50;
+
+/** What the library makes of a component, in a value of the type that it is of. */
+function sampleOf(codec: Codec, type: string, name: string): Value | undefined {
+    for (let seed = 1; seed <= MOST_TRIES; seed++) {
+        const part = (codec.random(type, seed) as { [name: string]: Value } | null)?.[name];
+        if (part !== undefined) return part;
+    }
+    return undefined;
+}
+
+/** A small value for a part that is added; the library makes it where the smallest one does not do. */
+export function freshValue(codec: Codec, type: TypeInfo, holder?: TypeInfo, name = ""): Value {
     const value = minimalValue(type);
-    if (!type.name) return value;
     try {
-        if (codec.check(type.name, value) === null) return value;
+        if (type.name) return codec.check(type.name, value) ? codec.random(type.name) : value;
+        if (holder?.name && holdsOpenType(type)) return sampleOf(codec, holder.name, name) ?? value;
     } catch {
-        // It cannot even be tried.
+        // What it lacks, encoding tells.
     }
-    try {
-        return codec.random(type.name);
-    } catch {
-        return value; // what it lacks, encoding tells
-    }
+    return value;
 }

@@ -3,7 +3,11 @@
 import type { Bits, Value } from "orlenta";
 import { parsePath, type Step } from "./path";
 
-type Container = Record<Step, Value>;
+/** Elements without values of their own, as empty SEQUENCEs, have no runs; they are there all the same. */
+function reach(container: Value, step: Step): Record<Step, Value> {
+    if (Array.isArray(container)) while (container.length < Number(step)) container.push({});
+    return container as Record<Step, Value>;
+}
 
 export function partialValue(runs: Bits[]): Value | undefined {
     let whole: Value | undefined;
@@ -12,11 +16,13 @@ export function partialValue(runs: Bits[]): Value | undefined {
         const steps = parsePath(run.path);
         const last = steps.pop();
         if (last === undefined) return run.value;
-        let at = (whole ??= (typeof (steps[0] ?? last) === "number" ? [] : {}) as Value) as Container;
+        const containerOf = (step: Step): Value => (typeof step === "number" ? [] : {});
+        let at = (whole ??= containerOf(steps[0] ?? last));
         steps.forEach((step, i) => {
-            at = (at[step] ??= typeof (steps[i + 1] ?? last) === "number" ? [] : {}) as Container;
+            const here = reach(at, step);
+            at = here[step] ??= containerOf(steps[i + 1] ?? last);
         });
-        at[last] = run.value;
+        reach(at, last)[last] = run.value;
     }
     return whole;
 }

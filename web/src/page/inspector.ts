@@ -103,8 +103,15 @@ export function createInspector(events: InspectorEvents): Inspector {
         const shown = value ?? (error && reading.info.components ? {} : undefined);
         if (shown === undefined) return tree.show(null);
         const open = openTypes(reading.codec, reading.runs);
-        const fresh = (type: TypeInfo) => freshValue(reading.codec, type);
-        tree.show({ typeName: reading.type, type: reading.info, value: shown, open, fresh, isEditable, error });
+        tree.show({
+            typeName: reading.type,
+            type: reading.info,
+            value: shown,
+            open,
+            fresh: (type, holder, name) => freshValue(reading.codec, type, holder, name),
+            isEditable,
+            error,
+        });
     }
 
     function showEncoded(reading: Reading): void {

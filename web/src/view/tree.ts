@@ -12,8 +12,8 @@ export interface Shown {
     type: TypeInfo;
     value: Value;
     open: OpenTypes;
-    /** A small value of the type, for parts that are added. */
-    fresh(type: TypeInfo): Value;
+    /** A small value of the type, for parts that are added: for the component of this name of `holder`. */
+    fresh(type: TypeInfo, holder?: TypeInfo, name?: string): Value;
     isEditable: boolean;
     /** Where something is wrong, and what. */
     error?: { path: string; message: string };
@@ -87,7 +87,9 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             const path = joinPath(node.path, (node.value as Value[]).length);
             const grow = () => {
                 opened.add(node.path);
-                change(path, shown?.fresh(element));
+                // An element without a name of its type is made by those there are: open types in it fit then.
+                const [last] = element.name ? [] : (node.value as Value[]).slice(-1);
+                change(path, last ?? shown?.fresh(element));
             };
             return h("button", { class: "act", title: "add an element", tabindex: -1, click: grow }, "+");
         }
@@ -104,7 +106,10 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             const component = absent.find(({ name }) => name === select.value);
             if (!component) return;
             opened.add(node.path);
-            change(joinPath(node.path, component.name), component.default ?? shown?.fresh(component.type));
+            change(
+                joinPath(node.path, component.name),
+                component.default ?? shown?.fresh(component.type, node.type, component.name),
+            );
         });
         return select;
     }
@@ -117,7 +122,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         const select = h("select", { class: "value choice", tabindex: -1, title: "alternative" }, ...options);
         select.addEventListener("change", () => {
             const to = alternatives.find(({ name }) => name === select.value);
-            if (to) change(node.path, { [to.name]: shown?.fresh(to.type) ?? null });
+            if (to) change(node.path, { [to.name]: shown?.fresh(to.type, node.type, to.name) ?? null });
         });
         return select;
     }
