@@ -361,6 +361,13 @@ test("maps: EU, US and CN, and the time of a log", async () => {
     for (const key of ["End", "Backspace", "Backspace", "Backspace", "9", "9", "9", "Enter"])
         await page.keyboard.press(key);
     await settled(page, "changed here, not in the log");
+    // The next message takes the field away, and what was typed for the one before is not for it.
+    await page.click(`${row("cam.camParameters.basicContainer.stationType")} .value`);
+    await page.keyboard.type("9");
+    await at(53);
+    await page.waitForFunction(() => /CAM/.test(document.querySelector("#note").textContent), PATIENCE);
+    assert.equal(await textOf(page, `${row("cam.camParameters.basicContainer.stationType")} .value`), "5");
+    assert.doesNotMatch(await textOf(page, "#note"), /changed here/);
     await page.click("#tab-map");
     await at(56);
     const moved = (await places()).filter((place, i) => place !== old[i]);

@@ -67,8 +67,10 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
         const cell = hit.row.querySelector(".value");
         if (!cell) return;
         const before = [...cell.childNodes];
+        const edited = shown;
         const field = editor(node.type, node.value, {
-            commit: (value) => change(node.path, value),
+            // A field that another message takes away loses the focus, too; what it says is not for that one.
+            commit: (value) => shown === edited && change(node.path, value),
             cancel(isByKey) {
                 cell.replaceChildren(...before);
                 if (isByKey) focusRow(node.path);
