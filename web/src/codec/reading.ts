@@ -77,7 +77,7 @@ function rulesFor(codec: Codec, type: string, data: Uint8Array): BinaryRules {
 
 /**
  * The next message of a log as the one before, if the first octets do not speak against it; null if they do. Whether it
- * is, decoding shows.
+ * is, decoding shows, if all octets are taken.
  */
 export function likeBefore(before: Message, text: string, choice: Choice): Message | null {
     if (typeof before.data === "string" || textRules(text) || before.rules === "ber" || before.rules === "der")

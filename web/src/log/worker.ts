@@ -17,11 +17,16 @@ function decoded({ codec, type, data, rules }: Message): Told {
     return { type, rules, ...aboutValue(codec.decode(type, data, rules)) };
 }
 
+/** What decodes may still be the beginning of another message; encoding it again is the quickest way to tell. */
+function takesAll({ codec, type, data, rules }: Message): boolean {
+    return codec.convert(type, data, rules, rules).length === data.length;
+}
+
 /** As the message before, or else by all means; gives what the next one may be like. */
 async function read(source: Source, text: string, order: Order, before?: Message): Promise<[Told, Message?]> {
     try {
         const alike = before && likeBefore(before, text, order.choice);
-        if (alike) return [decoded(alike), alike];
+        if (alike && takesAll(alike)) return [decoded(alike), alike];
     } catch {
         // It is something else, or broken.
     }

@@ -14,14 +14,18 @@ export interface Mark {
 const MOST_LABELS = 40;
 const KILOMETRES_AN_HOUR = 3.6;
 
-const tip = (top: number) => svg("path", { d: `M0${top}l3.5 4.5h-7Z` });
+/** A disc, drawn out to the north where the heading is known. */
+function disc(radius: number, isHeaded: boolean): SVGElement {
+    const [x, y] = [radius * 0.83, -radius * 0.56]; // where the point leaves the disc
+    const d = `M0 ${-2.2 * radius}L${x} ${y}A${radius} ${radius} 0 1 1 ${-x} ${y}Z`;
+    return isHeaded ? svg("path", { d }) : svg("circle", { r: radius });
+}
 
-/** A shape points north where the heading is known, and nowhere else. */
-const SHAPES: Record<Station["kind"], (isHeaded: boolean) => SVGElement[]> = {
-    vehicle: (isHeaded) => [isHeaded ? svg("path", { d: "M0-9L6.5 8 0 4.5-6.5 8Z" }) : svg("circle", { r: 6 })],
-    person: (isHeaded) => [svg("circle", { r: 5.5 }), ...(isHeaded ? [tip(-11)] : [])],
-    roadside: () => [svg("rect", { x: -5.5, y: -5.5, width: 11, height: 11, rx: 2 })],
-    object: (isHeaded) => [svg("circle", { r: 4.5 }), ...(isHeaded ? [tip(-10)] : [])],
+const SHAPES: Record<Station["kind"], (isHeaded: boolean) => SVGElement> = {
+    vehicle: (isHeaded) => (isHeaded ? svg("path", { d: "M0-9L6.5 8 0 4.5-6.5 8Z" }) : disc(6, false)),
+    person: (isHeaded) => disc(5.5, isHeaded),
+    roadside: () => svg("rect", { x: -5.5, y: -5.5, width: 11, height: 11, rx: 2 }),
+    object: (isHeaded) => disc(4.5, isHeaded),
 };
 
 function describe({ label, heading, speed }: Station): string {
@@ -38,7 +42,7 @@ function stationMark(station: Station & Origin, origin: LatLon, isNamed: boolean
         { class: `mark ${station.kind}`, "data-message": station.message, "data-path": station.path },
         svg("title", {}, describe(station)),
         svg("circle", { r: 14, class: "halo" }),
-        svg("g", { transform: turn }, ...SHAPES[station.kind](turn !== undefined)),
+        svg("g", { transform: turn }, SHAPES[station.kind](turn !== undefined)),
     );
     if (isNamed) element.append(svg("text", { x: 12, y: 4 }, station.label));
     return { at: toMetres(station.at, origin), element };
@@ -94,11 +98,11 @@ export function drawTraces(scene: Scene, origin: LatLon): SVGElement[] {
         ...scene.happenings.flatMap(({ traces }) => traces.map((trace) => line(trace, "trace"))),
         ...scene.stations
             .filter(({ history }) => history.length > 0)
-            .map(({ at, history }) => line([at, ...history], "history")),
-        ...scene.stations.flatMap(({ history }) =>
+            .map(({ at, history, kind }) => line([at, ...history], `history ${kind}`)),
+        ...scene.stations.flatMap(({ history, kind }) =>
             history.map((place) => {
                 const { x, y } = toMetres(place, origin);
-                return svg("path", { d: `M${x.toFixed(2)} ${(-y).toFixed(2)}h0`, class: "history-point" });
+                return svg("path", { d: `M${x.toFixed(2)} ${(-y).toFixed(2)}h0`, class: `history-point ${kind}` });
             }),
         ),
         ...bodies,
