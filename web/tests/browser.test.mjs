@@ -292,7 +292,7 @@ test("a schema of one's own", async () => {
         () => /not enough memory/.test(document.querySelector("#value-note").textContent),
         PATIENCE,
     );
-    await shoot(page, "13-memory");
+    await shoot(page, "12-memory");
     await choose("A");
     await settled(page, "A · UPER · 1 octet");
     assert.equal(await textOf(page, `${row("a")} .value`), "5");

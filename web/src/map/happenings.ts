@@ -2,7 +2,7 @@
 // What is the matter where: DENM of EU, RSI of CN, roadside alerts of US.
 import type { Value } from "orlenta";
 import type { Features } from "./features";
-import { type LatLon, place, shifted } from "./geo";
+import { type LatLon, place } from "./geo";
 import { list, members, number, quantity, text, type Members } from "./members";
 import { offsetFrom } from "./offsets";
 import { pathHistoryEu } from "./stations";
@@ -53,13 +53,7 @@ export function denm(value: Members, path: string, into: Features): void {
     if (!at) return;
     const cause = number(members(members(situation).eventType).causeCode);
     const label = cause === undefined ? "DENM" : (CAUSES[cause] ?? `cause ${cause}`);
-    const places: LatLon[] = [];
-    let last = at;
-    for (const point of list(members(situation).eventHistory)) {
-        const { deltaLatitude, deltaLongitude } = members(members(point).eventPosition);
-        last = shifted(last, number(deltaLatitude) ?? 0, number(deltaLongitude) ?? 0);
-        places.push(last);
-    }
+    const places = pathHistoryEu(at, members(situation).eventHistory, "eventPosition");
     const { originatingStationID, sequenceNumber } = members(actionID);
     into.happenings.push({
         key: `EU event ${text(originatingStationID)} ${text(sequenceNumber)}`,

@@ -9,11 +9,11 @@ import { offsetFrom } from "./offsets";
 const UNAVAILABLE_DELTA = 131072; // DeltaLatitude, DeltaLongitude of TS 102 894-2
 
 /** Of EU each point is relative to the one before it. */
-export function pathHistoryEu(from: LatLon, history: Value | undefined): LatLon[] {
+export function pathHistoryEu(from: LatLon, history: Value | undefined, position = "pathPosition"): LatLon[] {
     const points: LatLon[] = [];
     let last = from;
     for (const point of list(history)) {
-        const { deltaLatitude, deltaLongitude } = members(members(point).pathPosition);
+        const { deltaLatitude, deltaLongitude } = members(members(point)[position]);
         const latitude = number(deltaLatitude);
         const longitude = number(deltaLongitude);
         if (latitude === undefined || longitude === undefined) break;

@@ -248,7 +248,9 @@ function startLog(blob: Blob): void {
     show();
     mine.start(choice, useSchema.checked ? [{ name: FILE, text: schemaTab.text() }] : undefined, {
         onProgress(octets) {
-            progress.style.setProperty("--done", `${(100 * octets) / Math.max(blob.size, 1)}%`);
+            const done = (100 * octets) / Math.max(blob.size, 1);
+            progress.style.setProperty("--done", `${done}%`);
+            progress.firstElementChild?.setAttribute("aria-valuenow", done.toFixed(0));
             show();
         },
         onDone(error) {

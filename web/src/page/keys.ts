@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Keys that work wherever nothing is being typed.
-export function listenToKeys(keys: Record<string, () => void>): void {
+// Keys that work wherever nothing is being typed. One whose work gives false is left to the browser.
+export function listenToKeys(keys: Record<string, () => unknown>): void {
     document.addEventListener("keydown", (event) => {
         const target = event.target as HTMLElement;
         const isTyping =
@@ -8,8 +8,6 @@ export function listenToKeys(keys: Record<string, () => void>): void {
             (event.key === " " && target.matches("button, summary, input"));
         if (event.defaultPrevented || event.ctrlKey || event.metaKey || event.altKey || isTyping) return;
         const work = keys[event.key];
-        if (!work) return;
-        event.preventDefault();
-        work();
+        if (work && work() !== false) event.preventDefault();
     });
 }

@@ -23,7 +23,8 @@ export interface MapPane {
     /** A message of the log is no longer what it was. */
     changed(message: number): void;
     point(path: string | null): void;
-    togglePlay(): void;
+    /** False if there is no log to play. */
+    togglePlay(): boolean;
 }
 
 const MOST_KEPT = 3000;
@@ -120,10 +121,15 @@ export function createMapPane(events: MapPaneEvents): MapPane {
         play.setAttribute("aria-label", "Play");
     }
 
-    function togglePlay(): void {
-        if (timer !== 0) return stop();
-        if (!log || log.messages.length < 2) return;
-        if (moment >= log.messages.length - 1) events.onMoment(0);
+    function togglePlay(): boolean {
+        if (!log || log.messages.length < 2) return false;
+        if (timer !== 0) stop();
+        else start(log);
+        return true;
+    }
+
+    function start(from: Log): void {
+        if (moment >= from.messages.length - 1) events.onMoment(0);
         play.textContent = "❚❚";
         play.setAttribute("aria-label", "Pause");
         const step = () => {

@@ -2,7 +2,7 @@
 // Input of values without components: a choice where there are names to choose from, a line of text elsewhere.
 import type { TypeInfo, Value } from "orlenta";
 import { h } from "./dom";
-import { boundsText } from "./value-text";
+import { binaryDigits, boundsText } from "./value-text";
 
 const NOT_A_VALUE = Symbol("not a value");
 
@@ -46,17 +46,6 @@ export function valueFrom(text: string, type: TypeInfo): Value | typeof NOT_A_VA
     }
 }
 
-function bitsOf(value: Value, type: TypeInfo): string {
-    const { value: hex, length } =
-        typeof value === "string"
-            ? { value, length: Number(type.lower) }
-            : (value as { value: string; length: number });
-    return [...hex]
-        .map((digit) => Number.parseInt(digit, 16).toString(2).padStart(4, "0"))
-        .join("")
-        .slice(0, length);
-}
-
 export interface Outcome {
     /** Gets values that are of the type. */
     commit(value: Value): void;
@@ -91,7 +80,7 @@ function choice(names: string[], current: string, { commit, cancel }: Outcome): 
 }
 
 function line(type: TypeInfo, value: Value, { commit, cancel }: Outcome): HTMLElement {
-    const text = type.kind === "BIT STRING" ? bitsOf(value, type) : String(value);
+    const text = type.kind === "BIT STRING" ? binaryDigits(value, type) : String(value);
     const input = h("input", { class: "edit", spellcheck: "false", title: boundsText(type), value: text });
     const before = input.value; // a line has no line breaks, the text may have
     if (type.kind === "INTEGER") input.inputMode = type.lower !== undefined && type.lower >= 0 ? "numeric" : "text";

@@ -6,14 +6,21 @@ import { reading } from "orlenta/units";
 const MOST_BITS = 64;
 const LONGEST = 120;
 
-function bitsText(value: Value, type: TypeInfo): string {
-    const [hex, length] =
-        typeof value === "string"
-            ? [value, Number(type.lower ?? value.length * 4)]
-            : [(value as { value: string }).value, (value as { length: number }).length];
-    if (length > MOST_BITS) return `'${hex}'H, ${length} bits`;
-    const bits = [...hex].map((digit) => Number.parseInt(digit, 16).toString(2).padStart(4, "0")).join("");
-    return `'${bits.slice(0, length)}'B`;
+/** A BIT STRING's hexadecimal digits, and how many bits of them count. */
+function bitString(value: Value, { lower }: TypeInfo): { value: string; length: number } {
+    if (typeof value === "string") return { value, length: Number(lower ?? value.length * 4) };
+    return value as { value: string; length: number };
+}
+
+export function binaryDigits(bits: Value, type: TypeInfo): string {
+    const { value, length } = bitString(bits, type);
+    const digits = [...value].map((digit) => Number.parseInt(digit, 16).toString(2).padStart(4, "0"));
+    return digits.join("").slice(0, length);
+}
+
+function bitsText(bits: Value, type: TypeInfo): string {
+    const { value, length } = bitString(bits, type);
+    return length > MOST_BITS ? `'${value}'H, ${length} bits` : `'${binaryDigits(bits, type)}'B`;
 }
 
 export function isContainer(value: Value | undefined, type: TypeInfo | undefined): boolean {
