@@ -393,6 +393,16 @@ test("maps: EU, US and CN, and the time of a log", async () => {
         await page.waitForSelector("#progress", { ...PATIENCE, hidden: true });
         await page.waitForFunction(() => document.querySelector("#moment-text").textContent.includes("of 3"), PATIENCE);
         await at(2);
+        const moments = [];
+        await page.exposeFunction(`moment${name}`, (text) => moments.push(text));
+        await page.evaluate((told) => {
+            const text = document.querySelector("#moment-text");
+            new MutationObserver(() => window[told](text.textContent[0])).observe(text, { childList: true });
+        }, `moment${name}`);
+        await page.click("#play");
+        await page.waitForSelector("#play[aria-label=Pause]", PATIENCE);
+        await page.waitForSelector("#play[aria-label=Play]", PATIENCE);
+        assert.equal(moments.join(""), "123", "from the start, when it was at its end");
         assert.equal(await count(".mark.vehicle"), 1, name);
         assert.ok((await count(".lane")) >= 12 && (await count(".stop.green")) > 0, name);
         await shoot(page, shot);

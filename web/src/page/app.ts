@@ -93,7 +93,7 @@ const mapPane = createMapPane({
         if (log && message !== selected) void select(message).then(() => inspector.reveal(path));
         else inspector.reveal(path);
     },
-    onMoment: (message) => void select(message),
+    onMoment: select,
     async valueAt(message) {
         const value = await readAt(message);
         return value?.value;

@@ -12,7 +12,8 @@ import { byId } from "../view/dom";
 export interface MapPaneEvents {
     /** A message of the log, or 0. */
     onPick(message: number, path: string): void;
-    onMoment(message: number): void;
+    /** Done when the message is shown. */
+    onMoment(message: number): Promise<void>;
     /** Reads a message of the log. */
     valueAt(message: number): Promise<Value | undefined>;
 }
@@ -44,12 +45,14 @@ export function createMapPane(events: MapPaneEvents): MapPane {
     let known = new Map<number, Features>();
     let run = 0;
     let timer = 0;
+    let plays = 0;
+    let isPlaying = false;
     let isFitDue = false;
 
     byId("map-in").addEventListener("click", () => map.zoomBy(1.5));
     byId("map-out").addEventListener("click", () => map.zoomBy(1 / 1.5));
     byId("map-all").addEventListener("click", () => map.fitAll());
-    slider.addEventListener("input", () => events.onMoment(Number(slider.value)));
+    slider.addEventListener("input", () => void goTo(Number(slider.value)));
     play.addEventListener("click", () => togglePlay());
 
     function show(scene: Scene, extent?: LatLon[]): void {
@@ -107,40 +110,46 @@ export function createMapPane(events: MapPaneEvents): MapPane {
         byId("moment-text").textContent = `${moment + 1} of ${count}${clock}`;
     }
 
-    function stepTime(count: number): number {
-        const now = log?.messages[moment]?.time;
-        const next = log?.messages[moment + 1]?.time;
-        const apart = now !== undefined && next !== undefined ? next - now : PLAY_ALL / count;
+    function stepTime({ messages }: Log): number {
+        const now = messages[moment]?.time;
+        const next = messages[moment + 1]?.time;
+        const apart = now !== undefined && next !== undefined ? next - now : PLAY_ALL / messages.length;
         return Math.min(LONGEST_STEP, Math.max(SHORTEST_STEP, apart));
     }
 
+    /** The moment is that one from now on, though its message is still to be read. */
+    function goTo(next: number): Promise<void> {
+        moment = next;
+        return events.onMoment(next);
+    }
+
     function stop(): void {
+        plays++;
         clearTimeout(timer);
-        timer = 0;
+        isPlaying = false;
         play.textContent = "▶";
         play.setAttribute("aria-label", "Play");
     }
 
     function togglePlay(): boolean {
         if (!log || log.messages.length < 2) return false;
-        if (timer !== 0) stop();
+        if (isPlaying) stop();
         else start(log);
         return true;
     }
 
     function start(from: Log): void {
-        if (moment >= from.messages.length - 1) events.onMoment(0);
+        isPlaying = true;
         play.textContent = "❚❚";
         play.setAttribute("aria-label", "Pause");
+        const mine = ++plays;
         const step = () => {
-            const count = log?.messages.length ?? 0;
-            if (moment >= count - 1) return stop();
-            timer = window.setTimeout(() => {
-                events.onMoment(moment + 1);
-                step();
-            }, stepTime(count));
+            if (mine !== plays) return;
+            if (moment >= from.messages.length - 1) return stop();
+            timer = window.setTimeout(() => void goTo(moment + 1).then(step), stepTime(from));
         };
-        step();
+        if (moment >= from.messages.length - 1) void goTo(0).then(step);
+        else step();
     }
 
     return {
