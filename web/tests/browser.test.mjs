@@ -249,6 +249,7 @@ test("a schema of one's own", async () => {
     await page.click("#tab-schema");
     await page.waitForSelector("#editor .cm-content", PATIENCE);
     await page.waitForFunction(() => document.querySelector("#problems").textContent.includes("compiles"), PATIENCE);
+    await page.click("#use-schema");
     const write = async (text) => {
         await page.click("#editor .cm-content");
         await page.keyboard.down("Control");
@@ -261,12 +262,16 @@ test("a schema of one's own", async () => {
     assert.match(await textOf(page, "#problems .wrong"), /^2:\d+ .*Colour/);
     await page.waitForSelector("#editor .cm-lint-marker-error", PATIENCE);
     await shoot(page, "4-schema-error");
+    await settled(page, "the schema does not compile");
+    await page.reload();
+    await settled(page, "the schema does not compile");
+    await page.click("#tab-schema");
+    await page.waitForSelector("#editor .cm-lint-marker-error", PATIENCE);
 
     await write(
         "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\nA ::= SEQUENCE { a INTEGER (0..7), b Colour, r REAL OPTIONAL }\nColour ::= ENUMERATED { red, green }\nMuch ::= SEQUENCE (SIZE (60000)) OF SEQUENCE (SIZE (60000)) OF SEQUENCE { x INTEGER (1) }\nEND\n",
     );
     await page.waitForFunction(() => document.querySelector("#problems").textContent.includes("3 types"), PATIENCE);
-    await page.click("#use-schema");
     await page.click("#tab-message");
     await type(page, "58");
     await settled(page, "A · UPER · 1 octet");

@@ -133,17 +133,27 @@ const schemaTab = createSchemaTab(byId("editor"), byId("problems"), engine, save
     onText: saveSoon,
     onCompiled(next) {
         schema = next;
-        byId("use-schema-label").hidden = next === null && !useSchema.checked;
-        if (useSchema.checked) void refresh();
+        if (!useSchema.checked) return;
+        chooseOwn();
+        void refresh();
     },
 });
 
 // ---- reading -----------------------------------------------------------------------------------------------------
 
+/** A type of the schema, where what was chosen is none. */
+function chooseOwn(): void {
+    const types = schema?.types() ?? [];
+    if (types.length === 0 || types.some(({ name }) => name === choice.type)) return;
+    choice.type = types.find(({ isRoot }) => isRoot)?.name ?? AUTO;
+}
+
 async function source(): Promise<Source> {
-    if (useSchema.checked && !schema) await schemaTab.compileNow();
-    if (useSchema.checked && !schema) throw new Error("the schema does not compile: see its tab");
-    return { engine: await engine(), schema: useSchema.checked ? (schema ?? undefined) : undefined };
+    const started = await engine();
+    if (!useSchema.checked) return { engine: started };
+    const own = await schemaTab.compiled();
+    if (!own) throw new Error("the schema does not compile: see its tab");
+    return { engine: started, schema: own };
 }
 
 /** What must be chosen so that a text is read under these rules: nothing if it shows them, or bytes could not follow. */
@@ -209,10 +219,16 @@ async function showText(text: string, as: Choice = choice): Promise<void> {
     }
 }
 
+/** Whether the schema is used is asked for in its tab, and told everywhere. */
+function showUse(): void {
+    byId("use-schema-label").hidden = byId("pane-schema").hidden && !useSchema.checked;
+}
+
 /** Reads anew what stands in the text field, or the file. */
 async function refresh(): Promise<void> {
     refreshed++;
     saveSoon();
+    showUse();
     picker.show(choice.type, null);
     rules.value = choice.rules;
     log?.stop();
@@ -406,7 +422,7 @@ async function followLink(): Promise<boolean> {
     useSchema.checked = linked.schema !== undefined;
     if (linked.schema !== undefined) {
         schemaTab.setText(linked.schema);
-        schema = await schemaTab.compileNow();
+        await schemaTab.compiled();
     }
     await refresh();
     return true;
@@ -466,7 +482,7 @@ const main = document.querySelector("main") as HTMLElement;
 const showInput = createTabs(["message", "schema"], (name) => {
     byId("pane-message").hidden = name !== "message";
     byId("pane-schema").hidden = name !== "schema";
-    byId("use-schema-label").hidden = name !== "schema" && !useSchema.checked;
+    showUse();
     if (name === "schema") void schemaTab.open();
 });
 const showResult = createTabs(["value", "map", "encodings"], (name) => {
@@ -482,9 +498,8 @@ function listen(): void {
         readSoon();
     });
     useSchema.addEventListener("change", () => {
-        if (useSchema.checked && schema && !schema.types().some(({ name }) => name === choice.type))
-            choice.type = schema.types().find(({ isRoot }) => isRoot)?.name ?? AUTO;
-        else if (!useSchema.checked) choice.type = AUTO;
+        if (useSchema.checked) chooseOwn();
+        else choice.type = AUTO;
         void refresh();
     });
     byId("stop").addEventListener("click", () => {

@@ -34,7 +34,8 @@ export interface SchemaTab {
     open(): Promise<void>;
     text(): string;
     setText(text: string): void;
-    compileNow(): Promise<Schema | null>;
+    /** What the text compiles to; null if it does not. Compiles once for each text. */
+    compiled(): Promise<Schema | null>;
 }
 
 export interface SchemaEvents {
@@ -57,6 +58,8 @@ export function createSchemaTab(
     let opening: Promise<void> | null = null;
     let schema: Schema | null = null;
     let run = 0;
+    /** Of the text as it is. */
+    let current: Promise<Schema | null> | null = null;
 
     function tell(problems: Problem[], summary: string): void {
         editor?.mark(problems);
@@ -75,7 +78,9 @@ export function createSchemaTab(
         problemList.replaceChildren(h("li", { class: "summary" }, summary), ...entries);
     }
 
-    async function compileNow(): Promise<Schema | null> {
+    const compiled = () => (current ??= compile());
+
+    async function compile(): Promise<Schema | null> {
         const mine = ++run;
         try {
             const { orlenta } = await engine();
@@ -98,10 +103,11 @@ export function createSchemaTab(
         return schema;
     }
 
-    const compileSoon = debounced(TYPING_MS, () => void compileNow());
+    const compileSoon = debounced(TYPING_MS, () => void compiled());
     const typed = (next: string) => {
         if (next === text) return;
         text = next;
+        current = null;
         events.onText(text);
         compileSoon();
     };
@@ -110,7 +116,7 @@ export function createSchemaTab(
         const { createEditor } = await import("./editor");
         host.replaceChildren();
         editor = createEditor(host, text, typed);
-        await compileNow();
+        await (current = compile()); // marks the problems
     }
 
     return {
@@ -119,7 +125,7 @@ export function createSchemaTab(
             if (editor) editor.setText(next);
             else typed(next);
         },
-        compileNow,
+        compiled,
         async open() {
             try {
                 await (opening ??= load());
