@@ -162,8 +162,21 @@ test("what is wrong is marked, and the page goes on", async () => {
     await page.reload(); // at once
     await wrongLine(); // nothing typed is lost
     assert.match(await page.$eval("#input", ({ value }) => value), /faster/);
+    await page.evaluate(() => {
+        for (let size = 1 << 23; size > 0; size >>= 1)
+            try {
+                localStorage.setItem(`room${size}`, "x".repeat(size));
+            } catch {
+                // Half of it, then.
+            }
+    });
+    await type(page, `${good}${"00".repeat(5000)}`);
+    await page.waitForSelector("#not-kept:not([hidden])", PATIENCE);
+    await settled(page, CAM);
+    await page.evaluate(() => localStorage.clear());
     await type(page, good);
     await page.waitForSelector(row(SPEED), PATIENCE);
+    await page.waitForSelector("#not-kept[hidden]", PATIENCE);
 });
 
 test("edits: numbers, choices, optional parts and lists, and all encodings follow", async () => {

@@ -80,10 +80,10 @@ function tell(text: string, isWrong = false): void {
 
 /** A link takes the place of what was typed on the screen alone, until it is changed; so does a file. */
 const saveSoon = debounced(SAVING_MS, () => {
-    if (isLinked) return save({ theme, base });
+    if (isLinked) return void save({ theme, base });
     const { type, rules: under } = choice;
     const typed = { type, rules: under, schema: schemaTab.text(), useSchema: useSchema.checked };
-    save({ ...typed, ...(file ? {} : { text: input.value }), theme, base });
+    byId("not-kept").hidden = save({ ...typed, ...(file ? {} : { text: input.value }), theme, base });
 });
 
 // ---- views -------------------------------------------------------------------------------------------------------

@@ -22,13 +22,14 @@ export function loadSaved(): Partial<Saved> {
     }
 }
 
-/** What is not given stays as it was. */
-export function save(changed: Partial<Saved>): void {
+/** What is not given stays as it was. False if the text is too long to be kept, or the store is full or forbidden. */
+export function save(changed: Partial<Saved>): boolean {
     try {
         const state = { ...loadSaved(), ...changed };
-        if ((state.text ?? "").length > LONGEST) state.text = "";
-        localStorage.setItem(KEY, JSON.stringify(state));
+        const isTooLong = (state.text ?? "").length > LONGEST;
+        localStorage.setItem(KEY, JSON.stringify(isTooLong ? { ...state, text: "" } : state));
+        return !isTooLong;
     } catch {
-        // Full, or forbidden: the page works without.
+        return false;
     }
 }
