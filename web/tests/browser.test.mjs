@@ -288,6 +288,8 @@ test("a schema of one's own", async () => {
     await page.click("#tab-message");
     await type(page, "58");
     await settled(page, "A · UPER · 1 octet");
+    const look = await page.$eval("#hex .octet", ({ className }) => className);
+    assert.equal(look, "octet", "values between presence and padding");
     assert.deepEqual(
         await page.$$eval("#tree .row:not([aria-expanded]) .value", (all) => all.map(({ textContent }) => textContent)),
         ["5", "green"],

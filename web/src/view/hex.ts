@@ -54,12 +54,11 @@ export function createHex(host: HTMLElement, events: HexEvents): HexView {
     host.setAttribute("aria-label", "octets: arrows go from one run of bits to the next");
 
     function look(octet: number): string {
-        const first = runAt(runs, octet * 8);
-        const last = runAt(runs, octet * 8 + 7);
         if (errorBit !== null && octet * 8 + 7 >= errorBit)
             return octet * 8 <= errorBit ? "octet at-error" : "octet unread";
-        if (first?.kind === "trailing") return "octet trailing";
-        return first && last && STRUCTURE.has(first.kind) && STRUCTURE.has(last.kind) ? "octet structure" : "octet";
+        const kinds = Array.from({ length: 8 }, (_, bit) => runAt(runs, octet * 8 + bit)?.kind ?? "unknown");
+        if (kinds[0] === "trailing") return "octet trailing";
+        return kinds.every((kind) => STRUCTURE.has(kind)) ? "octet structure" : "octet";
     }
 
     function text(octet: number): string {
