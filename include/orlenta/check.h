@@ -7,7 +7,7 @@
  * permitted alphabets and UTF-8 form. An extension marker switches a range or size test off, but never an
  * alphabet. A set of values or sizes counts by its ends: INTEGER (1|5|9) takes 3. EXCEPT, PATTERN, WITH
  * COMPONENTS and the ranges of a REAL are not in the tables, and so not tested. Nor is whether a mandatory component
- * is there, which memory cannot tell.
+ * is there, which memory cannot tell but in extension additions.
  *
  * orlenta_check looks at the whole message. asn1_check_constraints does not look into open types, but for whether a
  * value is there, nor into CONTAINING strings; and of an ENUMERATED index it catches only what is far out of range:
@@ -32,7 +32,8 @@ ORLENTA_API int asn1_check_constraints(const asn1_type_desc* type, const void* v
 
 /** The same for the value and all that it holds; besides, an ENUMERATED index must be that of an item, and where there is a
  * length, a count or a type there must be something behind the pointer ("no data for a length of 5", "value is missing";
- * of a null `value` too): the encoders take that for granted.
+ * of a null `value` too), and where one component of an extension addition group is present, all its mandatory ones must
+ * be ("extension group component 'x' must be present"): the encoders take that for granted.
  *
  * A typed value of an open type must be of the type that its key selects ("open type does not fit its key"; X.682
  * clause 10) and is checked itself; raw bytes pass. The octets of a string with a CONTAINING constraint (X.682

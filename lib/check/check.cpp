@@ -7,21 +7,43 @@
 
 #include "core/error.hpp"
 #include "core/path.hpp"
+#include "core/presence.hpp"
 
 namespace orlenta::check {
 
+// Encoders write the mandatory members of a group that is there without a look at their presence (X.691 clause 19.9).
+static int check_group(check_state* state, const asn1_field* first, const asn1_field* last,
+                       const void* record) {
+    const asn1_field* missing = nullptr;
+    bool is_present = false;
+    for (const asn1_field* field = first; field <= last; ++field) {
+        bool is_there = is_encoded(field, record);
+        is_present |= is_there;
+        if (!is_there && !missing && field_option(field) == ASN1_OPTION_MANDATORY) missing = field;
+    }
+    if (!is_present || !missing) return 0;
+    return asn1_check_error(state, "extension group component '%s' must be present", field_name(missing));
+}
+
 // A DEFAULT component is always stored, and so always checked.
+static int check_component(check_state* state, const asn1_field* field, const void* record) {
+    if (is_presence_flagged(field) && presence_word(field, record) == 0) return 0;
+    push_name(&state->path, field_name(field));
+    int result = asn1_check_value(state, field_type(field), field_value(field, record));
+    pop(&state->path);
+    return result;
+}
+
 static int check_sequence(check_state* state, const asn1_type_desc* type, const void* record) {
     const asn1_field* field = components(type);
     const asn1_field* end = field + component_count(type);
+    const asn1_field* group = field;
     asn1_parent_frame frame = {state->frames, type, record};
     state->frames = &frame;
     for (; field < end; ++field) {
-        if (is_presence_flagged(field) && presence_word(field, record) == 0) continue;
-        push_name(&state->path, field_name(field));
-        int result = asn1_check_value(state, field_type(field), field_value(field, record));
-        pop(&state->path);
-        if (result < 0) return result;
+        if (opens_group(field)) group = field;
+        if (check_component(state, field, record) < 0) return -1;
+        if (state->is_whole && closes_group(field) && check_group(state, group, field, record) < 0) return -1;
     }
     state->frames = frame.parent;
     return 0;

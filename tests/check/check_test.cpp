@@ -459,6 +459,29 @@ TEST(WholeCheck, TellsWhereNothingIsBehindAPointer) {
     EXPECT_STREQ(error.message, missing);
 }
 
+// Encoders write the mandatory BOOLEAN of kRecord's group whenever the INTEGER before it is there.
+TEST(WholeCheck, TellsOfHalfAGroup) {
+    const int has_h = 56, has_i = 64;
+    for (bool h : {false, true}) {
+        for (bool i : {false, true}) {
+            SCOPED_TRACE(testing::Message() << h << i);
+            alignas(8) uint8_t record[96] = {};
+            record[has_h] = h;
+            record[has_i] = i;
+            const asn1_array records = {record, 1};
+            const asn1_word list[] = {head(ASN1_KIND_SEQUENCE_OF), num(96), ref(kRecord), num(0)};
+            bool fails = h && !i;
+            for (auto* check : {orlenta_check, orlenta_check_values}) {
+                asn1_error error = {};
+                EXPECT_EQ(check(list, &records, &error), fails ? 0 : 1);
+                EXPECT_STREQ(error.message, fails ? "extension group component 'i' must be present" : "");
+                EXPECT_STREQ(error.path, fails ? "[0]" : "");
+            }
+            EXPECT_EQ(asn1_check_constraints(list, &records, nullptr), 1);
+        }
+    }
+}
+
 // Of types that the message sets have not: contents in bits, a string without an alphabet, a CHOICE of nothing but open
 // types, which no valid value ends.
 TEST(WholeCheck, PassesValidValues) {
