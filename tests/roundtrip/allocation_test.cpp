@@ -9,12 +9,14 @@
 #include <orlenta/random.h>
 
 #include <cstdio>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
 #include <tuple>
 
 #include "core/descriptor.hpp"
+#include "tests/per/per_types.hpp"
 #include "tests/roundtrip/rules.hpp"
 #include "tests/roundtrip/values.hpp"
 #include "tests/support/failing_allocator.hpp"
@@ -80,28 +82,36 @@ std::string decode(const Rule& rule, const asn1_type_desc* type, const std::stri
     return "";
 }
 
+struct Failures {
+    uint64_t in_encoding = 0, in_decoding = 0;
+};
+
+void fail_each_way(const Rule& rule, const asn1_type_desc* type, const Sample& sample, Failures* failures) {
+    const std::optional<std::string> whole = encode(rule, type, sample.value.get());
+    ASSERT_TRUE(whole);
+    failures->in_encoding += for_some_failed_allocations(kFailures, [&] {
+        std::optional<std::string> bytes = encode(rule, type, sample.value.get());
+        EXPECT_TRUE(allocator_has_failed() ? !bytes : bytes == whole);
+    });
+    if (sample.has_raw && !rule.takes_raw_back) return;
+    failures->in_decoding += for_some_failed_allocations(kFailures, [&] {
+        // Where a block only shrinks, the decoder does without.
+        std::string message = decode(rule, type, *whole, sample.value.get());
+        EXPECT_TRUE(message.empty() || (allocator_has_failed() && message == "not enough memory")) << message;
+    });
+}
+
 TEST_P(Codecs, TellThatMemoryRanOut) {
     const auto& [rule, region] = GetParam();
-    uint64_t in_encoding = 0, in_decoding = 0;
+    Failures failures;
     for_each_sample(region, [&, rule = rule](const asn1_type_desc* type, const Sample& sample, uint32_t) {
-        const std::optional<std::string> whole = encode(rule, type, sample.value.get());
-        ASSERT_TRUE(whole);
-        in_encoding += for_some_failed_allocations(kFailures, [&] {
-            std::optional<std::string> bytes = encode(rule, type, sample.value.get());
-            EXPECT_TRUE(allocator_has_failed() ? !bytes : bytes == whole);
-        });
-        if (sample.has_raw && !rule.takes_raw_back) return;
-        in_decoding += for_some_failed_allocations(kFailures, [&] {
-            // Where a block only shrinks, the decoder does without.
-            std::string message = decode(rule, type, *whole, sample.value.get());
-            EXPECT_TRUE(message.empty() || (allocator_has_failed() && message == "not enough memory"))
-                << message;
-        });
+        fail_each_way(rule, type, sample, &failures);
     });
-    std::printf("%llu failures in encoding, %llu in decoding\n", static_cast<unsigned long long>(in_encoding),
-                static_cast<unsigned long long>(in_decoding));
-    EXPECT_GT(in_encoding, 5u);
-    EXPECT_GT(in_decoding, 5u);
+    std::printf("%llu failures in encoding, %llu in decoding\n",
+                static_cast<unsigned long long>(failures.in_encoding),
+                static_cast<unsigned long long>(failures.in_decoding));
+    EXPECT_GT(failures.in_encoding, 5u);
+    EXPECT_GT(failures.in_decoding, 5u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rules, Codecs,
@@ -111,6 +121,42 @@ INSTANTIATE_TEST_SUITE_P(Rules, Codecs,
                              return std::string(std::get<0>(info.param).name) + "_" +
                                     std::get<1>(info.param).name;
                          });
+
+// A record that no set has: big numbers with and without bounds, and more components and additions than decoders note on
+// the stack.
+Type wide_record() {
+    static uint32_t limbs[] = {5, 1};
+    static const asn1_integer least = {limbs, 1, 1, 0}, most = {limbs, 2, 2, 0};
+    static std::deque<std::string> names;
+    std::vector<Component> all;
+    for (uint32_t i = 0; i < 140; ++i) {
+        Type type = i % 3 == 0   ? keep({head(ASN1_KIND_INTEGER, kBounds | ASN1_WORD0_BIG, context(i)),
+                                         big(&least), big(&most)})
+                    : i % 3 == 1 ? keep({head(ASN1_KIND_INTEGER, ASN1_WORD0_BIG, context(i))})
+                                 : keep({head(ASN1_KIND_OCTET_STRING, 0, context(i))});
+        bool has_default = i % 3 == 1 && i < 70;
+        all.push_back({type, names.emplace_back("n" + std::to_string(i)).c_str(),
+                       has_default ? kDefault : kOptional, i < 70 ? 0 : ASN1_FIELD_ADDITION,
+                       has_default ? big(&most) : num(0)});
+    }
+    return sequence(all, kExt);
+}
+
+class WideRecord : public testing::TestWithParam<Rule> {};
+
+TEST_P(WideRecord, TellsThatMemoryRanOut) {
+    static const Type type = wide_record();
+    Failures failures;
+    for (uint32_t seed = 1; seed <= 4; ++seed) {
+        Value value(orlenta_random_valid(type, seed), {type});
+        ASSERT_NE(value, nullptr);
+        fail_each_way(GetParam(), type, {std::move(value), false}, &failures);
+    }
+    EXPECT_GT(failures.in_decoding, 40u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rules, WideRecord, testing::ValuesIn(all_rules().begin(), all_rules().end()),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 // A buffer that could not grow is told of at the end.
 TEST(Reports, SayThatTheBufferFailed) {
