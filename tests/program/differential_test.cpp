@@ -622,8 +622,9 @@ TEST_P(Program, ScarceMemory) {
 // A program is made at its first use. Where that fails the walker stands in, and a later use makes it.
 TEST_P(Program, MadeInScarceMemory) {
     uint64_t allocations = 0;
-    for (auto [name, type] : unusual_types()) {
-        SCOPED_TRACE(name);
+    for (const auto& row : unusual_types()) {
+        SCOPED_TRACE(row.first);
+        Type type = row.second;
         Value value(orlenta_random_valid(type, 3), {type});
         Tally tally;
         const Bytes bytes = Subject(GetParam(), type, tally).encode(value.get());
