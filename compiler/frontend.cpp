@@ -2,6 +2,7 @@
 #include "compiler/frontend.hpp"
 
 #include "compiler/resolve/resolve.hpp"
+#include "compiler/syntax/comments.hpp"
 #include "compiler/syntax/lexer.hpp"
 #include "compiler/syntax/parser.hpp"
 
@@ -70,7 +71,11 @@ bool load_schema(const std::vector<SourceText>& sources, const SchemaOptions& op
         size_t errors = diags.errors.size();
         const std::vector<Token>& tokens = ast.files.emplace_back(tokenize(name, source.text, diags));
         bool is_module = starts_module(tokens, diags.errors.size() == errors);
+        size_t first = ast.assignments.size();
         readable &= is_module && parse_file(ast, tokens, diags);
+        const std::vector<std::string_view> lines = lines_of(source.text);
+        for (size_t i = first; i < ast.assignments.size(); i++)
+            ast.assignments[i].about = comment_above(lines, ast.assignments[i].place);
         if (is_module) continue;
         diags.errors.resize(errors);  // of its characters
         error(diags, tokens.front().place, "expected an ASN.1 module, found {}", token_text(tokens.front()));

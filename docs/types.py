@@ -13,13 +13,13 @@ from pathlib import Path
 
 TITLES = {"CN": "China", "EU": "Europe", "US": "United States"}
 # Comments with units and character strings hold no names of types.
-TOKEN = re.compile(r'(--@.*?(?: --|$))|("[^"]*")|(?<![\w-])([A-Z][A-Za-z0-9-]*)', re.M)
+TOKEN = re.compile(r'(^-- .*$|--@.*?(?: --|$))|("[^"]*")|(?<![\w-])([A-Z][A-Za-z0-9-]*)', re.M)
 
 
 def definitions(text):
     """Name -> the text of its definition, in the order of `orlenta show`."""
-    parts = re.split(r"^([A-Z][A-Za-z0-9-]*)(?= ::= )", text, flags=re.M)
-    return {name: name + body.rstrip() for name, body in zip(parts[1::2], parts[2::2])}
+    parts = re.split(r"^((?:-- .*\n)?)([A-Z][A-Za-z0-9-]*)(?= ::= )", text, flags=re.M)
+    return {name: about + name + body.rstrip() for about, name, body in zip(parts[1::3], parts[2::3], parts[3::3])}
 
 
 def link(name, text=None):

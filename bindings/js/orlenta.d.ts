@@ -60,6 +60,8 @@ export interface TypeInfo {
     kind: Kind;
     /** The type's name, if it has one; what type() takes. */
     name?: string;
+    /** What it is, in a sentence or two, if the schema tells. */
+    about?: string;
     /** kind "string": UTF8String, IA5String ... */
     stringType?: string;
     isExtensible: boolean;

@@ -5,6 +5,8 @@
 #include <orlenta/type.h>
 
 #include <algorithm>
+#include <iterator>
+#include <sstream>
 #include <string_view>
 #include <unordered_set>
 
@@ -170,6 +172,25 @@ std::string description(const Table& table) {
     if (!bounds.empty())
         text += has_values ? fmt::format(" ({})", bounds) : fmt::format(" (SIZE({}))", bounds);
     return type.unit ? fmt::format("{}; unit {}", text, type.unit->text) : text;
+}
+
+std::string comment_lines(const std::string& about, std::string_view prefix) {
+    constexpr size_t kWidth = 100;
+    std::string out, line;
+    auto end_line = [&] {
+        while (line.ends_with('\\')) line.pop_back();  // the next line would be joined to this one
+        fmt::format_to(std::back_inserter(out), "{}{}\n", prefix, line);
+        line.clear();
+    };
+    std::istringstream words(about);
+    for (std::string word; words >> word;) {
+        for (std::string_view mark : {"*/", "/*", "??"})
+            for (size_t at = 0; (at = word.find(mark, at)) != std::string::npos;) word.insert(at + 1, 1, ' ');
+        if (!line.empty() && line.size() + 1 + word.size() > kWidth) end_line();
+        line += (line.empty() ? "" : " ") + word;
+    }
+    if (!line.empty()) end_line();
+    return out;
 }
 
 }  // namespace orlentac

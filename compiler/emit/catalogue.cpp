@@ -13,12 +13,22 @@ namespace orlentac {
 
 namespace {
 
+// What a comment may hold and a literal may not.
+std::string escaped(std::string_view text) {
+    std::string out;
+    for (char c : text) {
+        if (c == '"' || c == '\\' || c == '?') out += '\\';
+        out += c;
+    }
+    return out;
+}
+
 // A literal each, so that no digit comes behind the escape of a zero.
 void put_texts(std::string& out, std::string_view texts) {
     out += "static constinit const char texts[] =";
     while (!texts.empty()) {
         size_t size = texts.find('\0') + 1;
-        fmt::format_to(std::back_inserter(out), "\n    \"{}\\0\"", texts.substr(0, size - 1));
+        fmt::format_to(std::back_inserter(out), "\n    \"{}\\0\"", escaped(texts.substr(0, size - 1)));
         texts.remove_prefix(size);
     }
     out += ";\n\n";
@@ -36,8 +46,8 @@ void put_entries(std::string& out, const CatalogueForm& form) {
     if (form.entries.empty()) return;
     out += "static constinit const entry entries[] = {\n";
     for (const orlenta::catalogue::entry& entry : form.entries)
-        fmt::format_to(std::back_inserter(out), "    {{{}, {}, {}, {}, {}}},\n", entry.name, entry.module,
-                       entry.from, entry.word, entry.flags);
+        fmt::format_to(std::back_inserter(out), "    {{{}, {}, {}, {}, {}, {}}},\n", entry.name, entry.module,
+                       entry.about, entry.from, entry.word, entry.flags);
     out += "};\n\n";
 }
 

@@ -95,9 +95,19 @@ void put_keys(Writer& writer, const Table& table) {
 
 // ---- records ----------------------------------------------------------------------------------------------
 
+// What a schema says of a type comes before what the type is.
+void put_comment(Writer& writer, const std::string& about, const std::string& description) {
+    std::string lines = comment_lines(about, " * ") + (description.empty() ? "" : " * " + description + "\n");
+    if (lines.empty()) return;
+    lines[0] = '/';
+    lines.pop_back();
+    put(writer, "{} */\n", lines);
+}
+
 void put_simple(Writer& writer, const Table& table) {
     std::string name = record_name(table);
-    put(writer, "/* {} */\ntypedef {} {};\n", description(table), simple_type(table), name);
+    put_comment(writer, table.about, description(table));
+    put(writer, "typedef {} {};\n", simple_type(table), name);
     if (table.type->kind == Kind::enumerated) put_indices(writer, table, table.type->items);
     // A type that narrows another one shares that one's names.
     if (!table.type->from) put_named_numbers(writer, name, table.type->named_numbers);
@@ -175,7 +185,7 @@ void put_struct(Writer& writer, const Table& table) {
     if (!writer.defined.insert(&table).second) return;
     put_structs_inside(writer, table);
     std::string name = record_name(table);
-    put(writer, "/* {} */\n", description(table));
+    put_comment(writer, table.about, description(table));
     if (table.kind == ASN1_KIND_CHOICE) put_indices(writer, table, table.type->alternatives);
     put_names_in_place(writer, table);
     put_keys(writer, table);
@@ -197,6 +207,7 @@ void put_tagged_name(Writer& writer, const Table& table) {
     if (!writer.defined.insert(&table).second) return;
     const Table& inner = unwrapped(*table.parts[0].table);
     if (inner.kind == ASN1_KIND_TAGGED) put_tagged_name(writer, inner);
+    put_comment(writer, table.about, "");
     put(writer, "typedef {} {};\n", value_type(*table.parts[0].table), record_name(table));
 }
 
@@ -214,8 +225,10 @@ void put_records(Writer& writer) {
     for (const Table* table : tables)
         if (has_record(*table) && table->kind == ASN1_KIND_TAGGED) put_tagged_name(writer, *table);
 
-    for (const Alias& alias : writer.layout.aliases)
+    for (const Alias& alias : writer.layout.aliases) {
+        put_comment(writer, alias.about, "");
         put(writer, "typedef {} asn1_{}_{};\n", record_name(*alias.table), writer.layout.region, alias.name);
+    }
 
     put_section(writer, "records");
     for (const Table* table : tables)

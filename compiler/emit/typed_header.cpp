@@ -181,6 +181,7 @@ void put_named_values(Writer& writer, const std::string& owner, const Table& tab
 
 void put_simple(Writer& writer, const Table& table) {
     std::string name = typed_name(writer.layout, table);
+    put(writer, "{}", comment_lines(table.about, "// "));
     if (table.kind == ASN1_KIND_ENUMERATED) return put_enumeration(writer, name, table.type->items);
     put_bits(writer, name, *table.type);
     put(writer, "using {} = {};  // {}\n", name, typed_simple(writer, table), description(table));
@@ -197,7 +198,7 @@ void put_tagged_name(Writer& writer, const Table& table) {
     if (is_tagged_struct(table) || !writer.defined.insert(&table).second) return;
     const Table& inner = unwrapped(*table.parts[0].table);
     if (inner.kind == ASN1_KIND_TAGGED) put_tagged_name(writer, inner);
-    put(writer, "using {} = {};\n", typed_name(writer.layout, table),
+    put(writer, "{}using {} = {};\n", comment_lines(table.about, "// "), typed_name(writer.layout, table),
         typed_value(writer, *table.parts[0].table));
 }
 
@@ -427,7 +428,8 @@ void put_struct(Writer& writer, const Table& table) {
         alternatives = fresh_name(writer, name, "_alternative");
         put_enumeration(writer, alternatives, table.type->alternatives, kChoiceMembers);
     }
-    put(writer, "struct ORLENTA_OVERLAY alignas({}) {}", record_name(table), name);
+    put(writer, "{}struct ORLENTA_OVERLAY alignas({}) {}", comment_lines(table.about, "// "),
+        record_name(table), name);
     switch (table.kind) {
         case ASN1_KIND_SEQUENCE:
         case ASN1_KIND_SET:
@@ -481,7 +483,8 @@ void put_types(Writer& writer) {
     for (const Table* table : tables)
         if (has_record(*table) && table->kind == ASN1_KIND_TAGGED) put_tagged_name(writer, *table);
     for (const Alias& alias : writer.layout.aliases)
-        put(writer, "using {} = {};\n", alias.name, typed_name(writer.layout, *alias.table));
+        put(writer, "{}using {} = {};\n", comment_lines(alias.about, "// "), alias.name,
+            typed_name(writer.layout, *alias.table));
     put(writer, "\n");
     for (const Table* table : tables)
         if (is_any_struct(*table)) put_struct(writer, *table);

@@ -29,9 +29,10 @@ uint32_t place_of(TextPool& pool, const std::string& text) {
 
 // Where the name in C is another one, it stands behind that of the schema.
 entry named_entry(TextPool& pool, const std::string& name, const std::string& table,
-                  const std::string& module) {
+                  const std::string& module, const std::string& about) {
     entry made = {};
     made.module = place_of(pool, module);
+    if (!about.empty()) made.about = place_of(pool, about);
     if (name == table) {
         made.name = place_of(pool, name);
         return made;
@@ -101,7 +102,7 @@ void find_ways(Ways& ways) {
 
 // By the way of the type that it stands for.
 void add_alias(Ways& ways, TextPool& pool, const Alias& alias) {
-    entry made = named_entry(pool, alias.schema_name, alias.name, alias.module);
+    entry made = named_entry(pool, alias.schema_name, alias.name, alias.module, alias.about);
     auto target = ways.entries.find(alias.table);
     if (target != ways.entries.end()) {
         made.from = ways.out.entries[target->second].from;
@@ -175,8 +176,8 @@ CatalogueForm catalogue_form(const Layout& layout) {
         if (table->table_class == Table::Class::anonymous) continue;
         ways.entries.emplace(table, static_cast<uint32_t>(ways.listed.size()));
         ways.listed.push_back(table);
-        out.entries.push_back(
-            named_entry(pool, table->name, table->symbol.substr(layout.region.size() + 1), table->module));
+        out.entries.push_back(named_entry(pool, table->name, table->symbol.substr(layout.region.size() + 1),
+                                          table->module, table->about));
         if (roots.contains(table)) out.entries.back().flags |= orlenta::catalogue::kIsRoot;
     }
     ways.has_way.resize(ways.listed.size());

@@ -182,6 +182,7 @@ void fill_named(Builder& builder, const NamedType* type) {
     Table& table = *found->second;
     builder.enclosing = builder.names.at(type);
     builder.module = table.module;
+    table.about = type->about;
     fill_tables_of(builder, table, *type);
     if (table.symbol.empty()) name_nested(builder, table);
     builder.out.tables.push_back(&table);
@@ -217,7 +218,7 @@ bool make_layout(const Schema& schema, const LayoutOptions& options, Layout& out
     for (const NamedType* type : schema.types)
         if (!builder.named.contains(type))
             out.aliases.push_back({builder.names.at(type), builder.named[real_type(type)], type->name,
-                                   shown_module(type->module)});
+                                   shown_module(type->module), type->about});
     out.lists_aliases = !schema.shipped_forms;
     for (const NamedType* type : builder.references.roots) out.roots.push_back(builder.named[type]);
     sort_errors(diags);

@@ -50,6 +50,7 @@ struct Table {
     std::string symbol;          // without "asn1_type_": CN_Latitude, US_Lpn_1, EU__local_17
     std::string name;            // the schema's, for a named one
     std::string module;          // of the type, or of the one around it
+    std::string about;           // what the schema says of a named one
     const Type* type = nullptr;  // null for an OBJECT_CLASS; what is referred to for a TAGGED
     uint32_t kind = 0;           // ASN1_KIND_...
     std::vector<Word> words;
@@ -63,6 +64,7 @@ struct Alias {
     const Table* table = nullptr;
     std::string schema_name = {};
     std::string module = {};
+    std::string about = {};
 };
 
 struct Layout {

@@ -231,6 +231,7 @@ struct Type {
 struct NamedType {
     std::string name;  // schema name with its hyphens; for an instance that of the parameterised type
     std::string module;
+    std::string about;  // the first paragraph of the comment above it
     Type* type = nullptr;
     bool is_instance = false;  // a numbered instance of a parameterised type: exported as name_k
     bool is_alias =

@@ -146,6 +146,7 @@ Type* resolve_instance(Resolver& resolver, const AstType& ast, const Scope& scop
             NamedType& instance = resolver.schema.named_pool.emplace_back();
             instance.name = meaning.assignment->name;
             instance.module = meaning.module->ast->name;
+            instance.about = meaning.assignment->about;
             instance.is_instance = true;
             instance.place = ast.place;
             resolver.schema.instances.push_back(&instance);

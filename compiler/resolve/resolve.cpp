@@ -17,6 +17,7 @@ void declare_types(Resolver& resolver) {
             NamedType& named = resolver.schema.named_pool.emplace_back();
             named.name = assignment->name;
             named.module = names.ast->name;
+            named.about = assignment->about;
             named.place = assignment->place;
             resolver.named[assignment] = &named;
             resolver.schema.types.push_back(&named);

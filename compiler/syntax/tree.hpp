@@ -178,6 +178,7 @@ struct AstAssignment {
     AstValue* value = nullptr;
     TokenRange braces;  // set: as in AstValue
     AstClass* object_class = nullptr;
+    std::string about;  // the comment above it
     Place place;
 };
 

@@ -40,6 +40,8 @@ typedef struct orlenta_type_entry {
     const char* table;          /**< after asn1_type_<region>_ in C: "Position_LL_24B", "Lpn_1" */
     const asn1_type_desc* type; /**< good for all functions that take a descriptor */
     uint32_t is_root;           /**< no other type of the region refers to it */
+    const char*
+        about; /**< what it is, in a sentence or two, from the comment above it in the schema; or null */
 } orlenta_type_entry;
 
 /** How many types there are. Types in place are among them, if they have components, alternatives, items or elements of

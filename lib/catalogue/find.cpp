@@ -55,8 +55,13 @@ static bool is_called(const orlenta_type_entry& entry, const wanted_name& wanted
 static void read_names(const region& in, const entry& at, orlenta_type_entry* out) {
     const char* name = in.texts + at.name;
     bool has_table_name = (at.flags & kHasTableName) != 0;
-    *out = {in.texts, in.texts + at.module,     name, has_table_name ? name + strlen(name) + 1 : name,
-            nullptr,  (at.flags & kIsRoot) != 0};
+    *out = {in.texts,
+            in.texts + at.module,
+            name,
+            has_table_name ? name + strlen(name) + 1 : name,
+            nullptr,
+            (at.flags & kIsRoot) != 0,
+            at.about != 0 ? in.texts + at.about : nullptr};
 }
 
 }  // namespace orlenta::catalogue

@@ -12,7 +12,7 @@
 namespace orlenta::catalogue {
 
 enum : uint32_t {
-    kFormat = 1,
+    kFormat = 2,
     kLongestWay = 16,  // from a pointer to a descriptor, in words
 };
 
@@ -21,6 +21,7 @@ enum entry_flags : uint16_t { kIsRoot = 1, kHasTableName = 2 };
 struct entry {
     uint32_t name;    // offset in the texts
     uint32_t module;  // likewise
+    uint32_t about;   // likewise; 0: nothing
     uint32_t from;    // the entry whose descriptor points at this one's; or index of a pointer
     uint16_t word;    // which word of that descriptor does; 0: none, `from` is of a pointer
     uint16_t flags;   // kHasTableName: the name in C is another one than `name`, and stands behind it

@@ -82,6 +82,27 @@ TEST_F(Command, WritesUnitsIntoTheHeader) {
     EXPECT_NE(header.find("    uint32_t x; /* INTEGER (0..9); unit 1 s */\n"), std::string::npos);
 }
 
+// Also what would end a comment or a string, or join two lines.
+TEST_F(Command, WritesCommentsIntoTheHeader) {
+    std::string module =
+        write("m.asn1",
+              "M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n"
+              "-- \"Speed\" over ground, what?\?/ */ /* \\\n--   of it.\nB ::= INTEGER (0..7)\n"
+              "-- Once more.\nC ::= B\n-- With a tag.\nD ::= [5] C\n"
+              "/** @brief Of " +
+                  std::string(30, 'x') + " " + std::string(80, 'y') + " */\nE ::= SEQUENCE { b B }\nEND\n");
+    ASSERT_EQ(run(compile(module)), 0) << read("err");
+    std::string header = read("gen/t.h"), typed = read("gen/t.hpp");
+    for (const char* text :
+         {"/* \"Speed\" over ground, what? ?/ * / / * \\ of it.\n * INTEGER (0..7) */\ntypedef",
+          "/* Once more. */\ntypedef asn1_T_B asn1_T_C;", "/* With a tag. */\ntypedef",
+          "/* Of xxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\n * yyyyyyy", "y\n * SEQUENCE */\nstruct asn1_T_E {"})
+        EXPECT_NE(header.find(text), std::string::npos) << text << header;
+    for (const char* text :
+         {"// Once more.\nusing C = B;", "// With a tag.\nusing D = ", "y\nstruct ORLENTA_OVERLAY"})
+        EXPECT_NE(typed.find(text), std::string::npos) << text << typed;
+}
+
 TEST_F(Command, LeavesFilesAloneThatAreTheSame) {
     std::string module = write("m.asn1", kGood);
     ASSERT_EQ(run(compile(module)), 0);

@@ -146,6 +146,44 @@ TEST(Schema, CompilesPublishedModulesFromFiles) {
     EXPECT_STREQ(orlenta_version(), ORLENTA_VERSION);
 }
 
+// ---- what a schema says of its types ------------------------------------------------------------------------
+
+// The first paragraph of the comment above; `A ::= NULL` stands behind the text.
+TEST(Schema, TellsWhatCommentsSay) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"-- One.\n", "One."},
+        {"  --One --  \r\n\t--   and  \"two\"\t\\ ??/.\n",
+         "One and \"two\" \\ ?"
+         "?/."},
+        {"-- One.\n--\n-- Two.\n", "One."},
+        {"------\n-- = One. =\n------\n", "One."},
+        {"-- Apart.\n\n", ""},
+        {"B ::= NULL -- Behind another.\n", ""},
+        {"-- One. -- B ::= NULL\n", ""},
+        {"-- One.\nB ::= NULL ", ""},
+        {"-- B ::= NULL\n", ""},
+        {"--@ note\n", ""},
+        {"/* One. */\n", "One."},
+        {"/**\n * @brief One\n * -- two.\n *\n * Three.\n */\n", "One -- two."},
+        {"/* One.\n@unit m */\n", "One."},
+        {"B ::= NULL /* One.\n */\n", ""},
+        {"/* One */ B ::= /* two\n */ NULL\n", ""},
+        {"/* One */ /* two */\n", ""},
+        {"-- \xE9\xE9 One.\n", "One."},
+        {"-- \xE9\x80\x9F\xF0\x9F\x9A\x97.\n", "\xE9\x80\x9F\xF0\x9F\x9A\x97."},
+        {"-- \xED\xA0\x80 One.\n", "One."},
+    };
+    for (const auto& [comment, about] : rows) {
+        SCOPED_TRACE(comment);
+        Schema schema = compile(
+            std::string("M DEFINITIONS AUTOMATIC TAGS ::= BEGIN\n") + comment + "A ::= NULL\nEND\n", "");
+        orlenta_type_entry entry = {};
+        ASSERT_EQ(orlenta_catalogue_find(orlenta_schema_catalogue(schema.get()), "A", &entry, nullptr), 0);
+        EXPECT_STREQ(entry.about ? entry.about : "", about);
+        EXPECT_NE(entry.about ? entry.about : about, std::string());
+    }
+}
+
 // ---- units ------------------------------------------------------------------------------------------------
 
 std::string shown(const orlenta_unit* unit, int64_t number) {

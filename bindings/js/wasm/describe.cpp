@@ -96,6 +96,10 @@ ORLENTA_JS int js_describe(const asn1_type_desc* type) {
         if (entry.name[0] != '\0')
             asn1_printf(&buffer, ",\"region\":\"%s\",\"module\":\"%s\",\"name\":\"%s\"", entry.region,
                         entry.module, entry.name);
+        if (entry.about) {
+            asn1_puts(&buffer, ",\"about\":");
+            put_json_string(&buffer, entry.about);
+        }
     }
     if (facts.has_lower != 0 || facts.big_lower) put_bound(&buffer, "lower", facts.big_lower, facts.lower);
     if (facts.has_upper != 0 || facts.big_upper) put_bound(&buffer, "upper", facts.big_upper, facts.upper);

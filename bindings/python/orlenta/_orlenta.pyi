@@ -10,6 +10,7 @@ class Type:
     name: str
     region: str
     module: str
+    about: str
     documentation: str
     schema: Schema
     kind: str

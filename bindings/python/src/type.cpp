@@ -61,6 +61,11 @@ static PyObject* get_text(PyObject* self, void* which) {
     return text_object(text ? text : "");
 }
 
+static PyObject* get_about(PyObject* self, void*) {
+    const char* about = handle_of(self).entry.about;
+    return text_object(about ? about : "");
+}
+
 static PyObject* get_documentation(PyObject* self, void*) {
     return PyObject_CallFunction(state.describe, "O", self);
 }
@@ -268,6 +273,7 @@ PyTypeObject* make_type_class() {
         {"name", get_name, nullptr, "The name in full, as 'EU.CAM'.", nullptr},
         {"region", get_text, nullptr, "The region; '' if the schema was given none.", nullptr},
         {"module", get_text, nullptr, "The module that has the type.", methods},
+        {"about", get_about, nullptr, "What it is, in a sentence or two, if the schema tells; or ''.", nullptr},
         {"documentation", get_documentation, nullptr, "Its definition, in the notation of X.680.", nullptr},
         {"schema", get_schema, nullptr, "The Schema that has the type.", nullptr},
         {"kind", get_kind, nullptr, "What it is: 'SEQUENCE', 'INTEGER', 'IA5String', 'open type' ...",

@@ -7,6 +7,12 @@ import { editor } from "./edit";
 import { absentOf, canGrow, childrenOf, type Node, type OpenTypes, rootNode } from "./tree-nodes";
 import { boundsText, leafText, meaning, shortened, typeText } from "./value-text";
 
+// What a component is, for those who point at its name.
+function hint(type: TypeInfo): string {
+    const text = `${typeText(type)} ${boundsText(type)}`.trim();
+    return type.about ? `${text}\n${type.about}` : text;
+}
+
 export interface Shown {
     typeName: string;
     type: TypeInfo;
@@ -158,7 +164,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
             h("span", { class: "twisty" }, node.isContainer ? (isOpen(node) ? "▾" : "▸") : ""),
             h(
                 "span",
-                { class: "name", title: node.type && `${typeText(node.type)} ${boundsText(node.type)}`.trim() },
+                { class: "name", title: node.type && hint(node.type) },
                 node.name,
             ),
             valueCell(node),
