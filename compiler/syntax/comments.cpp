@@ -66,10 +66,11 @@ bool is_utf8(std::string_view text) {
     return true;
 }
 
-// Words with a space between two; control characters separate words.
+// Words with a space between two; control characters separate words. Of a text that is no UTF-8 the ASCII is left.
 void append_words(std::string& out, std::string_view text) {
-    bool is_apart = !out.empty();
+    bool is_apart = !out.empty(), is_readable = is_utf8(text);
     for (char c : text) {
+        if (!is_readable && static_cast<unsigned char>(c) >= 0x80) continue;
         bool is_blank = static_cast<unsigned char>(c) <= ' ' || c == '\x7F';
         if (!is_blank && is_apart) out += ' ';
         if (!is_blank) out += c;
@@ -100,7 +101,6 @@ std::string comment_above(const std::vector<std::string_view>& lines, const Plac
         if (is_over && !about.empty()) break;
         if (!is_over) append_words(about, text);
     }
-    if (!is_utf8(about)) std::erase_if(about, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
     return about.find("::=") == about.npos ? about : "";
 }
 

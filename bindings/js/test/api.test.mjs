@@ -75,6 +75,7 @@ test("types and what they are made of", async () => {
     assert.throws(() => codec.type("EU.REG-EXT-ID-AND-TYPE"), orlenta.UnknownType); // a class
     const { unit, scale, special } = codec.type("CN.Speed").unit;
     assert.deepEqual([unit, scale, special.at(-1)], ["m/s", 0.02, { value: 8191, last: 8191, meaning: "unavailable" }]);
+    assert.equal(codec.type("CN.Heading").about, "Direction of travel, clockwise from true north.");
     assert.deepEqual(codec.type("CN.SteeringWheelAngle").unit.special[0], { value: -126, last: -126, meaning: "orLess", limit: -1 });
 });
 

@@ -142,6 +142,9 @@ def test_built_in():
     assert cam.region == "EU" and cam.is_root and pickle.loads(pickle.dumps(cam)) == cam
     assert "EU.CAM" in orlenta.types("eu.*cam*") and len(orlenta.types()) > 3000
     assert cam.schema is orlenta.builtin
+    heading = orlenta.type("CN.Heading")
+    assert heading.about == "Direction of travel, clockwise from true north."
+    assert f"-- {heading.about}\nHeading ::= INTEGER" in heading.documentation
     unit = orlenta.type("EU.SpeedValue").unit
     assert (unit.symbol, unit.scale, unit.offset) == ("m/s", 0.01, 0.0) and (16383, 16383, "unavailable", 0) in unit.specials
     assert unit.physical(16383) == "unavailable" and unit.physical(1500) == pytest.approx(15)
