@@ -170,15 +170,17 @@ CASES = [
     ("types cn.lat*", "", 0, "CN.Latitude  INTEGER (-900000000..900000001)  4 bytes\n", ""),
     ("types nothing-like-it", "", 1, "", "orlenta: no type matches nothing-like-it\n"),
     ("show CN.Position3D", "", 0,
-     "Position3D ::= SEQUENCE {\n    lat Latitude,\n    lon Longitude,\n    elevation Elevation OPTIONAL\n}\n", ""),
+     "-- Absolute position in WGS 84.\nPosition3D ::= SEQUENCE {\n    lat Latitude,\n    lon Longitude,\n    elevation Elevation OPTIONAL\n}\n", ""),
     ("show asn1_type_CN_Position_LL_24B --depth 1", "", 0,
      "Position-LL-24B ::= SEQUENCE {\n    lon OffsetLL-B12,\n    lat OffsetLL-B12\n}\n\n"
+     "-- Difference in latitude or longitude to the reference point, positive to the north or east.\n"
      "OffsetLL-B12 ::= INTEGER (-2048..2047) --@ unit 0.0000001 deg\n", ""),
     ("show cn.*4way", "", 0, "...AccelerationSet4Way ::= SEQUENCE {\n", ""),
-    ("show CN.Elevation*", "", 0, "...; 61439 orMore\n\nElevationConfidence ::= ENUMERATED {\n", ""),
+    ("show CN.Elevation*", "", 0, "...; 61439 orMore\n\n-- Largest error to be expected in an elevation, at 95 % confidence.\n"
+     "ElevationConfidence ::= ENUMERATED {\n", ""),
     ("show CN.zz*", "", 2, "", "orlenta: no type matches CN.zz*\n"),
-    ("show CN.DescriptiveName", "", 0, "DescriptiveName ::= IA5String (SIZE (1..63))\n", ""),
-    ("show CN.ConnectsToList", "", 0, "ConnectsToList ::= SEQUENCE (SIZE (1..8)) OF Connection\n", ""),
+    ("show CN.DescriptiveName", "", 0, "...DescriptiveName ::= IA5String (SIZE (1..63))\n", ""),
+    ("show CN.ConnectsToList", "", 0, "...ConnectsToList ::= SEQUENCE (SIZE (1..8)) OF Connection\n", ""),
     ("show CN.EventSource", "", 0, "...    unknown (0),\n", ""),
     ("show CN.MessageFrame --recursive", "", 0, "...\nLatitude ::= INTEGER (-900000000..900000001) --@ unit 0.0000001 deg; 900000001 unavailable\n", ""),
     ("roots CN", "", 0, "...CN.MessageFrame\n", ""),

@@ -152,7 +152,8 @@ TEST(Schema, CompilesPublishedModulesFromFiles) {
 TEST(Schema, TellsWhatCommentsSay) {
     const std::pair<const char*, const char*> rows[] = {
         {"-- One.\n", "One."},
-        {"  --One --  \r\n\t--   and  \"two\"\t\\ ?" "?/.\n",
+        {"  --One --  \r\n\t--   and  \"two\"\t\\ ?"
+         "?/.\n",
          "One and \"two\" \\ ?"
          "?/."},
         {"-- One.\n--\n-- Two.\n", "One."},
@@ -164,7 +165,7 @@ TEST(Schema, TellsWhatCommentsSay) {
         {"-- B ::= NULL\n", ""},
         {"--@ note\n", ""},
         {"/* One. */\n", "One."},
-        {"/**\n * @brief One\n * -- two.\n *\n * Three.\n */\n", "One -- two."},
+        {"/**\n * @brief One\n * -- two.\n *\n * Three.\n */\n", "One two."},
         {"/* One.\n@unit m */\n", "One."},
         {"B ::= NULL /* One.\n */\n", ""},
         {"/* One */ B ::= /* two\n */ NULL\n", ""},
