@@ -162,11 +162,7 @@ export function createTree(host: HTMLElement, events: TreeEvents): TreeView {
                 "data-path": node.path,
             },
             h("span", { class: "twisty" }, node.isContainer ? (isOpen(node) ? "▾" : "▸") : ""),
-            h(
-                "span",
-                { class: "name", title: node.type && hint(node.type) },
-                node.name,
-            ),
+            h("span", { class: "name", title: node.type && hint(node.type) }, node.name),
             valueCell(node),
         );
         row.style.setProperty("--depth", String(node.depth));
