@@ -9,8 +9,7 @@ int main(void) {
     cam.cam.generationDeltaTime = 38217;
     asn1_EU_BasicContainer* basic = &cam.cam.camParameters.basicContainer;
     basic->stationType = 5;
-    basic->referencePosition.latitude = 481351254;
-    basic->referencePosition.longitude = 115819806;
+    basic->referencePosition = (asn1_EU_ReferencePosition){.latitude = 481351254, .longitude = 115819806};
     basic->referencePosition.positionConfidenceEllipse = (asn1_EU_PosConfidenceEllipse){95, 62, 1240};
     basic->referencePosition.altitude.altitudeValue = 51930;
     orlenta_EU_Altitude_set_altitudeConfidence(&basic->referencePosition.altitude,

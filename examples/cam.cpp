@@ -26,7 +26,6 @@ int main() {
     vehicle.curvatureCalculationMode = eu::CurvatureCalculationMode::yawRateUsed;
     vehicle.yawRate = {-153, eu::YawRateConfidence::degSec_000_05};
     vehicle.accelerationControl = {eu::AccelerationControl_bit::gasPedalEngaged};
-
     auto bytes = orlenta::encode(orlenta::uper, cam);
     if (!bytes) return std::cerr << bytes.error() << '\n', 1;
     auto back = orlenta::decode<eu::CAM>(orlenta::uper, *bytes);
