@@ -7,8 +7,8 @@ namespace orlentac {
 
 namespace {
 
-// Lines are drawn with these.
-constexpr std::string_view kRules = "-=*#_~/ \t\r";
+// What stands around the text of a comment, and what headings of sections are drawn with.
+constexpr std::string_view kMarks = "-*/ \t\r", kDrawn = "=#_~";
 
 std::string_view without(std::string_view text, std::string_view left, std::string_view right) {
     text.remove_prefix(std::min(text.find_first_not_of(left), text.size()));
@@ -95,9 +95,11 @@ std::string comment_above(const std::vector<std::string_view>& lines, const Plac
     if (!trimmed(lines[line].substr(0, static_cast<size_t>(place.column) - 1)).empty()) return "";
     std::string about;
     for (std::string_view text : comment_lines(lines, line)) {
-        text = without(text, kRules, kRules);
+        text = without(text, kMarks, kMarks);
         if (text.starts_with("@brief ")) text.remove_prefix(7);
-        bool is_over = text.empty() || text.starts_with('@');  // other tags tell of other things
+        bool is_heading = !text.empty() && kDrawn.find(text[0]) != kDrawn.npos;
+        bool is_over =
+            text.empty() || is_heading || text.starts_with('@');  // other tags tell of other things
         if (is_over && !about.empty()) break;
         if (!is_over) append_words(about, text);
     }

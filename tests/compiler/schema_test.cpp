@@ -157,7 +157,9 @@ TEST(Schema, TellsWhatCommentsSay) {
          "One and \"two\" \\ ?"
          "?/."},
         {"-- One.\n--\n-- Two.\n", "One."},
-        {"------\n-- = One. =\n------\n", "One."},
+        {"------\n-- One.\n------\n", "One."},
+        {"-- === Section ===\n-- One.\n", "One."},
+        {"--\n-- ### Section\n--\n", ""},
         {"-- Apart.\n\n", ""},
         {"B ::= NULL -- Behind another.\n", ""},
         {"-- One. -- B ::= NULL\n", ""},
