@@ -15,8 +15,8 @@ struct References {
     // In shipped forms alone: the tag that stands in the named type's own descriptor, as all its references agree on
     // it. An alias that a component or alternative refers to is always here: its descriptor is nothing but that tag.
     std::unordered_map<const NamedType*, uint32_t> folded;
-    // In shipped forms alone: alternatives in place that have their tag in a wrapper nevertheless: simple ones with bounds, in a CHOICE that
-    // is itself reached through wrappers, for its references have different tags.
+    // In shipped forms alone: alternatives in place that have their tag in a wrapper nevertheless: simple ones with
+    // bounds, in a CHOICE that is itself reached through wrappers, for its references have different tags.
     std::unordered_set<const Type*> wrapped;
     // Components and alternatives that hold their value through a pointer, for they lead back into a type around them.
     std::unordered_set<const Type*> indirect;

@@ -45,10 +45,9 @@ enum op_kind : uint8_t {
     kCountedLeaf,        // as kLeaf, in one to four octets behind two bits that count them
     kCountedBigInteger,  // as kBigInteger, in octets behind `width` bits that count them
 
-    // In OER, where `width` is in octets: a leaf's part is octet_leaves[], `count` those in a row from this one on, in a SEQUENCE's row; a fixed
-    // length is `low` with a width of 0; of a
-    // big integer a width of 0 is a length in front, `low` are limbs that count while it is read, `range` is 1 if it has no
-    // sign. In OER alone:
+    // In OER, where `width` is in octets: a leaf's part is octet_leaves[], `count` those in a row from this one on, in a
+    // SEQUENCE's row; a fixed length is `low` with a width of 0; of a big integer a width of 0 is a length in front,
+    // `low` are limbs that count while it is read, `range` is 1 if it has no sign. In OER alone:
     kCountedNumber,  // a number of 32 bits behind its length, signed if `low` is not 0
     kEnumeration,    // an ENUMERATED whose numbers are not its indices
 };
@@ -65,8 +64,8 @@ constexpr uint8_t kAlignLength = 1, kAlignContents = 2;
 struct op {
     op_kind kind;
     uint8_t width;
-    uint8_t
-        count;  // kGroup: its leaves; kLeaf: as many as a window holds; kChars: see there; kBigInteger: a lower bound is added
+    // kGroup: its leaves; kLeaf: as many as a window holds; kChars: see there; kBigInteger: a lower bound is added
+    uint8_t count;
     uint8_t gates;       // kGroup: those of its leaves that are extension bits, which come first
     uint32_t offset;     // of the value in the record
     uint32_t presence;   // offset of the presence word, or kNone
@@ -80,8 +79,8 @@ struct op {
 };
 static_assert(sizeof(op) == 32);
 
-// A leaf of a group; between leaves there may be padding. A gate is the extension bit of a SEQUENCE whose components became leaves of the group: range 0,
-// and its place is that of the leaf behind it.
+// A leaf of a group; between leaves there may be padding. A gate is the extension bit of a SEQUENCE whose components
+// became leaves of the group: range 0, and its place is that of the leaf behind it.
 struct leaf {
     uint32_t place;  // offset in the record << 8 | distance from the window's lowest bit
     uint32_t low, range, mask;

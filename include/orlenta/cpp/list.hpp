@@ -10,8 +10,8 @@
 
 namespace orlenta {
 
-/// Like std::vector, over the record of a list; a contiguous range, and so convertible to std::span. The record tells no capacity:
-/// push_back asks the allocator for room each time, which is cheap where the block has it.
+/// Like std::vector, over the record of a list; a contiguous range, and so convertible to std::span. The record tells
+/// no capacity: push_back asks the allocator for room each time, which is cheap where the block has it.
 template <class T>
 class ORLENTA_OVERLAY list {
     T* data_ = nullptr;
