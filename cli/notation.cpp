@@ -287,16 +287,8 @@ static std::string body_text(const asn1_type_desc* type, int level) {
     }
 }
 
-// A pair of hyphens would end it.
-static std::string about_comment(const char* about) {
-    if (!about) return "";
-    std::string text = about;
-    for (size_t at = 0; (at = text.find("--", at)) != std::string::npos;) text.erase(at, 1);
-    return fmt::format("-- {}\n", text);
-}
-
 std::string definition_text(const orlenta_type_entry& entry) {
-    return fmt::format("{}{} ::= {}{}\n", about_comment(entry.about),
+    return fmt::format("{}{} ::= {}{}\n", entry.about ? fmt::format("-- {}\n", entry.about) : "",
                        is_named(entry) ? entry.name : entry.table, body_text(entry.type, 0),
                        unit_comment(entry.type, ""));
 }

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 #include "compiler/layout/names.hpp"
 #include "compiler/layout/records.hpp"
@@ -174,6 +175,12 @@ std::string description(const Table& table) {
     return type.unit ? fmt::format("{}; unit {}", text, type.unit->text) : text;
 }
 
+std::string fit_for_comment(std::string text) {
+    for (std::string_view mark : {"*/", "/*", "??"})
+        for (size_t at = 0; (at = text.find(mark, at)) != std::string::npos;) text.insert(at + 1, 1, ' ');
+    return text;
+}
+
 std::string comment_lines(const std::string& about, std::string_view prefix) {
     constexpr size_t kWidth = 100;
     std::string out, line;
@@ -184,8 +191,7 @@ std::string comment_lines(const std::string& about, std::string_view prefix) {
     };
     std::istringstream words(about);
     for (std::string word; words >> word;) {
-        for (std::string_view mark : {"*/", "/*", "??"})
-            for (size_t at = 0; (at = word.find(mark, at)) != std::string::npos;) word.insert(at + 1, 1, ' ');
+        word = fit_for_comment(std::move(word));
         if (!line.empty() && line.size() + 1 + word.size() > kWidth) end_line();
         line += (line.empty() ? "" : " ") + word;
     }

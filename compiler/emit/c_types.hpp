@@ -51,8 +51,9 @@ std::string key_owner(const Table& table, const Part& key);
 
 // The ASN.1 type in a few words, with its bounds: "INTEGER (0..255)".
 std::string description(const Table& table);
-// What a schema says of a type, in lines of a comment that each begin with `prefix`; what would end or nest a comment is
-// taken apart.
+// The text with what would end or nest a comment, or be read as a trigraph in it, taken apart.
+std::string fit_for_comment(std::string text);
+// What a schema says of a type, so made fit, in lines of a comment that each begin with `prefix`.
 std::string comment_lines(const std::string& about, std::string_view prefix);
 
 }  // namespace orlentac

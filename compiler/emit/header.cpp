@@ -139,8 +139,7 @@ void put_member(Writer& writer, const Part& part, const std::string& name, const
 // A default that no table can hold is left to the program.
 std::string default_comment(const Component& component) {
     if (component.presence != Presence::defaulted) return "";
-    std::string text = component.default_text;
-    for (size_t at = 0; (at = text.find("*/", at)) != std::string::npos;) text.replace(at, 2, "* /");
+    std::string text = fit_for_comment(component.default_text);
     for (char& c : text)
         if (static_cast<unsigned char>(c) < ' ') c = ' ';
     return fmt::format(" /* absent stands for the default, {} */", text);

@@ -38,7 +38,7 @@ std::vector<std::string_view> block_above(const std::vector<std::string_view>& l
     return {};
 }
 
-std::vector<std::string_view> comment_lines(const std::vector<std::string_view>& lines, size_t line) {
+std::vector<std::string_view> lines_above(const std::vector<std::string_view>& lines, size_t line) {
     std::vector<std::string_view> found;
     if (line > 0 && trimmed(lines[line - 1]).ends_with("*/")) {
         found = block_above(lines, line);
@@ -66,11 +66,13 @@ bool is_utf8(std::string_view text) {
     return true;
 }
 
-// Words with a space between two; control characters separate words. Of a text that is no UTF-8 the ASCII is left.
+// Words with a space between two; control characters separate words. Of a text that is no UTF-8 the ASCII is left, of
+// hyphens in a row one, as a comment of ASN.1 can hold no more.
 void append_words(std::string& out, std::string_view text) {
     bool is_apart = !out.empty(), is_readable = is_utf8(text);
     for (char c : text) {
         if (!is_readable && static_cast<unsigned char>(c) >= 0x80) continue;
+        if (c == '-' && !is_apart && out.ends_with('-')) continue;
         bool is_blank = static_cast<unsigned char>(c) <= ' ' || c == '\x7F';
         if (!is_blank && is_apart) out += ' ';
         if (!is_blank) out += c;
@@ -94,7 +96,7 @@ std::string comment_above(const std::vector<std::string_view>& lines, const Plac
     size_t line = static_cast<size_t>(place.line) - 1;
     if (!trimmed(lines[line].substr(0, static_cast<size_t>(place.column) - 1)).empty()) return "";
     std::string about;
-    for (std::string_view text : comment_lines(lines, line)) {
+    for (std::string_view text : lines_above(lines, line)) {
         text = without(text, kMarks, kMarks);
         if (text.starts_with("@brief ")) text.remove_prefix(7);
         bool is_heading = !text.empty() && kDrawn.find(text[0]) != kDrawn.npos;

@@ -6,6 +6,7 @@
 #include <stdlib.h>
 
 #include "core/error.hpp"
+#include "core/extension.hpp"
 #include "core/path.hpp"
 #include "core/presence.hpp"
 
@@ -22,7 +23,7 @@ static int check_group(check_state* state, const asn1_field* first, const asn1_f
         if (!is_there && !missing && field_option(field) == ASN1_OPTION_MANDATORY) missing = field;
     }
     if (!is_present || !missing) return 0;
-    return asn1_check_error(state, "extension group component '%s' must be present", field_name(missing));
+    return asn1_check_error(state, kMissingMember, field_name(missing));
 }
 
 // A DEFAULT component is always stored, and so always checked.

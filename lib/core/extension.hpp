@@ -6,6 +6,9 @@
 
 namespace orlenta {
 
+// A group is there as soon as one of its members is, and then all mandatory ones have to be. Takes the member's name.
+inline constexpr char kMissingMember[] = "extension group component '%s' must be present";
+
 struct extension_unit {
     const asn1_field* first;  // null behind the last unit
     uint32_t count;           // members

@@ -35,8 +35,7 @@ static int report_addition(const presence_check& check, int32_t i) {
 }
 
 static int report_member(const presence_check& check, int32_t i) {
-    snprintf(check.msg, check.msg_size, "extension group component '%s' must be present",
-             field_name(&check.fields[i]));
+    snprintf(check.msg, check.msg_size, kMissingMember, field_name(&check.fields[i]));
     return -1;
 }
 

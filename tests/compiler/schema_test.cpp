@@ -172,6 +172,7 @@ TEST(Schema, TellsWhatCommentsSay) {
         {"B ::= NULL /* One.\n */\n", ""},
         {"/* One */ B ::= /* two\n */ NULL\n", ""},
         {"/* One */ /* two */\n", ""},
+        {"/* One -- two --- three - -- four. */\n", "One - two - three - - four."},
         {"-- \xE9\xE9 One.\n", "One."},
         {"-- \xE9\x80\x9F\xF0\x9F\x9A\x97.\n", "\xE9\x80\x9F\xF0\x9F\x9A\x97."},
         {"-- \xED\xA0\x80 One.\n", "One."},

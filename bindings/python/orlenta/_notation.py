@@ -64,5 +64,5 @@ def body(type, indent=""):
 def describe(type):
     """The type's definition, as far as the tables have it: Type.documentation."""
     where = f"-- module {type.module}\n" if type.module else ""
-    about = f"-- {type.about.replace('--', '-')}\n" if type.about else ""
+    about = f"-- {type.about}\n" if type.about else ""
     return f"{where}{about}{type.name.rpartition('.')[2]} ::= {body(type)}"
